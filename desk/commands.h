@@ -1,0 +1,64 @@
+// The commands of the program beside the desk itself. Each prints its result on standard output and raises
+// UserError with a sentence for the person at the machine.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "toolkit/date.h"
+
+namespace orv::commands {
+
+struct Init {
+  std::string database;
+  bool demo = false;
+  int scale = 1;
+  std::string companies = "_001";  // "_001,_002"
+  std::string date;                // "yyyy-mm-dd", today by default
+};
+void RunInit(const Init& options);
+
+struct Drive {
+  std::string database, user, company = "_001", today, data;
+};
+// The exit status: 0 when every line was understood.
+int RunDrive(const Drive& options);
+
+struct User {
+  std::string database, name, screen_class, kinds;
+  bool admin = false;
+};
+void UserAdd(const User& options);
+void UserPassword(const User& options);
+void UserGrant(const User& options);
+void UserRevoke(const User& options);
+void UserList(const User& options);
+void UserRemove(const User& options);
+
+struct Param {
+  std::string database, group, value, company;
+  int number = 0;
+};
+void ParamGet(const Param& options);
+void ParamSet(const Param& options);
+void ParamList(const Param& options);
+
+struct Lock {
+  std::string database, company = "_001", account, until;
+  bool cash = false;
+};
+void LockSet(const Lock& options);
+void LockClear(const Lock& options);
+void LockList(const Lock& options);
+
+void HolidayAdd(const std::string& database, const std::string& date, const std::string& name,
+                const std::string& company);
+void CompanyAdd(const std::string& database, const std::string& suffix, const std::string& name);
+// The number of contradictions found; each is printed.
+std::size_t Check(const std::string& database);
+void Upgrade(const std::string& database);
+void RunBackup(const std::string& database, const std::string& file);
+// The latest lines of the audit table, the oldest first.
+void AuditTail(const std::string& database, int count);
+
+}  // namespace orv::commands

@@ -1,0 +1,169 @@
+// The program orvcc.
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <iostream>
+
+#include "desk/commands.h"
+#include "toolkit/error.h"
+
+namespace {
+
+using namespace orv;
+using namespace orv::commands;
+
+// Gives a command the database option, which every command takes.
+void Database(CLI::App* command, std::string& database) {
+  command->add_option("--database", database, "Arquivo do banco (embutido) ou servidor:apelido")
+      ->envname("ORVCC_DATABASE")
+      ->required();
+}
+
+void AddUserCommands(CLI::App& app, User& user) {
+  CLI::App* group = app.add_subcommand("user", "Usuários, senhas e direitos");
+  group->require_subcommand(1);
+  const auto add = [&](const char* name, const char* help, void (*run)(const User&), bool named = true) {
+    CLI::App* command = group->add_subcommand(name, help);
+    Database(command, user.database);
+    if (named) command->add_option("usuario", user.name, "Nome de login")->required();
+    command->callback([run, &user] { run(user); });
+    return command;
+  };
+  CLI::App* made = add("add", "Cria um usuário; a senha vem da entrada padrão", UserAdd);
+  made->add_flag("--admin", user.admin, "Tem todos os direitos");
+  add("password", "Troca a senha, lida da entrada padrão", UserPassword);
+  for (CLI::App* command : {add("grant", "Dá direitos em uma tela", UserGrant),
+                            add("revoke", "Retira direitos de uma tela", UserRevoke)}) {
+    command->add_option("classe", user.screen_class, "Classe da tela, ou *")->required();
+    command->add_option("tipos", user.kinds, "A (incluir e alterar), E (excluir), AE, ou *")
+        ->default_val("*");
+  }
+  add("list", "Lista os usuários e seus direitos", UserList, false);
+  add("remove", "Remove um usuário", UserRemove);
+}
+
+void AddParamCommands(CLI::App& app, Param& param) {
+  CLI::App* group = app.add_subcommand("param", "Parâmetros da mesa");
+  group->require_subcommand(1);
+  const auto add = [&](const char* name, const char* help, void (*run)(const Param&)) {
+    CLI::App* command = group->add_subcommand(name, help);
+    Database(command, param.database);
+    command->add_option("--company", param.company, "Empresa (_001); sem ela, vale para todas");
+    command->callback([run, &param] { run(param); });
+    return command;
+  };
+  for (CLI::App* command :
+       {add("get", "Mostra um parâmetro", ParamGet), add("set", "Grava um parâmetro", ParamSet)}) {
+    command->add_option("grupo", param.group, "Grupo, como FIN")->required();
+    command->add_option("numero", param.number, "Número, como 30")->required();
+    if (command->get_name() == "set") command->add_option("valor", param.value, "Valor")->required();
+  }
+  add("list", "Lista os parâmetros", ParamList);
+}
+
+void AddLockCommands(CLI::App& app, Lock& lock) {
+  CLI::App* group = app.add_subcommand("lock", "Períodos fechados");
+  group->require_subcommand(1);
+  const auto add = [&](const char* name, const char* help, void (*run)(const Lock&)) {
+    CLI::App* command = group->add_subcommand(name, help);
+    Database(command, lock.database);
+    command->add_option("--company", lock.company, "Empresa")->capture_default_str();
+    command->callback([run, &lock] { run(lock); });
+    return command;
+  };
+  for (CLI::App* command :
+       {add("set", "Fecha um período", LockSet), add("clear", "Reabre um período", LockClear)}) {
+    auto* account = command->add_option("--account", lock.account, "Conta bancária");
+    command->add_flag("--cash", lock.cash, "O caixa")->excludes(account);
+    if (command->get_name() == "set") {
+      command->add_option("--until", lock.until, "Último dia fechado, dd/mm/aaaa ou aaaa-mm-dd")->required();
+    }
+  }
+  add("list", "Lista os períodos fechados", LockList);
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app{"orvCC: a mesa de tesouraria"};
+  app.require_subcommand(1);
+  app.set_help_flag("-h,--help", "Mostra esta ajuda");
+  int status = 0;
+
+  Init init;
+  CLI::App* command = app.add_subcommand("init", "Cria um banco; não toca em um que já existe");
+  Database(command, init.database);
+  command->add_flag("--demo", init.demo, "Com empresas de demonstração: dois anos de movimento");
+  command->add_option("--scale", init.scale, "Quantas vezes maior é a demonstração")
+      ->check(CLI::Range(1, 250));
+  command->add_option("--companies", init.companies, "Empresas, como _001,_002")->capture_default_str();
+  command->add_option("--date", init.date, "Dia em que a demonstração termina, aaaa-mm-dd");
+  command->callback([&] { RunInit(init); });
+
+  Drive drive;
+  command =
+      app.add_subcommand("drive", "A porta da mesa na entrada e na saída padrão, um objeto JSON por linha");
+  Database(command, drive.database);
+  command->add_option("--user", drive.user, "Usuário")->required();
+  command->add_option("--company", drive.company, "Empresa")->capture_default_str();
+  command->add_option("--today", drive.today, "O dia de hoje da mesa, aaaa-mm-dd");
+  command->add_option("--data", drive.data, "Pasta dos arquivos dos usuários");
+  command->callback([&] { status = RunDrive(drive); });
+
+  User user;
+  AddUserCommands(app, user);
+  Param param;
+  AddParamCommands(app, param);
+  Lock lock;
+  AddLockCommands(app, lock);
+
+  std::string database, first, second, company;
+  CLI::App* holiday = app.add_subcommand("holiday", "Feriados da empresa")->require_subcommand(1);
+  command = holiday->add_subcommand("add", "Acrescenta um feriado");
+  Database(command, database);
+  command->add_option("data", first, "dd/mm/aaaa ou aaaa-mm-dd")->required();
+  command->add_option("nome", second, "Nome do feriado")->required();
+  command->add_option("--company", company, "Empresa; sem ela, vale para todas");
+  command->callback([&] { HolidayAdd(database, first, second, company); });
+
+  CLI::App* companies = app.add_subcommand("company", "Empresas")->require_subcommand(1);
+  command = companies->add_subcommand("add", "Cria mais uma empresa no banco");
+  Database(command, database);
+  command->add_option("sufixo", first, "Sufixo das tabelas, como _003")->required();
+  command->add_option("nome", second, "Nome da empresa")->required();
+  command->callback([&] { CompanyAdd(database, first, second); });
+
+  command = app.add_subcommand("check", "Procura contradições nos dados; não muda nada");
+  Database(command, database);
+  command->callback([&] { status = Check(database) == 0 ? 0 : 2; });
+
+  command = app.add_subcommand("upgrade", "Traz o banco para a versão deste programa");
+  Database(command, database);
+  command->callback([&] { Upgrade(database); });
+
+  command = app.add_subcommand("backup", "Copia o banco em uso para um arquivo");
+  Database(command, database);
+  command->add_option("arquivo", first, "Arquivo da cópia; não pode existir")->required();
+  command->callback([&] { RunBackup(database, first); });
+
+  int count = 20;
+  command = app.add_subcommand("audit", "Mostra as últimas linhas de auditoria");
+  Database(command, database);
+  command->add_option("--last", count, "Quantas linhas")->check(CLI::Range(1, 100000))->capture_default_str();
+  command->callback([&] { AuditTail(database, count); });
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e);
+  }
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& e) {
+    std::cerr << "orvcc: " << e.what() << "\n";
+    return 1;
+  }
+}

@@ -1,0 +1,132 @@
+#include "desk/session.h"
+
+#include "frame/screen.h"
+#include "host/schema/schema.h"
+
+namespace orv {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t kStack = 8 << 20;
+#else
+constexpr std::size_t kStack = 1 << 20;
+#endif
+
+// More objects than a person can leave unanswered.
+constexpr std::size_t kMaxQueue = 10000;
+
+}  // namespace
+
+Session::Session(SessionOptions options, Log& log, Sink sink)
+    : options_(std::move(options)), log_(log), sink_(std::move(sink)) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kStack);
+  const int failed = pthread_create(&thread_, &attributes, &Session::ThreadMain, this);
+  pthread_attr_destroy(&attributes);
+  if (failed != 0) throw UserError("Não há recursos para mais uma sessão.");
+}
+
+Session::~Session() {
+  End();
+  pthread_join(thread_, nullptr);
+}
+
+void Session::Post(Json in) {
+  const bool cancel = in["do"] == Json("answer") && in["value"] == Json("cancel");
+  {
+    const std::lock_guard lock(mutex_);
+    if (queue_.size() >= kMaxQueue) return;
+    queue_.push_back(std::move(in));
+    if (cancel && gathering_) cancel_ = true;
+  }
+  arrived_.notify_one();
+}
+
+void Session::End() {
+  {
+    const std::lock_guard lock(mutex_);
+    ending_ = true;
+  }
+  arrived_.notify_one();
+}
+
+void* Session::ThreadMain(void* self) {
+  static_cast<Session*>(self)->Run();
+  return nullptr;
+}
+
+void Session::Run() {
+  try {
+    attachment_ = Attachment::Open(options_.database);
+    RequireCurrentSchema(*attachment_);
+    application_ = std::make_unique<Application>(*this, options_.clock);
+    services_ =
+        std::make_unique<SessionServices>(*application_, *attachment_, options_.user, options_.company);
+    application_->SetServices(services_->All());
+    application_->SetObserver(this);
+    log_.Write("session", {{"user", options_.user}, {"company", options_.company}});
+    try {
+      Serve();
+    } catch (const SessionEnd&) {
+      attachment_->Rollback();
+    }
+    application_->CloseAll();
+    attachment_->Rollback();
+  } catch (const SessionEnd&) {
+    // A screen that asked while it was closed for good.
+  } catch (const std::exception& e) {
+    log_.Write("session failed", {{"user", options_.user}, {"text", e.what()}});
+    SendError(e.what());
+  }
+  application_.reset();
+  services_.reset();
+  attachment_.reset();
+  ended_ = true;
+  Send({{"on", "ended"}});
+}
+
+void Session::Serve() {
+  Send({{"on", "idle"}});
+  for (;;) {
+    const Json in = Take();
+    Handle(in);
+    application_->FreeClosed();
+    Collect();
+    Send({{"on", "idle"}});
+  }
+}
+
+Json Session::Take() {
+  std::unique_lock lock(mutex_);
+  arrived_.wait(lock, [&] { return ending_ || !queue_.empty(); });
+  if (ending_) throw SessionEnd{};
+  Json in = std::move(queue_.front());
+  queue_.pop_front();
+  return in;
+}
+
+void Session::SendError(std::string_view text) { Send({{"on", "error"}, {"text", text}}); }
+
+void Session::ScreenShown(Screen& screen) {
+  Shown& shown = shown_[&screen];
+  if (shown.id == 0) shown.id = next_id_++;
+  shown.sent.clear();
+  shown.sets.clear();
+  shown.focus.clear();
+  Send({{"on", "screen"},
+        {"id", shown.id},
+        {"class", screen.ClassName()},
+        {"caption", screen.Caption()},
+        {"kind", screen.Kind() == ScreenKind::Dialog ? "dialog" : "child"},
+        {"tree", Tree(screen)}});
+}
+
+void Session::ScreenClosed(Screen& screen) {
+  const auto found = shown_.find(&screen);
+  if (found == shown_.end()) return;
+  Send({{"on", "closed"}, {"screen", found->second.id}});
+  shown_.erase(found);
+}
+
+}  // namespace orv

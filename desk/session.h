@@ -1,0 +1,144 @@
+// A session: one user's login. It owns a thread, an attachment, the services and the open screens, and speaks
+// the door: an object in, objects out, the last of them "idle" or "waiting".
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "desk/json.h"
+#include "desk/log.h"
+#include "frame/application.h"
+#include "host/data/attachment.h"
+#include "host/services/session_services.h"
+#include "toolkit/control.h"
+
+namespace orv {
+
+struct SessionOptions {
+  std::string database;
+  std::string user;
+  std::string company;  // "_001"
+  Clock clock;
+  // The user's own folder, for the files that are given to the desk.
+  std::filesystem::path folder;
+};
+
+class Session : private UserInterface, private ApplicationObserver {
+ public:
+  // Called on the session's thread with each object out.
+  using Sink = std::function<void(const Json&)>;
+
+  // Starts the thread, which attaches to the database and answers with a first "idle", or with "error" and
+  // "ended".
+  Session(SessionOptions options, Log& log, Sink sink);
+  // Ends the session and waits for its thread.
+  ~Session() override;
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // From any thread: queues an object in. "cancel" during a long gathering ends that action.
+  void Post(Json in);
+  // From any thread: the session ends as soon as it waits for the next object; an open action is unwound and
+  // rolled back.
+  void End();
+  bool Ended() const { return ended_; }
+
+ private:
+  // Thrown where the session's thread waits, when the session ends. Not an exception that anyone catches.
+  struct SessionEnd {};
+  // A request that a person couldn't make: answered with "error", and nothing runs.
+  class RequestError : public UserError {
+   public:
+    using UserError::UserError;
+  };
+  struct Shown {
+    int64_t id = 0;
+    std::map<const Control*, Properties> sent;
+    std::map<const DataSet*, std::string> sets;  // what was told of them, as text
+    std::string focus;
+  };
+
+  static void* ThreadMain(void* self);
+  void Run();
+  void Serve();
+  // Waits for the next object.
+  Json Take();
+  void Send(const Json& out) { sink_(out); }
+  void SendError(std::string_view text);
+
+  // --- Working on an object (session_actions.cpp).
+  void Handle(const Json& in);
+  void Act(const Json& in);
+  // Takes the screens that closed off the desk.
+  void ReleaseClosed();
+  void Open(const Json& in);
+  void Key(const Json& in);
+  void GridAction(const std::string& verb, const Json& in);
+  Screen& TopScreen() const;
+  // The control named in the object, which the user can reach.
+  Control& Reachable(const Json& in, const char* member = "control") const;
+  // Moves the focus as the user does. False when the field left keeps it.
+  bool Reach(Control& control);
+
+  // --- What is shown (session_state.cpp).
+  void Collect();
+  void CollectScreen(Screen& screen, Shown& shown);
+  Json Tree(const Form& form) const;
+  Json ControlNode(const Control& control) const;
+  Json State(const Json& in) const;
+  static Json Rows(DataSet& set, int64_t from, int64_t count);
+
+  // --- What screens ask (session_user.cpp).
+  Answer Message(MessageKind kind, std::string_view title, std::string_view text, Answer initial) override;
+  std::optional<std::string> InputBox(std::string_view title, std::string_view prompt,
+                                      std::string_view value) override;
+  LookupChoice Choose(TPesquisa& lookup) override;
+  std::optional<std::string> OpenFile(std::string_view control, std::string_view filters) override;
+  bool ConfirmPosting(std::string_view title, const std::vector<PostingLine>& lines) override;
+  void Detail(std::string_view title, DataSet& rows) override;
+  void Progress(int64_t value, int64_t of, std::string_view text) override;
+  void Busy(bool on) override;
+  void RunModal(Form& form) override;
+  void LaunchReport(const ReportLaunch& report) override;
+
+  // Sends a question and waits until `answer` takes an object as its answer; other objects are refused.
+  void Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer);
+  std::string StoreFile(const std::string& name, const std::string& content);
+
+  void ScreenShown(Screen& screen) override;
+  void ScreenClosed(Screen& screen) override;
+
+  SessionOptions options_;
+  Log& log_;
+  Sink sink_;
+
+  std::mutex mutex_;
+  std::condition_variable arrived_;
+  std::deque<Json> queue_;
+  bool ending_ = false;
+  std::atomic<bool> ended_{false};
+  // Set by a cancel that arrives while an action runs, taken by Progress.
+  std::atomic<bool> cancel_{false};
+  std::atomic<bool> gathering_{false};
+  std::chrono::steady_clock::time_point last_progress_{};
+
+  std::unique_ptr<Attachment> attachment_;
+  std::unique_ptr<Application> application_;
+  std::unique_ptr<SessionServices> services_;
+  std::map<const Screen*, Shown> shown_;
+  int64_t next_id_ = 1;
+  pthread_t thread_{};
+};
+
+}  // namespace orv

@@ -1,0 +1,256 @@
+// What screens ask of the user: each question is sent, and the session's thread waits for its answer.
+#include <sodium.h>
+
+#include <chrono>
+#include <fstream>
+
+#include "desk/session.h"
+#include "frame/screen.h"
+#include "toolkit/lookup.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+// The largest file that a user may hand over.
+constexpr std::size_t kMaxUpload = std::size_t{64} << 20;
+constexpr auto kProgressEvery = std::chrono::milliseconds(100);
+
+const char* KindName(MessageKind kind) {
+  switch (kind) {
+    case MessageKind::Information:
+      return "information";
+    case MessageKind::Warning:
+      return "warning";
+    case MessageKind::Question:
+      return "question";
+  }
+  return "";
+}
+
+const char* AnswerName(Answer answer) {
+  switch (answer) {
+    case Answer::Ok:
+      return "ok";
+    case Answer::Yes:
+      return "yes";
+    case Answer::No:
+      return "no";
+    case Answer::Cancel:
+      return "cancel";
+  }
+  return "";
+}
+
+std::string Decoded(const std::string& base64) {
+  std::string bytes(base64.size() / 4 * 3 + 3, '\0');
+  std::size_t size = 0;
+  if (sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), base64.data(),
+                        base64.size(), " \r\n", &size, nullptr, sodium_base64_VARIANT_ORIGINAL) != 0) {
+    throw UserError("O conteúdo do arquivo não está em base64.");
+  }
+  bytes.resize(size);
+  return bytes;
+}
+
+}  // namespace
+
+void Session::Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer) {
+  const Json waiting{{"on", "waiting"}, {"for", what}};
+  Collect();
+  Send(question);
+  Send(waiting);
+  for (;;) {
+    const Json in = Take();
+    try {
+      if (in["do"] == Json("read")) {
+        Send(State(in));
+      } else if (answer(in)) {
+        return;
+      }
+    } catch (const UserError& e) {
+      // Told, and the question stays open.
+      SendError(e.what());
+    }
+    Send(waiting);
+  }
+}
+
+Answer Session::Message(MessageKind kind, std::string_view title, std::string_view text, Answer initial) {
+  const bool question = kind == MessageKind::Question;
+  Answer given = Answer::Ok;
+  Wait("answer",
+       {{"on", "message"},
+        {"kind", KindName(kind)},
+        {"title", title},
+        {"text", text},
+        {"buttons", question ? Json::Array{"yes", "no"} : Json::Array{"ok"}},
+        {"default", AnswerName(question ? initial : Answer::Ok)}},
+       [&](const Json& in) {
+         const std::string value = in["do"] == Json("answer") ? in["value"].String() : "";
+         if (value.empty()) throw RequestError("A mensagem espera uma resposta.");
+         if (question) {
+           // Closing a question by its frame is a No.
+           if (value == "yes") given = Answer::Yes;
+           if (value == "no" || value == "cancel") given = Answer::No;
+           if (given == Answer::Ok) throw RequestError("A pergunta espera \"yes\" ou \"no\".");
+           return true;
+         }
+         if (value != "ok" && value != "cancel") throw RequestError("A mensagem espera \"ok\".");
+         return true;
+       });
+  return given;
+}
+
+std::optional<std::string> Session::InputBox(std::string_view title, std::string_view prompt,
+                                             std::string_view value) {
+  std::optional<std::string> given;
+  Wait("answer", {{"on", "input"}, {"title", title}, {"prompt", prompt}, {"value", value}},
+       [&](const Json& in) {
+         if (!(in["do"] == Json("answer"))) throw RequestError("A caixa espera uma resposta.");
+         const std::string text = in["value"].String();
+         if (text != "cancel") given = CleanUtf8(text);
+         return true;
+       });
+  return given;
+}
+
+LookupChoice Session::Choose(TPesquisa& lookup) {
+  LookupChoice choice;
+  const auto describe = [&] {
+    Json::Array columns;
+    for (const auto& [column, title] : lookup.Settings().Colunas) {
+      columns.push_back(Json{{"field", column}, {"title", title}});
+    }
+    return Json{{"on", "lookup"},
+                {"control", lookup.Name()},
+                {"columns", std::move(columns)},
+                {"count", lookup.Rows()->DisplayCount()},
+                {"multiple", lookup.Settings().MultiSelecao}};
+  };
+  Wait("lookup", describe(), [&](const Json& in) {
+    const std::string verb = in["do"].IsNull() ? "" : in["do"].String();
+    if (verb == "search") {
+      lookup.Search(in["text"].String());
+      Send(describe());
+      return false;
+    }
+    if (verb == "answer" && in["value"] == Json("cancel")) return true;
+    if (verb != "choose") throw RequestError("A pesquisa espera uma escolha.");
+    std::vector<int64_t> rows;
+    if (in.Has("rows")) {
+      for (const Json& row : in["rows"].Items()) rows.push_back(row.Integer());
+    }
+    Json::Array keys;
+    if (in.Has("key")) keys.push_back(in["key"]);
+    if (in.Has("keys")) keys = in["keys"].Items();
+    for (const Json& key : keys) {
+      rows.push_back(lookup.RowOfKey(key.String()));
+      if (rows.back() < 0) throw RequestError("\"" + key.String() + "\" não está na pesquisa.");
+    }
+    const int64_t count = lookup.Rows()->DisplayCount();
+    for (const int64_t row : rows) {
+      if (row < 0 || row >= count) throw RequestError("A linha não está na pesquisa.");
+    }
+    if (rows.size() > 1 && !lookup.Settings().MultiSelecao) throw RequestError("Escolha uma só linha.");
+    if (!rows.empty()) choice = std::move(rows);
+    return true;
+  });
+  return choice;
+}
+
+std::optional<std::string> Session::OpenFile(std::string_view control, std::string_view filters) {
+  std::optional<std::string> path;
+  Wait("file", {{"on", "file"}, {"control", control}, {"filters", filters}}, [&](const Json& in) {
+    if (in["do"] == Json("answer") && in["value"] == Json("cancel")) return true;
+    if (!(in["do"] == Json("file"))) throw RequestError("A janela espera um arquivo.");
+    path = StoreFile(in["name"].String(), in["content"].String());
+    return true;
+  });
+  return path;
+}
+
+std::string Session::StoreFile(const std::string& name, const std::string& content) {
+  // A name is one file in the user's own folder: no path, no hidden file, no control character.
+  const bool bad =
+      name.empty() || name.size() > 200 || name[0] == '.' || !ValidUtf8(name) ||
+      name.find_first_of("/\\:*?\"<>|") != std::string::npos ||
+      std::any_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 32; });
+  if (bad) throw RequestError("O nome do arquivo não é aceito.");
+  if (content.size() / 4 * 3 > kMaxUpload)
+    throw RequestError("O arquivo é grande demais: o limite é de 64 MB.");
+  const std::string bytes = Decoded(content);
+  std::error_code error;
+  std::filesystem::create_directories(options_.folder, error);
+  const std::filesystem::path path = options_.folder / name;
+  // What stood under the name may be a link that leads elsewhere.
+  std::filesystem::remove(path, error);
+  std::ofstream out(path, std::ios::binary);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  out.close();
+  if (!out) throw UserError("O arquivo não pôde ser gravado na pasta do usuário.");
+  return path.string();
+}
+
+bool Session::ConfirmPosting(std::string_view title, const std::vector<PostingLine>& lines) {
+  Json::Array shown;
+  for (const PostingLine& line : lines) {
+    shown.push_back(Json{{"debit", line.debit},
+                         {"debitDescription", line.debit_description},
+                         {"credit", line.credit},
+                         {"creditDescription", line.credit_description},
+                         {"amount", line.amount},
+                         {"note", line.note},
+                         {"unknown", line.unknown_account}});
+  }
+  bool yes = false;
+  Wait("answer", {{"on", "confirm"}, {"title", title}, {"lines", std::move(shown)}}, [&](const Json& in) {
+    const std::string value = in["do"] == Json("answer") ? in["value"].String() : "";
+    if (value != "yes" && value != "no" && value != "cancel")
+      throw RequestError("A confirmação espera \"yes\" ou \"no\".");
+    yes = value == "yes";
+    return true;
+  });
+  return yes;
+}
+
+void Session::Detail(std::string_view title, DataSet& rows) {
+  Json table = Rows(rows, 0, -1);
+  Wait("answer", {{"on", "detail"}, {"title", title}, {"columns", table["fields"]}, {"rows", table["rows"]}},
+       [&](const Json& in) {
+         if (!(in["do"] == Json("answer"))) throw RequestError("Feche primeiro a lista.");
+         return true;
+       });
+}
+
+void Session::Progress(int64_t value, int64_t of, std::string_view text) {
+  gathering_ = true;
+  {
+    const std::lock_guard lock(mutex_);
+    if (ending_) throw SessionEnd{};
+  }
+  if (cancel_.exchange(false)) throw UserError("Operação cancelada.");
+  const auto now = std::chrono::steady_clock::now();
+  if (now - last_progress_ < kProgressEvery && value != of) return;
+  last_progress_ = now;
+  Send({{"on", "progress"}, {"value", value}, {"of", of}, {"text", text}});
+}
+
+void Session::Busy(bool on) { Send({{"on", "busy"}, {"value", on}}); }
+
+void Session::RunModal(Form& form) {
+  auto& screen = dynamic_cast<Screen&>(form);
+  application_->HandleShown(screen);
+  while (!screen.Closed()) {
+    Collect();
+    Send({{"on", "idle"}});
+    Handle(Take());
+  }
+  application_->HandleClosed(screen);
+}
+
+void Session::LaunchReport(const ReportLaunch& report) {
+  throw UserError("O relatório \"" + report.identifier + "\" não está instalado.");
+}
+
+}  // namespace orv

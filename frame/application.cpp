@@ -1,0 +1,76 @@
+#include "frame/application.h"
+
+#include <algorithm>
+
+#include "frame/registry.h"
+#include "frame/screen.h"
+#include "toolkit/text.h"
+
+namespace orv {
+
+Application::~Application() {
+  // The latest first: a dialog may hold what stands beneath it.
+  while (!owned_.empty()) owned_.pop_back();
+}
+
+Screen& Application::CreateScreen(std::string_view screen_class) {
+  const auto info = ClassRegistry::Instance().Find(screen_class);
+  if (!info) throw UserError("A tela \"" + std::string(screen_class) + "\" não existe.");
+  return Adopt(info->create(*this));
+}
+
+Screen& Application::Adopt(std::unique_ptr<Screen> screen) {
+  owned_.push_back(std::move(screen));
+  return *owned_.back();
+}
+
+void Application::Show(Screen& screen) {
+  if (screen.Kind() == ScreenKind::Dialog) {
+    screen.ShowModal();
+  } else {
+    HandleShown(screen);
+  }
+}
+
+void Application::BringToFront(Screen& screen) {
+  const auto found = std::find(shown_.begin(), shown_.end(), &screen);
+  if (found == shown_.end()) return;
+  std::rotate(found, found + 1, shown_.end());
+}
+
+Screen* Application::FindComponent(std::string_view name) const {
+  for (auto it = owned_.rbegin(); it != owned_.rend(); ++it) {
+    if (SameText((*it)->Name(), name)) return it->get();
+  }
+  return nullptr;
+}
+
+void Application::HandleShown(Screen& screen) {
+  if (std::find(shown_.begin(), shown_.end(), &screen) != shown_.end()) return;
+  if (screen.Closed()) screen.Reopen();
+  shown_.push_back(&screen);
+  if (observer_ != nullptr) observer_->ScreenShown(screen);
+  screen.RepairFocus();
+}
+
+void Application::HandleClosed(Screen& screen) {
+  const auto found = std::find(shown_.begin(), shown_.end(), &screen);
+  if (found == shown_.end()) return;
+  shown_.erase(found);
+  if (observer_ != nullptr) observer_->ScreenClosed(screen);
+}
+
+void Application::FreeClosed() {
+  std::erase_if(owned_, [](const auto& screen) { return screen->Closed() && screen->FreeOnClose(); });
+}
+
+void Application::CloseAll() {
+  while (!shown_.empty()) {
+    Screen& top = *shown_.back();
+    top.Close();
+    HandleClosed(top);
+  }
+  owned_.clear();
+}
+
+}  // namespace orv

@@ -1,0 +1,25 @@
+// What is known of a screen class before one is created.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace orv {
+
+class Application;
+class Screen;
+
+enum class ScreenKind : uint8_t { Child, Dialog };
+
+struct ScreenInfo {
+  std::string class_name;
+  std::string caption;
+  ScreenKind kind = ScreenKind::Child;
+  // The group of the menu in which it stands, "" for a screen that only others open.
+  std::string group;
+  std::function<std::unique_ptr<Screen>(Application&)> create;
+};
+
+}  // namespace orv

@@ -1,0 +1,81 @@
+#include "host/data/backup.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "host/data/new_file.h"
+#include "host/data/service.h"
+#include "toolkit/database.h"
+
+namespace orv {
+namespace {
+
+using Kind = DatabaseError::Kind;
+
+// `errno` still tells why the stream failed.
+void CheckWritten(const std::ofstream& out, const std::string& file) {
+  if (out) return;
+  throw DatabaseError(errno == ENOSPC ? Kind::DiskFull : Kind::Other, errno,
+                      "Não foi possível gravar o arquivo \"" + file + "\". Verifique o espaço em disco.",
+                      file + ": " + std::strerror(errno));
+}
+
+void RestoreTo(std::ifstream& in, const DatabaseAddress& address, const std::string& name) {
+  fb::Service service(address);
+  fb::Parameters task;
+  task.Tag(isc_action_svc_restore)
+      .LongText(isc_spb_bkp_file, "stdin")
+      .LongText(isc_spb_dbname, name)
+      .Plain(isc_spb_options, isc_spb_res_create);
+  service.Start(task);
+  std::array<char, 32768> part;
+  service.Run([](std::string_view) {},
+              [&](std::size_t wanted) {
+                in.read(part.data(), static_cast<std::streamsize>(std::min(wanted, part.size())));
+                return std::string_view(part.data(), static_cast<std::size_t>(in.gcount()));
+              });
+}
+
+}  // namespace
+
+void Backup(std::string_view database, const std::string& file) {
+  PrepareEngine();
+  const DatabaseAddress address = ParseAddress(database);
+  const std::string target = std::filesystem::absolute(file).lexically_normal().string();
+  NewFile fresh(target);
+  std::ofstream out(fresh.Path(), std::ios::binary);
+  CheckWritten(out, target);
+  fb::Service service(address);
+  fb::Parameters task;
+  task.Tag(isc_action_svc_backup)
+      .LongText(isc_spb_dbname, fb::NameAtServer(address))
+      .LongText(isc_spb_bkp_file, "stdout")
+      .Plain(isc_spb_options, isc_spb_bkp_no_garbage_collect);
+  service.Start(task);
+  service.Run([&](std::string_view part) {
+    out.write(part.data(), static_cast<std::streamsize>(part.size()));
+    CheckWritten(out, target);
+  });
+  out.close();
+  CheckWritten(out, target);
+  fresh.Keep();
+}
+
+void Restore(const std::string& file, std::string_view database) {
+  PrepareEngine();
+  const DatabaseAddress address = ParseAddress(database);
+  std::ifstream in(file, std::ios::binary);
+  if (!in)
+    throw DatabaseError(Kind::Other, errno, "Não foi possível ler o backup \"" + file + "\".",
+                        file + ": " + std::strerror(errno));
+  if (!address.Embedded()) return RestoreTo(in, address, fb::NameAtServer(address));
+  NewFile fresh(address.name);
+  RestoreTo(in, address, fresh.Path());
+  fresh.Keep();
+}
+
+}  // namespace orv

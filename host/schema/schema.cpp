@@ -1,0 +1,157 @@
+#include "host/schema/schema.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/data/attachment.h"
+#include "host/schema/ddl.h"
+#include "host/schema/functions.h"
+#include "host/schema/tables.h"
+#include "toolkit/error.h"
+#include "toolkit/text.h"
+
+namespace orv {
+
+namespace {
+
+// What a desk reads before anybody has set it.
+struct Parameter {
+  const char* group;
+  int number;
+  const char* value;
+};
+constexpr Parameter kParameters[] = {
+    {"FIN", 30, "N"}, {"FIN", 40, "N"},  {"FIN", 50, "N"},
+    {"FIN", 80, "N"}, {"FIN", 100, "N"}, {"FIN", 110, "N"},
+};
+
+bool HasTable(Attachment& db, std::string_view name) {
+  return !db.Scalar("SELECT 1 FROM RDB$RELATIONS WHERE RDB$RELATION_NAME = " + Quote(name)).IsNull();
+}
+
+void Append(std::vector<std::string>& ddl, const TableDef& table, std::string_view emp_pat) {
+  ddl.push_back(CreateTableSql(table, emp_pat));
+  for (std::string& sql : CreateIndexSql(table, emp_pat)) ddl.push_back(std::move(sql));
+}
+
+// Runs a change whole or not at all, and commits it.
+template <class Change>
+void Whole(Attachment& db, Change change) {
+  try {
+    change();
+    db.CommitRetaining();
+  } catch (...) {
+    db.Rollback();
+    throw;
+  }
+}
+
+void SetVersion(Attachment& db, int version) {
+  db.Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = " + std::to_string(version));
+}
+
+void CheckCompany(const Company& company) {
+  const std::string& pat = company.emp_pat;
+  const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+  if (pat.size() != 4 || pat[0] != '_' || !std::all_of(pat.begin() + 1, pat.end(), digit))
+    throw UserError("O sufixo da empresa deve ser \"_\" e três dígitos, como \"_001\".");
+  if (Trim(company.name).empty()) throw UserError("Informe o nome da empresa.");
+  if (CharCount(company.name) > 40) throw UserError("O nome da empresa tem no máximo 40 caracteres.");
+  if (!ValidUtf8(company.name) || !ValidUtf8(company.city) || CharCount(company.city) > 50)
+    throw UserError("Nome ou cidade da empresa inválidos.");
+}
+
+void MakeCompany(Attachment& db, const Company& company) {
+  std::vector<std::string> ddl;
+  for (const TableDef& table : CompanyTables()) Append(ddl, table, company.emp_pat);
+  for (const SequenceDef& s : Sequences())
+    ddl.push_back("CREATE SEQUENCE " + SequenceName(s.table, s.column, company.emp_pat));
+  RunDdl(db, ddl);
+  db.Execute("INSERT INTO EMPRESA (EMP_PAT, EMP_NOME, EMP_SEP_DUPLI, EMP_LOGO, EMP_CIDADE) VALUES (" +
+             Quote(company.emp_pat) + ", " + Quote(company.name) + ", '/', '', " + Quote(company.city) + ")");
+}
+
+// Brings a database from the version before `version` to it.
+struct Step {
+  int version;
+  void (*run)(Attachment& db);
+};
+
+const Step kSteps[] = {
+    {2,
+     [](Attachment& db) {
+       std::vector<std::string> ddl;
+       Append(ddl, *FindTable("PREFERENCIA"), "");
+       RunDdl(db, ddl);
+     }},
+};
+
+}  // namespace
+
+void CreateSchema(Attachment& db, const std::vector<Company>& companies) {
+  if (HasTable(db, "VERSAO_ESQUEMA") || HasTable(db, "EMPRESA"))
+    throw UserError("O banco de dados já contém um esquema.");
+  for (const Company& company : companies) CheckCompany(company);
+  Whole(db, [&] {
+    std::vector<std::string> ddl = FunctionSql();
+    for (const TableDef& table : GlobalTables()) Append(ddl, table, "");
+    ddl.push_back("CREATE SEQUENCE " + SequenceName("AUDITORIA", "ID", ""));
+    RunDdl(db, ddl);
+  });
+  Whole(db, [&] {
+    for (const Parameter& p : kParameters)
+      db.Execute("INSERT INTO PARAMETRO (EMP_PAT, GRUPO, NUMERO, VALOR) VALUES ('', " + Quote(p.group) +
+                 ", " + std::to_string(p.number) + ", " + Quote(p.value) + ")");
+  });
+  for (const Company& company : companies) AddCompany(db, company);
+  // The version comes last: a database that was left halfway has none.
+  Whole(db, [&] {
+    db.Execute("INSERT INTO VERSAO_ESQUEMA (VERSAO) VALUES (" + std::to_string(kSchemaVersion) + ")");
+  });
+}
+
+void AddCompany(Attachment& db, const Company& company) {
+  CheckCompany(company);
+  if (!db.Scalar("SELECT 1 FROM EMPRESA WHERE EMP_PAT = " + Quote(company.emp_pat)).IsNull())
+    throw UserError("A empresa " + company.emp_pat + " já existe.");
+  db.CommitRetaining();
+  Whole(db, [&] { MakeCompany(db, company); });
+}
+
+int SchemaVersion(Attachment& db) {
+  if (!HasTable(db, "VERSAO_ESQUEMA")) return 0;
+  const Value version = db.Scalar("SELECT MAX(VERSAO) FROM VERSAO_ESQUEMA");
+  return version.IsNull() ? 0 : static_cast<int>(version.AsInteger());
+}
+
+void UpgradeSchema(Attachment& db) {
+  const int version = SchemaVersion(db);
+  if (version == 0 || version > kSchemaVersion) RequireCurrentSchema(db);
+  db.CommitRetaining();
+  for (const Step& step : kSteps) {
+    if (step.version <= version) continue;
+    Whole(db, [&] {
+      step.run(db);
+      SetVersion(db, step.version);
+    });
+  }
+  Whole(db, [&] { RunDdl(db, FunctionSql()); });
+}
+
+void RequireCurrentSchema(Attachment& db) {
+  const int version = SchemaVersion(db);
+  if (version == kSchemaVersion) return;
+  if (version == 0) throw UserError("O banco de dados não contém o esquema desta mesa.");
+  const std::string text = "O banco de dados é da versão " + std::to_string(version) +
+                           ", e esta mesa precisa da versão " + std::to_string(kSchemaVersion) + ". ";
+  throw UserError(text + (version < kSchemaVersion ? "Execute \"orvcc upgrade\"." : "Atualize o programa."));
+}
+
+std::vector<std::string> CompanySuffixes(Attachment& db) {
+  std::vector<std::string> suffixes;
+  for (const auto& row : db.Rows("SELECT EMP_PAT FROM EMPRESA ORDER BY EMP_PAT"))
+    suffixes.push_back(row[0].AsString());
+  return suffixes;
+}
+
+}  // namespace orv

@@ -1,0 +1,49 @@
+// Bank statements, layouts of outside files, and card sales.
+#include "host/schema/columns.h"
+
+namespace orv::schema_parts {
+
+using namespace columns;
+
+std::vector<TableDef> ReconciliationTables() {
+  return {
+      {"EXTRATO",
+       {Movement("LANCTO"), Bank("BANCO"), Account("CONTA"), Text("DOCTO", 12), Day("DT_CONT"), Day("DT_ARQ"),
+        Money("VALOR"), Text("OPERACAO", 1), Text("OBSERVACAO", 50), Text("ARQUIVO", 50), Text("CHAVE", 20),
+        Flag("CONCILIADO"), Movement("LANC_CON")},
+       {"LANCTO"},
+       {{{"CONTA", "DT_CONT"}}, {{"DT_CONT"}}, {{"ARQUIVO"}}, {{"LANC_CON"}}}},
+
+      {"POSICAO",
+       {Bank("BANCO"), Text("TIPO", 2), Text("CAMPO", 20), Integer("INICIO"), Integer("TAMANHO"),
+        Text("MASCARA", 10), Text("SEPARADOR", 5), Integer("LINHA")},
+       {},
+       {{{"BANCO", "TIPO"}}}},
+
+      {"VENDA",
+       {Sale("CODVEN"), Entity("CODREP"), Day("DATA"), Money("VALOR"), SmallInt("CANCELADA"),
+        SmallInt("DEVOLUCAO"), SmallInt("FECHADA", "1"), SmallInt("TROCA")},
+       {"CODVEN"},
+       {{{"DATA"}}}},
+
+      {"ITVENDA",
+       {Sale("CODVEN"), Text("CODIGO", 15), Text("TAM", 5), Text("COR", 6), Text("DEPOSITO", 4),
+        Text("LOTE", 10), Double("QUANTIDADE")},
+       {},
+       {{{"CODVEN"}}}},
+
+      {"CONDIVENDA",
+       {Integer("CDCONDIVENDA"), Sale("CDVENDA"), Text("CDCONDICAO", 5), CurrencyCode("CDMOEDA"),
+        Money("VLVENDA")},
+       {"CDCONDIVENDA"},
+       {{{"CDVENDA"}}}},
+
+      {"ITCONDIVENDA",
+       {Integer("CDITCONDIVENDA"), Integer("CDCONDIVENDA"), CurrencyCode("CDMOEDA"), SmallInt("NRPARCELA"),
+        Money("VALOR"), Text("TRANSACAO", 40), SmallInt("BAIXADO")},
+       {"CDITCONDIVENDA"},
+       {{{"CDCONDIVENDA"}}, {{"TRANSACAO"}}}},
+  };
+}
+
+}  // namespace orv::schema_parts

@@ -1,0 +1,49 @@
+// The companies of the database and where their tables are.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "toolkit/database.h"
+#include "toolkit/text.h"
+
+namespace orv {
+
+class Companies {
+ public:
+  // `standing` gives the suffix of the company on which the shared table of companies stands.
+  Companies(TOrvDatabase& db, std::function<std::string()> standing);
+
+  // The suffix of the company whose tables are named at this moment.
+  std::string Standing() const { return standing_(); }
+  // The suffixes of all companies, in order, read anew.
+  std::vector<std::string> Suffixes() const;
+
+  // The logical names of the tables that all companies share; the same for the life of the session.
+  const std::vector<std::string>& Shared() const { return shared_; }
+  bool IsShared(std::string_view table) const { return owners_.contains(table); }
+
+  // The suffix under which a company's table stands: for a shared table the one of the company that keeps it,
+  // "" for a global table.
+  std::string SuffixOf(std::string_view table, std::string_view company) const;
+  // The physical name, with the table's name as it is given.
+  std::string Physical(std::string_view table, std::string_view company) const;
+
+  // The statement for one company.
+  std::string ForCompany(std::string_view sql, std::string_view company) const;
+  // The statement once for each company in one UNION ALL, or once where `main_table`, or without one every
+  // table of the statement, is shared: a second branch would repeat the same rows. Raises UserError when the
+  // companies are more than one statement can hold.
+  std::string ForAll(std::string_view sql, std::string_view main_table) const;
+
+ private:
+  TOrvDatabase& db_;
+  std::function<std::string()> standing_;
+  std::vector<std::string> shared_;
+  std::unordered_map<std::string, std::string, NameHash, NameEqual> owners_;
+};
+
+}  // namespace orv

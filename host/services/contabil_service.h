@@ -1,0 +1,72 @@
+// The host's accounting for the screens of one session.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "frame/application.h"
+#include "frame/services.h"
+#include "host/services/apportion.h"
+#include "host/services/calendar.h"
+#include "host/services/locks.h"
+#include "host/services/tabela_service.h"
+
+namespace orv {
+
+class ContabilService : public IContabil {
+ public:
+  ContabilService(Application& application, TOrvDatabase& db, TabelaService& tabela, PeriodLocks& locks,
+                  Calendar& calendar)
+      : application_(application), db_(db), tabela_(tabela), locks_(locks), calendar_(calendar) {}
+
+  std::unique_ptr<TContabil> Create() override;
+
+  void LancaContaCorrente(std::string_view lancamento, std::string_view docto, std::string_view banco,
+                          std::string_view conta, std::string_view grupo, std::string_view historico,
+                          std::string_view tipo, std::string_view pendente, std::string_view operacao,
+                          std::string_view observacao, Currency valor, Date dt_lan, Date data2, Date data3,
+                          std::string_view tipo_doc) override;
+  void DeletaContaCorrente(std::string_view lancamento) override;
+  void LancaContabilidade(std::string_view lancamento, std::string_view docto, std::string_view docto2,
+                          std::string_view conta_c, std::string_view conta_d, std::string_view operacao,
+                          std::string_view origem, std::string_view classe, std::string_view historico,
+                          Currency valor, Date data, std::string_view codigo,
+                          std::string_view observacao) override;
+  void DeletaContabilidadeFinan(std::string_view lancamento) override;
+  // The shares stand in CENTRO_RATEIO under NUMERO and TIPO, with an empty LANCAMENTO: those that hang from a
+  // movement's entries are of another kind. What stood there before is replaced.
+  bool SetRateioClasse(std::string_view numero, std::string_view classe, std::string_view origem,
+                       Currency valor, std::string_view carteira, bool confirm, Date data,
+                       bool store) override;
+  bool PeriodoConciliado(Date date, std::string_view kind) override;
+  Date DataContabilizacaoBancaria(Date date, std::string_view situacao, bool working_day) override;
+
+  // --- For a posting.
+  Application& App() const { return application_; }
+  TOrvDatabase& Db() const { return db_; }
+  // A company's table at this moment.
+  std::string Local(std::string_view table) const;
+  // The caption of the screen that the user works at.
+  std::string Title() const;
+  // Writes shares of one apportionment, numbered from `order`, or all under it where `one_order`.
+  void WriteShares(std::string_view lancamento, std::string_view numero, std::string_view tipo, int order,
+                   bool one_order, const std::vector<Share>& shares);
+
+ private:
+  int FloatDays(std::string_view situacao, const std::string& company);
+
+  Application& application_;
+  TOrvDatabase& db_;
+  TabelaService& tabela_;
+  PeriodLocks& locks_;
+  Calendar& calendar_;
+
+  // The float of each situation of a company, read once and again after a while.
+  std::string float_company_;
+  std::chrono::steady_clock::time_point float_read_at_;
+  std::unordered_map<std::string, int> float_days_;
+};
+
+}  // namespace orv

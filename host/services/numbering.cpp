@@ -1,0 +1,97 @@
+#include "host/services/numbering.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "host/schema/tables.h"
+#include "host/services/sql_text.h"
+#include "toolkit/error.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr std::size_t kMaxName = 31;
+// Digits of a number that is looked at as one; longer texts aren't numbers of ours.
+constexpr int kMaxDigits = 12;
+
+// The name that the schema gives the sequence, or one made of a hash where that would be too long.
+std::string NameOf(const std::string& table, const std::string& column, const std::string& suffix) {
+  if (4 + table.size() + column.size() + suffix.size() <= kMaxName)
+    return SequenceName(table, column, suffix);
+  uint64_t hash = 14695981039346656037ULL;
+  for (const char c : table + "_" + column) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+  return "SQ_H" + std::to_string(hash) + suffix;
+}
+
+std::string Padded(int64_t number, int width) {
+  std::string digits = std::to_string(number);
+  const auto wide = static_cast<std::size_t>(width);
+  return digits.size() < wide ? std::string(wide - digits.size(), '0') + digits : digits;
+}
+
+int64_t PowerOfTen(int digits) {
+  int64_t power = 1;
+  for (; digits > 0; --digits) power *= 10;
+  return power;
+}
+
+}  // namespace
+
+int64_t Numbering::Draw(const std::string& sequence, int64_t step) {
+  return db_.Scalar("SELECT GEN_ID(" + sequence + ", " + std::to_string(step) + ") FROM RDB$DATABASE")
+      .AsInteger();
+}
+
+void Numbering::NeedSequence(const std::string& sequence) {
+  if (known_.contains(sequence)) return;
+  const std::string exists =
+      "SELECT COUNT(*) FROM RDB$GENERATORS WHERE RDB$GENERATOR_NAME = " + SqlLiteral(sequence);
+  if (db_.Scalar(exists).AsInteger() == 0) {
+    try {
+      make_sequence_("CREATE SEQUENCE " + sequence);
+    } catch (const DatabaseError&) {
+      // Another session made it in between.
+      if (db_.Scalar(exists).AsInteger() == 0) throw;
+    }
+  }
+  known_.insert(sequence);
+}
+
+std::string Numbering::Next(std::string_view table, std::string_view column, int width,
+                            std::string_view company) {
+  const std::string table_name = Upper(table), column_name = Upper(column);
+  const TableDef* def = FindTable(table_name);
+  const ColumnDef* column_def = def ? def->Find(column_name) : nullptr;
+  if (column_def == nullptr || column_def->type != ColumnType::Text || width < 1 || width > kMaxDigits) {
+    throw UserError("A numeração de " + table_name + "." + column_name + " não existe.");
+  }
+  const std::string suffix = companies_.SuffixOf(table_name, company);
+  const std::string physical = companies_.Physical(table_name, company);
+  const std::string sequence = NameOf(table_name, column_name, suffix);
+  NeedSequence(sequence);
+
+  int64_t number = Draw(sequence, 1);
+  if (number == 1) {
+    // A sequence that was never used starts above the rows that came in by other means. A lone number near
+    // the end of the range, such as a document typed by hand, doesn't take the rest of the range away.
+    const int64_t top =
+        db_.Scalar("SELECT MAX(CAST(" + column_name + " AS BIGINT)) FROM " + physical + " WHERE " +
+                   column_name + " SIMILAR TO '[0-9]{1," + std::to_string(width) + "}'")
+            .AsInteger();
+    if (top > 0 && top < PowerOfTen(width) / 10 * 9) number = std::max(number, Draw(sequence, top));
+  }
+  // Ever longer steps leave a block of taken numbers behind without looking at each.
+  for (int64_t step = 1;; step *= 2) {
+    const std::string text = Padded(number, width);
+    if (text.size() > static_cast<std::size_t>(column_def->width)) {
+      throw UserError("A numeração de " + table_name + "." + column_name + " chegou ao fim.");
+    }
+    const auto taken =
+        db_.Rows("SELECT FIRST 1 1 FROM " + physical + " WHERE " + column_name + " = " + SqlLiteral(text));
+    if (taken.empty()) return text;
+    number = Draw(sequence, step);
+  }
+}
+
+}  // namespace orv

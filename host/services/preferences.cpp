@@ -1,0 +1,43 @@
+#include "host/services/preferences.h"
+
+#include <limits>
+
+#include "host/services/sql_text.h"
+#include "toolkit/error.h"
+#include "toolkit/text.h"
+
+namespace orv {
+
+std::string Preferences::Path(std::string_view key, std::string_view section, std::string_view name) {
+  return std::string(key) + "/" + std::string(section) + "/" + std::string(name);
+}
+
+std::string Preferences::Get(std::string_view path) {
+  return db_
+      .Scalar("SELECT VALOR FROM PREFERENCIA WHERE LOGIN_BUSCA = " + SqlLiteral(Lower(login_)) +
+              " AND CHAVE = " + SqlLiteral(path))
+      .AsString();
+}
+
+int Preferences::GetNumber(std::string_view path, int fallback) {
+  const std::string text = Get(path);
+  try {
+    if (Trim(text).empty()) return fallback;
+    const int64_t number = ParseInteger(Trim(text));
+    if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max()) return fallback;
+    return static_cast<int>(number);
+  } catch (const UserError&) {
+    return fallback;
+  }
+}
+
+void Preferences::Set(std::string_view path, std::string_view value) {
+  if (path.empty() || CharCount(path) > 120 || CharCount(value) > 2000) {
+    throw UserError("A configuração não pode ser guardada.");
+  }
+  db_.Execute("UPDATE OR INSERT INTO PREFERENCIA (LOGIN_BUSCA, CHAVE, VALOR) VALUES (" +
+              SqlLiteral(Lower(login_)) + ", " + SqlLiteral(path) + ", " + SqlLiteral(value) +
+              ") MATCHING (LOGIN_BUSCA, CHAVE)");
+}
+
+}  // namespace orv

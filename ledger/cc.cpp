@@ -1,0 +1,200 @@
+// How the screen of the ledger is made: its parameters, its layout and who answers to what.
+#include "ledger/cc.h"
+
+#include "frame/entry/unit.h"
+
+namespace orv {
+
+thread_local TfmCC* fmCC = nullptr;
+
+namespace {
+
+const Unit kUnit("Cc", {"TfmCC", "Movimento de Contas Correntes", ScreenKind::Child, "Contas Correntes",
+                        [](Application& a) { return std::make_unique<TfmCC>(a); }});
+
+}  // namespace
+
+TfmCC::TfmCC(Application& application)
+    : Child(application, "TfmCC", "fmCC", "Movimento de Contas Correntes") {
+  fmCC = this;
+  AbreTabelas({"tbCadConta"});
+  for (TClientDataSet* set :
+       {static_cast<TClientDataSet*>(&TbContas), static_cast<TClientDataSet*>(&TbContabil),
+        static_cast<TClientDataSet*>(&TbCCusto), static_cast<TClientDataSet*>(&TbConsulta)}) {
+    set->CreateDataSet();
+    AddSet(*set);
+  }
+  AddSet(QryFinan);
+
+  Desenha();
+  LigaAcesso();
+  LigaManutencao();
+  LigaGrades();
+  EnterMovesOn(true);
+
+  LeParametros();
+  EdtLanctoChange();
+  ModoEdicao(false);
+  BitBtn1.SetFocus();
+}
+
+LookupSettings TfmCC::ContaContabil() const {
+  return Search("CONTA_CONT", "CODIGO", {{"CODIGO", "Conta"}, {"DESCRICAO", "Descrição"}}, "TP_CONTA <> 'T'");
+}
+
+void TfmCC::LeParametros() {
+  const auto ligado = [this](int number) { return Funcoes.BuscaParametro("FIN", number) == "S"; };
+  fin30_ = ligado(30);
+  fin50_ = ligado(50);
+  fin80_ = ligado(80);
+  fin100_ = ligado(100);
+  PanelCont.SetVisible(fin30_ || ligado(40) || fin50_);
+  GroupBox3.SetVisible(fin50_);
+}
+
+void TfmCC::Desenha() {
+  Layout(R"(
+    PageControl1 {
+      TabSheet1 {
+        GbConsLanc { dtInicio dtFim } GbConsVenc { dtVencIni dtVencFim }
+        GbConsCont { dtContIni dtContFim } GbConsValor { EdtValorDe EdtValorAte } /
+        EdtConsLanc EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo /
+        EdtAObs edtCodHist PqHist edtDescHist EdtDocto /
+        RgBusca RgTipo BitBtn5 BitBtn6 /
+        DBGridApagar /
+        EdtDebito EdtCredito EdtSaldo DtBaixaComp SpeedButton8 SpeedButton6
+      }
+      TabSheet2 {
+        Panel4 {
+          EdtLancto EdtConta PqConta EdtCodBan EdtDesBan /
+          EdtNumDoc EdtTipoDocto EdtDtLanc EdtDtVencto EdtDtCont /
+          EdtTipo PqClasse EdtDesTipo EdtHis pqHistorico EdtDescHis /
+          CbOper EdtValor EdtValDoc EdtTipoLan EdtLancConc RgSituacao /
+          EdtObs
+        } /
+        GroupBox1 { CbEmpFinan / DbgFinanceiro } /
+        PanelCont {
+          GroupBox2 { DbgContabilidade / PqContaC PqContaD }
+          GroupBox3 { DbgRateioCC / PqCCusto }
+        } /
+        Panel5 { SpeedButton2 SpeedButton1 }
+        Panel6 { BitBtn1 BitBtn2 BitBtn3 btnConsulta PqFluxo BitBtn7 BitBtn8 BitBtn4 }
+      }
+    })");
+
+  // These lists open by a key in a grid or by a button of their own.
+  for (TPesquisa* pesquisa : {&PqContaC, &PqContaD, &PqCCusto, &PqFluxo}) pesquisa->SetVisible(false);
+  for (MoneyEdit* total : {&EdtValDoc, &EdtDebito, &EdtCredito, &EdtSaldo}) total->SetReadOnly(true);
+}
+
+void TfmCC::LigaAcesso() {
+  const Date de(1980, 1, 1), ate(2050, 12, 31);
+  const std::pair<DateEdit*, DateEdit*> periodos[] = {
+      {&dtInicio, &dtFim}, {&dtVencIni, &dtVencFim}, {&dtContIni, &dtContFim}};
+  for (const auto& [inicio, fim] : periodos) {
+    inicio->SetDate(de);
+    fim->SetDate(ate);
+    TodayOnEnter(*inicio);
+    SameOnEnter(*fim, *inicio);
+  }
+  DtBaixaComp.SetDate(Today());
+  TodayOnEnter(DtBaixaComp);
+
+  Lookups({
+      {&EdtConsConta,
+       &PqConsConta,
+       "CADCONTA",
+       "CONTA",
+       {{"EMPRESA", &EdtConsEmp}},
+       "Conta inexistente.",
+       true,
+       nullptr},
+      {&EdtCodGrupo, &PqConsClasse, "SUBGRUPO", "CODIGO", {{"DESCRICAO", &EdtNomeGrupo}}, "", true, nullptr},
+      {&edtCodHist, &PqHist, "HISTCP", "HISTORICO", {{"DESCRICAO", &edtDescHist}}, "", true, nullptr},
+  });
+
+  BitBtn6.OnClick = [this] { Close(); };
+  BitBtn5.SetEnabled(false);
+  SpeedButton8.SetEnabled(false);
+  SpeedButton6.SetEnabled(false);
+}
+
+void TfmCC::LigaManutencao() {
+  PqConta.Settings().BuscaTable = &Tabela.TbCadConta();
+  Lookups({
+      {&EdtConta,
+       &PqConta,
+       "CADCONTA",
+       "CONTA",
+       {{"BANCO", &EdtCodBan}},
+       "Conta inexistente.",
+       false,
+       nullptr},
+      {&EdtTipo,
+       &PqClasse,
+       "SUBGRUPO",
+       "CODIGO",
+       {{"DESCRICAO", &EdtDesTipo}},
+       "Classe Gerencial Inválida.",
+       false,
+       [this] { EdtTipoChange(); }},
+      {&EdtHis,
+       &pqHistorico,
+       "HISTCP",
+       "HISTORICO",
+       {{"DESCRICAO", &EdtDescHis}},
+       "",
+       false,
+       [this] { EdtHisChange(); }},
+  });
+  EdtCodBan.OnChange = [this] {
+    EdtDesBan.SetText(
+        Funcoes.Busca_Valor("CADBAN", "BANCO", "NOME_BANCO", Funcoes.Aspas(EdtCodBan.Text()), true, true));
+  };
+
+  EdtLancto.OnChange = [this] { EdtLanctoChange(); };
+  EdtNumDoc.OnChange = [this] { ValorDocumento(); };
+  EdtDtLanc.OnExit = [this] { EdtDtLancExit(); };
+  EdtDtCont.OnExit = [this] { EdtDtContExit(); };
+  EdtObs.OnExit = [this] { EdtObsExit(); };
+
+  BitBtn1.OnClick = [this] { BitBtn1Click(); };
+  BitBtn2.OnClick = [this] { BitBtn2Click(); };
+  BitBtn3.OnClick = [this] { BitBtn3Click(); };
+  BitBtn4.OnClick = [this] { Close(); };
+  SpeedButton1.OnClick = [this] { SpeedButton1Click(); };
+  SpeedButton2.OnClick = [this] { SpeedButton2Click(); };
+  btnConsulta.OnClick = [this] { PqFluxo.AbrePesquisa(); };
+  PqFluxo.OnFechaPesquisa = [this] { PqFluxoFechaPesquisa(); };
+  BitBtn7.SetEnabled(false);
+  BitBtn8.SetEnabled(false);
+}
+
+void TfmCC::LigaGrades() {
+  CbEmpFinan.OnChange = [this] { BuscaFinanceiro(); };
+
+  TbContabil.BeforePost = [this] { TbContabilBeforePost(); };
+  TbContabil.AfterPost = [this] { FiltraCCusto(); };
+  TbContabil.AfterScroll = [this] { FiltraCCusto(); };
+  TbContabil.AfterInsert = [this] { TbContabilAfterInsert(); };
+  TbContabil.BeforeDelete = [this] { TbContabilBeforeDelete(); };
+  TbCCusto.OnNewRecord = [this] { TbCCustoNewRecord(); };
+
+  DbgContabilidade.OnExit = [this] { TbContabil.PostIfEditing(); };
+  DbgContabilidade.OnKey = [this](KeyPress& key) { DbgContabilidadeKey(key); };
+  DbgRateioCC.OnExit = [this] { TbCCusto.PostIfEditing(); };
+  DbgRateioCC.OnKey = [this](KeyPress& key) { DbgRateioCCKey(key); };
+
+  const auto escolhe = [](TPesquisa& pesquisa, TClientDataSet& set, Field& codigo, Field* descricao) {
+    pesquisa.OnFechaPesquisa = [&pesquisa, &set, &codigo, descricao] {
+      set.Edit();
+      codigo = pesquisa.RetornoPesquisa("CODIGO");
+      if (descricao != nullptr) *descricao = pesquisa.RetornoPesquisa("DESCRICAO");
+    };
+  };
+  escolhe(PqContaC, TbContabil, TbContabil.Credita, nullptr);
+  escolhe(PqContaD, TbContabil, TbContabil.Debita, nullptr);
+  escolhe(PqCCusto, TbCCusto, TbCCusto.Codigo, &TbCCusto.CentroCusto);
+}
+
+}  // namespace orv

@@ -1,0 +1,319 @@
+// The ledger of the bank accounts: one page posts, alters and deletes a movement with its accounting split,
+// the other finds movements and clears them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "frame/module.h"
+#include "frame/screen.h"
+#include "toolkit/client_dataset.h"
+
+namespace orv {
+
+class ORV_EXPORT TfmCC : public Child {
+ public:
+  explicit TfmCC(Application& application);
+
+  PageControl PageControl1{*this, "PageControl1", 1};
+
+  // --- Acesso.
+  TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
+
+  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
+  DateEdit dtInicio{*this, "dtInicio", "De"};
+  DateEdit dtFim{*this, "dtFim", "Até"};
+  GroupBox GbConsVenc{*this, "GbConsVenc", "Vencimento"};
+  DateEdit dtVencIni{*this, "dtVencIni", "De"};
+  DateEdit dtVencFim{*this, "dtVencFim", "Até"};
+  GroupBox GbConsCont{*this, "GbConsCont", "Contabilização"};
+  DateEdit dtContIni{*this, "dtContIni", "De"};
+  DateEdit dtContFim{*this, "dtContFim", "Até"};
+  GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
+  MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
+  MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
+  Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
+  Edit EdtConsConta{*this, "EdtConsConta", "Conta", 12};
+  TPesquisa PqConsConta{
+      *this, "PqConsConta",
+      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit EdtConsEmp{*this, "EdtConsEmp"};
+  Edit EdtCodGrupo{*this, "EdtCodGrupo", "Classe Ger.", 6};
+  TPesquisa PqConsClasse{*this, "PqConsClasse",
+                         Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit EdtNomeGrupo{*this, "EdtNomeGrupo"};
+  Edit EdtAObs{*this, "EdtAObs", "Observação", 50};
+  Edit edtCodHist{*this, "edtCodHist", "Histórico", 5};
+  TPesquisa PqHist{*this, "PqHist",
+                   Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit edtDescHist{*this, "edtDescHist"};
+  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
+  Edit EdtDocto{*this, "EdtDocto", "Documento", 10};
+  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Todos", "Duplicatas", "Cheques"}, 0};
+  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
+  Button BitBtn6{*this, "BitBtn6", "&Fechar"};
+
+  // The movements found.
+  struct ConsultaSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Lancamento{*this, "LANCAMENTO", FieldType::String, 7};
+    Field Docto{*this, "DOCTO", FieldType::String, 15};
+    Field Banco{*this, "BANCO", FieldType::String, 3};
+    Field Conta{*this, "CONTA", FieldType::String, 13};
+    Field DtCont{*this, "DT_CONT", FieldType::Date};
+    Field DtLan{*this, "DT_LAN", FieldType::Date};
+    Field DtVencto{*this, "DT_VENCTO", FieldType::Date};
+    Field Valor{*this, "VALOR", FieldType::Float};
+    Field Operacao{*this, "OPERACAO", FieldType::String, 1};
+    Field Pendente{*this, "PENDENTE", FieldType::String, 1};
+    Field Observacao{*this, "OBSERVACAO", FieldType::String, 100};
+    Field Historico{*this, "HISTORICO", FieldType::String, 5};
+    Field Grupo{*this, "GRUPO", FieldType::String, 6};
+    Field LancCon{*this, "LANC_CON", FieldType::String, 7};
+    Field TipoDoc{*this, "TIPO_DOC", FieldType::String, 2};
+    Field Tipo{*this, "TIPO", FieldType::String, 2};
+    Field DescGrupo{*this, "DESC_GRUPO", FieldType::String, 50};
+  } TbConsulta{"TbConsulta"};
+
+  TOrvDBGrid DBGridApagar{*this,
+                          "DBGridApagar",
+                          TbConsulta,
+                          {{"LANCAMENTO", "Lançamento"},
+                           {"DOCTO", "Documento"},
+                           {"BANCO", "Banco"},
+                           {"CONTA", "Conta"},
+                           {"DT_LAN", "Lançamento"},
+                           {"DT_VENCTO", "Vencimento"},
+                           {"DT_CONT", "Contabilização"},
+                           {"OPERACAO", "Operação"},
+                           {"VALOR", "Valor"},
+                           {"PENDENTE", "Situação"},
+                           {"HISTORICO", "Histórico"},
+                           {"GRUPO", "Classe Ger."},
+                           {"DESC_GRUPO", "Descrição"},
+                           {"OBSERVACAO", "Observação"},
+                           {"TIPO", "Tipo"},
+                           {"TIPO_DOC", "Tipo Docto"},
+                           {"LANC_CON", "Lanc. Conciliação"}}};
+  MoneyEdit EdtDebito{*this, "EdtDebito", "Débito"};
+  MoneyEdit EdtCredito{*this, "EdtCredito", "Crédito"};
+  MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo"};
+  DateEdit DtBaixaComp{*this, "DtBaixaComp", "Compensação"};
+  SmallButton SpeedButton8{*this, "SpeedButton8", "Compensar"};
+  SmallButton SpeedButton6{*this, "SpeedButton6", "Estornar"};
+
+  // --- Manutenção.
+  TabSheet TabSheet2{*this, "TabSheet2", "Manutenção"};
+
+  Panel Panel4{*this, "Panel4"};
+  ReadOnlyEdit EdtLancto{*this, "EdtLancto", "Lançamento"};
+  Edit EdtConta{*this, "EdtConta", "Conta", 13};
+  TPesquisa PqConta{
+      *this, "PqConta",
+      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"BANCO", "Banco"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit EdtCodBan{*this, "EdtCodBan", "Banco"};
+  ReadOnlyEdit EdtDesBan{*this, "EdtDesBan"};
+  Edit EdtNumDoc{*this, "EdtNumDoc", "Documento", 15};
+  ReadOnlyEdit EdtTipoDocto{*this, "EdtTipoDocto"};
+  DateEdit EdtDtLanc{*this, "EdtDtLanc", "Lançamento"};
+  DateEdit EdtDtVencto{*this, "EdtDtVencto", "Vencimento"};
+  DateEdit EdtDtCont{*this, "EdtDtCont", "Contabilização"};
+  Edit EdtTipo{*this, "EdtTipo", "Classe Ger.", 6};
+  TPesquisa PqClasse{*this, "PqClasse",
+                     Search("SUBGRUPO", "CODIGO",
+                            {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}, {"OPERACAO", "Operação"}},
+                            "TP_CONTA <> 'T'")};
+  ReadOnlyEdit EdtDesTipo{*this, "EdtDesTipo"};
+  Edit EdtHis{*this, "EdtHis", "Histórico", 5};
+  TPesquisa pqHistorico{
+      *this, "pqHistorico",
+      Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit EdtDescHis{*this, "EdtDescHis"};
+  ComboBox CbOper{*this, "CbOper", "Operação", {"+", "-"}, 0};
+  MoneyEdit EdtValor{*this, "EdtValor", "Valor"};
+  MoneyEdit EdtValDoc{*this, "EdtValDoc", "Valor do Documento"};
+  ReadOnlyEdit EdtTipoLan{*this, "EdtTipoLan", "Tipo"};
+  ReadOnlyEdit EdtLancConc{*this, "EdtLancConc", "Lanc. Conciliação"};
+  RadioGroup RgSituacao{*this, "RgSituacao", "Situação", {"Pendente", "Baixado", "Conciliado"}, 0};
+  Edit EdtObs{*this, "EdtObs", "Observação", 100};
+
+  // What belongs to the movement: the titles that it settled, its entries, the cost centres of the entry in
+  // focus.
+  struct ContabilSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Credita{*this, "Credita", FieldType::String, 12};
+    Field DescC{*this, "Desc_C", FieldType::String, 50};
+    Field Debita{*this, "Debita", FieldType::String, 12};
+    Field DescD{*this, "Desc_D", FieldType::String, 50};
+    Field Valor{*this, "Valor", FieldType::Float};
+    // The result account from which cost centres hang; empty for an entry between balance-sheet accounts.
+    Field ContaRat{*this, "ContaRat", FieldType::String, 12};
+  } TbContabil{"TbContabil"};
+
+  struct CCustoSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    // The entry: its record number and its result account.
+    Field Ordem{*this, "Ordem", FieldType::String, 2};
+    Field Conta{*this, "Conta", FieldType::String, 12};
+    Field Codigo{*this, "Codigo", FieldType::String, 4};
+    Field CentroCusto{*this, "CentroCusto", FieldType::String, 50};
+    Field Perc{*this, "Perc", FieldType::Float};
+    Field Valor{*this, "Valor", FieldType::Currency};
+  } TbCCusto{"TbCCusto"};
+
+  TOrvQuery QryFinan{Tabela.IBDatabase(), "QryFinan"};
+
+  GroupBox GroupBox1{*this, "GroupBox1", "Financeiro"};
+  CheckBox CbEmpFinan{*this, "CbEmpFinan", "Todas Empresas"};
+  TOrvDBGrid DbgFinanceiro{*this,
+                           "DbgFinanceiro",
+                           QryFinan,
+                           {{"NUMERO", "Número"},
+                            {"CODIGO", "Código"},
+                            {"NOME", "Nome"},
+                            {"EMISSAO", "Emissão"},
+                            {"VENCTO", "Vencimento"},
+                            {"DESCONTO", "Desconto"},
+                            {"JUROS", "Juros"},
+                            {"VALOR", "Valor"},
+                            {"EMPRESA", "Empresa"}}};
+
+  Panel PanelCont{*this, "PanelCont"};
+  GroupBox GroupBox2{*this, "GroupBox2", "Contabilidade"};
+  TOrvDBGrid DbgContabilidade{*this,
+                              "DbgContabilidade",
+                              TbContabil,
+                              {{"Credita", "Credita"},
+                               {"Desc_C", "Descrição", 0, true},
+                               {"Debita", "Debita"},
+                               {"Desc_D", "Descrição", 0, true},
+                               {"Valor", "Valor"}}};
+  TPesquisa PqContaC{*this, "PqContaC", ContaContabil()};
+  TPesquisa PqContaD{*this, "PqContaD", ContaContabil()};
+  GroupBox GroupBox3{*this, "GroupBox3", "Centro de Custo"};
+  TOrvDBGrid DbgRateioCC{*this,
+                         "DbgRateioCC",
+                         TbCCusto,
+                         {{"Codigo", "Código"},
+                          {"CentroCusto", "Centro de Custo", 0, true},
+                          {"Perc", "Percentual"},
+                          {"Valor", "Valor"}}};
+  TPesquisa PqCCusto{*this, "PqCCusto",
+                     Search("CENTROCUSTO", "CODIGO", {{"CODIGO", "Código"}, {"DESCRICAO", "Descrição"}})};
+
+  Panel Panel5{*this, "Panel5"};
+  Button SpeedButton2{*this, "SpeedButton2", "C&onfirmar"};
+  // Leaves the focus where it is: giving up opens no lookup of an empty field.
+  SmallButton SpeedButton1{*this, "SpeedButton1", "&Cancelar"};
+
+  Panel Panel6{*this, "Panel6"};
+  Button BitBtn1{*this, "BitBtn1", "&Incluir"};
+  Button BitBtn2{*this, "BitBtn2", "&Alterar"};
+  Button BitBtn3{*this, "BitBtn3", "&Excluir"};
+  Button btnConsulta{*this, "btnConsulta", "&Consultar"};
+  TPesquisa PqFluxo{*this, "PqFluxo",
+                    Search("CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO",
+                           {{"LANCAMENTO", "Lançamento"},
+                            {"DOCTO", "Documento"},
+                            {"CONTA", "Conta"},
+                            {"OPERACAO", "Operação"},
+                            {"OBSERVACAO", "Observação"}})};
+  Button BitBtn7{*this, "BitBtn7", "&Transferência"};
+  Button BitBtn8{*this, "BitBtn8", "&Saldos"};
+  Button BitBtn4{*this, "BitBtn4", "&Fechar"};
+
+  // The accounts of the balances report.
+  struct ContasSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Contas{*this, "Contas", FieldType::String, 15};
+    Field Descricao{*this, "Descricao", FieldType::String, 50};
+    Field Empresa{*this, "Empresa", FieldType::String, 50};
+    Field Banco{*this, "Banco", FieldType::String, 3};
+    Field Saldo{*this, "Saldo", FieldType::Float};
+    Field Pendente{*this, "Pendente", FieldType::Float};
+    Field Previsao{*this, "Previsao", FieldType::Float};
+    Field Codigo{*this, "Codigo", FieldType::String, 3};
+    Field Tipo{*this, "Tipo", FieldType::String, 1};
+  } TbContas{"TbContas"};
+
+ private:
+  // --- Creation (cc.cpp).
+  LookupSettings ContaContabil() const;
+  void LeParametros();
+  void Desenha();
+  void LigaAcesso();
+  void LigaManutencao();
+  void LigaGrades();
+
+  // --- A movement (cc_entry.cpp).
+  void BitBtn1Click();
+  void BitBtn2Click();
+  void BitBtn3Click();
+  void SpeedButton1Click();
+  void SpeedButton2Click();
+  void PqFluxoFechaPesquisa();
+
+  void EdtLanctoChange();
+  void EdtTipoChange();
+  void EdtHisChange();
+  void EdtDtLancExit();
+  void EdtDtContExit();
+  void EdtObsExit();
+  void ValorDocumento();
+
+  void BuscaLancamento(const std::string& lancamento, const std::string& docto, const std::string& conta,
+                       const std::string& operacao);
+  // False when the movement may not change, after telling why.
+  bool ValidaLancamento(const std::string& lancamento, Date data1, Date data2, bool verificaConciliado);
+  // A cheque behind a deleted movement is cancelled.
+  void CancelaCheque(const std::string& numero, const std::string& docto);
+  bool ValidaCampos();
+  bool ValidaRateioClasse();
+  void GravaLancamento();
+  void LimpaTela();
+  void ModoEdicao(bool edicao);
+  // True when the number on the screen is that of a stored movement.
+  bool Gravado() const;
+  // Tells what is wrong and brings the user there. Always false.
+  bool Recusa(std::string_view message, Control& field);
+  // A condition "COLUMN = 'text'".
+  std::string Igual(std::string_view column, const std::string& text) const;
+  // The condition that finds a movement's one row.
+  std::string Identidade(const std::string& lancamento, const std::string& docto, const std::string& conta,
+                         const std::string& operacao) const;
+
+  // --- The split (cc_split.cpp).
+  void PartidaContabil();
+  void BuscaContabil();
+  void GravaContabilidade();
+  void GravaCentroCusto();
+  void BuscaFinanceiro();
+
+  // The accounting account of the bank account, "" without one.
+  std::string ContaDoBanco();
+  // What a code of the chart or of the cost centres is called.
+  std::string DescricaoDe(std::string_view tabela, const std::string& codigo);
+  void IncluiPartida(const std::string& banco, const std::string& conta, Currency valor);
+  void FiltraCCusto();
+  bool ValidaCentroCusto();
+  bool ValidaContabilidade();
+  bool ValidaRateio();
+  void ArredondaRateio();
+  void EsvaziaRateio();
+
+  void TbContabilBeforePost();
+  void TbContabilAfterInsert();
+  void TbContabilBeforeDelete();
+  void TbCCustoNewRecord();
+  void DbgContabilidadeKey(KeyPress& key);
+  void DbgRateioCCKey(KeyPress& key);
+
+  // Parameters: entries, cost centres, apportionment by class, that also for credits.
+  bool fin30_ = false, fin50_ = false, fin80_ = false, fin100_ = false;
+  // The program fills the fields: what they propose to one another keeps out.
+  bool preenche_ = false;
+};
+
+extern ORV_EXPORT thread_local TfmCC* fmCC;
+
+}  // namespace orv

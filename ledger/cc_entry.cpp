@@ -1,0 +1,316 @@
+// The page "Manutenção": a movement is shown, made, changed, deleted, confirmed.
+#include "ledger/cc.h"
+
+namespace orv {
+namespace {
+
+// While it lives, what the fields propose to one another keeps out.
+class Filling {
+ public:
+  explicit Filling(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
+  ~Filling() { flag_ = before_; }
+  Filling(const Filling&) = delete;
+  Filling& operator=(const Filling&) = delete;
+
+ private:
+  bool& flag_;
+  bool before_;
+};
+
+constexpr const char* kDataContabil = "A Data de Contabilização deve ser maior que a Data de Lançamento.";
+
+enum Situacao { kPendente = 0, kBaixado = 1, kConciliado = 2 };
+
+}  // namespace
+
+// --- Buttons.
+
+void TfmCC::BitBtn1Click() {
+  if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return;
+  LimpaTela();
+  RgSituacao.SetItemIndex(kPendente);
+  EdtTipoLan.SetText("L");
+  EdtLancto.SetText(Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true));
+  for (DateEdit* data : {&EdtDtLanc, &EdtDtVencto, &EdtDtCont}) data->SetDate(Today());
+  EdtTipoDocto.SetText("DP");
+  ModoEdicao(true);
+  EdtConta.SetFocus();
+}
+
+void TfmCC::BitBtn2Click() {
+  if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return;
+  if (!ValidaLancamento(EdtLancto.Text(), EdtDtCont.Date(), EdtDtLanc.Date(), true)) return;
+  ModoEdicao(true);
+  if (EdtNumDoc.Usable()) {
+    EdtNumDoc.SetFocus();
+  } else {
+    EdtDtVencto.SetFocus();
+  }
+}
+
+void TfmCC::BitBtn3Click() {
+  if (!Funcoes.Acessa(ClassName(), 'E', "0", "")) return;
+  const std::string numero = EdtLancto.Text(), docto = EdtNumDoc.Text();
+  if (!ValidaLancamento(numero, EdtDtCont.Date(), EdtDtLanc.Date(), true)) return;
+  if (Ask("Deseja eliminar este Registro?")) {
+    Contabil.DeletaContaCorrente(numero);
+    // An apportionment by class stands under the movement's number as its document and names no movement;
+    // that of an entry names it. Another movement's document can be the same text.
+    Tabela.IBDatabase().Execute("DELETE FROM " + Funcoes.DBLocal("CENTRO_RATEIO", true) + " WHERE " +
+                                Igual("LANCAMENTO", numero) + " OR (" + Igual("NUMERO", numero) +
+                                " AND TIPO = 'CC' AND (LANCAMENTO = '' OR LANCAMENTO IS NULL))");
+    // Without its movement an entry would stand for nothing.
+    Contabil.DeletaContabilidadeFinan(numero);
+    Funcoes.GeraLog("CONTACOR",
+                    "EXCLUSAO LANCTO. " + numero + ", DOCTO. " + docto + " VALOR " + EdtValor.Text(),
+                    TOperacaoLog::Exclusao, numero);
+    CancelaCheque(numero, docto);
+    Tabela.CommitRetaining();
+  }
+  LimpaTela();
+}
+
+void TfmCC::CancelaCheque(const std::string& numero, const std::string& docto) {
+  if (!Funcoes.Existe("CHEQUE_PRE", "CHAVE,NUMERO", Funcoes.Aspas(numero) + "," + Funcoes.Aspas(docto)))
+    return;
+  Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'C' WHERE " +
+                              Igual("CHAVE", numero) + " AND " + Igual("NUMERO", docto));
+  Inform("Cheque Cancelado.");
+  Funcoes.GeraLog("CONTACOR", "CANCELAMENTO DE CHEQUE " + docto + " LANCTO. " + numero,
+                  TOperacaoLog::Inclusao, docto);
+}
+
+void TfmCC::SpeedButton1Click() {
+  ModoEdicao(false);
+  BuscaLancamento(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text());
+  EdtLanctoChange();
+}
+
+void TfmCC::SpeedButton2Click() {
+  const bool conta = Tabela.TbCadConta().Locate("CONTA", EdtConta.Text());
+  if (Contabil.PeriodoConciliado(EdtDtCont.Date(), "CX")) return;
+  // Of an unknown account there is no period; that it is missing is told below.
+  if (conta && Contabil.PeriodoConciliado(EdtDtCont.Date(), "CT")) return;
+  if (!ValidaCampos()) return;
+  if (fin50_ && !ValidaCentroCusto()) return;
+  if (!ValidaRateioClasse()) return;
+  if (fin30_) {
+    // What the apportionment by class has stored goes with the refusal.
+    if (!ValidaContabilidade()) Abort();
+    Contabil.DeletaContabilidadeFinan(EdtLancto.Text());
+    GravaContabilidade();
+  }
+  GravaLancamento();
+  Funcoes.GeraLog(
+      "CONTACOR",
+      "INC. ALT. DOCTO: " + EdtNumDoc.Text() + " LANCTO: " + EdtLancto.Text() + " VALOR: " + EdtValor.Text(),
+      TOperacaoLog::Inclusao, EdtNumDoc.Text());
+  ModoEdicao(false);
+  LimpaTela();
+  Tabela.CommitRetaining();
+}
+
+void TfmCC::PqFluxoFechaPesquisa() {
+  BuscaLancamento(PqFluxo.RetornoPesquisa("LANCAMENTO"), PqFluxo.RetornoPesquisa("DOCTO"),
+                  PqFluxo.RetornoPesquisa("CONTA"), PqFluxo.RetornoPesquisa("OPERACAO"));
+  EdtLanctoChange();
+}
+
+// --- Checks.
+
+bool TfmCC::Recusa(std::string_view message, Control& field) {
+  Inform(message);
+  field.SetFocus();
+  return false;
+}
+
+bool TfmCC::ValidaLancamento(const std::string& lancamento, Date data1, Date data2, bool verificaConciliado) {
+  bool valido = !Contabil.PeriodoConciliado(data1, "CX");
+  const auto linhas =
+      Tabela.IBDatabase().Rows("SELECT CONTA, LANC_CON FROM " + Funcoes.DBLocal("CONTACOR", true) +
+                               " WHERE " + Igual("LANCAMENTO", lancamento));
+  for (const auto& linha : linhas) {
+    if (Tabela.TbCadConta().Locate("CONTA", linha[0]) && Contabil.PeriodoConciliado(data2, "CT"))
+      valido = false;
+    if (verificaConciliado && !linha[1].AsString().empty()) {
+      Inform("Lançamento já conciliado.");
+      valido = false;
+    }
+  }
+  return valido;
+}
+
+bool TfmCC::ValidaCampos() {
+  if (EdtDtCont.Date() < EdtDtLanc.Date()) return Recusa(kDataContabil, EdtDtCont);
+  if (EdtValor.Empty()) return Recusa("Valor Inválido.", EdtValor);
+  if (EdtTipo.Empty()) return Recusa("Classe Gerencial Inválida.", EdtTipo);
+  if (Funcoes.Busca_Valor("SUBGRUPO", "CODIGO", "TP_CONTA", Funcoes.Aspas(EdtTipo.Text()), true, true) ==
+      "T") {
+    return Recusa("Classe Inválida, Não é possível lançar com classe do tipo Título.", EdtTipo);
+  }
+  if (EdtHis.Empty()) return Recusa("Histórico Inválido.", EdtHis);
+  if (EdtConta.Empty()) return Recusa("Conta Inexistente.", EdtConta);
+  if (EdtNumDoc.Empty()) return Recusa("Documento Inexistente.", EdtNumDoc);
+  return true;
+}
+
+bool TfmCC::ValidaRateioClasse() {
+  if (!fin80_ || EdtTipoLan.Text() == "TR" || (CbOper.Text() != "-" && !fin100_)) return true;
+  return Contabil.SetRateioClasse(EdtLancto.Text(), EdtTipo.Text(), "CC", EdtValor.Amount(), "0", true,
+                                  EdtDtCont.Date(), true);
+}
+
+// --- What the fields do to one another.
+
+void TfmCC::EdtLanctoChange() {
+  const bool numero = !EdtLancto.Empty();
+  const bool conciliado = !EdtLancConc.Empty();
+  // A movement that came from elsewhere belongs to its origin.
+  const bool alheio = EdtTipoLan.Text() != "L" && EdtTipoLan.Text() != "TR";
+  const bool livre = !conciliado && !alheio;
+
+  BuscaFinanceiro();
+  BuscaContabil();
+
+  BitBtn2.SetEnabled(numero && !conciliado && !(alheio && (fin30_ || fin80_)));
+  BitBtn3.SetEnabled(numero && livre);
+  EdtDtLanc.SetEnabled(livre);
+  EdtValor.SetEnabled(livre);
+  // The identity of a stored row stands.
+  const bool identidade = livre && !(numero && Gravado());
+  EdtConta.SetEnabled(identidade);
+  PqConta.SetEnabled(identidade);
+  EdtNumDoc.SetEnabled(identidade);
+  CbOper.SetEnabled(identidade);
+}
+
+void TfmCC::EdtTipoChange() {
+  if (preenche_ || Gravado()) return;
+  const std::string operacao =
+      Funcoes.Busca_Valor("SUBGRUPO", "CODIGO", "OPERACAO", Funcoes.Aspas(EdtTipo.Text()), true, true);
+  CbOper.SetItemIndex(operacao == "-" ? 1 : 0);
+}
+
+void TfmCC::EdtHisChange() {
+  if (preenche_ || Gravado()) return;
+  const bool pendente = Funcoes.LancamentoPendente(EdtConta.Text(), EdtHis.Text()) == "S";
+  RgSituacao.SetItemIndex(pendente ? kPendente : kBaixado);
+}
+
+void TfmCC::EdtDtLancExit() {
+  if (Gravado()) return;
+  EdtDtVencto.SetText(EdtDtLanc.Text());
+  EdtDtCont.SetText(EdtDtLanc.Text());
+}
+
+void TfmCC::EdtDtContExit() {
+  if (EdtDtCont.Date() < EdtDtLanc.Date()) Recusa(kDataContabil, EdtDtCont);
+}
+
+void TfmCC::EdtObsExit() {
+  if (Gravado()) return;
+  PartidaContabil();
+  SpeedButton2.SetFocus();
+}
+
+void TfmCC::ValorDocumento() {
+  if (EdtNumDoc.Empty()) {
+    EdtValDoc.Clear();
+    return;
+  }
+  const Value soma = Tabela.IBDatabase().Scalar(
+      "SELECT SUM(VALOR) AS VALOR FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+      Igual("DOCTO", EdtNumDoc.Text()) + " AND " + Igual("CONTA", EdtConta.Text()) + " AND " +
+      Igual("OPERACAO", CbOper.Text()) + " AND DT_LAN = " + Funcoes.AspasData(EdtDtLanc.Date()));
+  EdtValDoc.SetAmount(soma.AsCurrency());
+}
+
+// --- The row.
+
+std::string TfmCC::Igual(std::string_view column, const std::string& text) const {
+  return std::string(column) + " = " + Funcoes.Aspas(text);
+}
+
+std::string TfmCC::Identidade(const std::string& lancamento, const std::string& docto,
+                              const std::string& conta, const std::string& operacao) const {
+  return Igual("LANCAMENTO", lancamento) + " AND " + Igual("DOCTO", docto) + " AND " + Igual("CONTA", conta) +
+         " AND " + Igual("OPERACAO", operacao);
+}
+
+bool TfmCC::Gravado() const {
+  return !EdtLancto.Empty() && Funcoes.Existe("CONTACOR", "LANCAMENTO", Funcoes.Aspas(EdtLancto.Text()));
+}
+
+void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& docto, const std::string& conta,
+                            const std::string& operacao) {
+  const auto linhas = Tabela.IBDatabase().Rows(
+      "SELECT LANCAMENTO, CONTA, DOCTO, TIPO_DOC, DT_LAN, DT_VENCTO, DT_CONT, GRUPO, HISTORICO, OPERACAO, "
+      "VALOR, "
+      "OBSERVACAO, TIPO, LANC_CON, PENDENTE FROM " +
+      Funcoes.DBLocal("CONTACOR", true) + " WHERE " + Identidade(lancamento, docto, conta, operacao));
+  if (linhas.empty()) {
+    LimpaTela();
+    EdtTipoLan.Clear();
+    RgSituacao.SetItemIndex(kBaixado);
+    return;
+  }
+
+  const Filling filling(preenche_);
+  const auto& linha = linhas.front();
+  Edit* const textos[] = {&EdtLancto, &EdtConta, &EdtNumDoc, &EdtTipoDocto};
+  for (std::size_t i = 0; i < std::size(textos); ++i) textos[i]->SetText(linha[i].AsString());
+  EdtDtLanc.SetDate(linha[4].AsDate());
+  EdtDtVencto.SetDate(linha[5].AsDate());
+  EdtDtCont.SetDate(linha[6].AsDate());
+  EdtTipo.SetText(linha[7].AsString());
+  EdtHis.SetText(linha[8].AsString());
+  CbOper.SetItemIndex(linha[9].AsString() == "-" ? 1 : 0);
+  EdtValor.SetAmount(linha[10].AsCurrency());
+  EdtObs.SetText(linha[11].AsString());
+  EdtTipoLan.SetText(linha[12].AsString());
+  EdtLancConc.SetText(linha[13].AsString());
+  const std::string pendente = linha[14].AsString();
+  RgSituacao.SetItemIndex(pendente == "C" ? kConciliado : pendente == "S" ? kPendente : kBaixado);
+  // The sum needs account, operation and date, which came after the document.
+  ValorDocumento();
+}
+
+void TfmCC::GravaLancamento() {
+  const std::string tabela = Funcoes.DBLocal("CONTACOR", true);
+  const auto texto = [this](const Edit& edit) { return Funcoes.Aspas(edit.Text()) + ", "; };
+  const int situacao = RgSituacao.ItemIndex();
+  const char* pendente = situacao == kConciliado ? "C" : situacao == kPendente ? "S" : "N";
+
+  Tabela.IBDatabase().Execute("DELETE FROM " + tabela + " WHERE " +
+                              Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()));
+  Tabela.IBDatabase().Execute(
+      "INSERT INTO " + tabela +
+      " (LANCAMENTO, DOCTO, BANCO, CONTA, GRUPO, HISTORICO, OBSERVACAO, TIPO, TIPO_DOC, LANC_CON, OPERACAO, "
+      "PENDENTE, VALOR, DT_LAN, DT_VENCTO, DT_CONT) VALUES (" +
+      texto(EdtLancto) + texto(EdtNumDoc) + texto(EdtCodBan) + texto(EdtConta) + texto(EdtTipo) +
+      texto(EdtHis) + texto(EdtObs) + texto(EdtTipoLan) + texto(EdtTipoDocto) + texto(EdtLancConc) +
+      Funcoes.Aspas(CbOper.Text()) + ", " + Funcoes.Aspas(pendente) + ", " +
+      Funcoes.PermanecePonto(EdtValor.Amount()) + ", " + Funcoes.AspasData(EdtDtLanc.Date()) + ", " +
+      Funcoes.AspasData(EdtDtVencto.Date()) + ", " + Funcoes.AspasData(EdtDtCont.Date()) + ")");
+}
+
+void TfmCC::LimpaTela() {
+  const Filling filling(preenche_);
+  for (Edit* campo : std::initializer_list<Edit*>{&EdtLancConc, &EdtLancto, &EdtConta, &EdtCodBan, &EdtNumDoc,
+                                                  &EdtTipoDocto, &EdtDtLanc, &EdtDtVencto, &EdtDtCont,
+                                                  &EdtTipo, &EdtHis, &EdtValor, &EdtValDoc, &EdtObs}) {
+    campo->Clear();
+  }
+  TbContas.EmptyDataSet();
+  EsvaziaRateio();
+}
+
+void TfmCC::ModoEdicao(bool edicao) {
+  Panel4.SetEnabled(edicao);
+  DbgContabilidade.SetReadOnly(!edicao);
+  DbgRateioCC.SetReadOnly(!edicao);
+  Panel5.SetVisible(edicao);
+  Panel6.SetVisible(!edicao);
+}
+
+}  // namespace orv

@@ -1,0 +1,112 @@
+// What the scenarios of the ledger's screen have in common: a movement's fields, short ways to fill and load.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/support/desk_test.h"
+
+namespace orv::test {
+
+// Accounts of the first demo company, with their accounting accounts 1.1.02.001 and 1.1.02.002.
+constexpr const char* kConta = "10250-1";
+constexpr const char* kOutraConta = "20418-7";
+
+using Fields = std::vector<std::pair<std::string, std::string>>;
+
+class CcTest : public DeskTest {
+ protected:
+  // Switches parameters of the ledger on; read when the screen opens.
+  void Fin(std::initializer_list<int> numbers) {
+    for (const int number : numbers) {
+      Run("INSERT INTO PARAMETRO (EMP_PAT, GRUPO, NUMERO, VALOR) VALUES ('_001', 'FIN', " +
+          std::to_string(number) + ", 'S')");
+    }
+  }
+
+  // A rule of a class: share of an account, a cost centre and its share.
+  void Rule(std::string_view classe, std::string_view conta, std::string_view perc, std::string_view centre,
+            std::string_view centre_perc) {
+    Run("INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) VALUES "
+        "('" +
+        std::string(classe) + "', 'C', 'VF', '" + std::string(conta) + "', " + std::string(perc) + ", '" +
+        std::string(centre) + "', " + std::string(centre_perc) + ")");
+  }
+
+  struct Stored {
+    std::string numero, docto, tipo = "L", lanc_con, conta = kConta, operacao = "-", classe = "3104",
+                               dt_cont = "11/10/2026";
+  };
+  // A settled movement of 150,00 posted on 10/11/2026.
+  void Store(const Stored& m) {
+    Run("INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, BANCO, CONTA, DT_LAN, DT_CONT, DT_VENCTO, VALOR, "
+        "OPERACAO, "
+        "GRUPO, HISTORICO, OBSERVACAO, TIPO, TIPO_DOC, PENDENTE, LANC_CON) VALUES ('" +
+        m.numero + "', '" + m.docto + "', '901', '" + m.conta + "', '11/10/2026', '" + m.dt_cont +
+        "', '11/12/2026', 150, '" + m.operacao + "', '" + m.classe + "', '019', 'COMO ESTAVA', '" + m.tipo +
+        "', 'DP', 'N', '" + m.lanc_con + "')");
+  }
+
+  // The stored rows of a number.
+  std::string Movement(const std::string& numero) {
+    return Sql(
+        "SELECT DOCTO, BANCO, CONTA, DT_LAN, DT_VENCTO, DT_CONT, VALOR, OPERACAO, GRUPO, HISTORICO, "
+        "OBSERVACAO, TIPO, TIPO_DOC, PENDENTE, LANC_CON FROM CONTACOR_001 WHERE LANCAMENTO = '" +
+        numero + "' ORDER BY CONTA");
+  }
+  std::string Count(const std::string& table, const std::string& where) {
+    return Sql("SELECT COUNT(*) FROM " + table + " WHERE " + where);
+  }
+  std::string Audit() {
+    return Sql("SELECT TEXTO, OPERACAO, CHAVE FROM AUDITORIA WHERE AREA = 'CONTACOR' ORDER BY ID");
+  }
+  std::string Entries(const std::string& numero) {
+    return Sql("SELECT CONTA_C, CONTA_D, VALOR FROM CONTABIL_001 WHERE LANCAMENTO = '" + numero +
+               "' ORDER BY 3 DESC");
+  }
+  std::string Shares(const std::string& numero) {
+    return Sql(
+        "SELECT ORDEM, CONTA, NUMERO, CENTROCUSTO, TIPO, PERC_RAT, VALOR_RAT FROM CENTRO_RATEIO_001 WHERE "
+        "LANCAMENTO = '" +
+        numero + "' ORDER BY 1, 4");
+  }
+
+  static void Fill(Desk& desk, const Fields& fields) {
+    for (const auto& [control, value] : fields) desk.Set(control, value);
+  }
+  // Starts a new movement that every rule accepts; its number.
+  static std::string New(Desk& desk, const Fields& other = {}) {
+    desk.Click("BitBtn1");
+    Fill(desk, {{"EdtConta", kConta},
+                {"EdtNumDoc", "NF 77"},
+                {"EdtTipo", "3104"},
+                {"EdtHis", "019"},
+                {"EdtValor", "100,00"},
+                {"EdtObs", "PAPEL E TINTA"}});
+    Fill(desk, other);
+    return desk.Text("EdtLancto");
+  }
+  // Presses Confirm; lookups that empty fields open on the way are closed.
+  static std::string Confirm(Desk& desk) {
+    desk.Click("SpeedButton2");
+    while (desk.End() == "waiting lookup") desk.Do({{"do", "choose"}});
+    return desk.Messages();
+  }
+  // Loads a stored movement through the screen's own list; `row` among those of the number.
+  static void Load(Desk& desk, std::string_view numero, int row = 0) {
+    desk.Click("btnConsulta");
+    desk.Do({{"do", "search"}, {"text", numero}});
+    desk.Do({{"do", "choose"}, {"rows", Json::Array{row}}});
+  }
+  static void Cell(Desk& desk, std::string_view grid, int row, std::string_view column,
+                   std::string_view value) {
+    desk.Do({{"do", "cell"}, {"control", grid}, {"row", row}, {"column", column}, {"value", value}});
+  }
+  static void Key(Desk& desk, std::string_view grid, int row, std::string_view column, std::string_view key) {
+    desk.Do({{"do", "key"}, {"control", grid}, {"row", row}, {"column", column}, {"key", key}});
+  }
+};
+
+}  // namespace orv::test

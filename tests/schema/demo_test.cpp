@@ -1,0 +1,275 @@
+#include "host/schema/demo.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "host/schema/check.h"
+#include "host/schema/schema.h"
+#include "host/schema/tables.h"
+#include "tests/schema/fixture.h"
+
+namespace orv::test {
+namespace {
+
+const Date kDay(2026, 11, 20);
+
+// Each table's number of rows and the sum of its rows' hashes, which doesn't depend on their order.
+class Digest : public RowSink {
+ public:
+  void Columns(const std::vector<Column>&) override {}
+  bool Row(std::span<Value> values) override {
+    std::size_t hash = 0;
+    for (const Value& value : values) hash = hash * 1099511628211u + value.Hash() + 1;
+    sum += hash;
+    ++rows;
+    return true;
+  }
+  std::size_t sum = 0;
+  int64_t rows = 0;
+};
+
+std::map<std::string, std::pair<int64_t, std::size_t>> Digests(Attachment& db) {
+  std::map<std::string, std::pair<int64_t, std::size_t>> digests;
+  for (const std::string& company : CompanySuffixes(db))
+    for (const TableDef& table : CompanyTables()) {
+      Digest digest;
+      db.Fetch("SELECT * FROM " + table.name + company, digest);
+      digests[table.name + company] = {digest.rows, digest.sum};
+    }
+  return digests;
+}
+
+class Demo : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    db_ = new TempDatabase;
+    MakeDemo(**db_, {1, kDay, 2});
+  }
+  static void TearDownTestSuite() {
+    delete db_;
+    db_ = nullptr;
+  }
+  void TearDown() override { Db().Rollback(); }
+
+  static Attachment& Db() { return **db_; }
+  static int64_t Count(const std::string& what) {
+    return Db().Scalar("SELECT COUNT(*) FROM " + what).AsInteger();
+  }
+  static std::string Text(const std::string& select) { return Db().Scalar(select).AsString(); }
+
+  static TempDatabase* db_;
+};
+TempDatabase* Demo::db_ = nullptr;
+
+TEST_F(Demo, IsTheSameOnEveryRun) {
+  TempDatabase other;
+  MakeDemo(*other, {1, kDay, 2});
+  const auto digests = Digests(Db());
+  EXPECT_EQ(digests, Digests(*other));
+  for (const auto& [table, digest] : digests) EXPECT_GT(digest.first, 0) << table;
+}
+
+TEST_F(Demo, HasEveryKindOfThing) {
+  EXPECT_NEAR(static_cast<double>(Count("CONTACOR_001")), 4000, 200);
+  EXPECT_NEAR(static_cast<double>(Count("CONTACOR_002")), 800, 60);
+  EXPECT_NEAR(static_cast<double>(Count("RECEBER_001") + Count("PAGTO_001")), 800, 80);
+  for (const char* kind : {"L", "TR", "P", "R", "CH", "LJ"})
+    EXPECT_GT(Count(std::string("CONTACOR_001 WHERE TIPO = '") + kind + "'"), 0) << kind;
+  for (const char* situation : {"S", "N", "C"})
+    EXPECT_GT(Count(std::string("CONTACOR_001 WHERE PENDENTE = '") + situation + "'"), 0) << situation;
+  for (const char* state :
+       {"TIPO = 'P' AND STATUS = 'P'", "TIPO = 'P' AND STATUS = 'B'", "TIPO = 'P' AND STATUS = 'C'",
+        "TIPO = 'R' AND STATUS = 'P'", "TIPO = 'R' AND STATUS = 'B'", "TIPO = 'R' AND STATUS = 'D'"})
+    EXPECT_GT(Count(std::string("CHEQUE_PRE_001 WHERE ") + state), 0) << state;
+  for (const char* status : {"N", "O", "A", "CH"})
+    EXPECT_GT(Count(std::string("RECEBER_001 WHERE STATUS = '") + status + "'"), 0) << status;
+  EXPECT_GT(Count("EXTRATO_001 WHERE CONCILIADO = 'N'"), 0);
+  EXPECT_GT(Count("EXTRATO_001 WHERE CONCILIADO = 'S'"), 0);
+  EXPECT_GT(
+      Count("PEDIDO_001 P INNER JOIN RECEBER_001 R ON (R.PEDIDO = P.NUMERO) WHERE P.ID_TRANSACAO > '' AND "
+            "R.VALOR2 > R.VALOR_PAGO + R.DESCONTO"),
+      0);
+  EXPECT_EQ(Text("SELECT VALOR FROM PARAMETRO WHERE EMP_PAT = '_001' AND GRUPO = 'FAC' AND NUMERO = 80"),
+            "00001");
+  // Nothing happened after the day, and pending movements reach beyond it.
+  EXPECT_EQ(Count("CONTACOR_001 WHERE DT_LAN > '11/20/2026' OR (PENDENTE <> 'S' AND DT_CONT > '11/20/2026')"),
+            0);
+  EXPECT_GT(Count("CONTACOR_001 WHERE DT_VENCTO > '11/20/2026'"), 0);
+}
+
+TEST_F(Demo, AddsUp) {
+  // The master row of an account holds its settled balance.
+  EXPECT_EQ(
+      Count(
+          "CADCONTA_001 C WHERE C.SALDO <> (SELECT SUM(CASE WHEN M.OPERACAO = '+' THEN M.VALOR ELSE -M.VALOR "
+          "END) FROM CONTACOR_001 M WHERE M.CONTA = C.CONTA AND M.PENDENTE <> 'S')"),
+      0);
+  // A cheque is what it pays.
+  EXPECT_EQ(
+      Count(
+          "CHEQUE_PRE_001 C WHERE C.TIPO = 'P' AND C.STATUS <> 'C' AND C.VALOR <> (SELECT SUM(D.VALOR) FROM "
+          "CHEQUE_DUP_001 D WHERE D.BANCO = C.BANCO AND D.CONTA = C.CONTA AND D.NUMERO = C.NUMERO)"),
+      0);
+  // Cost centres share out the entry that they hang from.
+  EXPECT_EQ(Text("SELECT SUM(A.VALOR) - (SELECT SUM(R.VALOR_RAT) FROM CENTRO_RATEIO_001 R) FROM CONTABIL_001 "
+                 "A WHERE "
+                 "EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
+            "0,00");
+  // Rules share out the whole.
+  EXPECT_EQ(
+      Count("(SELECT CODIGO, CONTA FROM CONT_RATEIO_001 GROUP BY CODIGO, CONTA HAVING ABS(SUM(PERC_CCUSTO) - "
+            "100) > 0.001)"),
+      0);
+  EXPECT_EQ(
+      Count("(SELECT CODIGO FROM (SELECT DISTINCT CODIGO, CONTA, PERC_CONTA FROM CONT_RATEIO_001) GROUP BY "
+            "CODIGO HAVING ABS(SUM(PERC_CONTA) - 100) > 0.001)"),
+      0);
+}
+
+TEST(DemoOptionsTest, OutOfRangeIsRefused) {
+  TempDatabase db;
+  EXPECT_EQ(Refusal([&] { MakeDemo(*db, {0, kDay, 2}); }), "A escala da demonstração vai de 1 a 1000.");
+  EXPECT_EQ(Refusal([&] { MakeDemo(*db, {1, kDay, 10}); }), "A demonstração tem de 1 a 9 empresas.");
+  EXPECT_EQ(Refusal([&] {
+              MakeDemo(*db, {1, Date(), 2});
+            }),
+            "A data da demonstração deve estar entre 1990 e 2190.");
+  EXPECT_EQ(SchemaVersion(*db), 0);
+}
+
+// On a Sunday the last working day lies behind, and many companies differ from one another.
+TEST(DemoOptionsTest, EveryDayAndCompanyGivesSoundData) {
+  TempDatabase db;
+  MakeDemo(*db, {1, Date(2024, 3, 31), 4});
+  EXPECT_EQ(CheckData(*db), std::vector<std::string>{});
+  EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM CONTACOR_004 WHERE DT_LAN > '03/31/2024'").AsInteger(), 0);
+  EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM EXTRATO_001 WHERE DT_CONT > '03/31/2024'").AsInteger(), 0);
+}
+
+TEST_F(Demo, CheckFindsNothing) { EXPECT_EQ(CheckData(Db()), std::vector<std::string>{}); }
+
+TEST_F(Demo, CheckFindsEachContradiction) {
+  const std::string movement =
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, LANC_CON, TIPO) "
+      "VALUES ";
+  const std::string good = "'10250-1', 10, '+', '1101', 'N', '', 'L')";
+  const std::string tied = Text("SELECT FIRST 1 LANC_CON FROM EXTRATO_001 WHERE CONCILIADO = 'S'");
+  const std::string paid =
+      Text("SELECT FIRST 1 NUMERO FROM RECEBER_001 WHERE STATUS = 'N' AND VALOR_PAGO = VALOR2");
+  const std::string bill = Text("SELECT FIRST 1 NUM_AP FROM PAGTO_001 WHERE VAL_PAG = VALOR");
+  const std::string cleared =
+      Text("SELECT FIRST 1 CHAVE FROM CHEQUE_PRE_001 WHERE STATUS = 'B' ORDER BY CHAVE");
+  const std::string transfer =
+      Text("SELECT FIRST 1 LANCAMENTO FROM CONTACOR_001 WHERE TIPO = 'TR' ORDER BY LANCAMENTO");
+  const struct {
+    std::vector<std::string> plant;
+    std::string found;
+  } cases[] = {
+      {{movement + "('000000', 'X', '999', 10, '+', '1101', 'N', '', 'L')"},
+       "lançamento 000000: a conta \"999\" não existe."},
+      {{movement + "('000000', 'X', '10250-1', 10, '+', '9999', 'N', '', 'L')"},
+       "lançamento 000000: a classe \"9999\" não existe."},
+      {{movement + "('000000', 'X', '10250-1', 10, '+', '11', 'N', '', 'L')"},
+       "lançamento 000000: a classe \"11\" é do tipo título."},
+      {{movement + "('000000', 'X', " + good, movement + "('000000', 'X', " + good},
+       "lançamento 000000, documento \"X\", conta \"10250-1\", operação \"+\": gravado 2 vezes."},
+      {{"DELETE FROM CONTACOR_001 WHERE LANCAMENTO = " + Quote(transfer) + " AND OPERACAO = '+'",
+        // What the deleted side was tied to goes with it.
+        "UPDATE EXTRATO_001 E SET CONCILIADO = 'N', LANC_CON = '' WHERE CONCILIADO = 'S' AND NOT EXISTS "
+        "(SELECT 1 FROM "
+        "CONTACOR_001 M WHERE M.LANC_CON = E.LANC_CON)"},
+       "transferência " + transfer + ": a saída e a entrada não se igualam."},
+      {{movement + "('000000', 'X', '10250-1', 10, '+', '1101', 'S', '7', 'L')"},
+       "lançamento 000000: pendente, mas com a conciliação 7."},
+      {{"INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, CONCILIADO) VALUES ('0', '10250-1', 1, "
+        "'C', 'S')"},
+       "linha de extrato 0 da conta 10250-1: conciliada sem número de conciliação."},
+      {{"INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, CONCILIADO, LANC_CON) VALUES ('0', "
+        "'10250-1', 1, "
+        "'C', 'S', '5')"},
+       "linha de extrato 0: nenhum lançamento da conta 10250-1 tem a conciliação 5."},
+      {{"INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, CONCILIADO, LANC_CON) VALUES ('0', "
+        "'10250-1', 1, "
+        "'C', 'N', '5')"},
+       "linha de extrato 0: não conciliada, mas com a conciliação 5."},
+      {{"UPDATE EXTRATO_001 SET VALOR = VALOR + 0.01 WHERE LANC_CON = " + Quote(tied)},
+       "conciliação " + tied + " da"},
+      {{"UPDATE RECEBER_001 SET VALOR_PAGO = VALOR_PAGO - 0.01 WHERE NUMERO = " + Quote(paid)},
+       "título a receber " + paid + ": pago"},
+      {{"UPDATE RECEBER_001 SET DESCONTO = 0.01 WHERE NUMERO = " + Quote(paid)},
+       "título a receber " + paid + ": baixado além do valor, saldo -0,01."},
+      {{"INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO) VALUES ('X', '000001')"},
+       "baixa do lançamento 000001: o título a receber X não existe."},
+      {{"UPDATE RECEBERB_001 SET LANCAMENTO = 'X' WHERE NUMERO = " + Quote(paid)},
+       "baixa do título a receber " + paid + ": o lançamento X não existe."},
+      {{"UPDATE RECEBER_001 SET CLASSE = '1' WHERE NUMERO = " + Quote(paid)},
+       "título a receber " + paid + ": a classe \"1\" é do tipo título."},
+      {{"UPDATE PAGTO_001 SET VAL_PAG = VAL_PAG - 0.01 WHERE NUM_AP = " + Quote(bill)},
+       "título a pagar " + bill + ": pago"},
+      {{"UPDATE PAGTO_001 SET VAL_DEV = 1 WHERE NUM_AP = " + Quote(bill)},
+       "título a pagar " + bill + ": baixado além do valor, saldo -1,00."},
+      {{"INSERT INTO PAGTO1_001 (NUM_AP, LANCAMENTO) VALUES ('X', '000001')"},
+       "baixa do lançamento 000001: o título a pagar X não existe."},
+      {{"UPDATE PAGTO1_001 SET LANCAMENTO = 'X' WHERE NUM_AP = " + Quote(bill)},
+       "baixa do título a pagar " + bill + ": o lançamento X não existe."},
+      {{"UPDATE PAGTO_001 SET NUM_OS = '2' WHERE NUM_AP = " + Quote(bill)},
+       "título a pagar " + bill + ": a classe \"2\" é do tipo título."},
+      {{"INSERT INTO CHEQUE_PRE_001 (CHAVE, NUMERO, STATUS) VALUES ('X', '000777', 'D')"},
+       "cheque 000777: o lançamento X não existe."},
+      {{"UPDATE CHEQUE_PRE_001 SET STATUS = 'C' WHERE CHAVE = " + Quote(cleared)},
+       "cancelado, mas o lançamento " + cleared + " continua."},
+      {{"UPDATE CONTACOR_001 SET PENDENTE = 'S' WHERE LANCAMENTO = " + Quote(cleared)},
+       "baixado, mas o lançamento " + cleared + " está pendente."},
+      {{"UPDATE CHEQUE_PRE_001 SET DT_BAIXA = NULL WHERE CHAVE = " + Quote(cleared)},
+       "lançamento " + cleared + ": baixado sem data de baixa."},
+      {{"UPDATE CHEQUE_PRE_001 SET VALOR = VALOR + 1 WHERE CHAVE = " + Quote(cleared)},
+       "o lançamento " + cleared + " é de"},
+      {{"INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR) VALUES ('X', 1)"},
+       "contabilização X: não há lançamento nem conciliação com este número."},
+      {{movement + "('9999999', 'X', " + good}, "numeração de CONTACOR.LANCAMENTO: está em "},
+  };
+  for (const auto& c : cases) {
+    for (const std::string& sql : c.plant) EXPECT_GT(Db().Execute(sql), 0) << sql;
+    const std::vector<std::string> lines = CheckData(Db());
+    bool found = false;
+    for (const std::string& line : lines)
+      found = found || (line.starts_with("Empresa _001, ") && line.find(c.found) != std::string::npos);
+    EXPECT_TRUE(found) << c.found << "\n" << (lines.empty() ? "nothing" : lines[0]);
+    // One fault can show on more than one side, but never far from where it is.
+    EXPECT_LE(lines.size(), 3u) << lines.front();
+    Db().Rollback();
+  }
+  EXPECT_EQ(CheckData(Db()), std::vector<std::string>{});
+}
+
+TEST_F(Demo, CheckSparesWhatOnlyLooksWrong) {
+  // A cheque handed over by another company; a run whose chargebacks leave no movement; a number that isn't
+  // one.
+  const std::string cheque = Text(
+      "SELECT FIRST 1 CHAVE FROM CHEQUE_PRE_001 WHERE STATUS = 'P' AND TIPO = 'R' AND EXISTS (SELECT 1 FROM "
+      "CONTACOR_001 M WHERE M.LANCAMENTO = CHAVE)");
+  Db().Execute("INSERT INTO CHEQUE_PRE_002 SELECT * FROM CHEQUE_PRE_001 WHERE CHAVE = " + Quote(cheque));
+  const std::string order =
+      Text("SELECT FIRST 1 NUMERO FROM RECEBER_001 WHERE PEDIDO > '' AND VALOR_PAGO = 0");
+  Db().Execute("INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO, VALOR_PAGO, JUROS) VALUES (" + Quote(order) +
+               ", '0000X', 0, 12)");
+  Db().Execute("INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR) VALUES ('0000X', 12)");
+  Db().Execute(
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE) VALUES ('A-1', "
+      "'X', '10250-1', 1, '+', '1101', 'N')");
+  EXPECT_EQ(CheckData(Db()), std::vector<std::string>{});
+}
+
+TEST_F(Demo, CheckKeepsAFloodShort) {
+  Db().Execute("UPDATE CONTACOR_001 SET CONTA = '999'");
+  const std::vector<std::string> lines = CheckData(Db());
+  std::size_t accounts = 0;
+  for (const std::string& line : lines)
+    accounts += line.find("a conta \"999\" não existe") != std::string::npos;
+  EXPECT_EQ(accounts, 20u);
+  EXPECT_EQ(lines.at(20), "Empresa _001, e mais ocorrências como a anterior.");
+}
+
+}  // namespace
+}  // namespace orv::test

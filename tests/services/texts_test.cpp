@@ -1,0 +1,174 @@
+// Amounts in words, the text of SQL, the calendar without a database, and what may be a password.
+#include <gtest/gtest.h>
+
+#include "host/services/apportion.h"
+#include "host/services/calendar.h"
+#include "host/services/extenso.h"
+#include "host/services/passwords.h"
+#include "host/services/sql_text.h"
+#include "toolkit/error.h"
+
+namespace orv {
+namespace {
+
+TEST(AmountInWords, TellsEveryForm) {
+  const struct {
+    int64_t cents;
+    const char* words;
+  } cases[] = {
+      {1, "um centavo"},
+      {10, "dez centavos"},
+      {99, "noventa e nove centavos"},
+      {100, "um real"},
+      {101, "um real e um centavo"},
+      {110, "um real e dez centavos"},
+      {200, "dois reais"},
+      {1'600, "dezesseis reais"},
+      {2'100, "vinte e um reais"},
+      {10'000, "cem reais"},
+      {10'100, "cento e um reais"},
+      {12'345, "cento e vinte e três reais e quarenta e cinco centavos"},
+      {20'000, "duzentos reais"},
+      {99'900, "novecentos e noventa e nove reais"},
+      {100'000, "um mil reais"},
+      {100'100, "um mil e um reais"},
+      {110'000, "um mil e cem reais"},
+      {110'100, "um mil cento e um reais"},
+      {120'000, "um mil e duzentos reais"},
+      {123'456, "um mil duzentos e trinta e quatro reais e cinquenta e seis centavos"},
+      {10'000'000, "cem mil reais"},
+      {10'100'000, "cento e um mil reais"},
+      {100'000'000, "um milhão de reais"},
+      {100'000'001, "um milhão de reais e um centavo"},
+      {100'000'100, "um milhão e um reais"},
+      {100'100'000, "um milhão e um mil reais"},
+      {100'123'400, "um milhão um mil duzentos e trinta e quatro reais"},
+      {120'000'000, "um milhão e duzentos mil reais"},
+      {123'000'000, "um milhão duzentos e trinta mil reais"},
+      {200'000'000, "dois milhões de reais"},
+      {100'000'000'000, "um bilhão de reais"},
+      {100'100'000'000, "um bilhão e um milhão de reais"},
+      {200'000'000'100, "dois bilhões e um reais"},
+      {99'999'999'999'999,
+       "novecentos e noventa e nove bilhões novecentos e noventa e nove milhões novecentos e noventa e nove "
+       "mil "
+       "novecentos e noventa e nove reais e noventa e nove centavos"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(AmountInWords(c.cents), c.words) << c.cents;
+  EXPECT_EQ(AmountInWords(100'000, ThousandForm::Plain), "mil reais");
+  EXPECT_EQ(AmountInWords(100'100'000, ThousandForm::Plain), "um milhão e mil reais");
+  for (const int64_t outside : {int64_t{0}, int64_t{-100}, int64_t{100'000'000'000'000}}) {
+    EXPECT_THROW(AmountInWords(outside), UserError);
+  }
+}
+
+TEST(AmountText, ReadsBothDecimalSigns) {
+  EXPECT_EQ(ParseAmountText("1.234,56"), Currency::FromCents(123456));
+  EXPECT_EQ(ParseAmountText("1234,5"), Currency::FromCents(123450));
+  EXPECT_EQ(ParseAmountText("1234.56"), Currency::FromCents(123456));
+  EXPECT_EQ(ParseAmountText("1.234"), Currency::FromCents(123400));
+  EXPECT_THROW(ParseAmountText("doze"), ConversionError);
+  EXPECT_THROW(ParseAmountText(""), ConversionError);
+}
+
+MacroNames Names() {
+  return {[](std::string_view table) { return std::string(table) + "_002"; }, "'_002'"};
+}
+
+TEST(SqlText, MacrosStandOutsideQuotesOnly) {
+  EXPECT_EQ(
+      ReplaceMacros("SELECT '{}' AS EMP FROM {PAGTO} P, {CO_ITEN} WHERE P.OBS = 'a{}b {X} ''{}''' AND 1 = {",
+                    Names()),
+      "SELECT '_002' AS EMP FROM PAGTO_002 P, CO_ITEN_002 WHERE P.OBS = 'a{}b {X} ''{}''' AND 1 = {");
+  // What a user types never becomes the suffix or a table, whatever it is.
+  for (const char* typed : {"{}", "{CONTACOR}", "'{}'", "x'{}'y", "'", "''", "{}'", "\\'{}"}) {
+    const std::string sql = "SELECT 1 FROM {X} WHERE A = " + SqlLiteral(typed);
+    EXPECT_EQ(ReplaceMacros(sql, Names()), "SELECT 1 FROM X_002 WHERE A = " + SqlLiteral(typed)) << typed;
+  }
+  // A quote that is never closed takes all that follows.
+  EXPECT_EQ(ReplaceMacros("A = '{X}", Names()), "A = '{X}");
+}
+
+TEST(SqlText, ListFieldsBecomeLiterals) {
+  const struct {
+    const char* list;
+    const char* literals;
+  } cases[] = {
+      {"01, 02", "'01','02'"},
+      {"'01','02'", "'01','02'"},
+      {"", ""},
+      {" , ,", ""},
+      {"'a,b','d''agua'", "'a,b','d''agua'"},
+      {"01) OR (1=1", "'01) OR (1=1'"},
+      {"'01') OR ('1'='1'", "'''01'') OR (''1''=''1'''"},
+      {"'01", "'''01'"},
+      {"'{'||'}'", "'{'||'}'"},
+      {"'{}'", "'{'||'}'"},
+      {"{}", "'{'||'}'"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(SqlCodeList(c.list), c.literals) << c.list;
+}
+
+TEST(SqlText, CountsTheContextsOfAStatement) {
+  EXPECT_EQ(CountContexts("SELECT * FROM {A} A LEFT JOIN {B} B ON (A.X = B.X) WHERE A.C = ' FROM D JOIN E '"),
+            2);
+  EXPECT_EQ(CountContexts("SELECT SUM(V) FROM {A} INNER JOIN EMPRESA ON 1 = 1 GROUP BY X"), 3);
+  EXPECT_EQ(CountContexts("SELECT * FROM (SELECT X FROM {A}) WHERE EXISTS (SELECT 1 FROM {B})"), 2);
+}
+
+TEST(Calendar, KnowsTheMovingAndTheFixedHolidays) {
+  const struct {
+    Date date;
+    bool holiday;
+  } cases[] = {
+      {Date(2026, 1, 1), true},    {Date(2026, 2, 16), true},
+      {Date(2026, 2, 17), true},   {Date(2026, 2, 18), false},
+      {Date(2026, 4, 3), true},    {Date(2026, 4, 5), false},
+      {Date(2026, 4, 21), true},   {Date(2026, 6, 4), true},
+      {Date(2026, 9, 7), true},    {Date(2026, 10, 12), true},
+      {Date(2026, 11, 2), true},   {Date(2026, 11, 15), true},
+      {Date(2023, 11, 20), false}, {Date(2024, 11, 20), true},
+      {Date(2026, 12, 25), true},  {Date(2024, 2, 12), true},
+      {Date(2024, 5, 30), true},   {Date(2025, 3, 4), true},
+      {Date(2026, 12, 24), false}, {Date(), false},
+  };
+  for (const auto& c : cases) EXPECT_EQ(IsBankHoliday(c.date), c.holiday) << c.date.Neutral();
+  EXPECT_EQ(Easter(1818), Date(1818, 3, 22));
+  EXPECT_EQ(Easter(2038), Date(2038, 4, 25));
+}
+
+TEST(Passwords, RefusesWhatOthersWouldGuess) {
+  for (const char* bad : {"curta", "onze carac.", "aaaaaaaaaaaa", "abcabcabcabc", "123456789012",
+                          "987654321098", "Senha2024!!!!", "password12345", "flamengo19811981",
+                          "1q2w3e4r5t6y", "AdMiNiStRaDoR1", "mariasilva e mais"}) {
+    EXPECT_THROW(CheckNewPassword("mariasilva", bad), UserError) << bad;
+  }
+  EXPECT_THROW(CheckNewPassword("x", std::string("nove\0palavras no", 16)), UserError);
+  for (const char* good : {"mesa clara 2026", "çãéíõçãéíõab", "correu a lebre"}) {
+    EXPECT_NO_THROW(CheckNewPassword("mariasilva", good)) << good;
+  }
+}
+
+TEST(Passwords, VerifyTakesOnlyTheRightOne) {
+  const std::string hash = HashPassword("mesa clara 2026", PasswordCost::Least());
+  EXPECT_LE(hash.size(), 127U);
+  EXPECT_NE(hash, HashPassword("mesa clara 2026", PasswordCost::Least()));
+  EXPECT_TRUE(VerifyPassword(hash, "mesa clara 2026"));
+  EXPECT_FALSE(VerifyPassword(hash, "mesa clara 2025"));
+  EXPECT_FALSE(VerifyPassword("", ""));
+  EXPECT_FALSE(VerifyPassword(std::string(500, 'x'), "x"));
+}
+
+TEST(Shares, AddUpToTheCent) {
+  std::vector<Share> shares{{"", "1", 33.33, {}}, {"", "2", 33.33, {}}, {"", "3", 33.33, {}}};
+  ASSERT_TRUE(SharesAreWhole(shares));
+  SetAmounts(shares, Currency::FromCents(10000));
+  EXPECT_EQ(shares[0].amount, Currency::FromCents(3333));
+  EXPECT_EQ(shares[2].amount, Currency::FromCents(3334));
+  shares[2].percent = 33.32;
+  EXPECT_FALSE(SharesAreWhole(shares));
+  EXPECT_FALSE(SharesAreWhole({}));
+}
+
+}  // namespace
+}  // namespace orv

@@ -1,0 +1,142 @@
+#include "tests/support/desk_test.h"
+
+#include <unistd.h>
+
+#include "host/schema/demo.h"
+#include "host/services/audit.h"
+#include "host/services/users.h"
+
+namespace orv::test {
+namespace {
+
+// One database with the demo companies, copied by each test that wants one.
+const std::filesystem::path& Original() {
+  static const TempFolder folder;
+  static const std::filesystem::path path = [] {
+    const std::filesystem::path file = folder.Path() / "demo.fdb";
+    const auto db = Attachment::Create(file.string());
+    MakeDemo(*db, {1, Date::ParseNeutral(kToday), 2});
+    Audit audit(*db, Clock(Date::ParseNeutral(kToday)), "", "");
+    Users users(*db, audit, PasswordCost::Least());
+    users.Add({"ana", "Ana Prado", true, true}, "mesa clara 2026");
+    users.Add({"leo", "Leo Sales", false, true}, "mesa clara 2027");
+    db->CommitRetaining();
+    return file;
+  }();
+  return path;
+}
+
+std::string Joined(const std::vector<Value>& row) {
+  std::string text;
+  for (const Value& value : row) {
+    if (&value != row.data()) text += "|";
+    text += value.IsNull() ? "-" : value.Neutral();
+  }
+  return text;
+}
+
+}  // namespace
+
+TempFolder::TempFolder() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "orvcc-test-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) throw UserError("A pasta temporária não pôde ser criada.");
+  path_ = pattern;
+}
+
+TempFolder::~TempFolder() {
+  std::error_code error;
+  std::filesystem::remove_all(path_, error);
+}
+
+std::filesystem::path CopyDemo(const std::filesystem::path& folder) {
+  const std::filesystem::path copy = folder / "desk.fdb";
+  std::filesystem::copy_file(Original(), copy);
+  return copy;
+}
+
+Desk::Desk(const std::filesystem::path& database, const std::string& user, const std::string& company,
+           const std::string& today)
+    : log_((database.parent_path() / "desk.log").string()) {
+  static const Module module("orvCC");
+  SessionOptions options;
+  options.database = database.string();
+  options.user = user;
+  options.company = company;
+  options.clock = Clock(Date::ParseNeutral(today));
+  options.folder = database.parent_path() / "files" / user;
+  client_ = std::make_unique<DoorClient>(std::move(options), log_);
+}
+
+const std::vector<Json>& Desk::Do(Json in) {
+  latest_ = client_->Do(std::move(in));
+  return latest_;
+}
+
+std::string Desk::Messages() const {
+  std::string text;
+  for (const Json& out : latest_) {
+    const bool message = out["on"] == Json("message");
+    if (!message && !(out["on"] == Json("error"))) continue;
+    if (!text.empty()) text += "\n";
+    text += (message ? "" : "error: ") + out["text"].String();
+  }
+  return text;
+}
+
+std::string Desk::End() const {
+  const Json& last = latest_.back();
+  return last["on"].String() + (last["for"].IsNull() ? "" : " " + last["for"].String());
+}
+
+Json Desk::State(std::string_view control) {
+  Json read{{"do", "read"}};
+  if (!control.empty()) read.Set("control", control);
+  // Reading doesn't count as the latest action.
+  for (const Json& out : client_->Do(std::move(read))) {
+    if (out["on"] == Json("state")) return out;
+  }
+  throw UserError("O estado não veio.");
+}
+
+std::string Desk::FocusName() { return State()["screens"].Items().back()["focus"].String(); }
+
+Json Desk::Property(std::string_view control, std::string_view property) {
+  return State(control)["screens"].Items().back()["controls"][control][property];
+}
+
+std::string Desk::Rows(std::string_view set) {
+  std::string text;
+  const Json state = State(set);
+  for (const Json& row : state["screens"].Items().back()["sets"][set]["rows"].Items()) {
+    for (const Json& value : row.Items()) {
+      if (&value != row.Items().data()) text += "|";
+      text += value.IsNull() ? "-" : value.String();
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+DeskTest::DeskTest() : database_(CopyDemo(folder_.Path())) {}
+
+Attachment& DeskTest::Db() {
+  if (!attachment_) attachment_ = Attachment::Open(database_.string());
+  return *attachment_;
+}
+
+std::string DeskTest::Sql(std::string_view sql) {
+  std::string text;
+  for (const auto& row : Db().Rows(sql)) {
+    if (!text.empty()) text += ";";
+    text += Joined(row);
+  }
+  Db().CommitRetaining();
+  return text;
+}
+
+void DeskTest::Run(std::string_view sql) {
+  Db().Execute(sql);
+  Db().CommitRetaining();
+}
+
+}  // namespace orv::test

@@ -1,0 +1,100 @@
+// A fixture for scenarios: a database of its own in a temporary folder, sessions in process, and short forms
+// of what a person does.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desk/client.h"
+#include "frame/module.h"
+#include "host/data/attachment.h"
+
+namespace orv::test {
+
+// A folder that is removed with everything in it.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  const std::filesystem::path& Path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// The day on which the demo companies of the tests end.
+constexpr const char* kToday = "2026-11-20";
+
+// A copy of the demo database of the tests, which is made once a process. Its users: "ana" (administrator)
+// and "leo" (no rights).
+std::filesystem::path CopyDemo(const std::filesystem::path& folder);
+
+// A user at the desk.
+class Desk {
+ public:
+  Desk(const std::filesystem::path& database, const std::string& user = "ana",
+       const std::string& company = "_001", const std::string& today = kToday);
+
+  // Sends an object; keeps and gives what came back.
+  const std::vector<Json>& Do(Json in);
+  const std::vector<Json>& Click(std::string_view control) {
+    return Do({{"do", "click"}, {"control", control}});
+  }
+  const std::vector<Json>& Set(std::string_view control, std::string_view value) {
+    return Do({{"do", "set"}, {"control", control}, {"value", value}});
+  }
+  const std::vector<Json>& Focus(std::string_view control) {
+    return Do({{"do", "focus"}, {"control", control}});
+  }
+  const std::vector<Json>& Answer(std::string_view value) { return Do({{"do", "answer"}, {"value", value}}); }
+  const std::vector<Json>& Open(std::string_view screen_class) {
+    return Do({{"do", "open"}, {"class", screen_class}});
+  }
+
+  // --- Of the latest answer.
+  // Texts of the messages shown, one a line; errors as "error: ...".
+  std::string Messages() const;
+  // "idle" or "waiting answer", "waiting lookup"...
+  std::string End() const;
+
+  // --- Of the present state.
+  Json State(std::string_view control = "");
+  // The top screen's focus.
+  std::string FocusName();
+  // A property of a control of the top screen.
+  Json Property(std::string_view control, std::string_view property);
+  std::string Text(std::string_view control) { return Property(control, "text").String(); }
+  bool Enabled(std::string_view control) { return Property(control, "enabled").Bool(); }
+  // The rows of a set: values joined by "|", null as "-", one a line.
+  std::string Rows(std::string_view set);
+
+ private:
+  Log log_;
+  std::unique_ptr<DoorClient> client_;
+  std::vector<Json> latest_;
+};
+
+class DeskTest : public ::testing::Test {
+ protected:
+  DeskTest();
+  // Opens another attachment to the same database: what the desk committed.
+  Attachment& Db();
+  // Rows of a statement as text: values joined by "|", null as "-", rows by ";".
+  std::string Sql(std::string_view sql);
+  void Run(std::string_view sql);
+
+  TempFolder folder_;
+  std::filesystem::path database_;
+
+ private:
+  std::unique_ptr<Attachment> attachment_;
+};
+
+}  // namespace orv::test

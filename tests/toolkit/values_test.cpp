@@ -1,0 +1,155 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+
+#include "toolkit/currency.h"
+#include "toolkit/database.h"
+#include "toolkit/date.h"
+#include "toolkit/error.h"
+#include "toolkit/text.h"
+#include "toolkit/value.h"
+
+namespace orv {
+namespace {
+
+TEST(CurrencyTest, ReadsWhatPeopleTypeAndRefusesTheRest) {
+  const struct {
+    const char* text;
+    const char* neutral;  // null for a refusal
+  } cases[] = {{"1.234,56", "1234.5600"},
+               {"1234,56", "1234.5600"},
+               {" -3 ", "-3.0000"},
+               {"+0,0001", "0.0001"},
+               {",5", "0.5000"},
+               {"1.234", "1234.0000"},
+               {"999.999.999.999,99", "999999999999.9900"},
+               {"922337203685477,5807", "922337203685477.5807"},
+               {"922337203685477,5808", nullptr},
+               {"1.23,4", nullptr},
+               {"12.34", nullptr},
+               {"1,23456", nullptr},
+               {"1,2,3", nullptr},
+               {"", nullptr},
+               {"-", nullptr},
+               {"1e3", nullptr},
+               {"12a", nullptr}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    if (c.neutral != nullptr) {
+      EXPECT_EQ(Currency::ParseBrazil(c.text).Neutral(), c.neutral);
+    } else {
+      EXPECT_THROW(Currency::ParseBrazil(c.text), ConversionError);
+      EXPECT_EQ(Currency::ParseBrazilOr(c.text, Currency(7)), Currency(7));
+    }
+  }
+}
+
+TEST(CurrencyTest, WritesAndRoundsHalfAwayFromZero) {
+  const struct {
+    int64_t raw;
+    const char *brazil, *format2;
+  } cases[] = {{12345650, "1.234,57", "1234.57"},
+               {-12345650, "-1.234,57", "-1234.57"},
+               {49, "0,00", "0.00"},
+               {50, "0,01", "0.01"},
+               {-49, "0,00", "0.00"},
+               {1234567890000, "123.456.789,00", "123456789.00"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(Currency::FromRaw(c.raw).Brazil(), c.brazil);
+    EXPECT_EQ(Currency::FromRaw(c.raw).Format2(), c.format2);
+  }
+  EXPECT_EQ(Currency::FromDouble(1.00005).Neutral(), "1.0001");
+  EXPECT_EQ(Currency::FromDouble(-0.00005).Neutral(), "-0.0001");
+  EXPECT_EQ((Currency(1000) * 33.33 / 100).Neutral(), "333.3000");
+  EXPECT_EQ((Currency::ParseNeutral("0.0150") * 0.5).Neutral(), "0.0075");
+  EXPECT_EQ(RoundFloat2(1.005), 1.01);
+  EXPECT_EQ(RoundFloat2(-2.675), -2.68);
+}
+
+TEST(CurrencyTest, OverflowIsToldNotWrapped) {
+  const Currency most = Currency::ParseBrazil("922337203685477,5807");
+  EXPECT_THROW(most + Currency::FromRaw(1), RangeError);
+  EXPECT_THROW(Currency::FromRaw(INT64_MIN) - Currency(1), RangeError);
+  EXPECT_THROW(-Currency::FromRaw(INT64_MIN), RangeError);
+  EXPECT_THROW(most * 2.0, RangeError);
+  EXPECT_THROW(Currency(1) / 0.0, RangeError);
+  EXPECT_THROW(Currency::FromDouble(1e15), RangeError);
+  EXPECT_THROW(Currency::FromDouble(std::nan("")), RangeError);
+}
+
+TEST(DateTest, TextsInTheThreeForms) {
+  const Date day = Date::ParseBrazil("5/3/2026");
+  EXPECT_EQ(day.Brazil() + " " + day.Sql() + " " + day.Neutral(), "05/03/2026 03/05/2026 2026-03-05");
+  EXPECT_EQ(Date().Brazil() + Date().Neutral() + Date().Sql(), "12/30/1899");
+  EXPECT_TRUE(Date::ParseBrazil("  ").Empty());
+  for (const char* bad : {"29/02/2025", "31/04/2026", "1/1/26", "01-02-2026", "aa/bb/cccc", "1/13/2026",
+                          "0/1/2026", "1/1/20266", "1//2026"}) {
+    EXPECT_THROW(Date::ParseBrazil(bad), ConversionError) << bad;
+  }
+  EXPECT_EQ(Date(2024, 2, 29).AddMonths(12).Brazil(), "28/02/2025");
+  EXPECT_EQ(Date(2026, 1, 31).AddMonths(-2).Brazil(), "30/11/2025");
+  EXPECT_EQ(Date(2026, 11, 22).WeekDay(), 0);
+  EXPECT_EQ(Date(1969, 12, 31).WeekDay(), 3);
+  EXPECT_EQ(Date(2026, 3, 1) - Date(2024, 2, 28), 732);
+  EXPECT_LT(Date(), Date(1, 1, 1));
+  // Every day there is reads back as itself.
+  for (int days = Date(1890, 1, 1).Days(); days < Date(2110, 1, 1).Days(); ++days) {
+    const Date d = Date::FromDays(days);
+    ASSERT_EQ(Date(d.Year(), d.Month(), d.Day()).Days(), days);
+  }
+}
+
+TEST(ValueTest, TextsOfEveryLengthAreKeptAndMoved) {
+  for (std::size_t size = 0; size < 40; ++size) {
+    const std::string text(size, 'x');
+    Value a(text);
+    Value b = a;
+    const Value c = std::move(a);
+    b = c;
+    b = *&b;
+    EXPECT_EQ(b.Text(), text);
+    EXPECT_TRUE(a.IsNull());
+    EXPECT_EQ(b.Hash(), c.Hash());
+  }
+}
+
+TEST(ValueTest, ConvertsStrictlyAndComparesAcrossKinds) {
+  EXPECT_EQ(Value("1.234,50").AsCurrency(), Currency::ParseNeutral("1234.50"));
+  EXPECT_EQ(Value("1234.5").AsCurrency(), Currency::ParseNeutral("1234.50"));
+  EXPECT_EQ(Value("1.234").AsCurrency(), Currency(1234));
+  EXPECT_THROW(Value("doze").AsCurrency(), ConversionError);
+  EXPECT_THROW(Value("1x").AsInteger(), ConversionError);
+  EXPECT_THROW(Value(3).AsDate(), ConversionError);
+  EXPECT_EQ(Value("").AsCurrency(), Currency());
+  EXPECT_TRUE(Value(Date()).IsNull());
+  EXPECT_EQ(Value(0.1 + 0.2), Value(Currency::ParseNeutral("0.30")));
+  EXPECT_EQ(Value(0.1 + 0.2).Hash(), Value(Currency::ParseNeutral("0.30")).Hash());
+  EXPECT_EQ(Value(5), Value(5.0));
+  EXPECT_EQ(Value(Date(2026, 1, 2)), Value(DateTime(Date(2026, 1, 2), 0, 0, 0)));
+  EXPECT_TRUE(Compare(Value(), Value("")) < 0);
+  EXPECT_TRUE(Compare(Value("B"), Value("a")) < 0);
+  EXPECT_EQ(Value(1e21).Neutral(), "1000000000000000000000");
+  EXPECT_EQ(Value(-0.5).AsString(), "-0,5");
+}
+
+TEST(TextTest, CountsCutsAndFoldsByCharacters) {
+  EXPECT_EQ(CharCount("ação 😀"), 6U);
+  EXPECT_EQ(CutChars("ação", 3), "açã");
+  EXPECT_EQ(Upper("conciliação ß"), "CONCILIAÇÃO ß");
+  EXPECT_EQ(Fold("Órgão Çédula"), "orgao cedula");
+  EXPECT_TRUE(SameText("HISTÓRICO", "histórico"));
+  EXPECT_FALSE(SameText("historico", "histórico"));
+  EXPECT_EQ(NameHash()("Descrição"), NameHash()("DESCRIÇÃO"));
+  EXPECT_FALSE(ValidUtf8("\xC3"));
+  EXPECT_FALSE(ValidUtf8(std::string_view("a\0b", 3)));
+  EXPECT_EQ(CleanUtf8("a\xFF"
+                      "b"),
+            "a\xEF\xBF\xBD"
+            "b");
+  EXPECT_EQ(Quote("d'água"), "'d''água'");
+  EXPECT_EQ(Split("a;;b", ";"), (std::vector<std::string>{"a", "", "b"}));
+}
+
+}  // namespace
+}  // namespace orv

@@ -1,0 +1,306 @@
+#include "toolkit/dataset.h"
+
+#include <algorithm>
+
+#include "toolkit/text.h"
+
+namespace orv {
+
+ValueKind KindOf(FieldType type) {
+  switch (type) {
+    case FieldType::String:
+      return ValueKind::Text;
+    case FieldType::Integer:
+      return ValueKind::Integer;
+    case FieldType::Float:
+      return ValueKind::Float;
+    case FieldType::Currency:
+      return ValueKind::Currency;
+    case FieldType::Date:
+      return ValueKind::Date;
+    case FieldType::DateTime:
+      return ValueKind::DateTime;
+  }
+  return ValueKind::Null;
+}
+
+std::string_view StateName(DataSetState state) {
+  switch (state) {
+    case DataSetState::Inactive:
+      return "inactive";
+    case DataSetState::Browse:
+      return "browse";
+    case DataSetState::Edit:
+      return "edit";
+    case DataSetState::Insert:
+      return "insert";
+  }
+  return "";
+}
+
+namespace {
+
+// By value: a handler may put another in its place, or drop its field.
+void Fire(std::function<void()> event) {
+  if (event) event();
+}
+
+}  // namespace
+
+// --- Field.
+
+Field::Field(DataSet& owner, std::string name, FieldType type, int size)
+    : owner_(owner),
+      name_(std::move(name)),
+      type_(type),
+      size_(size),
+      index_(static_cast<int>(owner.fields_.size())) {
+  ORV_ASSERT(owner.FindField(name_) == nullptr);
+  owner.fields_.push_back(this);
+}
+
+const Value& Field::Get() const { return owner_.CurrentValue(index_); }
+
+Value Field::Convert(Value value) const {
+  if (value.Kind() != KindOf(type_)) value = value.As(KindOf(type_));
+  if (type_ == FieldType::String && size_ > 0 && value.Text().size() > static_cast<std::size_t>(size_))
+    value = Value(std::string(CutChars(value.Text(), static_cast<std::size_t>(size_))));
+  return value;
+}
+
+void Field::Set(Value value) {
+  if (!owner_.Editing()) throw UserError("A tabela \"" + owner_.Name() + "\" não está em edição.");
+  owner_.SetCurrentValue(index_, Convert(std::move(value)));
+  if (!owner_.preparing_) owner_.touched_ = true;
+  owner_.Changed();
+  Fire(OnChange);
+}
+
+// --- DataSet: fields.
+
+DataSet::~DataSet() = default;
+
+Field& DataSet::FieldByName(std::string_view name) {
+  Field* field = FindField(name);
+  if (field == nullptr)
+    throw UserError("O campo \"" + std::string(name) + "\" não existe em \"" + name_ + "\".");
+  return *field;
+}
+
+Field* DataSet::FindField(std::string_view name) {
+  return const_cast<Field*>(std::as_const(*this).FindField(name));
+}
+
+const Field* DataSet::FindField(std::string_view name) const {
+  for (const Field* field : fields_) {
+    if (SameText(field->Name(), name)) return field;
+  }
+  return nullptr;
+}
+
+std::vector<const Field*> DataSet::FieldList(std::string_view names) const {
+  std::vector<const Field*> list;
+  for (const std::string& name : Split(names, ";")) {
+    const std::string_view trimmed = Trim(name);
+    if (trimmed.empty()) continue;
+    const Field* field = FindField(trimmed);
+    if (field == nullptr)
+      throw UserError("O campo \"" + std::string(trimmed) + "\" não existe em \"" + name_ + "\".");
+    list.push_back(field);
+  }
+  return list;
+}
+
+Field& DataSet::AddField(std::string name, FieldType type, int size) {
+  run_time_fields_.push_back(std::make_unique<Field>(*this, std::move(name), type, size));
+  return *run_time_fields_.back();
+}
+
+void DataSet::ClearRunTimeFields() {
+  std::erase_if(fields_, [&](const Field* field) {
+    return std::any_of(run_time_fields_.begin(), run_time_fields_.end(),
+                       [&](const auto& owned) { return owned.get() == field; });
+  });
+  run_time_fields_.clear();
+  for (std::size_t i = 0; i < fields_.size(); ++i) fields_[i]->index_ = static_cast<int>(i);
+}
+
+// --- State and cursor.
+
+void DataSet::SetState(DataSetState state) {
+  if (state == state_) return;
+  state_ = state;
+  Changed();
+}
+
+void DataSet::CheckActive() const {
+  if (!Active()) throw UserError("A tabela \"" + name_ + "\" não está aberta.");
+}
+
+void DataSet::CheckModify() const {
+  CheckActive();
+  if (!CanModify()) throw UserError("A tabela \"" + name_ + "\" é só de leitura.");
+}
+
+void DataSet::CheckBrowse() {
+  CheckActive();
+  PostIfEditing();
+  CheckActive();
+}
+
+void DataSet::LeaveRow() {
+  CheckBrowse();
+  Fire(BeforeScroll);
+  // A handler may have gone on editing.
+  CheckBrowse();
+}
+
+void DataSet::Scrolled() {
+  Changed();
+  Fire(AfterScroll);
+}
+
+void DataSet::First() {
+  LeaveRow();
+  DoFirst();
+  SetEnds(true, IsEmpty());
+  Scrolled();
+}
+
+void DataSet::Last() {
+  LeaveRow();
+  DoLast();
+  SetEnds(IsEmpty(), true);
+  Scrolled();
+}
+
+int64_t DataSet::MoveBy(int64_t distance) {
+  CheckBrowse();
+  if (distance == 0) return 0;
+  LeaveRow();
+  const int64_t moved = DoMove(distance);
+  if (moved != 0) SetEnds(false, false);
+  if (moved != distance) (distance > 0 ? eof_ : bof_) = true;
+  if (moved != 0) Scrolled();
+  return moved;
+}
+
+void DataSet::SetRecNo(int64_t number) {
+  LeaveRow();
+  DoSetRecNo(number);
+  SetEnds(false, false);
+  Scrolled();
+}
+
+// --- Changes.
+
+void DataSet::BeginInsert(bool append) {
+  CheckModify();
+  CheckBrowse();
+  Fire(BeforeInsert);
+  LeaveRow();
+  DoInsert(append);
+  touched_ = false;
+  SetEnds(false, append);
+  SetState(DataSetState::Insert);
+  try {
+    // What the program presets isn't a person's entry: an untouched new row is dropped.
+    struct Preparing {
+      bool& flag;
+      explicit Preparing(bool& f) : flag(f) { flag = true; }
+      ~Preparing() { flag = false; }
+    } preparing(preparing_);
+    Fire(OnNewRecord);
+  } catch (...) {
+    DropEdit();
+    throw;
+  }
+  Fire(AfterInsert);
+  Scrolled();
+}
+
+void DataSet::Append() { BeginInsert(true); }
+void DataSet::Insert() { BeginInsert(false); }
+
+void DataSet::Edit() {
+  if (Editing()) return;
+  CheckModify();
+  if (IsEmpty()) {
+    BeginInsert(true);
+    return;
+  }
+  Fire(BeforeEdit);
+  if (Editing()) return;
+  DoEdit();
+  touched_ = false;
+  SetState(DataSetState::Edit);
+  Fire(AfterEdit);
+}
+
+void DataSet::Post() {
+  if (!Editing()) throw UserError("A tabela \"" + name_ + "\" não está em edição.");
+  Fire(BeforePost);
+  // A handler may have posted or cancelled the row itself.
+  if (!Editing()) return;
+  DoPost();
+  SetState(DataSetState::Browse);
+  SetEnds(IsEmpty(), IsEmpty());
+  Changed();
+  Fire(AfterPost);
+}
+
+void DataSet::PostIfEditing() {
+  if (!Editing()) return;
+  if (state_ == DataSetState::Insert && !touched_) {
+    Cancel();
+  } else {
+    Post();
+  }
+}
+
+void DataSet::DropEdit() {
+  if (!Editing()) return;
+  DoCancel();
+  SetState(DataSetState::Browse);
+  SetEnds(IsEmpty(), IsEmpty());
+  Changed();
+}
+
+void DataSet::Cancel() {
+  if (!Editing()) return;
+  Fire(BeforeCancel);
+  // The cursor goes back from the new row to the one before.
+  const bool scrolls = state_ == DataSetState::Insert;
+  if (scrolls) Fire(BeforeScroll);
+  DropEdit();
+  Fire(AfterCancel);
+  if (scrolls) Scrolled();
+}
+
+void DataSet::Delete() {
+  CheckModify();
+  if (state_ == DataSetState::Insert) {
+    Cancel();
+    return;
+  }
+  if (IsEmpty()) throw UserError("A tabela \"" + name_ + "\" está vazia.");
+  Fire(BeforeDelete);
+  Fire(BeforeScroll);
+  DropEdit();
+  if (IsEmpty()) return;
+  // Without a row behind it the cursor is on the last one, and a walk has come to its end.
+  const bool was_last = DoDelete();
+  SetEnds(IsEmpty(), was_last);
+  Changed();
+  Fire(AfterDelete);
+  Scrolled();
+}
+
+void DataSet::EnableControls() {
+  ORV_ASSERT(disabled_ > 0);
+  --disabled_;
+}
+
+void DataSet::Prepare(int64_t, int64_t) {}
+
+}  // namespace orv

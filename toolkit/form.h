@@ -1,0 +1,104 @@
+// A form: its controls in the order of the page, the focus, the layout and the data sets that it owns.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "toolkit/text.h"
+#include "toolkit/user.h"
+
+namespace orv {
+
+class Control;
+class DataSet;
+
+// A row of a container's layout.
+using LayoutRow = std::vector<Control*>;
+
+class Form {
+ public:
+  Form(UserInterface& user, std::string name, std::string caption)
+      : user_(user), name_(std::move(name)), caption_(std::move(caption)) {}
+  virtual ~Form();
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const std::string& Name() const { return name_; }
+  const std::string& Caption() const { return caption_; }
+  UserInterface& User() const { return user_; }
+
+  // In order of declaration, which is the tab order.
+  const std::vector<Control*>& Controls() const { return controls_; }
+  // Names ignore case; null for an unknown one.
+  Control* Find(std::string_view name) const;
+  const std::vector<DataSet*>& Sets() const { return sets_; }
+  DataSet* FindSet(std::string_view name) const;
+  const std::vector<LayoutRow>& Rows() const { return rows_; }
+
+  // --- Focus.
+  Control* Focus() const { return focus_; }
+  // Leaves the focused control and enters `control`: exit, then enter. An exit that sets the focus elsewhere
+  // decides where it goes. True when `control` has the focus in the end. A control that can't take the focus
+  // leaves everything as it is.
+  bool SetFocus(Control& control);
+  // The next control in tab order that takes the focus, or the one before it.
+  void FocusNext(bool forward = true);
+  // After an action: a focus on a control that became disabled or hidden moves to the next one that isn't.
+  void RepairFocus();
+
+  // --- Life.
+  // Fires the close action; false when that refused.
+  bool Close();
+  bool Closed() const { return closed_; }
+  // Opens the form again after it was hidden by a close.
+  void Reopen() { closed_ = false; }
+  // Shows the form over the others and returns when it is closed.
+  void ShowModal();
+
+  // A free number for the owner's use.
+  int Tag = 0;
+
+  // --- Messages under the form's caption.
+  void Inform(std::string_view text) const;
+  void Warn(std::string_view text) const;
+  // True for Yes.
+  bool Ask(std::string_view text, bool no_is_default = false) const;
+
+  // --- Events.
+  // Every typed character before the focused control gets it, where `KeyPreview` is set; else only what no
+  // input field takes. '\r' is Enter.
+  std::function<void(char)> OnKeyPress;
+  bool KeyPreview = false;
+
+ protected:
+  // Names the controls of each container, in rows: "PageControl1 { TabSheet1 { EdtA PqA / EdtB } TabSheet2 {}
+  // }".
+  // "/" begins a new row. Every control stands in it once; a name that isn't there is an assertion.
+  void Layout(std::string_view text);
+  // Makes a data set part of the form under its name.
+  void AddSet(DataSet& set) { sets_.push_back(&set); }
+  // What a close does; the default only closes.
+  virtual void FormClose() {}
+
+ private:
+  friend class Control;
+  void AddControl(Control& control);
+
+  UserInterface& user_;
+  std::string name_;
+  std::string caption_;
+  std::vector<Control*> controls_;
+  std::unordered_map<std::string, Control*, NameHash, NameEqual> by_name_;
+  std::vector<DataSet*> sets_;
+  std::vector<LayoutRow> rows_;
+  Control* focus_ = nullptr;
+  Control* redirect_ = nullptr;
+  bool exiting_ = false;
+  bool closed_ = false;
+};
+
+}  // namespace orv

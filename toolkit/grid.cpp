@@ -1,0 +1,293 @@
+#include "toolkit/grid.h"
+
+#include <algorithm>
+
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr const char* kNoSuchRow = "A linha não existe mais. Atualize a lista.";
+
+// A number in the Brazilian form with so many decimals.
+std::string NumberText(const Value& value, int decimals) {
+  if (decimals == 2 && std::abs(value.AsFloat()) < 9e14) return value.AsCurrency().Brazil();
+  return value.AsString();
+}
+
+// What a person typed into a field, as a value of the field's type.
+Value Typed(const Field& field, std::string_view text) {
+  const std::string_view trimmed = Trim(text);
+  switch (field.Type()) {
+    case FieldType::String:
+      return Value(CleanUtf8(text));
+    case FieldType::Currency:
+      return trimmed.empty() ? Value() : Value(Currency::ParseBrazil(trimmed));
+    case FieldType::Float:
+      return trimmed.empty() ? Value() : Value(Currency::ParseBrazil(trimmed).ToDouble());
+    case FieldType::Integer:
+      return trimmed.empty() ? Value() : Value(ParseInteger(trimmed));
+    case FieldType::Date:
+    case FieldType::DateTime:
+      return Value(Date::ParseBrazil(trimmed));
+  }
+  return Value();
+}
+
+std::string ShownText(const Field& field, const Value& value, int decimals) {
+  const bool number = field.Type() == FieldType::Currency || field.Type() == FieldType::Float;
+  return number && !value.IsNull() ? NumberText(value, decimals) : value.AsString();
+}
+
+}  // namespace
+
+// --- TOrvDBGrid.
+
+GridColumn* TOrvDBGrid::FindColumn(std::string_view field) {
+  for (GridColumn& column : columns_) {
+    if (SameText(column.field, field)) return &column;
+  }
+  return nullptr;
+}
+
+const GridColumn& TOrvDBGrid::Column(std::string_view field) const {
+  for (const GridColumn& column : columns_) {
+    if (column.visible && SameText(column.field, field)) return column;
+  }
+  throw UserError("A coluna \"" + std::string(field) + "\" não está na grade.");
+}
+
+void TOrvDBGrid::SetColumnTitle(std::string_view field, std::string title) {
+  GridColumn* column = FindColumn(field);
+  ORV_ASSERT(column != nullptr);
+  column->title = std::move(title);
+  Touch();
+}
+
+void TOrvDBGrid::SetColumnVisible(std::string_view field, bool visible) {
+  GridColumn* column = FindColumn(field);
+  ORV_ASSERT(column != nullptr);
+  column->visible = visible;
+  Touch();
+}
+
+void TOrvDBGrid::SetColumnReadOnly(std::string_view field, bool read_only) {
+  GridColumn* column = FindColumn(field);
+  ORV_ASSERT(column != nullptr);
+  column->read_only = read_only;
+  Touch();
+}
+
+void TOrvDBGrid::SetReadOnly(bool read_only) {
+  if (read_only == read_only_) return;
+  read_only_ = read_only;
+  Touch();
+}
+
+std::string TOrvDBGrid::CellText(int64_t row, const GridColumn& column) const {
+  const Field* field = set_.FindField(column.field);
+  if (field == nullptr) return "";
+  const Value value = set_.Cell(row, *field);
+  return column.checked.empty() ? ShownText(*field, value, column.decimals) : value.AsString();
+}
+
+void TOrvDBGrid::CheckRow(int64_t row) const {
+  if (!set_.Active() || row < 0 || row >= set_.DisplayCount()) throw UserError(kNoSuchRow);
+}
+
+void TOrvDBGrid::Select(std::string_view column) {
+  if (column.empty()) return;
+  const std::string& field = Column(column).field;
+  if (field == selected_) return;
+  selected_ = field;
+  Touch();
+  if (OnColEnter) OnColEnter();
+}
+
+void TOrvDBGrid::UserRow(int64_t row) {
+  CheckRow(row);
+  if (set_.DisplayRow() == row) return;
+  const int64_t before = set_.DisplayCount();
+  set_.PostIfEditing();
+  // Posting may have reordered or dropped rows; a row that is no longer there can't be reached.
+  if (row >= set_.DisplayCount()) {
+    if (set_.DisplayCount() < before) return;
+    throw UserError(kNoSuchRow);
+  }
+  if (set_.DisplayRow() != row) set_.SetRecNo(row + 1);
+}
+
+void TOrvDBGrid::UserCell(int64_t row, std::string_view column_name, std::string_view text) {
+  const GridColumn& column = Column(column_name);
+  if (read_only_ || column.read_only || !set_.CanModify()) throw UserError("Esta coluna é só de leitura.");
+  Field* field = set_.FindField(column.field);
+  if (field == nullptr) throw UserError("A grade está vazia.");
+  Value value;
+  if (column.checked.empty()) {
+    value = Typed(*field, text);
+  } else if (text == "true" || text == column.checked) {
+    value = Value(column.checked);
+  } else if (text == "false" || text == column.unchecked) {
+    value = Value(column.unchecked);
+  } else {
+    throw UserError("\"" + std::string(text) + "\" não é um valor desta coluna.");
+  }
+  UserRow(row);
+  Select(column_name);
+  set_.Edit();
+  field->Set(std::move(value));
+}
+
+void TOrvDBGrid::UserAppend() {
+  if (read_only_ || rows_fixed_ || !set_.CanModify()) throw UserError("Aqui não se incluem linhas.");
+  set_.Append();
+}
+
+void TOrvDBGrid::UserDelete(int64_t row) {
+  if (read_only_ || rows_fixed_ || !set_.CanModify()) throw UserError("Aqui não se excluem linhas.");
+  UserRow(row);
+  set_.Delete();
+}
+
+void TOrvDBGrid::UserDblClick(int64_t row, std::string_view column) {
+  UserRow(row);
+  Select(column);
+  if (OnDblClick) OnDblClick();
+}
+
+void TOrvDBGrid::UserTitle(std::string_view column) {
+  const std::string field = Column(column).field;
+  if (OnTitleClick) OnTitleClick(field);
+}
+
+void TOrvDBGrid::UserKeyAt(int64_t row, KeyPress& key) {
+  // A key on an empty grid still reaches its handler: an append comes so.
+  if (set_.Active() && set_.DisplayCount() > 0) UserRow(row);
+  Select(key.column);
+  UserKey(key);
+}
+
+void TOrvDBGrid::Describe(Properties& properties) const {
+  Control::Describe(properties);
+  properties.emplace_back("set", set_.Name());
+  properties.emplace_back("readOnly", read_only_);
+  properties.emplace_back("rowsFixed", rows_fixed_);
+  properties.emplace_back("selected", selected_);
+  // One text a column, its parts parted by tabs: field, title, width, kind, read-only, decimals, check
+  // values.
+  std::vector<std::string> columns;
+  for (const GridColumn& column : columns_) {
+    if (!column.visible) continue;
+    const Field* field = set_.FindField(column.field);
+    const bool number = field != nullptr && field->Type() != FieldType::String &&
+                        field->Type() != FieldType::Date && field->Type() != FieldType::DateTime;
+    const bool date = field != nullptr && field->Type() == FieldType::Date;
+    const char* kind = !column.checked.empty() ? "check" : number ? "number" : date ? "date" : "text";
+    const int width = column.width > 0 ? column.width : field != nullptr ? field->Size() : 0;
+    columns.push_back(
+        Join({column.field, column.title, std::to_string(width), kind, column.read_only ? "1" : "0",
+              std::to_string(column.decimals), column.checked, column.unchecked},
+             "\t"));
+  }
+  properties.emplace_back("columns", std::move(columns));
+}
+
+// --- DBEdit.
+
+std::string DBEdit::Text() const {
+  const Field* field = set_.FindField(field_);
+  return field == nullptr || !set_.Active() ? "" : ShownText(*field, field->Get(), 2);
+}
+
+std::string_view DBEdit::Kind() const {
+  const Field* field = set_.FindField(field_);
+  if (field == nullptr) return "edit";
+  if (field->Type() == FieldType::Date) return "date";
+  return field->Type() == FieldType::Currency || field->Type() == FieldType::Float ? "money" : "edit";
+}
+
+void DBEdit::Describe(Properties& properties) const {
+  Control::Describe(properties);
+  const Field* field = set_.FindField(field_);
+  properties.emplace_back("text", Text());
+  properties.emplace_back("readOnly", read_only_);
+  properties.emplace_back("set", set_.Name());
+  if (field != nullptr && field->Type() == FieldType::String && field->Size() > 0) {
+    properties.emplace_back("maxLength", int64_t{field->Size()});
+  }
+}
+
+void DBEdit::UserSet(std::string_view text) {
+  Field* field = set_.FindField(field_);
+  if (field == nullptr || !set_.Active()) throw UserError("A tabela não está aberta.");
+  if (read_only_ || !set_.CanModify()) throw UserError("Este campo é só de leitura.");
+  Value value = Typed(*field, text);
+  if (!set_.Editing()) set_.Edit();
+  const std::string before = Text();
+  field->Set(std::move(value));
+  Touch();
+  if (OnChange && Text() != before) OnChange();
+}
+
+// --- DBRadioGroup.
+
+int DBRadioGroup::ItemIndex() const {
+  const Field* field = set_.FindField(field_);
+  if (field == nullptr || !set_.Active()) return -1;
+  const auto found = std::find(values_.begin(), values_.end(), field->AsString());
+  return found == values_.end() ? -1 : static_cast<int>(found - values_.begin());
+}
+
+void DBRadioGroup::Describe(Properties& properties) const {
+  Control::Describe(properties);
+  const int index = ItemIndex();
+  properties.emplace_back("items", items_);
+  properties.emplace_back("index", int64_t{index});
+  properties.emplace_back("text", index < 0 ? std::string() : items_[static_cast<std::size_t>(index)]);
+  properties.emplace_back("set", set_.Name());
+}
+
+void DBRadioGroup::UserSet(std::string_view text) {
+  const auto item = std::find(items_.begin(), items_.end(), text);
+  const int64_t index = item != items_.end() ? item - items_.begin() : ParseInteger(Trim(text));
+  if (index < 0 || index >= static_cast<int64_t>(values_.size())) {
+    throw UserError("\"" + std::string(text) + "\" não está na lista.");
+  }
+  Field* field = set_.FindField(field_);
+  if (field == nullptr || !set_.CanModify()) throw UserError("Este campo é só de leitura.");
+  if (!set_.Editing()) set_.Edit();
+  field->Set(Value(values_[static_cast<std::size_t>(index)]));
+  Touch();
+  if (OnChange) OnChange();
+}
+
+// --- Chart.
+
+int Chart::PageCount() const {
+  const int64_t points = set_.Active() ? const_cast<DataSet&>(set_).DisplayCount() : 0;
+  return static_cast<int>(std::max<int64_t>(1, (points + page_size_ - 1) / page_size_));
+}
+
+void Chart::SetPage(int page) {
+  page_ = std::clamp(page, 0, PageCount() - 1);
+  Touch();
+}
+
+void Chart::DescribeFixed(Properties& properties) const {
+  properties.emplace_back("set", set_.Name());
+  properties.emplace_back("label", label_field_);
+  properties.emplace_back("pageSize", int64_t{page_size_});
+  std::vector<std::string> series;
+  for (const ChartSeries& one : series_) {
+    series.push_back(Join({one.field, one.title, one.line ? "line" : "bar"}, "\t"));
+  }
+  properties.emplace_back("series", std::move(series));
+}
+
+void Chart::Describe(Properties& properties) const {
+  Control::Describe(properties);
+  properties.emplace_back("page", int64_t{page_});
+  properties.emplace_back("pages", int64_t{PageCount()});
+}
+
+}  // namespace orv

@@ -1,0 +1,174 @@
+// Controls bound to data sets: the grid, inputs over a field of the current row, and the chart.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "toolkit/control.h"
+#include "toolkit/dataset.h"
+
+namespace orv {
+
+// A column of a grid. `width` is in characters, 0 for what the field's size asks.
+struct GridColumn {
+  std::string field;
+  std::string title;
+  int width = 0;
+  bool read_only = false;
+  bool visible = true;
+  // Set on a column that is shown as a check box: what is stored for ticked and for not ticked.
+  std::string checked = "";
+  std::string unchecked = "";
+  // Decimals shown of an amount or a number.
+  int decimals = 2;
+};
+
+class TOrvDBGrid : public Control {
+ public:
+  TOrvDBGrid(Form& form, std::string name, DataSet& set, std::vector<GridColumn> columns,
+             bool read_only = true, std::string caption = "")
+      : Control(form, std::move(name), std::move(caption)),
+        set_(set),
+        columns_(std::move(columns)),
+        read_only_(read_only) {}
+
+  DataSet& Set() const { return set_; }
+  const std::vector<GridColumn>& Columns() const { return columns_; }
+  GridColumn* FindColumn(std::string_view field);
+  void SetColumnTitle(std::string_view field, std::string title);
+  void SetColumnVisible(std::string_view field, bool visible);
+  void SetColumnReadOnly(std::string_view field, bool read_only);
+  bool ReadOnly() const { return read_only_; }
+  void SetReadOnly(bool read_only);
+  // The grid lets rows be added and removed where it isn't read-only.
+  bool RowsFixed() const { return rows_fixed_; }
+  void SetRowsFixed(bool fixed) { rows_fixed_ = fixed, Touch(); }
+  // The column in which the user stands.
+  const std::string& SelectedField() const { return selected_; }
+
+  // A cell as a display shows it: text in the Brazilian form, or the stored value of a check-box column.
+  std::string CellText(int64_t row, const GridColumn& column) const;
+
+  // --- What the user does. Raises UserError for what can't be done.
+  void UserRow(int64_t row);
+  void UserCell(int64_t row, std::string_view column, std::string_view text);
+  void UserAppend();
+  void UserDelete(int64_t row);
+  void UserDblClick(int64_t row, std::string_view column);
+  void UserTitle(std::string_view column);
+  void UserKeyAt(int64_t row, KeyPress& key);
+
+  std::string_view Kind() const override { return "grid"; }
+  bool TakesFocus() const override { return true; }
+  void Describe(Properties& properties) const override;
+  const DataSet* BoundSet() const override { return &set_; }
+
+  std::function<void(const std::string& column)> OnTitleClick;
+  // After the user reached another column.
+  std::function<void()> OnColEnter;
+
+ private:
+  void CheckRow(int64_t row) const;
+  const GridColumn& Column(std::string_view field) const;
+  void Select(std::string_view column);
+
+  DataSet& set_;
+  std::vector<GridColumn> columns_;
+  bool read_only_;
+  bool rows_fixed_ = false;
+  std::string selected_;
+};
+
+// An input over a field of the current row. What the user gives puts the row in edit.
+class DBEdit : public Control {
+ public:
+  DBEdit(Form& form, std::string name, std::string caption, DataSet& set, std::string field)
+      : Control(form, std::move(name), std::move(caption)), set_(set), field_(std::move(field)) {}
+  DataSet& Set() const { return set_; }
+  const std::string& FieldName() const { return field_; }
+  // "" while the set is closed.
+  std::string Text() const;
+  bool ReadOnly() const { return read_only_; }
+  void SetReadOnly(bool read_only) { read_only_ = read_only, Touch(); }
+
+  std::string_view Kind() const override;
+  bool TakesFocus() const override { return !read_only_; }
+  bool TakesText() const override { return true; }
+  void Describe(Properties& properties) const override;
+  const DataSet* BoundSet() const override { return &set_; }
+  void UserSet(std::string_view text) override;
+
+  // After the user gave the field another value.
+  std::function<void()> OnChange;
+
+ private:
+  DataSet& set_;
+  std::string field_;
+  bool read_only_ = false;
+};
+
+// Options over a field: each item stands for a value.
+class DBRadioGroup : public Control {
+ public:
+  DBRadioGroup(Form& form, std::string name, std::string caption, DataSet& set, std::string field,
+               std::vector<std::string> items, std::vector<std::string> values)
+      : Control(form, std::move(name), std::move(caption)),
+        set_(set),
+        field_(std::move(field)),
+        items_(std::move(items)),
+        values_(std::move(values)) {}
+  int ItemIndex() const;
+
+  std::string_view Kind() const override { return "radio"; }
+  bool TakesFocus() const override { return true; }
+  void Describe(Properties& properties) const override;
+  const DataSet* BoundSet() const override { return &set_; }
+  void UserSet(std::string_view text) override;
+
+  std::function<void()> OnChange;
+
+ private:
+  DataSet& set_;
+  std::string field_;
+  std::vector<std::string> items_;
+  std::vector<std::string> values_;
+};
+
+// A series of a chart over a money or number field.
+struct ChartSeries {
+  std::string field;
+  std::string title;
+  bool line = false;
+};
+
+// Bars and lines over the rows of a set, so many points to a page.
+class Chart : public Control {
+ public:
+  Chart(Form& form, std::string name, std::string caption, DataSet& set, std::string label_field,
+        std::vector<ChartSeries> series, int page_size)
+      : Control(form, std::move(name), std::move(caption)),
+        set_(set),
+        label_field_(std::move(label_field)),
+        series_(std::move(series)),
+        page_size_(page_size) {}
+  DataSet& Set() const { return set_; }
+  int Page() const { return page_; }
+  int PageCount() const;
+  // Stays between the first page and the last.
+  void SetPage(int page);
+
+  std::string_view Kind() const override { return "chart"; }
+  void DescribeFixed(Properties& properties) const override;
+  void Describe(Properties& properties) const override;
+  const DataSet* BoundSet() const override { return &set_; }
+
+ private:
+  DataSet& set_;
+  std::string label_field_;
+  std::vector<ChartSeries> series_;
+  int page_size_;
+  int page_ = 0;
+};
+
+}  // namespace orv

@@ -1,0 +1,411 @@
+#include "toolkit/memory_dataset.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+const Value kNull;
+
+// A number that orders like the value as far as it goes: a smaller value never has a larger one.
+uint64_t SortPrefix(const Value& value) {
+  switch (value.Kind()) {
+    case ValueKind::Null:
+      return 0;
+    case ValueKind::Text: {
+      uint64_t prefix = 0;
+      const std::string_view text = value.Text();
+      for (std::size_t i = 0; i < 8; ++i)
+        prefix = prefix << 8 | (i < text.size() ? static_cast<uint8_t>(text[i]) : 0);
+      return prefix >> 1 | uint64_t{1} << 63;
+    }
+    case ValueKind::Date:
+    case ValueKind::DateTime:
+      return (static_cast<uint64_t>(value.AsDateTime().Seconds()) ^ uint64_t{1} << 63) >> 1 | uint64_t{1}
+                                                                                                  << 63;
+    default: {
+      // The bits of a float order like the numbers once the negative ones are turned round. Adding zero makes
+      // one zero of the two.
+      const auto bits = std::bit_cast<uint64_t>(value.AsFloat() + 0.0);
+      const uint64_t ordered = bits >> 63 != 0 ? ~bits : bits | uint64_t{1} << 63;
+      return ordered >> 1 | uint64_t{1} << 63;
+    }
+  }
+}
+
+}  // namespace
+
+MemoryDataSet::~MemoryDataSet() = default;
+
+// --- Rows.
+
+void MemoryDataSet::OpenRows() {
+  std::vector<int> order;
+  for (const Field* field : FieldList(index_names_)) order.push_back(field->Index());
+  parsed_.clear();
+  auto filter = filtered_ ? Parsed(filter_text_) : nullptr;
+  DropRows();
+  order_ = std::move(order);
+  active_filter_ = std::move(filter);
+  SetState(DataSetState::Browse);
+  SetEnds(true, true);
+}
+
+void MemoryDataSet::Opened() {
+  if (AfterOpen) AfterOpen();
+  if (Active() && !IsEmpty()) Scrolled();
+}
+
+void MemoryDataSet::DropRows() {
+  store_.Reset(Fields().size());
+  full_view_.Clear();
+  filtered_view_.Clear();
+  indexes_.clear();
+  buffer_.clear();
+  current_ = kNoRow;
+  position_ = -1;
+  Changed();
+}
+
+void MemoryDataSet::Close() {
+  if (!Active()) return;
+  if (Editing()) Cancel();
+  DropRows();
+  order_.clear();
+  parsed_.clear();
+  active_filter_ = nullptr;
+  SetState(DataSetState::Inactive);
+  SetEnds(true, true);
+  if (AfterClose) AfterClose();
+}
+
+bool MemoryDataSet::Before(RowId a, RowId b) const {
+  const Value* x = store_.Cells(a);
+  const Value* y = store_.Cells(b);
+  for (const int column : order_) {
+    const std::strong_ordering order = Compare(x[column], y[column]);
+    if (order != 0) return order < 0;
+  }
+  return store_.Rank(a) < store_.Rank(b);
+}
+
+std::size_t MemoryDataSet::PositionIn(const RowSequence& view, RowId row) const {
+  return view.LowerBound(row, [this](RowId a, RowId b) { return Before(a, b); });
+}
+
+void MemoryDataSet::Link(RowId row) {
+  full_view_.Insert(PositionIn(full_view_, row), row);
+  if (active_filter_ && Passes(row)) filtered_view_.Insert(PositionIn(filtered_view_, row), row);
+  for (const auto& index : indexes_) index->Add(row);
+}
+
+void MemoryDataSet::AppendRow(std::span<Value> values) {
+  ORV_ASSERT(State() == DataSetState::Browse && values.size() == store_.Columns());
+  const RowId row = store_.Add();
+  std::move(values.begin(), values.end(), store_.Cells(row));
+  Link(row);
+  if (current_ == kNoRow && View().Size() > 0) {
+    StandOn(0);
+    SetEnds(true, false);
+  } else if (current_ != kNoRow && !order_.empty()) {
+    position_ = static_cast<int64_t>(PositionIn(View(), current_));
+  }
+  Changed();
+}
+
+// --- Cursor.
+
+void MemoryDataSet::StandOn(int64_t position) {
+  const auto size = static_cast<int64_t>(View().Size());
+  position_ = size == 0 ? -1 : std::clamp<int64_t>(position, 0, size - 1);
+  current_ = position_ < 0 ? kNoRow : View().At(static_cast<std::size_t>(position_));
+}
+
+int64_t MemoryDataSet::RecNo() const {
+  return State() == DataSetState::Insert ? insert_at_ + 1 : position_ + 1;
+}
+
+int64_t MemoryDataSet::RecordCount() const { return static_cast<int64_t>(View().Size()); }
+
+int64_t MemoryDataSet::DoMove(int64_t distance) {
+  if (position_ < 0) return 0;
+  const int64_t before = position_;
+  StandOn(position_ + distance);
+  return position_ - before;
+}
+
+void MemoryDataSet::DoFirst() { StandOn(0); }
+void MemoryDataSet::DoLast() { StandOn(RecordCount() - 1); }
+void MemoryDataSet::DoSetRecNo(int64_t number) { StandOn(number - 1); }
+
+bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values) {
+  CheckBrowse();
+  const auto fields = FieldList(names);
+  if (fields.empty() || fields.size() != values.size())
+    throw UserError("A pesquisa não tem um valor por campo.");
+  std::vector<int> columns;
+  std::vector<Value> wanted;
+  try {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      // Numbers are compared as they are: 1.5 isn't in a field of whole numbers.
+      const bool text = fields[i]->Type() == FieldType::String;
+      columns.push_back(fields[i]->Index());
+      wanted.push_back(text == values[i].IsText() ? values[i] : values[i].As(KindOf(fields[i]->Type())));
+    }
+  } catch (const ConversionError&) {
+    return false;  // what isn't of the field's kind stands in no row
+  }
+  const RowId found = FirstMatch(IndexOn(columns), wanted);
+  if (found == kNoRow) return false;
+  if (BeforeScroll) BeforeScroll();
+  CheckBrowse();
+  if (found >= store_.Bound() || !store_.IsLive(found) || !Passes(found)) return false;
+  StandOn(static_cast<int64_t>(PositionIn(View(), found)));
+  SetEnds(false, false);
+  Scrolled();
+  return true;
+}
+
+// Where a value stands in many rows, one of them is soon met from the front of the view: both ways are gone
+// at once, and the shorter one ends the search.
+RowId MemoryDataSet::FirstMatch(const RowIndex& index, std::span<const Value> wanted) const {
+  RowSequence::Walk view(View());
+  RowId first = kNoRow;
+  for (RowId row = index.First(wanted); row != kNoRow; row = index.Next(row, wanted)) {
+    if (Passes(row) && (first == kNoRow || Before(row, first))) first = row;
+    const RowId shown = view.Next();
+    if (shown == kNoRow) return first;
+    if (index.Matches(shown, wanted)) return shown;
+  }
+  return first;
+}
+
+RowIndex& MemoryDataSet::IndexOn(const std::vector<int>& columns) {
+  for (const auto& index : indexes_) {
+    if (index->Columns() == columns) return *index;
+  }
+  indexes_.push_back(std::make_unique<RowIndex>(store_, columns));
+  return *indexes_.back();
+}
+
+// --- Changes.
+
+const Value& MemoryDataSet::CurrentValue(int field) const {
+  if (Editing()) return buffer_[static_cast<std::size_t>(field)];
+  return current_ == kNoRow ? kNull : store_.Cells(current_)[field];
+}
+
+void MemoryDataSet::SetCurrentValue(int field, Value value) {
+  buffer_[static_cast<std::size_t>(field)] = std::move(value);
+}
+
+void MemoryDataSet::DoInsert(bool append) {
+  buffer_.assign(store_.Columns(), Value());
+  insert_at_ = append || position_ < 0 ? RecordCount() : position_;
+}
+
+void MemoryDataSet::DoEdit() {
+  const Value* cells = store_.Cells(current_);
+  buffer_.assign(cells, cells + store_.Columns());
+}
+
+void MemoryDataSet::DoPost() {
+  if (State() == DataSetState::Edit) {
+    StoreEdit();
+    return;
+  }
+  const int64_t place = insert_at_;
+  RowId row = kNoRow;
+  if (place >= RecordCount() || !order_.empty()) {
+    row = store_.Add();
+  } else {
+    // A row put before another stands there in the order of adding too.
+    const std::size_t at = PositionIn(full_view_, current_);
+    row = store_.AddBetween(at > 0 ? full_view_.At(at - 1) : kNoRow, current_);
+  }
+  std::move(buffer_.begin(), buffer_.end(), store_.Cells(row));
+  Link(row);
+  // A row that doesn't pass the filter leaves the cursor on the one that has its place.
+  StandOn(Passes(row) ? static_cast<int64_t>(PositionIn(View(), row)) : place);
+}
+
+// Moves the row in edit to its cells, and touches only what its changes concern.
+void MemoryDataSet::StoreEdit() {
+  const RowId row = current_;
+  Value* cells = store_.Cells(row);
+  const auto differs = [&](int column) {
+    return !(cells[column] == buffer_[static_cast<std::size_t>(column)]);
+  };
+  const bool moves = std::any_of(order_.begin(), order_.end(), differs);
+  const bool stays = !active_filter_ || active_filter_->Accepts(buffer_.data());
+  std::vector<RowIndex*> touched;
+  for (const auto& index : indexes_) {
+    if (std::any_of(index->Columns().begin(), index->Columns().end(), differs))
+      touched.push_back(index.get());
+  }
+  if (active_filter_ && (moves || !stays)) filtered_view_.Erase(static_cast<std::size_t>(position_));
+  if (moves) full_view_.Erase(PositionIn(full_view_, row));
+  for (RowIndex* index : touched) index->Remove(row);
+  std::move(buffer_.begin(), buffer_.end(), cells);
+  for (RowIndex* index : touched) index->Add(row);
+  if (moves) full_view_.Insert(PositionIn(full_view_, row), row);
+  if (active_filter_ && moves && stays) filtered_view_.Insert(PositionIn(filtered_view_, row), row);
+  // A row that no longer passes the filter leaves the cursor on the next one.
+  if (moves || !stays) StandOn(stays ? static_cast<int64_t>(PositionIn(View(), row)) : position_);
+}
+
+void MemoryDataSet::DoCancel() {
+  buffer_.clear();
+  StandOn(position_);
+}
+
+bool MemoryDataSet::DoDelete() {
+  const int64_t place = position_;
+  if (active_filter_) {
+    filtered_view_.Erase(static_cast<std::size_t>(place));
+    full_view_.Erase(PositionIn(full_view_, current_));
+  } else {
+    full_view_.Erase(static_cast<std::size_t>(place));
+  }
+  for (const auto& index : indexes_) index->Remove(current_);
+  store_.Remove(current_);
+  StandOn(place);
+  return place >= RecordCount();
+}
+
+// --- Order and filter.
+
+void MemoryDataSet::SortRows(std::vector<RowId>& rows) const {
+  if (order_.empty()) {
+    const auto by_rank = [&](RowId a, RowId b) { return store_.Rank(a) < store_.Rank(b); };
+    if (!std::is_sorted(rows.begin(), rows.end(), by_rank)) std::sort(rows.begin(), rows.end(), by_rank);
+    return;
+  }
+  struct Keyed {
+    uint64_t prefix;
+    RowId row;
+  };
+  std::vector<Keyed> keyed;
+  keyed.reserve(rows.size());
+  for (const RowId row : rows) keyed.push_back({SortPrefix(store_.Cells(row)[order_[0]]), row});
+  std::sort(keyed.begin(), keyed.end(), [&](const Keyed& a, const Keyed& b) {
+    return a.prefix != b.prefix ? a.prefix < b.prefix : Before(a.row, b.row);
+  });
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = keyed[i].row;
+}
+
+void MemoryDataSet::SetIndexFieldNames(std::string_view names) {
+  if (!Active()) {
+    // Fields that aren't laid down yet are looked for when the set opens.
+    if (!Fields().empty()) FieldList(names);
+    index_names_ = names;
+    return;
+  }
+  CheckBrowse();
+  std::vector<int> order;
+  for (const Field* field : FieldList(names)) order.push_back(field->Index());
+  index_names_ = names;
+  if (order == order_) return;
+  order_ = std::move(order);
+  std::vector<RowId> rows;
+  rows.reserve(store_.Live());
+  for (RowId row = 0; row < store_.Bound(); ++row) {
+    if (store_.IsLive(row)) rows.push_back(row);
+  }
+  SortRows(rows);
+  full_view_.Assign(rows);
+  if (active_filter_) {
+    std::erase_if(rows, [&](RowId row) { return !Passes(row); });
+    filtered_view_.Assign(rows);
+  }
+  if (current_ != kNoRow) position_ = static_cast<int64_t>(PositionIn(View(), current_));
+  Changed();
+}
+
+std::shared_ptr<const Filter> MemoryDataSet::Parsed(std::string_view text) {
+  constexpr std::size_t kKept = 64;
+  const auto found = parsed_.find(std::string(text));
+  if (found != parsed_.end()) return found->second;
+  auto filter = Filter::Parse(*this, text);
+  if (parsed_.size() >= kKept) parsed_.clear();
+  parsed_.emplace(text, filter);
+  return filter;
+}
+
+void MemoryDataSet::SetFilter(std::string_view text) {
+  if (filtered_ && Active()) {
+    CheckBrowse();
+    auto filter = Parsed(text);
+    filter_text_ = text;
+    Refilter(std::move(filter));
+  } else {
+    filter_text_ = text;
+  }
+}
+
+void MemoryDataSet::SetFiltered(bool filtered) {
+  if (filtered == filtered_) return;
+  if (Active()) {
+    CheckBrowse();
+    auto filter = filtered ? Parsed(filter_text_) : nullptr;
+    filtered_ = filtered;
+    Refilter(std::move(filter));
+  } else {
+    filtered_ = filtered;
+  }
+}
+
+void MemoryDataSet::Refilter(std::shared_ptr<const Filter> filter) {
+  active_filter_ = std::move(filter);
+  filtered_view_.Clear();
+  if (active_filter_) {
+    std::vector<RowId> rows;
+    const auto& equalities = active_filter_->Equalities();
+    if (!equalities.empty()) {
+      std::vector<int> columns;
+      std::vector<Value> values;
+      for (const FilterEquality& equality : equalities) {
+        columns.push_back(equality.field);
+        values.push_back(equality.value);
+      }
+      const RowIndex& index = IndexOn(columns);
+      for (RowId row = index.First(values); row != kNoRow; row = index.Next(row, values)) {
+        if (Passes(row)) rows.push_back(row);
+      }
+      SortRows(rows);
+    } else {
+      RowSequence::Walk all(full_view_);
+      for (RowId row = all.Next(); row != kNoRow; row = all.Next()) {
+        if (Passes(row)) rows.push_back(row);
+      }
+    }
+    filtered_view_.Assign(rows);
+  }
+  const RowId row = current_;
+  const bool stays = row != kNoRow && Passes(row);
+  StandOn(stays ? static_cast<int64_t>(PositionIn(View(), row)) : 0);
+  SetEnds(IsEmpty(), IsEmpty());
+  if (stays) {
+    Changed();
+  } else {
+    Scrolled();
+  }
+}
+
+// --- Display.
+
+int64_t MemoryDataSet::DisplayCount() { return RecordCount() + (State() == DataSetState::Insert ? 1 : 0); }
+
+int64_t MemoryDataSet::DisplayRow() { return RecNo() - 1; }
+
+Value MemoryDataSet::Cell(int64_t row, const Field& field) {
+  if (Editing() && row == DisplayRow()) return buffer_[static_cast<std::size_t>(field.Index())];
+  if (State() == DataSetState::Insert && row > insert_at_) --row;
+  if (row < 0 || row >= RecordCount()) return {};
+  return store_.Cells(View().At(static_cast<std::size_t>(row)))[field.Index()];
+}
+
+}  // namespace orv

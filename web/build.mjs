@@ -1,0 +1,37 @@
+// Builds the page into dist/, or its unit tests into dist-test/.
+import { build } from "esbuild";
+import { cpSync, mkdirSync, readdirSync, rmSync } from "node:fs";
+import { dirname, join } from "node:path";
+import { fileURLToPath } from "node:url";
+
+const here = dirname(fileURLToPath(import.meta.url));
+
+if (process.argv.includes("--tests")) {
+  const out = join(here, "dist-test");
+  rmSync(out, { recursive: true, force: true });
+  await build({
+    entryPoints: readdirSync(join(here, "test")).map((name) => join(here, "test", name)),
+    outdir: out,
+    outExtension: { ".js": ".mjs" },
+    bundle: true,
+    platform: "node",
+    format: "esm",
+    target: "node18",
+    logLevel: "warning",
+  });
+} else {
+  const out = join(here, "dist");
+  rmSync(out, { recursive: true, force: true });
+  mkdirSync(out);
+  cpSync(join(here, "static"), out, { recursive: true });
+  await build({
+    entryPoints: [join(here, "src", "main.ts")],
+    outfile: join(out, "app.js"),
+    bundle: true,
+    minify: true,
+    format: "iife",
+    target: "es2022",
+    charset: "utf8",
+    logLevel: "warning",
+  });
+}

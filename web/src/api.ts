@@ -1,0 +1,54 @@
+// What is asked over HTTP, outside the door: who one is, and where one may log in.
+import type { Me } from "./protocol.ts";
+
+export interface Company {
+  suffix: string;
+  name: string;
+}
+
+export type LoginResult = { ok: true } | { ok: false; text: string };
+
+async function textOf(response: Response): Promise<string> {
+  try {
+    const body = (await response.json()) as { text?: string };
+    return body.text ?? "";
+  } catch {
+    return "";
+  }
+}
+
+export async function companies(): Promise<Company[]> {
+  const response = await fetch("/companies", { cache: "no-store" });
+  if (!response.ok) throw new Error(await textOf(response));
+  return (await response.json()) as Company[];
+}
+
+// Null when nobody is logged in. Throws when the desk can't be reached.
+export async function me(): Promise<Me | null> {
+  const response = await fetch("/me", { cache: "no-store" });
+  if (response.status === 401) return null;
+  if (!response.ok) throw new Error(await textOf(response));
+  return (await response.json()) as Me;
+}
+
+export async function login(user: string, password: string, company: string): Promise<LoginResult> {
+  let response: Response;
+  try {
+    response = await fetch("/login", {
+      method: "POST",
+      headers: { "Content-Type": "application/json" },
+      body: JSON.stringify({ user, password, company }),
+    });
+  } catch {
+    return { ok: false, text: "O servidor não responde. Verifique a rede e tente de novo." };
+  }
+  if (response.ok) return { ok: true };
+  const text = await textOf(response);
+  if (text !== "") return { ok: false, text };
+  if (response.status === 429) return { ok: false, text: "Muitas tentativas. Espere um pouco e tente de novo." };
+  return { ok: false, text: response.status === 401 ? "Usuário ou senha inválidos." : "Não foi possível entrar." };
+}
+
+export async function logout(): Promise<void> {
+  await fetch("/logout", { method: "POST" }).catch(() => {});
+}

@@ -1,0 +1,20 @@
+// What a control and a grid may ask of the desk's page.
+import type { In } from "./protocol.ts";
+import type { Item } from "./queue.ts";
+import type { Day } from "./text/date.ts";
+
+export interface DeskContext {
+  // Sends for the screen; keys typed after it wait for its answer unless `hold` is false.
+  send(object: In, options?: Partial<Item>): void;
+  // A window of rows; the answer comes to the screen.
+  read(control: string, from: number, count: number): void;
+  has(key: string): boolean;
+  // Runs what a pointer did: now, or in its place behind the keys that were typed before.
+  act(run: () => void): void;
+  // True while keys wait for an answer of the desk.
+  readonly holding: boolean;
+  readonly today: Day;
+  // What the user has set for his own display.
+  remember(key: string, value: string | null): void;
+  remembered(key: string): string | null;
+}

@@ -1,0 +1,150 @@
+// Bars and lines over the rows of a set, a page of points at a time. Series differ by pattern and mark too, not
+// by colour alone.
+import { el, svg, uniqueId } from "../dom.ts";
+import { showAmount } from "../text/money.ts";
+import { showDate } from "../text/date.ts";
+import type { SetState, StateOut, TreeNode } from "../protocol.ts";
+import { ControlView, type ScreenContext } from "./control.ts";
+import { scale } from "./chart_scale.ts";
+
+interface Series {
+  field: string;
+  title: string;
+  line: boolean;
+}
+
+const kWidth = 960;
+const kHeight = 300;
+const kLeft = 96;
+const kBottom = 44;
+const kTop = 12;
+
+export class ChartView extends ControlView {
+  readonly element: HTMLElement;
+  private caption_: HTMLElement;
+  private plot: HTMLElement;
+  private legend: HTMLElement;
+  private labels: string[] = [];
+  private values: number[][] = [];
+  private texts: string[][] = [];
+  private page = -1;
+
+  constructor(screen: ScreenContext, node: TreeNode) {
+    super(screen, node);
+    const id = uniqueId("chart");
+    this.caption_ = el("div", { class: "label", id });
+    this.plot = el("div", { class: "chart-plot" });
+    this.legend = el("div", { class: "chart-legend" });
+    this.element = el("div", { class: "field field-chart", role: "group", "aria-labelledby": id }, this.caption_, this.legend, this.plot);
+    this.render();
+  }
+
+  private get series(): Series[] {
+    return this.list("series").map((text) => {
+      const [field = "", title = "", kind] = text.split("\t");
+      return { field, title, line: kind === "line" };
+    });
+  }
+
+  override render(): void {
+    this.showState(this.element);
+    this.caption_.textContent = this.caption || "Gráfico";
+    const pages = this.number("pages", 1);
+    this.legend.replaceChildren(
+      ...this.series.map((one, at) =>
+        el("span", { class: "chart-key" }, el("span", { class: `chart-swatch series-${at % 4} ${one.line ? "is-line" : ""}` }), one.title),
+      ),
+      ...(pages > 1 ? [el("span", { class: "chart-page" }, `Página ${this.number("page") + 1} de ${pages}`)] : []),
+    );
+    if (this.page !== this.number("page")) {
+      this.page = this.number("page");
+      this.ask();
+    }
+  }
+
+  override setChanged(_state: SetState): void {
+    this.ask();
+  }
+
+  private ask(): void {
+    const size = this.number("pageSize", 12);
+    this.desk.read(this.text("set"), this.number("page") * size, size);
+  }
+
+  override stateRead(state: StateOut["screens"][number]): void {
+    const set = state.sets[this.text("set")];
+    if (set === undefined) return;
+    const at = (field: string): number => set.fields.findIndex((one) => one.toLowerCase() === field.toLowerCase());
+    const label = at(this.text("label"));
+    this.labels = set.rows.map((row) => showDate(row[label] ?? ""));
+    const columns = this.series.map((one) => at(one.field));
+    this.values = columns.map((column) => set.rows.map((row) => Number(row[column] ?? 0)));
+    this.texts = columns.map((column) => set.rows.map((row) => showAmount(row[column] ?? "0")));
+    this.draw();
+  }
+
+  private draw(): void {
+    const points = this.labels.length;
+    if (points === 0) {
+      this.plot.replaceChildren(el("div", { class: "grid-empty" }, "Sem dados"));
+      return;
+    }
+    const { low, high, ticks } = scale(this.values.flat());
+    const y = (value: number): number => kTop + ((high - value) / (high - low)) * (kHeight - kTop - kBottom);
+    const slot = (kWidth - kLeft - 8) / points;
+    const x = (at: number): number => kLeft + slot * (at + 0.5);
+    const parts: SVGElement[] = [];
+    for (const tick of ticks) {
+      parts.push(svg("line", { class: "chart-line", x1: kLeft, x2: kWidth - 8, y1: y(tick), y2: y(tick) }));
+      const text = svg("text", { class: "chart-text", x: kLeft - 8, y: y(tick) + 4, "text-anchor": "end" });
+      text.textContent = showAmount(tick.toFixed(2), 0);
+      parts.push(text);
+    }
+    const bars = this.series.filter((one) => !one.line).length;
+    let bar = 0;
+    this.series.forEach((one, at) => {
+      const values = this.values[at]!;
+      if (one.line) {
+        const path = values.map((value, i) => `${i === 0 ? "M" : "L"}${x(i).toFixed(1)} ${y(value).toFixed(1)}`).join("");
+        parts.push(svg("path", { class: `chart-path series-${at % 4}`, d: path }));
+      }
+      const width = Math.min(36, (slot * 0.72) / Math.max(bars, 1));
+      values.forEach((value, i) => {
+        const title = svg("title", {});
+        title.textContent = `${one.title}, ${this.labels[i]}: ${this.texts[at]![i]}`;
+        const shape = one.line
+          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: 3.5 }, title)
+          : svg(
+              "rect",
+              {
+                class: `chart-bar series-${at % 4}`,
+                x: x(i) - (bars * width) / 2 + bar * width,
+                width: Math.max(width - 2, 1),
+                y: Math.min(y(value), y(0)),
+                height: Math.max(Math.abs(y(value) - y(0)), 1),
+              },
+              title,
+            );
+        parts.push(shape);
+      });
+      if (!one.line) bar += 1;
+    });
+    parts.push(svg("line", { class: "chart-zero", x1: kLeft, x2: kWidth - 8, y1: y(0), y2: y(0) }));
+    const every = Math.max(1, Math.ceil(points / 12));
+    this.labels.forEach((label, at) => {
+      if (at % every !== 0) return;
+      const text = svg("text", { class: "chart-text", x: x(at), y: kHeight - kBottom + 18, "text-anchor": "middle" });
+      text.textContent = label.length > 14 ? `${label.slice(0, 13)}…` : label;
+      parts.push(text);
+    });
+    const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, role: "img", "aria-label": this.spoken() }, ...parts);
+    this.plot.replaceChildren(drawing);
+  }
+
+  // The figures for who doesn't see the drawing.
+  private spoken(): string {
+    return this.series
+      .map((one, at) => `${one.title}: ${this.labels.map((label, i) => `${label} ${this.texts[at]![i]}`).join("; ")}`)
+      .join(". ");
+  }
+}

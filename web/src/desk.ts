@@ -1,0 +1,577 @@
+// The desk's page: it shows what the desk tells, sends what the user does, keeps the focus where the desk has
+// it, and keeps what is typed ahead.
+import { me as askMe } from "./api.ts";
+import type { DeskContext } from "./context.ts";
+import { Dialog } from "./dialogs/dialog.ts";
+import { FileDialog } from "./dialogs/file.ts";
+import { LookupDialog } from "./dialogs/lookup.ts";
+import { ErrorDialog, InputDialog, MessageDialog } from "./dialogs/message.ts";
+import { ProgressDialog } from "./dialogs/progress.ts";
+import { ReportDialog } from "./dialogs/report.ts";
+import { ConfirmDialog, DetailDialog } from "./dialogs/tables.ts";
+import { Door, type DoorUser, type Link } from "./door.ts";
+import { Frame, type FrameUser } from "./frame.ts";
+import { belongsToBrowser, isModifier, pressOf, type Ahead, type Press } from "./keys.ts";
+import type { In, Me, MenuEntry, Out, Question, StateOut } from "./protocol.ts";
+import type { Item } from "./queue.ts";
+import { ScreenView } from "./screen.ts";
+import { fromNeutral, localToday, type Day } from "./text/date.ts";
+
+const kMostAhead = 2000;
+
+export interface DeskOptions {
+  // The session to come back to, null for a new one.
+  session: string | null;
+  loggedOut: (notice: string) => void;
+  leave: () => void;
+}
+
+export class Desk implements DeskContext, DoorUser, FrameUser {
+  private frame: Frame;
+  private door: Door;
+  // From bottom to top.
+  private screens: ScreenView[] = [];
+  private question: Dialog | null = null;
+  // The user has answered; the box comes back if the desk goes on waiting.
+  private answered = false;
+  private progress: ProgressDialog | null = null;
+  // Boxes of the page itself, for which the desk doesn't wait.
+  private boxes: Dialog[] = [];
+  private ahead: Ahead[] = [];
+  private busy = false;
+  private draft: { id: number; name: string; text: string } | null = null;
+  private greeted = false;
+  private abort = new AbortController();
+
+  constructor(
+    private root: HTMLElement,
+    private me: Me,
+    private options: DeskOptions,
+  ) {
+    this.frame = new Frame(me, this);
+    root.replaceChildren(this.frame.element);
+    const { signal } = this.abort;
+    document.addEventListener("keydown", (event) => this.keyDown(event), { capture: true, signal });
+    document.addEventListener("beforeinput", (event) => this.beforeInput(event), { capture: true, signal });
+    document.addEventListener("compositionend", (event) => this.composed(event), { capture: true, signal });
+    window.addEventListener("orv-refocus", () => this.settle(), { signal });
+    this.frame.focusHome();
+    this.door = new Door(this, options.session, async () => {
+      try {
+        return (await askMe()) !== null;
+      } catch {
+        return null;
+      }
+    });
+  }
+
+  destroy(): void {
+    this.abort.abort();
+    this.door.close();
+    for (const screen of this.screens) screen.destroy();
+    for (const box of [this.question, this.progress, ...this.boxes]) box?.destroy();
+    document.documentElement.classList.remove("is-busy");
+    this.root.replaceChildren();
+  }
+
+  // --- DeskContext.
+
+  send(object: In, options: Partial<Item> = {}): void {
+    this.door.push({ object, purpose: "screen", hold: true, ...options });
+    this.mark();
+  }
+  read(control: string, from: number, count: number): void {
+    this.door.push({ object: { do: "read", control, from, count }, purpose: "read", hold: false, key: `read:${control}` });
+  }
+  has(key: string): boolean {
+    return this.door.queue.has(key);
+  }
+  act(run: () => void): void {
+    if (this.holding) this.type({ kind: "act", run });
+    else run();
+  }
+  get holding(): boolean {
+    return this.door.queue.holding || (this.ahead.length > 0 && !this.flushing);
+  }
+  get today(): Day {
+    return (this.me.today !== undefined ? fromNeutral(this.me.today) : null) ?? localToday();
+  }
+  remember(key: string, value: string | null): void {
+    const full = `orv:${this.me.user}:${key}`;
+    if (value === null) localStorage.removeItem(full);
+    else localStorage.setItem(full, value);
+  }
+  remembered(key: string): string | null {
+    return localStorage.getItem(`orv:${this.me.user}:${key}`);
+  }
+
+  private answer(object: In): void {
+    if (this.question === null || this.answered) return;
+    this.answered = true;
+    this.question.element.hidden = true;
+    this.door.push({ object, purpose: "answer", hold: true });
+    this.mark();
+  }
+
+  // --- FrameUser.
+
+  open(entry: MenuEntry): void {
+    this.act(() => {
+      this.top?.commit();
+      this.send({ do: "open", class: entry.class });
+    });
+  }
+  raise(id: number): void {
+    const screen = this.screens.find((one) => one.id === id);
+    if (screen === undefined || screen === this.topChild) return;
+    this.act(() => {
+      this.top?.commit();
+      this.send({ do: "open", class: screen.screenClass });
+    });
+  }
+  close(id: number): void {
+    this.raise(id);
+    this.act(() => {
+      this.top?.commit();
+      this.send({ do: "close" });
+    });
+  }
+  leave(): void {
+    if (this.screens.length === 0) {
+      this.options.leave();
+      return;
+    }
+    const box: MessageDialog = new MessageDialog(
+      {
+        on: "message",
+        kind: "question",
+        title: "Sair",
+        text: "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?",
+        buttons: ["yes", "no"],
+        default: "no",
+      },
+      (value) => {
+        this.closeBox(box);
+        if (value === "yes") this.options.leave();
+      },
+    );
+    this.openBox(box);
+  }
+  menuClosed(): void {
+    this.settle();
+  }
+
+  // --- DoorUser.
+
+  linkChanged(link: Link): void {
+    this.frame?.link(link === "lost" ? "Sem conexão com o servidor. Tentando de novo; nada do que foi digitado se perde." : "");
+  }
+  loggedOut(): void {
+    this.options.loggedOut("Sua sessão terminou. Entre de novo para continuar.");
+  }
+
+  received(out: Out): void {
+    switch (out.on) {
+      case "hello":
+        this.hello(out.session);
+        break;
+      case "screen": {
+        this.screens.find((one) => one.id === out.id)?.destroy();
+        this.screens = this.screens.filter((one) => one.id !== out.id);
+        const screen: ScreenView = new ScreenView(this, out, () => this.act(() => this.send({ do: "close" })));
+        this.screens.push(screen);
+        (screen.dialog ? this.root : this.frame.main).append(screen.element);
+        screen.hideEmptyRows();
+        this.showScreens();
+        break;
+      }
+      case "change":
+        this.screens.find((one) => one.id === out.screen)?.change(out);
+        break;
+      case "front": {
+        const screen = this.screens.find((one) => one.id === out.screen);
+        if (screen === undefined) break;
+        this.screens = [...this.screens.filter((one) => one !== screen), screen];
+        this.showScreens();
+        break;
+      }
+      case "closed":
+        this.screens.find((one) => one.id === out.screen)?.destroy();
+        this.screens = this.screens.filter((one) => one.id !== out.screen);
+        this.showScreens();
+        break;
+      case "message":
+      case "input":
+      case "lookup":
+      case "confirm":
+      case "file":
+      case "detail":
+        this.ask(out);
+        break;
+      case "report":
+        this.report(out);
+        break;
+      case "progress":
+        this.showProgress(out);
+        break;
+      case "busy":
+        this.busy = out.value;
+        this.mark();
+        break;
+      case "error":
+        this.failed(out.text);
+        break;
+      case "state":
+        this.stateRead(out);
+        break;
+      case "waiting":
+        this.endProgress();
+        this.waiting();
+        break;
+      case "idle":
+        this.idle();
+        break;
+      case "ended":
+        this.options.loggedOut(out.text ?? "A sessão foi encerrada.");
+        break;
+    }
+  }
+
+  private session = "";
+  private hello(session: string): void {
+    const draft = this.top?.draft;
+    this.draft = draft !== undefined && draft !== null && session === this.session ? { id: this.top!.id, ...draft } : null;
+    if (this.greeted && session !== this.session) {
+      this.ahead = [];
+      if (this.screens.length > 0) {
+        this.failed("A sessão anterior terminou enquanto não havia conexão. O que não estava confirmado não foi gravado.");
+      }
+    }
+    this.greeted = true;
+    this.session = session;
+    for (const screen of this.screens) screen.destroy();
+    this.screens = [];
+    this.endQuestion();
+    this.endProgress();
+    this.busy = false;
+    this.showScreens();
+    this.claim?.(session);
+  }
+  // Told the session's name, so that another window doesn't take it.
+  claim: ((session: string) => void) | null = null;
+
+  private idle(): void {
+    this.endQuestion();
+    this.endProgress();
+    this.ready();
+  }
+
+  private waiting(): void {
+    if (this.question !== null && this.answered && !this.door.queue.pendingUser) {
+      this.answered = false;
+      this.question.element.hidden = false;
+      this.layers();
+      if (this.boxes.length === 0) this.question.focusFirst();
+    }
+    this.ready();
+  }
+
+  // The desk has answered: the focus goes where it says, and keys that waited go on.
+  private ready(): void {
+    this.mark();
+    if (this.door.queue.holding) return;
+    this.settle();
+    this.flush();
+  }
+
+  private flushing = false;
+  private flush(): void {
+    if (this.flushing) return;
+    this.flushing = true;
+    while (this.ahead.length > 0 && !this.door.queue.holding) {
+      const next = this.ahead.shift()!;
+      const top = this.top;
+      if (next.kind === "act") next.run();
+      else if (top === undefined || this.question !== null) continue;
+      else if (next.kind === "text") top.textAhead(next.text);
+      else top.pressAhead(next.press);
+    }
+    this.flushing = false;
+    this.mark();
+  }
+
+  // --- Screens.
+
+  private get top(): ScreenView | undefined {
+    return this.screens[this.screens.length - 1];
+  }
+  private get topChild(): ScreenView | undefined {
+    return [...this.screens].reverse().find((screen) => !screen.dialog);
+  }
+
+  // Tabs stand in the order in which they were opened.
+  private showScreens(): void {
+    const active = this.topChild;
+    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
+    for (const screen of children) screen.element.hidden = screen !== active;
+    this.frame.show(children, active?.id ?? -1);
+    document.title = active === undefined ? this.me.companyName : `${active.caption} · ${this.me.companyName}`;
+    // A dialog that comes back to the front stands over the others.
+    for (const screen of this.screens) {
+      if (screen.dialog) this.root.append(screen.element);
+    }
+    for (const box of [this.question, this.progress, ...this.boxes]) {
+      if (box !== null) this.root.append(box.element);
+    }
+    this.layers();
+  }
+
+  // Only what is on top can be reached.
+  private layers(): void {
+    const question = this.question !== null && !this.answered ? this.question : null;
+    const stack: HTMLElement[] = [this.frame.element];
+    for (const screen of this.screens) {
+      if (screen.dialog) stack.push(screen.element);
+    }
+    for (const box of [question, this.progress, ...this.boxes]) {
+      if (box !== null) stack.push(box.element);
+    }
+    stack.forEach((element, at) => (element.inert = at < stack.length - 1));
+  }
+
+  private get topBox(): Dialog | null {
+    const box = this.boxes[this.boxes.length - 1] ?? this.progress;
+    if (box !== null && box !== undefined) return box;
+    return this.question !== null && !this.answered ? this.question : null;
+  }
+
+  // Puts the browser's focus where it belongs.
+  private settle(): void {
+    const box = this.topBox;
+    if (box !== null) {
+      if (!box.element.contains(document.activeElement)) box.focusFirst();
+      return;
+    }
+    if (this.frame.menuOpen) return;
+    const top = this.top;
+    if (top === undefined) {
+      this.frame.focusHome();
+      return;
+    }
+    top.syncFocus();
+    if (this.draft !== null && this.draft.id === top.id) {
+      top.restore(this.draft);
+      this.draft = null;
+    }
+  }
+
+  // --- Questions.
+
+  private ask(out: Question): void {
+    // What was typed and sent for the screen before the question was seen must not reach what comes after it.
+    this.door.queue.dropScreen();
+    this.ahead = [];
+    this.endProgress();
+    this.frame.closeMenu(false);
+    if (out.on === "lookup" && this.question instanceof LookupDialog && this.question.control === out.control && !this.answered) {
+      this.question.show(out);
+      return;
+    }
+    this.endQuestion();
+    this.question = this.dialogFor(out);
+    this.answered = false;
+    this.root.append(this.question.element);
+    for (const box of this.boxes) this.root.append(box.element);
+    this.layers();
+    if (this.boxes.length === 0) this.question.focusFirst();
+  }
+
+  private dialogFor(out: Question): Dialog {
+    const give = (value: string): void => this.answer({ do: "answer", value });
+    switch (out.on) {
+      case "message":
+        return new MessageDialog(out, give);
+      case "input":
+        return new InputDialog(out, give);
+      case "confirm":
+        return new ConfirmDialog(out, give);
+      case "detail":
+        return new DetailDialog(out, () => give("ok"));
+      case "file":
+        return new FileDialog(
+          out,
+          (name, content) => this.answer({ do: "file", name, content }),
+          () => give("cancel"),
+        );
+      case "lookup": {
+        const caption = this.top?.find(out.control)?.label ?? "";
+        return new LookupDialog(out, caption, {
+          search: (text) => this.door.push({ object: { do: "search", text }, purpose: "answer", hold: false, key: "search" }),
+          choose: (rows) => this.answer({ do: "choose", rows }),
+          cancel: () => this.answer({ do: "choose" }),
+          read: (control, from, count) => this.read(control, from, count),
+        });
+      }
+    }
+  }
+
+  private endQuestion(): void {
+    if (this.question === null) return;
+    this.question.destroy();
+    this.question = null;
+    this.answered = false;
+    this.layers();
+  }
+
+  private showProgress(out: Extract<Out, { on: "progress" }>): void {
+    if (this.progress === null) {
+      this.progress = new ProgressDialog(() => {
+        // The answer has no place in the queue: it ends what is under way.
+        this.door.urgent({ do: "answer", value: "cancel" });
+      });
+      this.root.append(this.progress.element);
+      this.layers();
+      this.progress.focusFirst();
+    }
+    this.progress.show(out);
+  }
+  private endProgress(): void {
+    if (this.progress === null) return;
+    this.progress.destroy();
+    this.progress = null;
+    this.layers();
+  }
+
+  private report(out: Extract<Out, { on: "report" }>): void {
+    const known = this.boxes.find((box): box is ReportDialog => box instanceof ReportDialog && box.id === out.id);
+    if (out.address !== undefined) {
+      known?.ready(out.address);
+      return;
+    }
+    if (known !== undefined) return;
+    const box: ReportDialog = new ReportDialog(
+      out,
+      (format) => this.send({ do: "report", id: out.id, format }),
+      () => this.closeBox(box),
+    );
+    this.openBox(box);
+  }
+
+  private failed(text: string): void {
+    if (this.door?.queue.current?.purpose === "read") return;
+    this.door?.queue.dropScreen();
+    this.ahead = [];
+    const box: ErrorDialog = new ErrorDialog(text, () => this.closeBox(box));
+    this.openBox(box);
+  }
+
+  private openBox(box: Dialog): void {
+    this.frame.closeMenu(false);
+    this.boxes.push(box);
+    this.root.append(box.element);
+    this.layers();
+    box.focusFirst();
+  }
+  private closeBox(box: Dialog): void {
+    this.boxes = this.boxes.filter((one) => one !== box);
+    box.destroy();
+    this.layers();
+    this.settle();
+  }
+
+  private stateRead(out: StateOut): void {
+    const asked = this.door.queue.current?.object;
+    // The answer to what was asked just before; the queue has let go of nothing yet.
+    const control = String(asked?.["control"] ?? "");
+    const from = Number(asked?.["from"] ?? 0);
+    for (const state of out.screens) {
+      this.screens.find((one) => one.id === state.id)?.state(state, control, from);
+      const rows = state.sets[control];
+      if (rows !== undefined && this.question instanceof LookupDialog && this.question.control === control) {
+        this.question.rows(rows, from);
+      }
+    }
+  }
+
+  private mark(): void {
+    this.frame.busy((this.busy || this.door?.queue.holding) && this.topBox === null);
+  }
+
+  // --- Keys.
+
+  private type(what: Ahead): void {
+    if (this.ahead.length < kMostAhead) this.ahead.push(what);
+  }
+
+  private keyDown(event: KeyboardEvent): void {
+    if (event.isComposing || isModifier(event.key)) return;
+    const press = pressOf(event);
+    if (this.topBox !== null) {
+      // A box has its own keys; one that strayed is brought back.
+      if (!this.topBox.element.contains(event.target as Node)) {
+        event.preventDefault();
+        this.topBox.focusFirst();
+      }
+      return;
+    }
+    if ((event.target as Element).closest?.(".popup") !== null) return;
+    if (this.pressFrame(press)) {
+      event.preventDefault();
+      event.stopPropagation();
+      return;
+    }
+    const top = this.top;
+    if (this.frame.menuOpen || top === undefined) return;
+    if ((event.target as Element).closest?.(".top") !== null) return;
+    const all = press.ctrl && press.key.toLowerCase() === "a" && document.activeElement?.getAttribute("role") === "grid";
+    if (belongsToBrowser(press) && !all) return;
+    if (this.holding) {
+      // An accent that waits for its letter is put together by the browser first.
+      if (event.key === "Dead" || event.key === "Process") return;
+      this.type({ kind: "press", press });
+      event.preventDefault();
+      return;
+    }
+    const focused = top.focused;
+    if (focused !== undefined && !focused.element.contains(document.activeElement)) top.syncFocus();
+    if (top.press(press)) event.preventDefault();
+  }
+
+  private pressFrame(press: Press): boolean {
+    const { key, ctrl, alt, shift } = press;
+    if (ctrl && alt && key.toLowerCase() === "m") {
+      if (this.top?.dialog) return true;
+      this.frame.toggleMenu();
+      return true;
+    }
+    const forward = (ctrl && key === "Tab" && !shift) || (alt && key === "PageDown");
+    const back = (ctrl && key === "Tab" && shift) || (alt && key === "PageUp");
+    if (!forward && !back) return false;
+    if (this.top?.dialog) return true;
+    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
+    const at = children.findIndex((screen) => screen === this.topChild);
+    const next = children[(at + (forward ? 1 : -1) + children.length) % Math.max(children.length, 1)];
+    if (next !== undefined) this.raise(next.id);
+    return true;
+  }
+
+  // Text that comes by other ways than single keys while keys wait: pasted, or from an input method.
+  private beforeInput(event: InputEvent): void {
+    if (!this.waitsForDesk(event) || !event.cancelable) return;
+    event.preventDefault();
+    const text = event.data ?? event.dataTransfer?.getData("text/plain") ?? "";
+    if (text !== "") this.type({ kind: "text", text });
+  }
+  private composed(event: CompositionEvent): void {
+    if (!this.waitsForDesk(event)) return;
+    const input = event.target;
+    if (!(input instanceof HTMLInputElement)) return;
+    const end = input.selectionEnd ?? input.value.length;
+    input.setRangeText("", Math.max(0, end - event.data.length), end, "end");
+    this.type({ kind: "text", text: event.data });
+  }
+  private waitsForDesk(event: Event): boolean {
+    const inScreen = (event.target as Element).closest?.(".screen, .dialog-screen") !== null;
+    return inScreen && this.holding && this.topBox === null;
+  }
+}

@@ -1,0 +1,170 @@
+// The frame around the screens: who and where one is, the menu, a tab for each open screen.
+import { el, icon } from "./dom.ts";
+import { MenuBoard } from "./menu.ts";
+import type { Me, MenuEntry } from "./protocol.ts";
+
+export interface FrameUser {
+  open(entry: MenuEntry): void;
+  raise(id: number): void;
+  close(id: number): void;
+  leave(): void;
+  menuClosed(): void;
+}
+
+export interface Tab {
+  id: number;
+  caption: string;
+}
+
+export class Frame {
+  readonly element: HTMLElement;
+  readonly main: HTMLElement;
+  private tabs: HTMLElement;
+  private home: MenuBoard;
+  private homeBox: HTMLElement;
+  private over: MenuBoard;
+  private overBox: HTMLElement;
+  private menuButton: HTMLButtonElement;
+  private status: HTMLElement;
+  private bar: HTMLElement;
+  private barTimer = 0;
+
+  constructor(
+    me: Me,
+    private user: FrameUser,
+  ) {
+    this.home = new MenuBoard(me.menu, (entry) => user.open(entry), () => {});
+    this.homeBox = el(
+      "section",
+      { class: "home", "aria-label": "Início" },
+      el("h1", { class: "home-title" }, me.companyName),
+      this.home.element,
+      el("p", { class: "home-hint" }, "De qualquer tela, ", el("kbd", {}, "Ctrl"), " + ", el("kbd", {}, "Alt"), " + ", el("kbd", {}, "M"), " abre este menu."),
+    );
+    this.over = new MenuBoard(me.menu, (entry) => {
+      this.closeMenu(false);
+      user.open(entry);
+    }, () => this.closeMenu());
+    this.overBox = el("div", { class: "menu-over", hidden: true, role: "dialog", "aria-label": "Menu de telas" }, this.over.element);
+    this.menuButton = el(
+      "button",
+      { type: "button", class: "top-button", "aria-expanded": "false", "aria-keyshortcuts": "Control+Alt+M", title: "Menu de telas (Ctrl+Alt+M)" },
+      icon("menu"),
+      el("span", {}, "Telas"),
+    );
+    this.menuButton.addEventListener("click", () => this.toggleMenu());
+    this.overBox.addEventListener("focusout", (event) => {
+      const to = event.relatedTarget;
+      if (to === this.menuButton) return;
+      if (!(to instanceof Node) || !this.overBox.contains(to)) this.closeMenu(to === null);
+    });
+    this.tabs = el("div", { class: "tabs", role: "tablist", "aria-label": "Telas abertas" });
+    const out = el("button", { type: "button", class: "top-button", title: "Sair" }, icon("out"), el("span", { class: "wide-only" }, "Sair"));
+    out.addEventListener("click", () => user.leave());
+    this.bar = el("div", { class: "busy-bar", hidden: true, role: "progressbar", "aria-label": "Aguarde" });
+    const top = el(
+      "header",
+      { class: "top" },
+      el("div", { class: "brand", "aria-label": "orvCC", role: "img" }, el("span", { class: "brand-mark" }), el("span", {}, "orv"), el("strong", {}, "CC")),
+      this.menuButton,
+      this.tabs,
+      el(
+        "div",
+        { class: "who" },
+        el("span", { class: "who-part who-company", title: `${me.companyName} (${me.company})` }, icon("building"), el("span", {}, me.companyName)),
+        el("span", { class: "who-part", title: "Usuário" }, icon("user"), el("span", {}, me.user)),
+        out,
+      ),
+      this.bar,
+    );
+    this.status = el("div", { class: "link-status", role: "status", hidden: true });
+    this.main = el("main", { class: "desk" }, this.homeBox);
+    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox);
+  }
+
+  // --- The menu over the screens.
+
+  get menuOpen(): boolean {
+    return !this.overBox.hidden;
+  }
+  toggleMenu(): void {
+    if (this.menuOpen) this.closeMenu();
+    else if (!this.homeBox.hidden) this.home.focus();
+    else {
+      this.overBox.hidden = false;
+      this.menuButton.setAttribute("aria-expanded", "true");
+      this.over.reset();
+      this.over.focus();
+    }
+  }
+  closeMenu(back = true): void {
+    if (!this.menuOpen) return;
+    this.overBox.hidden = true;
+    this.menuButton.setAttribute("aria-expanded", "false");
+    if (back) this.user.menuClosed();
+  }
+
+  // --- Tabs.
+
+  show(tabs: Tab[], active: number): void {
+    this.homeBox.hidden = tabs.length > 0;
+    this.tabs.hidden = tabs.length === 0;
+    this.tabs.replaceChildren(
+      ...tabs.map((tab) => {
+        const button = el(
+          "button",
+          {
+            type: "button",
+            role: "tab",
+            class: `tab ${tab.id === active ? "is-active" : ""}`,
+            "aria-selected": String(tab.id === active),
+            "aria-controls": `screen-${tab.id}`,
+            tabindex: tab.id === active ? "0" : "-1",
+            title: tab.caption,
+          },
+          el("span", { class: "tab-text" }, tab.caption),
+        );
+        const cross = el("span", { class: "tab-close", "aria-hidden": "true", title: "Fechar" }, icon("close"));
+        button.append(cross);
+        button.addEventListener("mousedown", (event) => event.preventDefault());
+        button.addEventListener("click", (event) => {
+          if (cross.contains(event.target as Node)) this.user.close(tab.id);
+          else this.user.raise(tab.id);
+        });
+        button.addEventListener("auxclick", (event) => {
+          if (event.button === 1) this.user.close(tab.id);
+        });
+        return button;
+      }),
+    );
+    this.tabs.querySelector(".is-active")?.scrollIntoView({ block: "nearest", inline: "nearest" });
+  }
+
+  focusHome(): void {
+    if (!this.homeBox.hidden) this.home.focus();
+  }
+  get home_(): boolean {
+    return !this.homeBox.hidden;
+  }
+
+  // --- Marks.
+
+  busy(on: boolean): void {
+    window.clearTimeout(this.barTimer);
+    if (!on) {
+      this.bar.hidden = true;
+      document.documentElement.classList.remove("is-busy");
+      return;
+    }
+    // What is over in a moment needs no mark.
+    this.barTimer = window.setTimeout(() => {
+      this.bar.hidden = false;
+      document.documentElement.classList.add("is-busy");
+    }, 250);
+  }
+
+  link(text: string): void {
+    this.status.hidden = text === "";
+    if (text !== "") this.status.replaceChildren(icon("warning"), text);
+  }
+}

@@ -1,0 +1,408 @@
+// The grid: a window over any number of rows. The scroller has the focus; the current cell is its active
+// descendant; rows are drawn where they are seen and nowhere else.
+import { el, uniqueId } from "../dom.ts";
+import { showCount } from "../text/money.ts";
+import { Blocks, kBlock } from "./blocks.ts";
+import { kNarrowest, naturalWidth, type Column } from "./columns.ts";
+import { Scroll } from "./scroll.ts";
+
+export interface GridOwner {
+  // Asks for a block of rows.
+  fetch(block: number): void;
+  pressedCell(row: number, column: number, event: MouseEvent): void;
+  doublePressed(row: number, column: number): void;
+  titlePressed?(column: number): void;
+  contextMenu?(event: MouseEvent, row: number, column: number): void;
+  // The width that the user gave a column, in pixels; null for none.
+  storedWidth?(column: Column): number | null;
+  storeWidth?(column: Column, width: number | null): void;
+  // A row marked in a list of several choices.
+  marked?(row: number): boolean;
+}
+
+export const kRowHeight = 26;
+
+interface DrawnRow {
+  element: HTMLElement;
+  cells: HTMLElement[];
+  texts: (string | null)[];
+  row: number;
+}
+
+export class GridView {
+  readonly element: HTMLElement;
+  readonly scroller: HTMLElement;
+  readonly blocks = new Blocks();
+  readonly scroll = new Scroll(kRowHeight);
+  columns: Column[] = [];
+  row = -1;
+  column = 0;
+  // The other end of a selection of rows, -1 without one.
+  anchor = -1;
+  private widths: number[] = [];
+  private head: HTMLElement;
+  private spacer: HTMLElement;
+  private port: HTMLElement;
+  private empty: HTMLElement;
+  private status: HTMLElement;
+  private drawn: DrawnRow[] = [];
+  private id = uniqueId("grid");
+  private frame = 0;
+  private observer: ResizeObserver;
+  private fetchTimer = 0;
+
+  constructor(
+    private owner: GridOwner,
+    label: string,
+    private emptyText = "Nenhum registro",
+  ) {
+    this.head = el("div", { class: "grid-head", role: "row", "aria-rowindex": "1" });
+    this.port = el("div", { class: "grid-port", role: "rowgroup" });
+    this.spacer = el("div", { class: "grid-spacer", role: "presentation" }, this.port);
+    this.empty = el("div", { class: "grid-empty" }, emptyText);
+    this.status = el("div", { class: "grid-status", "aria-hidden": "true" });
+    this.scroller = el(
+      "div",
+      { class: "grid-scroller", role: "grid", tabindex: "0", "aria-label": label },
+      el("div", { class: "grid-headgroup", role: "rowgroup" }, this.head),
+      this.spacer,
+    );
+    this.element = el("div", { class: "grid" }, this.scroller, this.empty, this.status);
+    this.scroller.addEventListener("scroll", () => this.scrolled(), { passive: true });
+    this.scroller.addEventListener("wheel", (event) => this.wheel(event), { passive: false });
+    this.port.addEventListener("mousedown", (event) => this.pointer(event));
+    this.port.addEventListener("dblclick", (event) => {
+      const at = this.cellAt(event);
+      if (at !== null) this.owner.doublePressed(at.row, at.column);
+    });
+    this.port.addEventListener("contextmenu", (event) => {
+      const at = this.cellAt(event);
+      if (at !== null) this.owner.contextMenu?.(event, at.row, at.column);
+    });
+    this.observer = new ResizeObserver(() => this.measure());
+    this.observer.observe(this.scroller);
+  }
+
+  destroy(): void {
+    this.observer.disconnect();
+    cancelAnimationFrame(this.frame);
+    window.clearTimeout(this.fetchTimer);
+  }
+
+  set label(text: string) {
+    this.scroller.setAttribute("aria-label", text);
+  }
+  set emptyMessage(text: string) {
+    if (text !== this.emptyText) this.empty.textContent = this.emptyText = text;
+  }
+
+  // --- Columns.
+
+  setColumns(columns: Column[]): void {
+    const same = JSON.stringify(columns) === JSON.stringify(this.columns);
+    if (same) return;
+    this.columns = columns;
+    if (this.column >= columns.length) this.column = Math.max(0, columns.length - 1);
+    this.widths = columns.map((column) => this.owner.storedWidth?.(column) ?? naturalWidth(column));
+    this.scroller.setAttribute("aria-colcount", String(columns.length));
+    this.head.replaceChildren(...columns.map((column, at) => this.title(column, at)));
+    this.port.replaceChildren();
+    this.drawn = [];
+    this.blocks.clear();
+    this.spread();
+    this.draw();
+  }
+
+  private title(column: Column, at: number): HTMLElement {
+    const text = el("span", { class: "grid-title-text" }, column.title);
+    const cell = el(
+      "div",
+      { class: `grid-title kind-${column.kind}`, role: "columnheader", "aria-colindex": String(at + 1), title: column.title },
+      text,
+    );
+    cell.addEventListener("mousedown", (event) => event.preventDefault());
+    cell.addEventListener("click", () => this.owner.titlePressed?.(at));
+    if (this.owner.storeWidth !== undefined) {
+      const grip = el("span", { class: "grid-grip", "aria-hidden": "true" });
+      grip.addEventListener("pointerdown", (event) => this.drag(event, at));
+      grip.addEventListener("click", (event) => event.stopPropagation());
+      grip.addEventListener("dblclick", (event) => {
+        event.stopPropagation();
+        this.owner.storeWidth?.(column, null);
+        this.widths[at] = naturalWidth(column);
+        this.spread();
+      });
+      cell.append(grip);
+    }
+    return cell;
+  }
+
+  private drag(event: PointerEvent, at: number): void {
+    event.preventDefault();
+    event.stopPropagation();
+    const grip = event.target as HTMLElement;
+    const from = event.clientX;
+    const width = this.widths[at]!;
+    grip.setPointerCapture(event.pointerId);
+    const move = (now: PointerEvent): void => {
+      this.widths[at] = Math.max(kNarrowest, Math.round(width + now.clientX - from));
+      this.spread();
+    };
+    const end = (): void => {
+      grip.removeEventListener("pointermove", move);
+      grip.removeEventListener("pointerup", end);
+      grip.removeEventListener("pointercancel", end);
+      if (this.widths[at] !== width) this.owner.storeWidth?.(this.columns[at]!, this.widths[at]!);
+    };
+    grip.addEventListener("pointermove", move);
+    grip.addEventListener("pointerup", end);
+    grip.addEventListener("pointercancel", end);
+  }
+
+  private spread(): void {
+    const template = this.widths.map((width) => `${width}px`).join(" ") + " 1fr";
+    const total = this.widths.reduce((sum, width) => sum + width, 0);
+    this.scroller.style.setProperty("--grid-columns", template);
+    this.scroller.style.setProperty("--grid-width", `${total}px`);
+  }
+
+  // --- Rows.
+
+  renew(version: number, count: number): void {
+    this.blocks.renew(version, count);
+    this.scroll.count = count;
+    this.scroller.setAttribute("aria-rowcount", String(count + 1));
+    this.spacer.style.height = `${this.scroll.height}px`;
+    if (this.row >= count) this.row = count - 1;
+    if (this.anchor >= count) this.anchor = -1;
+    this.place(this.scroll.moveTo(this.scroll.top));
+    this.draw();
+  }
+
+  store(version: number, block: number, rows: string[][]): void {
+    if (this.blocks.store(version, block, rows)) this.draw();
+  }
+
+  // Makes a row current for the eye, and brings it into sight.
+  show(row: number, column = this.column, reveal = true): void {
+    this.row = Math.min(row, this.scroll.count - 1);
+    this.column = Math.min(Math.max(column, 0), Math.max(0, this.columns.length - 1));
+    if (reveal && this.row >= 0 && this.scroll.view > 0) this.place(this.scroll.reveal(this.row));
+    if (reveal) this.revealColumn();
+    this.draw();
+  }
+
+  private revealColumn(): void {
+    let left = 0;
+    for (let at = 0; at < this.column; ++at) left += this.widths[at]!;
+    const right = left + (this.widths[this.column] ?? 0);
+    const box = this.scroller;
+    if (left < box.scrollLeft) box.scrollLeft = left;
+    else if (right > box.scrollLeft + box.clientWidth) box.scrollLeft = right - box.clientWidth;
+  }
+
+  private place(scrollTop: number): void {
+    if (this.scroller.scrollTop !== scrollTop) this.scroller.scrollTop = scrollTop;
+  }
+
+  private measure(): void {
+    const view = Math.max(0, this.scroller.clientHeight - this.head.offsetHeight);
+    if (view === this.scroll.view) return;
+    this.scroll.view = view;
+    this.port.style.height = `${view}px`;
+    this.element.classList.toggle("is-tall", view >= 6 * kRowHeight);
+    this.place(this.scroll.moveTo(this.scroll.top));
+    if (this.row >= 0 && document.activeElement === this.scroller) this.place(this.scroll.reveal(this.row));
+    this.draw();
+  }
+
+  private scrolled(): void {
+    if (this.scroll.scrolled(this.scroller.scrollTop)) this.draw();
+  }
+
+  private wheel(event: WheelEvent): void {
+    if (!this.scroll.scaled || event.ctrlKey || event.shiftKey || event.deltaY === 0) return;
+    event.preventDefault();
+    const unit = event.deltaMode === 1 ? kRowHeight : event.deltaMode === 2 ? this.scroll.view : 1;
+    this.place(this.scroll.moveTo(this.scroll.top + event.deltaY * unit));
+    this.draw();
+  }
+
+  draw(): void {
+    if (this.frame === 0) this.frame = requestAnimationFrame(() => this.drawNow());
+  }
+
+  drawNow(): void {
+    cancelAnimationFrame(this.frame);
+    this.frame = 0;
+    const { first, last } = this.scroll;
+    const wanted = this.scroll.count === 0 || this.scroll.view === 0 ? 0 : last - first + 1;
+    this.empty.hidden = this.scroll.count > 0;
+    while (this.drawn.length < wanted) this.drawn.push(this.newRow());
+    while (this.drawn.length > wanted) this.drawn.pop()!.element.remove();
+    const byRow = [...this.drawn];
+    // A row that stays in sight keeps its element, so that nothing is rewritten.
+    const order: (DrawnRow | undefined)[] = new Array<DrawnRow | undefined>(wanted);
+    const free: DrawnRow[] = [];
+    for (const one of byRow) {
+      const at = one.row - first;
+      if (at >= 0 && at < wanted && order[at] === undefined) order[at] = one;
+      else free.push(one);
+    }
+    const [from, to] = this.selection;
+    for (let at = 0; at < wanted; ++at) {
+      const one = order[at] ?? free.pop()!;
+      const row = first + at;
+      this.write(one, row, from, to);
+      one.element.style.transform = `translateY(${Math.round(row * kRowHeight - this.scroll.top)}px)`;
+      order[at] = one;
+    }
+    this.drawn = order as DrawnRow[];
+    // In the order of the rows for who reads them one by one.
+    let before: Element | null = null;
+    for (const one of this.drawn) {
+      const next: Element | null = before === null ? this.port.firstElementChild : before.nextElementSibling;
+      if (next !== one.element) this.port.insertBefore(one.element, next);
+      before = one.element;
+    }
+    this.describe();
+    this.askMissing();
+  }
+
+  get selection(): [number, number] {
+    if (this.anchor < 0) return [this.row, this.row];
+    return [Math.min(this.anchor, this.row), Math.max(this.anchor, this.row)];
+  }
+
+  private describe(): void {
+    if (this.row >= 0 && this.row >= this.scroll.first && this.row <= this.scroll.last && this.columns.length > 0) {
+      this.scroller.setAttribute("aria-activedescendant", this.cellId(this.row, this.column));
+    } else {
+      this.scroller.removeAttribute("aria-activedescendant");
+    }
+    const count = this.scroll.count;
+    this.status.textContent =
+      count === 0 ? "" : this.row < 0 ? showCount(count) : `${showCount(this.row + 1)} de ${showCount(count)}`;
+  }
+
+  private cellId(row: number, column: number): string {
+    return `${this.id}-${row}-${column}`;
+  }
+
+  private newRow(): DrawnRow {
+    const cells = this.columns.map((column, at) =>
+      el("div", { class: `grid-cell kind-${column.kind}`, role: "gridcell", "aria-colindex": String(at + 1) }),
+    );
+    const element = el("div", { class: "grid-row", role: "row" }, ...cells);
+    this.port.append(element);
+    return { element, cells, texts: cells.map(() => null), row: -1 };
+  }
+
+  private write(one: DrawnRow, row: number, from: number, to: number): void {
+    const values = this.blocks.row(row);
+    const current = row === this.row;
+    const chosen = this.owner.marked?.(row) ?? (row >= from && row <= to);
+    if (one.row !== row) {
+      one.row = row;
+      one.element.setAttribute("aria-rowindex", String(row + 2));
+      one.cells.forEach((cell, at) => (cell.id = this.cellId(row, at)));
+      one.element.classList.toggle("is-odd", row % 2 === 1);
+    }
+    one.element.classList.toggle("is-current", current);
+    one.element.classList.toggle("is-selected", chosen);
+    one.element.classList.toggle("is-loading", values === undefined);
+    one.element.setAttribute("aria-selected", String(chosen));
+    one.cells.forEach((cell, at) => {
+      cell.classList.toggle("is-cell", current && at === this.column);
+      const text = values?.[at] ?? "";
+      if (one.texts[at] === text) return;
+      one.texts[at] = text;
+      this.writeCell(cell, this.columns[at]!, text, values !== undefined);
+    });
+  }
+
+  private writeCell(cell: HTMLElement, column: Column, text: string, there: boolean): void {
+    if (column.kind === "check") {
+      const on = there && text === column.checked;
+      cell.textContent = "";
+      if (there) cell.append(el("span", { class: `tick ${on ? "is-on" : ""}`, role: "img", "aria-label": on ? "Sim" : "Não" }));
+      return;
+    }
+    cell.textContent = text;
+    cell.title = text.length > 24 ? text : "";
+    if (column.kind === "number") cell.classList.toggle("is-negative", text.startsWith("-"));
+  }
+
+  private askMissing(): void {
+    window.clearTimeout(this.fetchTimer);
+    const margin = this.scroll.page;
+    const ask = (): void => {
+      const needed = this.blocks.missing(this.scroll.first, this.scroll.last);
+      const near = this.blocks.missing(this.scroll.first - margin, this.scroll.last + margin);
+      const next = needed[0] ?? near[0];
+      if (next !== undefined && this.scroll.view > 0) this.owner.fetch(next);
+    };
+    // While the bar is dragged, only where it comes to rest.
+    this.fetchTimer = window.setTimeout(ask, this.blocks.held === 0 ? 0 : 12);
+  }
+
+  // --- Pointer.
+
+  private cellAt(event: MouseEvent): { row: number; column: number } | null {
+    const cell = (event.target as HTMLElement).closest<HTMLElement>(".grid-cell");
+    const element = (event.target as HTMLElement).closest<HTMLElement>(".grid-row");
+    const one = this.drawn.find((drawn) => drawn.element === element);
+    if (one === undefined) return null;
+    return { row: one.row, column: cell === null ? this.column : one.cells.indexOf(cell) };
+  }
+
+  private pointer(event: MouseEvent): void {
+    const at = this.cellAt(event);
+    if (at !== null) this.owner.pressedCell(at.row, at.column, event);
+  }
+
+  // The place of a cell that is drawn, for an editor over it.
+  cellElement(row: number, column: number): HTMLElement | null {
+    return this.drawn.find((one) => one.row === row)?.cells[column] ?? null;
+  }
+
+  // The text of rows as a spreadsheet takes it, null where some aren't at hand.
+  textOf(from: number, to: number): string | null {
+    const lines: string[] = [];
+    for (let row = from; row <= to; ++row) {
+      const values = this.blocks.fresh(row) ? this.blocks.row(row) : undefined;
+      if (values === undefined) return null;
+      lines.push(this.columns.map((column, at) => this.plainCell(column, values[at] ?? "")).join("\t"));
+    }
+    return lines.join("\n");
+  }
+
+  private plainCell(column: Column, text: string): string {
+    if (column.kind === "check") return text === column.checked ? "Sim" : "Não";
+    return text.replace(/[\t\r\n]+/g, " ");
+  }
+
+  get titles(): string {
+    return this.columns.map((column) => column.title).join("\t");
+  }
+
+  // The row that a key of movement asks for, -1 when the key is another.
+  rowFor(key: string, ctrl: boolean): number {
+    const last = this.scroll.count - 1;
+    const now = Math.max(this.row, 0);
+    switch (key) {
+      case "ArrowDown":
+        return ctrl ? last : Math.min(this.row + 1, last);
+      case "ArrowUp":
+        return ctrl ? 0 : Math.max(now - 1, 0);
+      case "PageDown":
+        return Math.min(now + this.scroll.page - 1 || 1, last);
+      case "PageUp":
+        return Math.max(now - (this.scroll.page - 1 || 1), 0);
+      default:
+        return -1;
+    }
+  }
+
+  static readonly block = kBlock;
+}

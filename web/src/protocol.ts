@@ -1,0 +1,169 @@
+// The objects of the door, as they come and go.
+
+export type Property = boolean | number | string | string[];
+export type Properties = Record<string, Property>;
+
+export interface TreeNode {
+  name: string;
+  kind: string;
+  layout?: TreeNode[][];
+  [property: string]: Property | TreeNode[][] | undefined;
+}
+
+export interface ScreenOut {
+  on: "screen";
+  id: number;
+  class: string;
+  caption: string;
+  kind: "child" | "dialog";
+  tree: { layout: TreeNode[][]; keyPreview: boolean };
+}
+
+export interface SetState {
+  version: number;
+  count: number;
+  row: number;
+  state: string;
+}
+
+export interface ChangeOut {
+  on: "change";
+  screen: number;
+  controls?: Record<string, Properties>;
+  focus?: string;
+  sets?: Record<string, SetState>;
+}
+
+export interface MessageOut {
+  on: "message";
+  kind: "information" | "warning" | "question";
+  title: string;
+  text: string;
+  buttons: string[];
+  default: string;
+}
+
+export interface InputOut {
+  on: "input";
+  title: string;
+  prompt: string;
+  value: string;
+}
+
+export interface LookupColumn {
+  field: string;
+  title: string;
+  kind?: string;
+}
+
+export interface LookupOut {
+  on: "lookup";
+  control: string;
+  columns: LookupColumn[];
+  count: number;
+  multiple: boolean;
+}
+
+export interface ConfirmLine {
+  debit: string;
+  debitDescription: string;
+  credit: string;
+  creditDescription: string;
+  amount: string;
+  note: string;
+  unknown: boolean | string;
+}
+
+export interface ConfirmOut {
+  on: "confirm";
+  title: string;
+  lines: ConfirmLine[];
+}
+
+export interface FileOut {
+  on: "file";
+  control: string;
+  filters: string;
+}
+
+export interface DetailOut {
+  on: "detail";
+  title: string;
+  columns: string[];
+  kinds?: string[];
+  rows: (string | null)[][];
+}
+
+export interface ReportOut {
+  on: "report";
+  id: number | string;
+  identifier?: string;
+  formats?: string[];
+  address?: string;
+}
+
+export interface ProgressOut {
+  on: "progress";
+  value: number;
+  of: number;
+  text: string;
+}
+
+export interface SetRows {
+  fields: string[];
+  count: number;
+  row: number;
+  state: string;
+  version: number;
+  rows: (string | null)[][];
+}
+
+export interface StateOut {
+  on: "state";
+  screens: {
+    id: number;
+    class: string;
+    caption: string;
+    focus: string;
+    controls: Record<string, { cells?: string[][]; version?: number } & Record<string, unknown>>;
+    sets: Record<string, SetRows>;
+  }[];
+}
+
+export type Question = MessageOut | InputOut | LookupOut | ConfirmOut | FileOut | DetailOut;
+
+export type Out =
+  | { on: "hello"; session: string; received?: number }
+  | ScreenOut
+  | ChangeOut
+  | { on: "front"; screen: number }
+  | { on: "closed"; screen: number }
+  | Question
+  | ReportOut
+  | ProgressOut
+  | { on: "busy"; value: boolean }
+  | { on: "error"; text: string }
+  | StateOut
+  | { on: "idle" }
+  | { on: "waiting"; for: string }
+  | { on: "ended"; text?: string };
+
+export interface In {
+  do: string;
+  [member: string]: unknown;
+}
+
+export interface MenuEntry {
+  class: string;
+  caption: string;
+  group: string;
+}
+
+export interface Me {
+  user: string;
+  company: string;
+  companyName: string;
+  menu: MenuEntry[];
+  // The desk's own date, "yyyy-mm-dd", where it differs from the machine's.
+  today?: string;
+}

@@ -1,0 +1,316 @@
+// A screen, drawn from its tree: its controls, its focus, its keys.
+import { el, icon, uniqueId } from "./dom.ts";
+import { insertInto, pressInto, type Press } from "./keys.ts";
+import { isActions, isDescription, isTall, units, type Unit } from "./layout.ts";
+import { plain, readCaption } from "./text/caption.ts";
+import { MenuItemView, MenuView } from "./controls/button.ts";
+import { RadioView } from "./controls/choice.ts";
+import { PagesView, PageView, PanelView } from "./controls/container.ts";
+import type { ControlView, ScreenContext } from "./controls/control.ts";
+import { makeControl } from "./controls/make.ts";
+import { TextView } from "./controls/text.ts";
+import { GridControl } from "./grid/control.ts";
+import type { DeskContext } from "./context.ts";
+import type { ChangeOut, ScreenOut, StateOut, TreeNode } from "./protocol.ts";
+
+export class ScreenView implements ScreenContext {
+  readonly id: number;
+  readonly dialog: boolean;
+  readonly caption: string;
+  readonly screenClass: string;
+  readonly keyPreview: boolean;
+  readonly element: HTMLElement;
+  // The control that has the focus on the desk.
+  focusName = "";
+  // In tab order.
+  private controls: ControlView[] = [];
+  private byName = new Map<string, ControlView>();
+  private close: HTMLButtonElement | null = null;
+
+  constructor(
+    readonly desk: DeskContext,
+    out: ScreenOut,
+    onClose: () => void,
+  ) {
+    this.id = out.id;
+    this.dialog = out.kind === "dialog";
+    this.caption = readCaption(out.caption).text;
+    this.screenClass = out.class;
+    this.keyPreview = out.tree.keyPreview;
+    const body = el("div", { class: "screen-body rows" });
+    this.drawRows(body, out.tree.layout);
+    this.lendCaptions();
+    if (this.dialog) {
+      const id = uniqueId("title");
+      this.close = el("button", { type: "button", class: "dialog-close", tabindex: "-1", "aria-label": "Fechar" }, icon("close"));
+      this.close.addEventListener("mousedown", (event) => event.preventDefault());
+      this.close.addEventListener("click", onClose);
+      const head = el("div", { class: "dialog-head" }, el("h2", { class: "dialog-title", id }, this.caption), this.close);
+      const box = el("div", { class: "dialog dialog-screen", role: "dialog", "aria-modal": "true", "aria-labelledby": id }, head, body);
+      box.classList.toggle("is-wide", out.tree.layout.some((row) => row.some(isTall)));
+      this.element = el("div", { class: "layer" }, box);
+    } else {
+      this.element = el("section", { class: "screen", "aria-label": this.caption, role: "tabpanel", id: `screen-${this.id}` }, body);
+    }
+  }
+
+  // --- Drawing.
+
+  private make(node: TreeNode): ControlView {
+    const control = makeControl(this, node);
+    this.controls.push(control);
+    this.byName.set(control.name, control);
+    if (control instanceof PanelView || control instanceof PageView) {
+      this.drawRows(control.body, node.layout ?? []);
+    } else if (control instanceof PagesView) {
+      for (const child of (node.layout ?? []).flat()) {
+        const page = this.make(child);
+        if (page instanceof PageView) control.add(page);
+      }
+    } else if (control instanceof MenuView) {
+      for (const child of (node.layout ?? []).flat()) {
+        const item = this.make(child);
+        if (!(item instanceof MenuItemView)) continue;
+        item.menu = control;
+        control.items.push(item);
+      }
+    }
+    return control;
+  }
+
+  private drawRows(into: HTMLElement, rows: TreeNode[][]): void {
+    rows.forEach((row, at) => {
+      const element = el("div", { class: "row" });
+      if (row.some(isTall)) element.classList.add("is-tall");
+      const actions = isActions(row);
+      if (actions) element.classList.add("row-actions");
+      // The buttons at the end of a page stay in sight however long it is.
+      if (actions && at === rows.length - 1 && rows.length > 1) element.classList.add("row-last");
+      for (const unit of units(row)) element.append(this.drawUnit(unit));
+      into.append(element);
+    });
+  }
+
+  private drawUnit(unit: Unit): HTMLElement {
+    const first = unit.nodes[0]!;
+    if (unit.width === 0) {
+      const control = this.make(first);
+      if (unit.grows) control.element.classList.add("grows");
+      return control.element;
+    }
+    const made = unit.nodes.map((node) => this.make(node));
+    const field = made[0]!.element;
+    field.style.setProperty("--field-width", `${unit.width}px`);
+    field.classList.toggle("is-sole-description", unit.nodes.length === 1 && isDescription(first));
+    if (made.length === 1) return field;
+    const lookup = unit.nodes[1]!.kind === "lookup" ? made[1] : undefined;
+    if (lookup !== undefined) {
+      field.classList.add("has-lookup");
+      field.append(lookup.element);
+    }
+    const group = el("div", { class: `unit ${unit.grows ? "grows" : ""}` });
+    for (const control of made) {
+      if (control !== lookup) group.append(control.element);
+      if (control !== made[0]) control.element.classList.add("is-description");
+    }
+    return group;
+  }
+
+  // Lookups and descriptions have no caption of their own; who can't see where they stand hears their field's.
+  private lendCaptions(): void {
+    let last = "";
+    for (const control of this.controls) {
+      if (control.caption !== "") {
+        last = control.caption;
+      } else {
+        control.lent = last;
+        control.render();
+      }
+    }
+  }
+
+  // --- From the desk.
+
+  change(out: ChangeOut): void {
+    for (const [name, properties] of Object.entries(out.controls ?? {})) this.byName.get(name)?.update(properties);
+    for (const [name, state] of Object.entries(out.sets ?? {})) {
+      for (const control of this.controls) {
+        if (control.text("set") === name) control.setChanged(state);
+      }
+    }
+    if (out.focus !== undefined) this.focusName = out.focus;
+    if (out.controls !== undefined) this.hideEmptyRows();
+  }
+
+  state(state: StateOut["screens"][number], of: string, from: number): void {
+    for (const control of this.controls) {
+      if (control.name === of || control.text("set") === of) control.stateRead(state, from);
+    }
+  }
+
+  // A row of which nothing is shown takes no room.
+  hideEmptyRows(): void {
+    const rows = [...this.element.querySelectorAll<HTMLElement>(".row")].reverse();
+    for (const unit of this.element.querySelectorAll<HTMLElement>(".unit")) {
+      unit.hidden = ![...unit.children].some((child) => !(child as HTMLElement).hidden);
+    }
+    for (const row of rows) row.hidden = ![...row.children].some((child) => !(child as HTMLElement).hidden);
+  }
+
+  // --- Focus.
+
+  find(name: string): ControlView | undefined {
+    return this.byName.get(name);
+  }
+  get focused(): ControlView | undefined {
+    return this.byName.get(this.focusName);
+  }
+
+  // Brings the browser's focus to where the desk's is.
+  syncFocus(): void {
+    for (const element of this.element.querySelectorAll(".has-focus")) element.classList.remove("has-focus");
+    const control = this.focused;
+    if (control === undefined || !control.visible) {
+      const home = this.dialog ? (this.element.firstElementChild as HTMLElement) : this.element;
+      if (!home.contains(document.activeElement)) {
+        home.tabIndex = -1;
+        home.focus({ preventScroll: true });
+      }
+      return;
+    }
+    control.element.classList.add("has-focus");
+    if (!control.element.contains(document.activeElement) || document.activeElement !== control.focusElement) control.focus();
+    control.element.scrollIntoView({ block: "nearest" });
+  }
+
+  userFocus(control: ControlView): void {
+    if (!control.canFocus) return;
+    if (this.desk.holding) {
+      this.desk.act(() => this.userFocus(control));
+      return;
+    }
+    const before = this.focused;
+    if (before === control) return;
+    this.commit();
+    this.desk.send({ do: "focus", control: control.name });
+  }
+
+  moveFocus(from: ControlView, forward: boolean): void {
+    const order = this.controls;
+    const at = order.indexOf(from);
+    for (let step = 1; step < order.length; ++step) {
+      const next = order[(at + (forward ? step : order.length - step)) % order.length]!;
+      if (!next.canFocus) continue;
+      this.commit();
+      this.desk.send({ do: "focus", control: next.name });
+      return;
+    }
+  }
+
+  commit(): void {
+    for (const control of this.controls) control.commit();
+  }
+
+  // --- Keys.
+
+  press(press: Press): boolean {
+    const control = this.focused;
+    if (control !== undefined && control.canFocus && control.press(press)) return true;
+    return this.pressScreen(press, control);
+  }
+
+  private pressScreen(press: Press, control: ControlView | undefined): boolean {
+    const { key, alt, ctrl, shift } = press;
+    if (key === "Tab" && !ctrl && !alt) {
+      this.commit();
+      if (control === undefined) this.moveFocus(this.controls[0]!, !shift);
+      else if (shift) this.moveFocus(control, false);
+      else this.desk.send({ do: "key", control: control.name, key: "Tab" });
+      return true;
+    }
+    if (alt && !ctrl && [...key].length === 1) return this.access(plain(key));
+    if (ctrl && (key === "PageDown" || key === "PageUp")) return this.turnPage(key === "PageDown");
+    if (key === "Escape") {
+      if (control?.revert()) return true;
+      if (!this.dialog) return false;
+      this.desk.send({ do: "close" });
+      return true;
+    }
+    if (key === "ContextMenu" || (shift && key === "F10")) {
+      const box = (document.activeElement ?? this.element).getBoundingClientRect();
+      return this.openMenu(box.left + 24, box.top + 24);
+    }
+    return false;
+  }
+
+  // A key that was typed ahead, done as the browser would have done it.
+  pressAhead(press: Press): void {
+    if (this.press(press)) return;
+    const active = document.activeElement;
+    if (active instanceof HTMLInputElement && active.type === "text" && this.element.contains(active)) pressInto(active, press);
+  }
+  textAhead(text: string): void {
+    const control = this.focused;
+    if (control instanceof TextView) {
+      insertInto(control.input, text);
+    } else {
+      for (const key of text) this.pressAhead({ key, ctrl: false, alt: false, shift: false });
+    }
+  }
+
+  private turnPage(forward: boolean): boolean {
+    const pages = this.controls.find((control) => control instanceof PagesView && control.visible);
+    if (!(pages instanceof PagesView)) return false;
+    pages.turn(forward);
+    return true;
+  }
+
+  private access(key: string): boolean {
+    const at = this.controls.findIndex((control) => control.name === this.focusName);
+    // Of several with the same key, the next one after the focus.
+    const order = [...this.controls.slice(at + 1), ...this.controls.slice(0, at + 1)];
+    for (const control of order) {
+      const there = control instanceof PageView ? !control.tab.hidden && control.enabled : control.visible && control.enabled;
+      if (!there || control instanceof MenuItemView) continue;
+      if (readCaption(control.text("caption")).key === key) {
+        control.access();
+        return true;
+      }
+      const option = control instanceof RadioView ? control.optionOf(key) : -1;
+      if (option >= 0) {
+        this.commit();
+        (control as RadioView).accessOption(option);
+        return true;
+      }
+    }
+    return false;
+  }
+
+  openMenu(x: number, y: number): boolean {
+    const menu = this.controls.find((control) => control instanceof MenuView && control.enabled && control.visible);
+    if (!(menu instanceof MenuView)) return false;
+    menu.open(x, y);
+    return true;
+  }
+
+  // --- Drawn anew after a lost connection.
+
+  get draft(): { name: string; text: string } | null {
+    const control = this.focused;
+    const text = control instanceof TextView ? control.draft : null;
+    return text === null ? null : { name: control!.name, text };
+  }
+  restore(draft: { name: string; text: string }): void {
+    const control = this.byName.get(draft.name);
+    if (control instanceof TextView && this.focusName === draft.name) control.draft = draft.text;
+  }
+
+  get grids(): GridControl[] {
+    return this.controls.filter((control): control is GridControl => control instanceof GridControl);
+  }
+
+  destroy(): void {
+    for (const control of this.controls) control.destroy();
+    this.element.remove();
+  }
+}

@@ -1,0 +1,25 @@
+// Amounts as they are typed and as they are shown.
+
+// True for a text that is an amount: "1234,56", "1.234,56", "-3", "".
+export function isAmount(text: string): boolean {
+  const t = text.trim();
+  if (t === "") return true;
+  return /^[+-]?(\d{1,3}(\.\d{3})+|\d+)?(,\d*)?[+-]?$/.test(t) && /\d/.test(t);
+}
+
+// A stored "1234.5600" as it is shown, with two decimals.
+export function showAmount(neutral: string, decimals = 2): string {
+  const m = /^(-?)(\d+)(?:\.(\d+))?$/.exec(neutral);
+  if (!m) return neutral;
+  const scale = 10n ** BigInt(decimals);
+  const fraction = ((m[3] ?? "") + "0".repeat(decimals + 1)).slice(0, decimals + 1);
+  let units = BigInt(m[2]!) * scale * 10n + BigInt(fraction);
+  units = (units + 5n) / 10n;
+  const whole = (units / scale).toString().replace(/\B(?=(\d{3})+$)/g, ".");
+  const rest = decimals > 0 ? "," + (units % scale).toString().padStart(decimals, "0") : "";
+  return (m[1] && units !== 0n ? "-" : "") + whole + rest;
+}
+
+export function showCount(n: number): string {
+  return String(n).replace(/\B(?=(\d{3})+$)/g, ".");
+}
