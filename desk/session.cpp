@@ -60,10 +60,9 @@ void Session::Run() {
   try {
     attachment_ = Attachment::Open(options_.database);
     RequireCurrentSchema(*attachment_);
-    application_ = std::make_unique<Application>(*this, options_.clock);
+    application_ = std::make_unique<Application>(static_cast<UserInterface&>(*this), options_.clock);
     services_ =
         std::make_unique<SessionServices>(*application_, *attachment_, options_.user, options_.company);
-    application_->SetServices(services_->All());
     application_->SetObserver(this);
     log_.Write("session", {{"user", options_.user}, {"company", options_.company}});
     try {
@@ -92,6 +91,7 @@ void Session::Serve() {
     const Json in = Take();
     Handle(in);
     application_->FreeClosed();
+    services_->AfterAction();
     Collect();
     Send({{"on", "idle"}});
   }
@@ -110,16 +110,19 @@ void Session::SendError(std::string_view text) { Send({{"on", "error"}, {"text",
 
 void Session::ScreenShown(Screen& screen) {
   Shown& shown = shown_[&screen];
-  if (shown.id == 0) shown.id = next_id_++;
-  shown.sent.clear();
-  shown.sets.clear();
-  shown.focus.clear();
+  shown = Shown{};
+  shown.id = next_id_++;
   Send({{"on", "screen"},
         {"id", shown.id},
         {"class", screen.ClassName()},
         {"caption", screen.Caption()},
         {"kind", screen.Kind() == ScreenKind::Dialog ? "dialog" : "child"},
         {"tree", Tree(screen)}});
+  // What the tree told is no change any more.
+  for (Control* control : screen.Controls()) {
+    control->TakeDirty();
+    control->Describe(shown.sent[control]);
+  }
 }
 
 void Session::ScreenClosed(Screen& screen) {
@@ -127,6 +130,8 @@ void Session::ScreenClosed(Screen& screen) {
   if (found == shown_.end()) return;
   Send({{"on", "closed"}, {"screen", found->second.id}});
   shown_.erase(found);
+  const Screen* top = application_->Top();
+  front_ = top == nullptr ? 0 : shown_[top].id;
 }
 
 }  // namespace orv

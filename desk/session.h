@@ -138,6 +138,8 @@ class Session : private UserInterface, private ApplicationObserver {
   std::unique_ptr<SessionServices> services_;
   std::map<const Screen*, Shown> shown_;
   int64_t next_id_ = 1;
+  // The screen that the display takes to be on top; another one is told.
+  int64_t front_ = 0;
   pthread_t thread_{};
 };
 

@@ -2,6 +2,7 @@
 #include "desk/session.h"
 #include "frame/registry.h"
 #include "frame/screen.h"
+#include "host/services/users.h"
 #include "toolkit/controls.h"
 #include "toolkit/grid.h"
 #include "toolkit/lookup.h"
@@ -137,7 +138,7 @@ void Session::Open(const Json& in) {
     throw RequestError("Feche primeiro a janela \"" + top->Caption() + "\".");
   }
   const auto info = ClassRegistry::Instance().Find(name);
-  if (!info || !services_->MayOpen(info->class_name))
+  if (!info || !services_->Users().MayOpen(services_->Login(), info->class_name))
     throw RequestError("A tela \"" + name + "\" não está disponível.");
   for (Screen* screen : application_->Shown()) {
     if (SameText(screen->ClassName(), name)) {

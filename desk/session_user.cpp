@@ -42,6 +42,24 @@ const char* AnswerName(Answer answer) {
   return "";
 }
 
+// How a display writes a field's values.
+const char* FieldKind(const Field* field) {
+  if (field == nullptr) return "text";
+  switch (field->Type()) {
+    case FieldType::String:
+      return "text";
+    case FieldType::Integer:
+      return "integer";
+    case FieldType::Float:
+    case FieldType::Currency:
+      return "money";
+    case FieldType::Date:
+    case FieldType::DateTime:
+      return "date";
+  }
+  return "text";
+}
+
 std::string Decoded(const std::string& base64) {
   std::string bytes(base64.size() / 4 * 3 + 3, '\0');
   std::size_t size = 0;
@@ -120,7 +138,8 @@ LookupChoice Session::Choose(TPesquisa& lookup) {
   const auto describe = [&] {
     Json::Array columns;
     for (const auto& [column, title] : lookup.Settings().Colunas) {
-      columns.push_back(Json{{"field", column}, {"title", title}});
+      const char* kind = FieldKind(lookup.Rows()->FindField(column));
+      columns.push_back(Json{{"field", column}, {"title", title}, {"kind", kind}});
     }
     return Json{{"on", "lookup"},
                 {"control", lookup.Name()},
@@ -216,7 +235,14 @@ bool Session::ConfirmPosting(std::string_view title, const std::vector<PostingLi
 
 void Session::Detail(std::string_view title, DataSet& rows) {
   Json table = Rows(rows, 0, -1);
-  Wait("answer", {{"on", "detail"}, {"title", title}, {"columns", table["fields"]}, {"rows", table["rows"]}},
+  Json::Array kinds;
+  for (const Field* field : rows.Fields()) kinds.emplace_back(FieldKind(field));
+  Wait("answer",
+       {{"on", "detail"},
+        {"title", title},
+        {"columns", table["fields"]},
+        {"kinds", std::move(kinds)},
+        {"rows", table["rows"]}},
        [&](const Json& in) {
          if (!(in["do"] == Json("answer"))) throw RequestError("Feche primeiro a lista.");
          return true;

@@ -8,6 +8,8 @@
 
 namespace orv {
 
+Application::Application(UserInterface& user, Clock clock) : user_(user), clock_(clock) {}
+
 Application::~Application() {
   // The latest first: a dialog may hold what stands beneath it.
   while (!owned_.empty()) owned_.pop_back();

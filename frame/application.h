@@ -31,7 +31,7 @@ class ApplicationObserver {
 class Application {
  public:
   // `user` answers what screens ask; `clock` says what day it is.
-  Application(UserInterface& user, Clock clock) : user_(user), clock_(clock) {}
+  Application(UserInterface& user, Clock clock);
   ~Application();
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;

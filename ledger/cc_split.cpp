@@ -19,6 +19,9 @@ class ProgramFill {
   DataSet& set_;
 };
 
+// True when a row stands there, one in insertion included.
+bool HasRow(const DataSet& set) { return set.Editing() || !set.IsEmpty(); }
+
 // Keeps what was typed and goes on with the row.
 void PostAndEdit(DataSet& set) {
   if (set.Editing()) set.Post();
@@ -228,7 +231,7 @@ void TfmCC::DbgContabilidadeKey(KeyPress& key) {
   if (key.key == "F4") {
     key.handled = true;
     (credita ? PqContaC : PqContaD).AbrePesquisa();
-  } else if (key.key == "Tab" && !TbContabil.IsEmpty()) {
+  } else if (key.key == "Tab" && HasRow(TbContabil)) {
     PostAndEdit(TbContabil);
     const Field& conta = credita ? TbContabil.Credita : TbContabil.Debita;
     (credita ? TbContabil.DescC : TbContabil.DescD) = DescricaoDe("CONTA_CONT", conta.AsString());
@@ -242,7 +245,7 @@ void TfmCC::DbgRateioCCKey(KeyPress& key) {
     key.handled = true;
     PqCCusto.AbrePesquisa();
   }
-  if (key.key != "Tab" || TbCCusto.IsEmpty()) return;
+  if (key.key != "Tab" || !HasRow(TbCCusto)) return;
 
   const Currency valor = TbContabil.Valor.AsCurrency();
   if (SameText(coluna, "Codigo")) {

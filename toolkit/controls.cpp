@@ -163,6 +163,12 @@ void MenuItem::UserClick() {
 
 // --- PageControl.
 
+void TabSheet::Describe(Properties& properties) const {
+  Control::Describe(properties);
+  // A page behind another one is not visible, but has a tab to press.
+  properties.emplace_back("tab", Visible());
+}
+
 std::vector<TabSheet*> PageControl::Pages() const {
   std::vector<TabSheet*> pages;
   for (const LayoutRow& row : Rows()) {

@@ -201,6 +201,7 @@ class TabSheet : public Control {
   using Control::Control;
   std::string_view Kind() const override { return "page"; }
   bool Container() const override { return true; }
+  void Describe(Properties& properties) const override;
 };
 
 // Pages of which one is in front. The pages are the tab sheets that the layout puts into it.

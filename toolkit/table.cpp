@@ -352,7 +352,10 @@ void TOrvTable::SetCurrentValue(int field, Value value) {
 }
 
 void TOrvTable::DoInsert(bool) { buffer_.assign(Fields().size(), Value()); }
-void TOrvTable::DoEdit() { buffer_ = Current(); }
+void TOrvTable::DoEdit() {
+  buffer_ = Current();
+  stale_ = false;
+}
 
 void TOrvTable::DoCancel() {
   buffer_.clear();

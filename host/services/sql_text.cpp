@@ -1,5 +1,7 @@
 #include "host/services/sql_text.h"
 
+#include <utility>
+
 #include "toolkit/database.h"
 #include "toolkit/text.h"
 
@@ -8,6 +10,11 @@ namespace {
 
 bool NameChar(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '$';
+}
+
+bool IsAggregate(std::string_view word) {
+  return word == "SUM" || word == "COUNT" || word == "MAX" || word == "MIN" || word == "AVG" ||
+         word == "LIST";
 }
 
 // The place after the quoted text that begins at `from`; a doubled quote belongs to it.
@@ -114,6 +121,7 @@ std::vector<std::string> MacroTables(std::string_view sql) {
 
 int CountContexts(std::string_view sql) {
   int contexts = 0;
+  bool grouped = false;
   std::string previous;
   for (std::size_t at = 0; at < sql.size();) {
     const char c = sql[at];
@@ -128,8 +136,11 @@ int CountContexts(std::string_view sql) {
       std::size_t end_of_word = at;
       while (end_of_word < sql.size() && NameChar(sql[end_of_word])) ++end_of_word;
       const std::string word = Upper(sql.substr(at, end_of_word - at));
-      // A table that isn't a macro, a grouping or a sum, and a further branch of a union, each take one.
-      if ((previous == "FROM" || previous == "JOIN") || word == "GROUP" || word == "UNION") ++contexts;
+      // A table that isn't a macro, a further branch of a union, and a select that groups or adds up take
+      // one.
+      if (previous == "FROM" || previous == "JOIN" || word == "UNION") ++contexts;
+      if (word == "SELECT") grouped = false;
+      if ((word == "GROUP" || IsAggregate(word)) && !std::exchange(grouped, true)) ++contexts;
       previous = word;
       at = end_of_word;
     } else {

@@ -4,12 +4,6 @@
 namespace orv::test {
 namespace {
 
-// Leaving the observation makes the proposal.
-void Propose(Desk& desk) {
-  desk.Focus("EdtObs");
-  desk.Focus("EdtHis");
-}
-
 TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
   Fin({30, 50});
   Desk desk(database_);
@@ -17,7 +11,6 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
 
   // Neighbouring rules of one account make one entry with several centres.
   const std::string numero = New(desk, {{"EdtTipo", "3103"}, {"EdtHis", "012"}});
-  Propose(desk);
   EXPECT_EQ(desk.Rows("TbContabil"),
             "1.1.02.001|CONTA MOVIMENTO|4.1.03.001|ENERGIA ELETRICA|65|4.1.03.001\n"
             "1.1.02.001|CONTA MOVIMENTO|4.1.03.002|AGUA E TELEFONE|35|4.1.03.002\n");
@@ -44,7 +37,6 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
       "'2101', '0', "
       "'0', '2.1.01.001')");
   New(desk, {{"EdtTipo", "2101"}});
-  Propose(desk);
   EXPECT_EQ(desk.Rows("TbContabil"),
             "2.1.01.001|FORNECEDORES|4.1.04.001|DESPESAS GERAIS|50|4.1.04.001\n"
             "2.1.01.001|FORNECEDORES|4.1.01.001|SALARIOS E ENCARGOS|30|4.1.01.001\n"
@@ -75,7 +67,7 @@ TEST_F(CcTest, CreditWithoutRulesIsCompletedByHand) {
   Key(desk, "DbgContabilidade", 1, "Debita", "Tab");
   EXPECT_EQ(desk.Rows("TbContabil"),
             "3.1.01.001|VENDAS|1.1.02.001|CONTA MOVIMENTO|60|3.1.01.001\n"
-            "1.1.03.001||1.1.02.001|CONTA MOVIMENTO|40|-\n");
+            "1.1.03.001|-|1.1.02.001|CONTA MOVIMENTO|40|-\n");
   // Nothing asks a credit for cost centres, nor balance-sheet accounts.
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Entries(numero), "3.1.01.001|1.1.02.001|60.0000;1.1.03.001|1.1.02.001|40.0000");
@@ -107,7 +99,6 @@ TEST_F(CcTest, SplitRefusesInOrder) {
   Desk desk(database_);
   desk.Open("TfmCC");
   const std::string numero = New(desk, {{"EdtTipo", "2102"}});
-  Propose(desk);
 
   struct Step {
     std::string grid, column, value, message;
@@ -152,7 +143,6 @@ TEST_F(CcTest, DebitAsksForCentres) {
   Desk desk(database_);
   desk.Open("TfmCC");
   New(desk, {{"EdtTipo", "2102"}});
-  Propose(desk);
   Cell(desk, "DbgContabilidade", 0, "Debita", "4.1.04.001");
   EXPECT_EQ(Confirm(desk), "Diferença no percentual de Rateio de Centro de Custo de 100.00%");
   desk.Answer("ok");
@@ -178,7 +168,6 @@ TEST_F(CcTest, EntryTakesItsCentresAway) {
   Desk desk(database_);
   desk.Open("TfmCC");
   const std::string numero = New(desk, {{"EdtTipo", "3103"}});
-  Propose(desk);
   desk.Do({{"do", "delete"}, {"control", "DbgContabilidade"}, {"row", 0}});
   EXPECT_EQ(desk.Rows("TbCCusto"), "1|4.1.03.002|0100|ADMINISTRACAO|100|35.0000\n");
   Cell(desk, "DbgContabilidade", 0, "Valor", "100,00");

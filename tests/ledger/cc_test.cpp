@@ -76,7 +76,6 @@ TEST_F(CcTest, ConfirmationRefusesInOrder) {
   desk.Open("TfmCC");
   const std::string numero = New(desk);
   Fill(desk, {{"EdtValor", ""}, {"EdtTipo", ""}, {"EdtHis", ""}, {"EdtNumDoc", ""}});
-  while (desk.End() == "waiting lookup") desk.Do({{"do", "choose"}});
   Run(Lock("CX", ""));
   Run(Lock("CT", kConta));
 
@@ -102,13 +101,11 @@ TEST_F(CcTest, ConfirmationRefusesInOrder) {
     if (step.right.starts_with("DELETE")) {
       Run(step.right);
     } else if (!step.right.empty()) {
-      desk.Set(step.right, step.value);
-      while (desk.End() == "waiting lookup") desk.Do({{"do", "choose"}});
-      if (desk.Text(step.right) != step.value) desk.Set(step.right, step.value);
+      Fill(desk, {{step.right, step.value}});
     }
     EXPECT_EQ(Confirm(desk), step.message);
     desk.Answer("ok");
-    while (desk.End() == "waiting lookup") desk.Do({{"do", "choose"}});
+    CloseLists(desk);
     EXPECT_EQ(desk.FocusName(), step.focus) << step.message;
     EXPECT_EQ(Movement(numero), "") << step.message;
     EXPECT_EQ(desk.Text("EdtLancto"), numero);
@@ -180,7 +177,7 @@ TEST_F(CcTest, CancelDropsTheEdit) {
 
   // Giving up a new one opens no list of an empty field and leaves nothing to alter.
   New(desk, {{"EdtConta", ""}});
-  while (desk.End() == "waiting lookup") desk.Do({{"do", "choose"}});
+  desk.Focus("EdtConta");
   desk.Click("SpeedButton1");
   EXPECT_EQ(desk.End(), "idle");
   for (const char* control :

@@ -24,9 +24,9 @@ ChequeText Text(int64_t cents) {
 TEST(ChequePage, PutsEverythingInItsPlace) {
   EXPECT_EQ(ChequePage(GetChequeModel(1), Text(123456)),
             "\x1B@\r\n" + std::string(58, ' ') + "#1.234,56#\r\n\r\n" + std::string(12, ' ') +
-                "(UM MIL DUZENTOS E TRINTA E QUATRO REAIS E CINQUENTA E SEIS\r\n"
+                "(UM MIL DUZENTOS E TRINTA E QUATRO REAIS E CINQUENTA E SEIS***\r\n"
                 "  CENTAVOS)" +
-                std::string(62, '*') + "\r\n\r\n" + "    Jo\xC6o d'\xB5vila & Cia\r\n\r\n" +
+                std::string(63, '*') + "\r\n\r\n" + "    Jo\xC6o d'\xB5vila & Cia\r\n\r\n" +
                 std::string(30, ' ') + "S\xC6o Bento do Sul, 5 de mar\x87o de 2026\r\n\f");
 }
 

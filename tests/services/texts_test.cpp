@@ -113,6 +113,7 @@ TEST(SqlText, CountsTheContextsOfAStatement) {
   EXPECT_EQ(CountContexts("SELECT * FROM {A} A LEFT JOIN {B} B ON (A.X = B.X) WHERE A.C = ' FROM D JOIN E '"),
             2);
   EXPECT_EQ(CountContexts("SELECT SUM(V) FROM {A} INNER JOIN EMPRESA ON 1 = 1 GROUP BY X"), 3);
+  EXPECT_EQ(CountContexts("SELECT SUM(V), MAX(V) FROM {A}"), 2);
   EXPECT_EQ(CountContexts("SELECT * FROM (SELECT X FROM {A}) WHERE EXISTS (SELECT 1 FROM {B})"), 2);
 }
 

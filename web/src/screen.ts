@@ -138,7 +138,10 @@ export class ScreenView implements ScreenContext {
         if (control.text("set") === name) control.setChanged(state);
       }
     }
-    if (out.focus !== undefined) this.focusName = out.focus;
+    if (out.focus !== undefined) {
+      this.focusName = out.focus;
+      this.markFocus();
+    }
     if (out.controls !== undefined) this.hideEmptyRows();
   }
 
@@ -168,7 +171,7 @@ export class ScreenView implements ScreenContext {
 
   // Brings the browser's focus to where the desk's is.
   syncFocus(): void {
-    for (const element of this.element.querySelectorAll(".has-focus")) element.classList.remove("has-focus");
+    this.markFocus();
     const control = this.focused;
     if (control === undefined || !control.visible) {
       const home = this.dialog ? (this.element.firstElementChild as HTMLElement) : this.element;
@@ -178,9 +181,14 @@ export class ScreenView implements ScreenContext {
       }
       return;
     }
-    control.element.classList.add("has-focus");
     if (!control.element.contains(document.activeElement) || document.activeElement !== control.focusElement) control.focus();
     control.element.scrollIntoView({ block: "nearest" });
+  }
+
+  // Seen also while the browser's focus is elsewhere.
+  private markFocus(): void {
+    for (const element of this.element.querySelectorAll(".has-focus")) element.classList.remove("has-focus");
+    this.focused?.element.classList.add("has-focus");
   }
 
   userFocus(control: ControlView): void {

@@ -52,7 +52,7 @@ export class TextView extends ControlView {
     this.showState(this.element, this.input);
     writeCaption(this.label_, this.text("caption"));
     this.label_.hidden = this.caption === "";
-    if (this.caption === "") this.input.setAttribute("aria-label", this.label || "Descrição");
+    if (this.caption === "") this.input.setAttribute("aria-label", this.label === "" ? "Descrição" : `${this.label}, descrição`);
     const readOnly = this.flag("readOnly");
     this.input.readOnly = readOnly;
     // What nobody types into is no stop of the tab order.

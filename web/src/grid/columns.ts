@@ -26,11 +26,12 @@ export function readColumn(text: string): Column {
 }
 
 const kCharacter = 7.6;
+const kTitleCharacter = 8.6;
 const kPadding = 18;
 export const kNarrowest = 36;
 
 export function naturalWidth(column: Column): number {
-  const title = column.title.length * kCharacter + kPadding + 6;
+  const title = column.title.length * kTitleCharacter + kPadding;
   let characters = column.width;
   if (column.kind === "date") characters = Math.max(characters, 10);
   if (column.kind === "number") characters = Math.max(Math.min(characters, 18), 13);

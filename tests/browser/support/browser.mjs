@@ -1,0 +1,65 @@
+// The system's Chromium, and a page at a desk.
+import { existsSync, mkdirSync } from "node:fs";
+import { createRequire } from "node:module";
+import { dirname, join } from "node:path";
+import { fileURLToPath } from "node:url";
+
+export const root = join(dirname(fileURLToPath(import.meta.url)), "..", "..", "..");
+const require = createRequire(join(root, "web", "package.json"));
+const { chromium } = require("playwright-core");
+export const axeSource = require.resolve("axe-core/axe.min.js");
+export const dist = join(root, "web", "dist");
+
+const kFlags = ["--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking", "--disable-component-update", "--disable-sync"];
+
+export function launch() {
+  const executablePath = ["/usr/bin/chromium", "/usr/bin/chromium-browser"].find((path) => existsSync(path));
+  return chromium.launch({ executablePath, args: kFlags });
+}
+
+export async function openPage(browser, url, { dark = false, width = 1366, height = 650, scale = 1 } = {}) {
+  const context = await browser.newContext({ viewport: { width: Math.round(width / scale), height: Math.round(height / scale) }, deviceScaleFactor: scale, colorScheme: dark ? "dark" : "light", locale: "pt-BR" });
+  const page = await context.newPage();
+  page.faults = [];
+  page.on("console", (message) => {
+    if (message.type() === "error" && !/Failed to load resource|WebSocket connection/.test(message.text())) page.faults.push(message.text());
+  });
+  page.on("pageerror", (error) => page.faults.push(error.message));
+  await page.goto(url);
+  return page;
+}
+
+export async function logIn(page, password = "cafe com acucar") {
+  await page.getByLabel("Usuário").fill("ana");
+  await page.getByLabel("Senha").fill(password);
+  await page.keyboard.press("Enter");
+}
+
+// Opens a screen by a few letters.
+export async function openScreen(page, letters, caption) {
+  const search = page.getByLabel("Procurar tela").first();
+  if (!(await search.isVisible())) await page.keyboard.press("Control+Alt+m");
+  await page.keyboard.type(letters);
+  await page.keyboard.press("Enter");
+  await page.getByRole("tab", { name: caption }).first().waitFor();
+}
+
+// Where the page's pictures go, if anywhere.
+export async function picture(page, name) {
+  const folder = process.env.ORV_PICTURES;
+  if (!folder) return;
+  mkdirSync(folder, { recursive: true });
+  await page.screenshot({ path: join(folder, `${name}.png`) });
+}
+
+// Serious findings of axe-core, as texts.
+export async function findings(page) {
+  if (!(await page.evaluate(() => "axe" in window))) {
+    const { readFileSync } = await import("node:fs");
+    await page.evaluate(readFileSync(axeSource, "utf8"));
+  }
+  const result = await page.evaluate(() => window.axe.run(document, { resultTypes: ["violations"] }));
+  return result.violations
+    .filter((one) => ["serious", "critical"].includes(one.impact))
+    .map((one) => `${one.id}: ${one.help}: ${one.nodes.map((node) => node.html.slice(0, 160)).slice(0, 3).join(" | ")}`);
+}

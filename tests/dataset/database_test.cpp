@@ -1,0 +1,329 @@
+// Queries and tables on a real database.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "host/data/attachment.h"
+#include "toolkit/query.h"
+#include "toolkit/table.h"
+#include "toolkit/trans_dataset.h"
+
+namespace orv {
+namespace {
+
+// Counts what goes to the database behind it.
+class Counted : public TOrvDatabase {
+ public:
+  explicit Counted(TOrvDatabase& inner) : inner_(inner) {}
+  void Fetch(std::string_view sql, RowSink& sink) override {
+    ++fetches;
+    last = sql;
+    inner_.Fetch(sql, sink);
+  }
+  int64_t Execute(std::string_view sql) override {
+    ++writes;
+    last = sql;
+    return inner_.Execute(sql);
+  }
+  void CommitRetaining() override { inner_.CommitRetaining(); }
+  std::string LocalName(std::string_view table) const override { return inner_.LocalName(table); }
+
+  int fetches = 0, writes = 0;
+  std::string last;
+
+ private:
+  TOrvDatabase& inner_;
+};
+
+class Tables : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string pattern = (std::filesystem::temp_directory_path() / "orv-dataset-XXXXXX").string();
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+    folder_ = pattern;
+    file_ = (folder_ / "empresa.fdb").string();
+    attachment_ = Attachment::Create(file_, 8192);
+    Localize(*attachment_);
+    attachment_->ExecuteDdl(
+        "CREATE TABLE CHEQUE_001 (CHAVE VARCHAR(7) NOT NULL PRIMARY KEY, BANCO CHAR(3), VALOR NUMERIC(18,4), "
+        "TAXA DOUBLE PRECISION, VENCIMENTO DATE, INCLUSAO TIMESTAMP DEFAULT '2026-01-02 03:04:05.6789', "
+        "OBS VARCHAR(60))");
+    attachment_->ExecuteDdl("CREATE TABLE MOEDA (CODIGO INTEGER NOT NULL PRIMARY KEY, NOME VARCHAR(20))");
+  }
+  void TearDown() override {
+    attachment_.reset();
+    std::filesystem::remove_all(folder_);
+  }
+
+  static void Localize(Attachment& attachment) {
+    attachment.SetLocalName([](std::string_view table) { return std::string(table) + "_001"; });
+  }
+  // Keys "000000" and up; banks of three, every tenth null.
+  void Fill(int count) {
+    attachment_->ExecuteDdl("RECREATE TABLE SEQ (N INTEGER)");
+    attachment_->Execute(
+        "EXECUTE BLOCK AS DECLARE N INTEGER = 0; BEGIN WHILE (N < " + std::to_string(count) +
+        ") DO BEGIN INSERT INTO CHEQUE_001 (CHAVE, BANCO, VALOR, TAXA, VENCIMENTO, OBS) VALUES "
+        "(LPAD(:N, 6, '0'), IIF(MOD(:N, 10) = 9, NULL, LPAD(MOD(:N, 3), 3, '0')), :N / 4.0000, "
+        ":N / 3e0, DATEADD(:N DAY TO DATE '2026-01-01'), 'd''água ' || :N); N = N + 1; END END");
+    attachment_->CommitRetaining();
+  }
+
+  std::filesystem::path folder_;
+  std::string file_;
+  std::unique_ptr<Attachment> attachment_;
+};
+
+// The keys of a walk.
+std::string Keys(DataSet& set, const char* field = "CHAVE") {
+  std::string keys;
+  for (set.First(); !set.Eof(); set.Next()) keys += set[field].AsString() + " ";
+  return keys;
+}
+
+TEST_F(Tables, AQueryHoldsItsWholeResult) {
+  Fill(5);
+  TOrvQuery query(*attachment_, "Qry");
+  try { attachment_->Scalar("SELECT CHAVE, VALOR, CHAVE, VENCIMENTO AS DIA\nFROM CHEQUE_001 ORDER BY CHAVE DESC"); } catch (const DatabaseError& e) { puts(e.Detail().c_str()); }
+  std::string trace;
+  query.AfterOpen = [&] { trace += "open " + std::to_string(query.RecordCount()) + " "; };
+  query.AfterScroll = [&] { trace += "at " + query["CHAVE"].AsString() + " "; };
+  query.SQL.Add("SELECT CHAVE, VALOR, CHAVE, VENCIMENTO AS DIA");
+  query.SQL.Add("FROM CHEQUE_001 ORDER BY CHAVE DESC");
+  query.Open();
+  EXPECT_EQ(trace, "open 5 at 000004 ");
+  EXPECT_EQ(query["chave_1"].AsString(), "000004");
+  EXPECT_EQ(query["VALOR"].AsCurrency(), Currency(1));
+  // A walk writes into the table that it reads.
+  int64_t written = 0;
+  TOrvQuery writer(*attachment_);
+  for (query.First(); !query.Eof(); query.Next()) {
+    writer.SQL.SetText("INSERT INTO CHEQUE_001 (CHAVE) VALUES ('X" + query["CHAVE"].AsString() + "')");
+    written += writer.ExecSQL();
+  }
+  EXPECT_EQ(written, 5);
+  EXPECT_TRUE(query.Locate("DIA", Date(2026, 1, 3)));
+  EXPECT_EQ(query.RecNo(), 3);
+  EXPECT_THROW(query.Edit(), UserError);
+  EXPECT_THROW(query.Delete(), UserError);
+
+  TClientDataSet copy("Tb");
+  TTransDataSet transfer;
+  transfer.SetTabelaOrigem(query);
+  transfer.SetTabelaDestino(copy);
+  transfer.CriaCampos();
+  transfer.TransfereDados();
+  EXPECT_EQ(Keys(copy), "000004 000003 000002 000001 000000 ");
+
+  query.SQL.SetText("SELECT 1 AS UM FROM RDB$DATABASE WHERE 1 = 0");
+  query.Open();
+  EXPECT_TRUE(query.IsEmpty() && query.Eof());
+  EXPECT_EQ(query.FindField("CHAVE"), nullptr);
+  query.SQL.SetText("SELECT NADA FROM CHEQUE_001");
+  EXPECT_THROW(query.Open(), DatabaseError);
+  EXPECT_FALSE(query.Active());
+}
+
+TEST_F(Tables, ATableReadsOnlyWhatIsAskedFor) {
+  Fill(20000);
+  Counted database(*attachment_);
+  TOrvTable table(database, "tbCheque", "CHEQUE");
+  table.SetKey("CHAVE");
+  table.Open();
+  EXPECT_EQ(database.fetches, 1);
+  EXPECT_EQ(table.Fields().size(), 7u);
+
+  database.fetches = 0;
+  int64_t rows = 0;
+  for (table.First(); !table.Eof(); table.Next()) ASSERT_EQ(table["CHAVE"].AsInteger(), rows++);
+  EXPECT_EQ(rows, 20000);
+  EXPECT_LE(database.fetches, 102);
+  for (rows = 0; !table.Bof(); table.Prior()) ++rows;
+  EXPECT_EQ(rows, 20000);
+
+  // One statement a search, and its row's neighbours are where they belong.
+  database.fetches = 0;
+  EXPECT_TRUE(table.Locate("CHAVE", "012345"));
+  EXPECT_FALSE(table.Locate("CHAVE", "d'água"));
+  EXPECT_EQ(database.fetches, 2);
+  EXPECT_EQ(table.RecNo(), 12346);
+  EXPECT_EQ(table.MoveBy(-300), -300);
+  EXPECT_EQ(table["CHAVE"].AsString(), "012045");
+  EXPECT_TRUE(table.Locate("BANCO;VENCIMENTO", {"001", Date(2026, 1, 2)}));
+  EXPECT_EQ(table.RecNo(), 2);
+  EXPECT_TRUE(table.Locate("BANCO", Value()));
+  EXPECT_EQ(table["CHAVE"].AsString(), "000009");
+  EXPECT_TRUE(table.Locate("taxa", 7 / 3.0));
+  EXPECT_EQ(table["CHAVE"].AsString(), "000007");
+
+  // What a display shows doesn't move the cursor.
+  EXPECT_EQ(table.DisplayCount(), 20000);
+  EXPECT_EQ(table.Cell(19999, table["OBS"]).AsString(), "d'água 19999");
+  EXPECT_EQ(table.Cell(10950, table["CHAVE"]).AsString(), "010950");
+  EXPECT_EQ(table.Cell(11, table["CHAVE"]).AsString(), "000011");
+  EXPECT_TRUE(table.Cell(20000, table["CHAVE"]).IsNull());
+  EXPECT_EQ(table.DisplayRow(), 7);
+  table.SetRecNo(15001);
+  EXPECT_EQ(table["CHAVE"].AsString(), "015000");
+  table.Last();
+  EXPECT_EQ(table.RecNo(), 20000);
+}
+
+// Orders with nulls and equal values: forwards, backwards and by place they are the same list.
+TEST_F(Tables, AnOrderIsOneListFromEverySide) {
+  Fill(950);
+  TOrvTable table(*attachment_, "tbCheque", "CHEQUE");
+  table.SetKey("CHAVE");
+  for (const char* order : {"BANCO", "BANCO;VALOR", "", "VENCIMENTO"}) {
+    table.SetIndexFieldNames(order);
+    table.Open();
+    std::vector<std::string> forwards, backwards;
+    for (table.First(); !table.Eof(); table.Next()) forwards.push_back(table["CHAVE"].AsString());
+    for (table.Last(); !table.Bof(); table.Prior()) backwards.push_back(table["CHAVE"].AsString());
+    std::reverse(backwards.begin(), backwards.end());
+    ASSERT_EQ(forwards.size(), 950u) << order;
+    EXPECT_EQ(forwards, backwards) << order;
+    for (const std::size_t place : {0u, 94u, 95u, 500u, 949u}) {
+      EXPECT_EQ(table.Cell(static_cast<int64_t>(place), table["CHAVE"]).AsString(), forwards[place]);
+      ASSERT_TRUE(table.Locate("CHAVE", Value(forwards[place])));
+      EXPECT_EQ(table.RecNo(), static_cast<int64_t>(place) + 1) << order;
+    }
+    table.SetIndexFieldNames("CHAVE");
+    EXPECT_EQ(table["CHAVE"].AsString(), forwards[949]);
+    table.Close();
+  }
+  table.SetFilterSql("BANCO = '001' OR BANCO IS NULL");
+  table.SetIndexFieldNames("BANCO");
+  table.Open();
+  EXPECT_EQ(table.RecordCount(), attachment_
+                                     ->Scalar("SELECT COUNT(*) FROM CHEQUE_001 WHERE BANCO = '001' OR "
+                                              "BANCO IS NULL")
+                                     .AsInteger());
+  EXPECT_FALSE(table.Locate("BANCO", "002"));
+}
+
+TEST_F(Tables, RowsAreWrittenAsTheyAre) {
+  Counted database(*attachment_);
+  TOrvTable table(database, "tbCheque", "CHEQUE");
+  table.SetKey("CHAVE");
+  table.Open();
+  EXPECT_TRUE(table.IsEmpty() && table.Eof());
+  EXPECT_THROW(table.Delete(), UserError);
+  table.Append();
+  table["CHAVE"] = "A";
+  table["BANCO"] = "001";
+  table["VALOR"] = "1.234,5678";
+  table["TAXA"] = 0.1 + 0.2;
+  table["VENCIMENTO"] = Date(2026, 2, 1);
+  table["OBS"] = "d'água; DROP";
+  EXPECT_EQ(table.DisplayCount(), 1);
+  table.Post();
+  // A default of the database is there too.
+  EXPECT_FALSE(table["INCLUSAO"].IsNull());
+  EXPECT_EQ(attachment_->Scalar("SELECT VALOR FROM CHEQUE_001 WHERE VENCIMENTO = '02/01/2026'").AsCurrency(),
+            Currency::ParseNeutral("1234.5678"));
+  table.Append();
+  table["CHAVE"] = "B";
+  table.Post();
+  EXPECT_EQ(Keys(table), "A B ");
+  table.First();
+
+  // Only what changed is written, and a row with floats and fractions of a second is still known.
+  table.Edit();
+  table["OBS"].Clear();
+  table["TAXA"] = 1 / 3.0;
+  table.Post();
+  EXPECT_TRUE(database.last.find("SELECT") == 0);
+  EXPECT_EQ(table["TAXA"].AsFloat(), 1 / 3.0);
+  table.Edit();
+  table["CHAVE"] = "C";
+  table.Post();
+  EXPECT_EQ(Keys(table), "B C ");
+  database.writes = 0;
+  table.Edit();
+  table.Post();
+  EXPECT_EQ(database.writes, 0);
+
+  // A refusal of the database leaves the row in edit.
+  table.Locate("CHAVE", "C");
+  table.Edit();
+  table["CHAVE"] = "B";
+  EXPECT_THROW(table.Post(), DatabaseError);
+  EXPECT_EQ(table.State(), DataSetState::Edit);
+  table.Cancel();
+  EXPECT_EQ(table["CHAVE"].AsString(), "C");
+  table.Delete();
+  EXPECT_EQ(Keys(table), "B ");
+  EXPECT_TRUE(table.Eof());
+  table.Delete();
+  EXPECT_TRUE(table.IsEmpty());
+
+  TOrvTable global(*attachment_, "tbMoeda", "MOEDA", false);
+  global.Open();
+  EXPECT_THROW(global.Append(), UserError);  // without a key it is read only
+}
+
+TEST_F(Tables, AnotherUsersChangeIsTold) {
+  Fill(4);
+  auto other = Attachment::Open(file_);
+  Localize(*other);
+  TOrvTable mine(*attachment_, "tbCheque", "CHEQUE");
+  TOrvTable theirs(*other, "tbCheque", "CHEQUE");
+  for (TOrvTable* table : {&mine, &theirs}) {
+    table->SetKey("CHAVE");
+    table->Open();
+    table->First();
+  }
+  const auto refusal = [](auto action) {
+    try {
+      action();
+    } catch (const DatabaseError&) {
+      return std::string("database");
+    } catch (const UserError& error) {
+      return std::string(error.what()).substr(0, 38);
+    }
+    return std::string("none");
+  };
+  mine.Edit();
+  mine["OBS"] = "mine";
+  theirs.Edit();
+  theirs["VALOR"] = Currency(99);
+  theirs.Post();
+  other->CommitRetaining();
+  EXPECT_EQ(refusal([&] { mine.Post(); }), "Outro usuário alterou este registro. ");
+  EXPECT_EQ(mine.State(), DataSetState::Edit);
+  mine.Cancel();
+  EXPECT_EQ(mine["VALOR"].AsCurrency(), Currency(99));
+  mine.Edit();
+  mine["OBS"] = "mine";
+  mine.Post();
+  attachment_->CommitRetaining();
+
+  // A row that is no longer as it was read isn't removed; the next attempt sees it.
+  EXPECT_EQ(refusal([&] { theirs.Delete(); }), "Outro usuário alterou este registro. ");
+  EXPECT_EQ(theirs["OBS"].AsString(), "mine");
+  theirs.Delete();
+  other->CommitRetaining();
+  EXPECT_EQ(theirs["CHAVE"].AsString(), "000001");
+  EXPECT_EQ(refusal([&] { mine.Delete(); }), "Outro usuário alterou este registro. ");
+  EXPECT_EQ(mine["CHAVE"].AsString(), "000001");
+
+  // Rereading stays on the row, and goes on from a row that has gone.
+  mine.Next();
+  other->Execute("UPDATE CHEQUE_001 SET OBS = 'dois' WHERE CHAVE = '000002'");
+  other->Execute("INSERT INTO CHEQUE_001 (CHAVE) VALUES ('000000')");
+  other->CommitRetaining();
+  mine.Refresh();
+  EXPECT_EQ(mine["OBS"].AsString(), "dois");
+  EXPECT_EQ(mine.RecNo(), 3);
+  other->Execute("DELETE FROM CHEQUE_001 WHERE CHAVE >= '000002'");
+  other->CommitRetaining();
+  mine.Refresh();
+  EXPECT_EQ(mine["CHAVE"].AsString(), "000001");
+  EXPECT_EQ(Keys(mine), "000000 000001 ");
+}
+
+}  // namespace
+}  // namespace orv

@@ -1,0 +1,279 @@
+// States and events of a working set, in the order in which they happen.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "toolkit/client_dataset.h"
+#include "toolkit/text.h"
+#include "toolkit/trans_dataset.h"
+
+namespace orv {
+namespace {
+
+struct Contas : TClientDataSet {
+  using TClientDataSet::TClientDataSet;
+  Field Codigo{*this, "Codigo", FieldType::String, 3};
+  Field Nome{*this, "Nome", FieldType::String, 10};
+  Field Valor{*this, "Valor", FieldType::Currency};
+  Field Data{*this, "Data", FieldType::Date};
+  Field Marca{*this, "Marca", FieldType::String, 1};
+};
+
+class Events : public testing::Test {
+ protected:
+  Events() {
+    set.CreateDataSet();
+    for (const char* code : {"A", "B", "C"}) {
+      set.Append();
+      set.Codigo = code;
+      set.Valor = Currency(1);
+      set.Post();
+    }
+    set.First();
+  }
+
+  void Listen() {
+    const auto note = [this](std::function<void()>& event, const char* name) {
+      event = [this, name] { trace += (trace.empty() ? "" : " ") + std::string(name); };
+    };
+    note(set.BeforeInsert, "BeforeInsert"), note(set.OnNewRecord, "OnNewRecord");
+    note(set.AfterInsert, "AfterInsert"), note(set.BeforeEdit, "BeforeEdit");
+    note(set.AfterEdit, "AfterEdit"), note(set.BeforePost, "BeforePost");
+    note(set.AfterPost, "AfterPost"), note(set.BeforeCancel, "BeforeCancel");
+    note(set.AfterCancel, "AfterCancel"), note(set.BeforeDelete, "BeforeDelete");
+    note(set.AfterDelete, "AfterDelete"), note(set.BeforeScroll, "BeforeScroll");
+    note(set.AfterScroll, "AfterScroll"), note(set.AfterOpen, "AfterOpen");
+    note(set.AfterClose, "AfterClose");
+  }
+  std::string Trace() { return std::exchange(trace, ""); }
+
+  // The codes as shown, the current row in brackets.
+  std::string Shown() {
+    std::string text;
+    for (int64_t row = 0; row < set.DisplayCount(); ++row) {
+      const std::string code = set.Cell(row, set.Codigo).AsString();
+      text += row == set.DisplayRow() ? "[" + code + "]" : code;
+    }
+    return text;
+  }
+
+  Contas set{"TbContas"};
+  std::string trace;
+};
+
+TEST_F(Events, OneSequenceForEveryChange) {
+  Listen();
+  set.Next();
+  EXPECT_EQ(Trace(), "BeforeScroll AfterScroll");
+  set.Edit();
+  set.Valor = Currency(5);
+  EXPECT_EQ(Trace(), "BeforeEdit AfterEdit");
+  set.Next();
+  EXPECT_EQ(Trace(), "BeforePost AfterPost BeforeScroll AfterScroll");
+  set.Insert();
+  EXPECT_EQ(Trace(), "BeforeInsert BeforeScroll OnNewRecord AfterInsert AfterScroll");
+  EXPECT_EQ(Shown(), "AB[]C");
+  set.Cancel();
+  EXPECT_EQ(Trace(), "BeforeCancel BeforeScroll AfterCancel AfterScroll");
+  EXPECT_EQ(Shown(), "AB[C]");
+  set.Append();
+  set.Codigo = "D";
+  EXPECT_EQ(set.RecordCount(), 3);
+  EXPECT_EQ(set.RecNo(), 4);
+  Trace();
+  set.First();
+  EXPECT_EQ(Trace(), "BeforePost AfterPost BeforeScroll AfterScroll");
+  EXPECT_EQ(Shown(), "[A]BCD");
+  set.Delete();
+  EXPECT_EQ(Trace(), "BeforeDelete BeforeScroll AfterDelete AfterScroll");
+  EXPECT_EQ(Shown(), "[B]CD");
+  set.Edit();
+  set.Cancel();
+  EXPECT_EQ(Trace(), "BeforeEdit AfterEdit BeforeCancel AfterCancel");
+  set.Close();
+  EXPECT_EQ(Trace(), "AfterClose");
+  set.Open();
+  EXPECT_EQ(Trace(), "AfterOpen");
+  EXPECT_TRUE(set.IsEmpty() && set.Bof() && set.Eof());
+}
+
+TEST_F(Events, AnUntouchedInsertionIsDropped) {
+  set.OnNewRecord = [this] { set.Marca = "S"; };
+  set.Append();
+  EXPECT_EQ(set.Marca.AsString(), "S");
+  set.First();
+  EXPECT_EQ(Shown(), "[A]BC");
+  // What is set after the insertion began is an entry.
+  set.AfterInsert = [this] { set.Codigo = "N"; };
+  set.Append();
+  set.First();
+  EXPECT_EQ(Shown(), "[A]BCN");
+}
+
+TEST_F(Events, AnExceptionLeavesTheStateAsItWas) {
+  const auto refuse = [] { throw UserError("não"); };
+  set.BeforePost = refuse;
+  set.Edit();
+  set.Codigo = "X";
+  EXPECT_THROW(set.Next(), UserError);
+  EXPECT_EQ(set.State(), DataSetState::Edit);
+  EXPECT_EQ(Shown(), "[X]BC");
+  set.BeforeDelete = refuse;
+  EXPECT_THROW(set.Delete(), UserError);
+  EXPECT_EQ(set.State(), DataSetState::Edit);
+  set.Cancel();
+  EXPECT_THROW(set.Delete(), UserError);
+  EXPECT_EQ(Shown(), "[A]BC");
+  set.OnNewRecord = refuse;
+  EXPECT_THROW(set.Append(), UserError);
+  EXPECT_EQ(set.State(), DataSetState::Browse);
+  EXPECT_EQ(Shown(), "[A]BC");
+}
+
+TEST_F(Events, HandlersUseTheSetsThemselves) {
+  // A running total after each post: walks the set and comes back by its number.
+  Currency total;
+  set.AfterPost = [&] {
+    const int64_t place = set.RecNo();
+    total = Currency();
+    for (set.First(); !set.Eof(); set.Next()) total += set.Valor.AsCurrency();
+    set.SetRecNo(place);
+  };
+  // A tick posts the row by moving on.
+  set.Marca.OnChange = [this] {
+    if (set.Editing() && set.Tag == 0) set.Next();
+  };
+  set.Edit();
+  set.Valor = Currency(10);
+  set.Marca = "S";
+  EXPECT_EQ(total, Currency(12));
+  EXPECT_EQ(Shown(), "A[B]C");
+  EXPECT_EQ(set.State(), DataSetState::Browse);
+
+  // A new row that its own insertion posts and edits again.
+  set.AfterInsert = [this] {
+    set.Codigo = "N";
+    set.Post();
+    set.Edit();
+    set.Valor = Currency(100);
+  };
+  set.Append();
+  EXPECT_EQ(set.State(), DataSetState::Edit);
+  set.Post();
+  EXPECT_EQ(total, Currency(112));
+  EXPECT_EQ(Shown(), "ABC[N]");
+
+  // A detail set that follows its master.
+  Contas detail("TbDetalhe");
+  detail.CreateDataSet();
+  for (const char* code : {"A", "B", "A", "N"}) {
+    detail.Append();
+    detail.Codigo = code;
+    detail.Post();
+  }
+  detail.SetFiltered(true);
+  set.AfterScroll = [&] { detail.SetFilter("codigo = '" + set.Codigo.AsString() + "'"); };
+  set.AfterPost = nullptr;
+  std::string counts;
+  for (set.First(); !set.Eof(); set.Next()) counts += std::to_string(detail.RecordCount());
+  EXPECT_EQ(counts, "2101");
+
+  // A filter that a handler of the post sets is not undone by the one that caused the post.
+  set.AfterScroll = nullptr;
+  set.SetFilter("Codigo <> 'Z'");
+  set.SetFiltered(true);
+  set.AfterPost = [this] { set.SetFilter("Codigo = 'B'"); };
+  set.First();
+  set.Edit();
+  set.Nome = "x";
+  set.SetFilter("Codigo <> 'A'");
+  EXPECT_EQ(Shown(), "[B]CN");
+  EXPECT_EQ(set.FilterText(), "Codigo <> 'A'");
+}
+
+TEST_F(Events, WalksThatDeleteOrHideRows) {
+  for (set.Last(); !set.Bof();) {
+    set.Codigo.AsString() == "B" ? set.Delete() : set.Prior();
+    if (set.IsEmpty()) break;
+  }
+  EXPECT_EQ(Shown(), "[A]C");
+  int visits = 0;
+  for (set.First(); !set.Eof(); ++visits) set.Delete();
+  EXPECT_EQ(visits, 2);
+  EXPECT_TRUE(set.Bof() && set.Eof());
+  EXPECT_THROW(set.Delete(), UserError);
+  // Editing an empty set begins its first row.
+  set.Edit();
+  EXPECT_EQ(set.State(), DataSetState::Insert);
+}
+
+TEST_F(Events, FieldsKeepTheirTypeAndSize) {
+  set.Edit();
+  set.Nome = "ação e reação";
+  EXPECT_EQ(set.Nome.AsString(), "ação e rea");
+  set["valor"] = "1.234,56";
+  EXPECT_EQ(set.Valor.AsCurrency(), Currency::FromCents(123456));
+  set.Data = "29/02/2024";
+  EXPECT_EQ(set.Data.AsDate(), Date(2024, 2, 29));
+  EXPECT_THROW(set.Data = "30/02/2024", ConversionError);
+  EXPECT_EQ(set.Data.AsDate(), Date(2024, 2, 29));
+  set.Data.Clear();
+  EXPECT_TRUE(set.Data.IsNull());
+  EXPECT_THROW(set["Nada"], UserError);
+  set.Post();
+  EXPECT_THROW(set.Nome = "x", UserError);
+}
+
+TEST(RunTimeFields, AreLaidDownAnew) {
+  TClientDataSet set("TbRelatorio");
+  EXPECT_THROW(set.CreateDataSet(), UserError);
+  // An order may be named before its fields are there.
+  set.SetIndexFieldNames("Mes");
+  set.FieldDefs.Add("Mes", FieldType::Integer);
+  EXPECT_THROW(set.FieldDefs.Add("MES", FieldType::Float), UserError);
+  set.CreateDataSet();
+  for (const int month : {3, 1, 2}) {
+    set.Append();
+    set["Mes"] = month;
+    set.Post();
+  }
+  EXPECT_EQ(set.RecNo(), 2);
+  EXPECT_THROW(set.FieldDefs.Add("Ano", FieldType::Integer), UserError);
+  EXPECT_THROW(set.SetIndexFieldNames("Mes;Ano"), UserError);
+  EXPECT_EQ(set.IndexFieldNames(), "Mes");
+  set.Close();
+  set.FieldDefs.Clear();
+  set.FieldDefs.Add("Ano", FieldType::Integer);
+  set.CreateDataSet();
+  EXPECT_TRUE(set.IsEmpty());
+  EXPECT_EQ(set.FindField("Mes"), nullptr);
+}
+
+TEST_F(Events, ACopyTakesFieldsAndRows) {
+  TClientDataSet copy("TbCopia");
+  TTransDataSet transfer;
+  transfer.SetTabelaOrigem(set);
+  transfer.SetTabelaDestino(copy);
+  transfer.CriaCampos();
+  set.Next();
+  transfer.TransfereDados();
+  EXPECT_EQ(Shown(), "A[B]C");
+  // A second source of other widths and an order of its own goes behind the first.
+  TClientDataSet other("TbOutra");
+  other.FieldDefs.Add("VALOR", FieldType::Integer);
+  other.FieldDefs.Add("CODIGO", FieldType::String, 20);
+  other.CreateDataSet();
+  other.Append();
+  other["CODIGO"] = "longo";
+  other["VALOR"] = 7;
+  other.Post();
+  transfer.SetTabelaOrigem(other);
+  transfer.TransfereDados();
+  std::string rows;
+  for (copy.First(); !copy.Eof(); copy.Next())
+    rows += copy["Codigo"].AsString() + "=" + copy["Valor"].AsString() + " ";
+  EXPECT_EQ(rows, "A=1,00 B=1,00 C=1,00 lon=7,00 ");
+}
+
+}  // namespace
+}  // namespace orv
