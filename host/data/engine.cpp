@@ -17,6 +17,8 @@
 #include "toolkit/database.h"
 
 #ifdef __SANITIZE_ADDRESS__
+extern "C" __attribute__((weak)) const char* __lsan_default_options();
+extern "C" __attribute__((weak)) const char* __lsan_default_options() { return "print_suppressions=0"; }
 // What the engine and the libraries under it keep for the life of the process.
 extern "C" __attribute__((weak)) const char* __lsan_default_suppressions();
 extern "C" __attribute__((weak)) const char* __lsan_default_suppressions() {

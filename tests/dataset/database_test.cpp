@@ -86,12 +86,11 @@ std::string Keys(DataSet& set, const char* field = "CHAVE") {
 TEST_F(Tables, AQueryHoldsItsWholeResult) {
   Fill(5);
   TOrvQuery query(*attachment_, "Qry");
-  try { attachment_->Scalar("SELECT CHAVE, VALOR, CHAVE, VENCIMENTO AS DIA\nFROM CHEQUE_001 ORDER BY CHAVE DESC"); } catch (const DatabaseError& e) { puts(e.Detail().c_str()); }
   std::string trace;
   query.AfterOpen = [&] { trace += "open " + std::to_string(query.RecordCount()) + " "; };
   query.AfterScroll = [&] { trace += "at " + query["CHAVE"].AsString() + " "; };
   query.SQL.Add("SELECT CHAVE, VALOR, CHAVE, VENCIMENTO AS DIA");
-  query.SQL.Add("FROM CHEQUE_001 ORDER BY CHAVE DESC");
+  query.SQL.Add("FROM CHEQUE_001 ORDER BY 1 DESC");
   query.Open();
   EXPECT_EQ(trace, "open 5 at 000004 ");
   EXPECT_EQ(query["chave_1"].AsString(), "000004");
