@@ -7,6 +7,20 @@
 
 namespace orv {
 
+std::string Masked(std::string_view text) {
+  std::string masked;
+  bool quoted = false;
+  for (const char c : text) {
+    if (c == '\'') {
+      quoted = !quoted;
+      masked += c;
+    } else if (!quoted) {
+      masked += c >= '0' && c <= '9' ? '#' : c;
+    }
+  }
+  return masked;
+}
+
 Log::Log(const std::string& file) : file_(file.empty() ? stderr : std::fopen(file.c_str(), "ae")) {
   if (file_ == nullptr)
     throw UserError("O arquivo de log " + file + " não pôde ser aberto: " + std::strerror(errno) + ".");

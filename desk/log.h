@@ -10,6 +10,10 @@
 
 namespace orv {
 
+// A text for the log in which digits and what stands in single quotes are taken out, so that no amount and no
+// value of a statement is left.
+std::string Masked(std::string_view text);
+
 class Log {
  public:
   // Appends to a file; "" writes to standard error. Raises UserError when the file can't be opened.

@@ -37,8 +37,16 @@ void Session::Post(Json in) {
   {
     const std::lock_guard lock(mutex_);
     if (queue_.size() >= kMaxQueue) return;
-    queue_.push_back(std::move(in));
+    queue_.push_back({std::move(in)});
     if (cancel && gathering_) cancel_ = true;
+  }
+  arrived_.notify_one();
+}
+
+void Session::Refresh() {
+  {
+    const std::lock_guard lock(mutex_);
+    queue_.push_back({Json(), true});
   }
   arrived_.notify_one();
 }
@@ -47,6 +55,7 @@ void Session::End() {
   {
     const std::lock_guard lock(mutex_);
     ending_ = true;
+    if (attachment_ != nullptr) attachment_->Cancel();
   }
   arrived_.notify_one();
 }
@@ -58,7 +67,11 @@ void* Session::ThreadMain(void* self) {
 
 void Session::Run() {
   try {
-    attachment_ = Attachment::Open(options_.database);
+    auto attachment = Attachment::Open(options_.database);
+    {
+      const std::lock_guard lock(mutex_);
+      attachment_ = std::move(attachment);
+    }
     RequireCurrentSchema(*attachment_);
     application_ = std::make_unique<Application>(static_cast<UserInterface&>(*this), options_.clock);
     services_ =
@@ -75,35 +88,58 @@ void Session::Run() {
   } catch (const SessionEnd&) {
     // A screen that asked while it was closed for good.
   } catch (const std::exception& e) {
-    log_.Write("session failed", {{"user", options_.user}, {"text", e.what()}});
+    log_.Write("session failed", {{"user", options_.user}, {"text", Masked(e.what())}});
     SendError(e.what());
   }
   application_.reset();
   services_.reset();
-  attachment_.reset();
+  std::unique_ptr<Attachment> attachment;
+  {
+    const std::lock_guard lock(mutex_);
+    attachment = std::move(attachment_);
+  }
+  attachment.reset();
   ended_ = true;
   Send({{"on", "ended"}});
 }
 
 void Session::Serve() {
-  Send({{"on", "idle"}});
+  Settle({{"on", "idle"}});
   for (;;) {
     const Json in = Take();
     Handle(in);
     application_->FreeClosed();
     services_->AfterAction();
     Collect();
-    Send({{"on", "idle"}});
+    Settle({{"on", "idle"}});
   }
 }
 
 Json Session::Take() {
-  std::unique_lock lock(mutex_);
-  arrived_.wait(lock, [&] { return ending_ || !queue_.empty(); });
-  if (ending_) throw SessionEnd{};
-  Json in = std::move(queue_.front());
-  queue_.pop_front();
-  return in;
+  for (;;) {
+    std::unique_lock lock(mutex_);
+    arrived_.wait(lock, [&] { return ending_ || !queue_.empty(); });
+    if (ending_) throw SessionEnd{};
+    Entry entry = std::move(queue_.front());
+    queue_.pop_front();
+    if (!entry.refresh) return std::move(entry.in);
+    lock.unlock();
+    SendAll();
+  }
+}
+
+void Session::Settle(Json out) {
+  settled_ = std::move(out);
+  Send(settled_);
+}
+
+void Session::SendAll() {
+  Send({{"on", "refresh"}});
+  for (Screen* screen : application_->Shown()) SendScreen(*screen, shown_[screen]);
+  Collect();
+  if (busy_) Send({{"on", "busy"}, {"value", true}});
+  if (!question_.IsNull()) Send(question_);
+  Send(settled_);
 }
 
 void Session::SendError(std::string_view text) { Send({{"on", "error"}, {"text", text}}); }
@@ -112,6 +148,13 @@ void Session::ScreenShown(Screen& screen) {
   Shown& shown = shown_[&screen];
   shown = Shown{};
   shown.id = next_id_++;
+  SendScreen(screen, shown);
+}
+
+void Session::SendScreen(Screen& screen, Shown& shown) {
+  shown.sent.clear();
+  shown.sets.clear();
+  shown.focus.clear();
   Send({{"on", "screen"},
         {"id", shown.id},
         {"class", screen.ClassName()},

@@ -32,6 +32,8 @@ struct SessionOptions {
   Clock clock;
   // The user's own folder, for the files that are given to the desk.
   std::filesystem::path folder;
+  // The largest file that may be given, in bytes.
+  std::size_t max_upload = std::size_t{64} << 20;
 };
 
 class Session : private UserInterface, private ApplicationObserver {
@@ -49,8 +51,12 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // From any thread: queues an object in. "cancel" during a long gathering ends that action.
   void Post(Json in);
-  // From any thread: the session ends as soon as it waits for the next object; an open action is unwound and
-  // rolled back.
+  // From any thread, for a display that comes back: after the objects queued so far, sends "refresh", then all
+  // that is open as if it were new: the screens from the bottom with their sets and focus, the question, and
+  // the "idle" or "waiting" that stands.
+  void Refresh();
+  // From any thread: the session ends as soon as it waits for the next object, and a statement that runs is
+  // cancelled; an open action is unwound and rolled back.
   void End();
   bool Ended() const { return ended_; }
 
@@ -75,6 +81,10 @@ class Session : private UserInterface, private ApplicationObserver {
   // Waits for the next object.
   Json Take();
   void Send(const Json& out) { sink_(out); }
+  // Sends the "idle" or "waiting" that ends an answer.
+  void Settle(Json out);
+  void SendScreen(Screen& screen, Shown& shown);
+  void SendAll();
   void SendError(std::string_view text);
 
   // --- Working on an object (session_actions.cpp).
@@ -125,7 +135,11 @@ class Session : private UserInterface, private ApplicationObserver {
 
   std::mutex mutex_;
   std::condition_variable arrived_;
-  std::deque<Json> queue_;
+  struct Entry {
+    Json in;
+    bool refresh = false;
+  };
+  std::deque<Entry> queue_;
   bool ending_ = false;
   std::atomic<bool> ended_{false};
   // Set by a cancel that arrives while an action runs, taken by Progress.
@@ -133,6 +147,7 @@ class Session : private UserInterface, private ApplicationObserver {
   std::atomic<bool> gathering_{false};
   std::chrono::steady_clock::time_point last_progress_{};
 
+  // Guarded by the mutex where it comes and goes, since End cancels what runs on it.
   std::unique_ptr<Attachment> attachment_;
   std::unique_ptr<Application> application_;
   std::unique_ptr<SessionServices> services_;
@@ -140,6 +155,10 @@ class Session : private UserInterface, private ApplicationObserver {
   int64_t next_id_ = 1;
   // The screen that the display takes to be on top; another one is told.
   int64_t front_ = 0;
+  // What a display that comes back must be told: the open question, what ended the latest answer, the busy mark.
+  Json question_;
+  Json settled_;
+  bool busy_ = false;
   pthread_t thread_{};
 };
 

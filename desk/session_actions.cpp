@@ -41,10 +41,15 @@ void Session::Handle(const Json& in) {
     SendError(e.what());
   } catch (const std::exception& e) {
     attachment_->RollbackAction();
-    const auto* database = dynamic_cast<const DatabaseError*>(&e);
-    log_.Write("action failed", {{"user", options_.user},
-                                 {"code", database != nullptr ? int64_t{database->Code()} : 0},
-                                 {"text", e.what()}});
+    // What the user may read can hold what he typed: the log takes the engine's detail and our own faults.
+    Json::Object line{{"user", options_.user}, {"do", Name(in, "do")}};
+    if (const auto* database = dynamic_cast<const DatabaseError*>(&e); database != nullptr) {
+      line.emplace_back("code", int64_t{database->Code()});
+      line.emplace_back("detail", Masked(database->Detail()));
+    } else if (dynamic_cast<const UserError*>(&e) == nullptr) {
+      line.emplace_back("text", Masked(e.what()));
+    }
+    log_.Write("action failed", std::move(line));
     SendError(e.what());
   }
 }

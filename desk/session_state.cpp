@@ -26,6 +26,15 @@ Properties AllProperties(const Control& control) {
   return properties;
 }
 
+// The rows [first, last) of a window that was asked for, made ready to be read.
+std::pair<int64_t, int64_t> Window(DataSet& set, int64_t from, int64_t count) {
+  const int64_t all = set.Active() ? set.DisplayCount() : 0;
+  const int64_t first = std::clamp<int64_t>(from, 0, all);
+  const int64_t last = count < 0 || count > all - first ? all : first + count;
+  if (last > first) set.Prepare(first, last - first);
+  return {first, last};
+}
+
 std::string FocusName(const Form& form) { return form.Focus() == nullptr ? "" : form.Focus()->Name(); }
 
 }  // namespace
@@ -112,18 +121,14 @@ Json Session::Rows(DataSet& set, int64_t from, int64_t count) {
            {"state", StateName(set.State())},
            {"version", set.Version()}};
   Json::Array rows;
-  if (set.Active()) {
-    const int64_t first = std::max<int64_t>(from, 0);
-    const int64_t last = count < 0 ? set.DisplayCount() : std::min(set.DisplayCount(), first + count);
-    if (last > first) set.Prepare(first, last - first);
-    for (int64_t row = first; row < last; ++row) {
-      Json::Array values;
-      for (const Field* field : set.Fields()) {
-        const Value value = set.Cell(row, *field);
-        values.push_back(value.IsNull() ? Json() : Json(value.Neutral()));
-      }
-      rows.emplace_back(std::move(values));
+  const auto [first, last] = Window(set, from, count);
+  for (int64_t row = first; row < last; ++row) {
+    Json::Array values;
+    for (const Field* field : set.Fields()) {
+      const Value value = set.Cell(row, *field);
+      values.push_back(value.IsNull() ? Json() : Json(value.Neutral()));
     }
+    rows.emplace_back(std::move(values));
   }
   out.Set("rows", std::move(rows));
   return out;
@@ -145,10 +150,7 @@ Json Session::State(const Json& in) const {
       if (const auto* grid = dynamic_cast<const TOrvDBGrid*>(control); grid != nullptr && !only.empty()) {
         Json::Array cells;
         DataSet& set = grid->Set();
-        const int64_t first = std::max<int64_t>(from, 0);
-        const int64_t all = set.Active() ? set.DisplayCount() : 0;
-        const int64_t last = count < 0 ? all : std::min(all, first + count);
-        if (last > first) set.Prepare(first, last - first);
+        const auto [first, last] = Window(set, from, count);
         for (int64_t row = first; row < last; ++row) {
           Json::Array texts;
           for (const GridColumn& column : grid->Columns()) {

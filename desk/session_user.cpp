@@ -12,8 +12,6 @@
 namespace orv {
 namespace {
 
-// The largest file that a user may hand over.
-constexpr std::size_t kMaxUpload = std::size_t{64} << 20;
 constexpr auto kProgressEvery = std::chrono::milliseconds(100);
 
 const char* KindName(MessageKind kind) {
@@ -63,8 +61,12 @@ const char* FieldKind(const Field* field) {
 std::string Decoded(const std::string& base64) {
   std::string bytes(base64.size() / 4 * 3 + 3, '\0');
   std::size_t size = 0;
-  if (sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), base64.data(),
-                        base64.size(), " \r\n", &size, nullptr, sodium_base64_VARIANT_ORIGINAL) != 0) {
+  const char* end = nullptr;
+  const int failed =
+      sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), base64.data(),
+                        base64.size(), " \r\n", &size, &end, sodium_base64_VARIANT_ORIGINAL);
+  // The decoder stops where the text is no longer base64.
+  if (failed != 0 || end != base64.data() + base64.size()) {
     throw UserError("O conteúdo do arquivo não está em base64.");
   }
   bytes.resize(size);
@@ -75,9 +77,15 @@ std::string Decoded(const std::string& base64) {
 
 void Session::Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer) {
   const Json waiting{{"on", "waiting"}, {"for", what}};
+  // However the question ends, it is no longer open.
+  struct Open {
+    Json& open;
+    ~Open() { open = Json(); }
+  } const guard{question_};
   Collect();
+  question_ = question;
   Send(question);
-  Send(waiting);
+  Settle(waiting);
   for (;;) {
     const Json in = Take();
     try {
@@ -90,7 +98,7 @@ void Session::Wait(const char* what, const Json& question, const std::function<b
       // Told, and the question stays open.
       SendError(e.what());
     }
-    Send(waiting);
+    Settle(waiting);
   }
 }
 
@@ -151,7 +159,8 @@ LookupChoice Session::Choose(TPesquisa& lookup) {
     const std::string verb = in["do"].IsNull() ? "" : in["do"].String();
     if (verb == "search") {
       lookup.Search(in["text"].String());
-      Send(describe());
+      question_ = describe();
+      Send(question_);
       return false;
     }
     if (verb == "answer" && in["value"] == Json("cancel")) return true;
@@ -196,8 +205,10 @@ std::string Session::StoreFile(const std::string& name, const std::string& conte
       name.find_first_of("/\\:*?\"<>|") != std::string::npos ||
       std::any_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 32; });
   if (bad) throw RequestError("O nome do arquivo não é aceito.");
-  if (content.size() / 4 * 3 > kMaxUpload)
-    throw RequestError("O arquivo é grande demais: o limite é de 64 MB.");
+  if (content.size() / 4 * 3 > options_.max_upload) {
+    throw RequestError("O arquivo é grande demais: o limite é de " +
+                       std::to_string(options_.max_upload >> 20) + " MB.");
+  }
   const std::string bytes = Decoded(content);
   std::error_code error;
   std::filesystem::create_directories(options_.folder, error);
@@ -262,14 +273,17 @@ void Session::Progress(int64_t value, int64_t of, std::string_view text) {
   Send({{"on", "progress"}, {"value", value}, {"of", of}, {"text", text}});
 }
 
-void Session::Busy(bool on) { Send({{"on", "busy"}, {"value", on}}); }
+void Session::Busy(bool on) {
+  busy_ = on;
+  Send({{"on", "busy"}, {"value", on}});
+}
 
 void Session::RunModal(Form& form) {
   auto& screen = dynamic_cast<Screen&>(form);
   application_->HandleShown(screen);
   while (!screen.Closed()) {
     Collect();
-    Send({{"on", "idle"}});
+    Settle({{"on", "idle"}});
     Handle(Take());
   }
   application_->HandleClosed(screen);

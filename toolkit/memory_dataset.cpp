@@ -64,6 +64,7 @@ void MemoryDataSet::DropRows() {
   full_view_.Clear();
   filtered_view_.Clear();
   indexes_.clear();
+  searched_ = {};
   buffer_.clear();
   current_ = kNoRow;
   position_ = -1;
@@ -97,8 +98,15 @@ std::size_t MemoryDataSet::PositionIn(const RowSequence& view, RowId row) const 
 }
 
 void MemoryDataSet::Link(RowId row) {
-  full_view_.Insert(PositionIn(full_view_, row), row);
-  if (active_filter_ && Passes(row)) filtered_view_.Insert(PositionIn(filtered_view_, row), row);
+  const std::size_t place = PositionIn(full_view_, row);
+  full_view_.Insert(place, row);
+  if (!active_filter_) {
+    ChangedFrom(static_cast<int64_t>(place));
+  } else if (Passes(row)) {
+    const std::size_t shown = PositionIn(filtered_view_, row);
+    filtered_view_.Insert(shown, row);
+    ChangedFrom(static_cast<int64_t>(shown));
+  }
   for (const auto& index : indexes_) index->Add(row);
 }
 
@@ -160,6 +168,7 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
   }
   const RowId found = FirstMatch(IndexOn(columns), wanted);
   if (found == kNoRow) return false;
+  searched_.rows = static_cast<int64_t>(PositionIn(View(), found));
   if (BeforeScroll) BeforeScroll();
   CheckBrowse();
   if (found >= store_.Bound() || !store_.IsLive(found) || !Passes(found)) return false;
@@ -170,14 +179,16 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
 }
 
 // Where a value stands in many rows, one of them is soon met from the front of the view: both ways are gone
-// at once, and the shorter one ends the search.
-RowId MemoryDataSet::FirstMatch(const RowIndex& index, std::span<const Value> wanted) const {
-  RowSequence::Walk view(View());
+// at once, and the shorter one ends the search. A program that looks for the next unticked row again and
+// again starts where it found the last one.
+RowId MemoryDataSet::FirstMatch(const RowIndex& index, const std::vector<Value>& wanted) {
+  if (searched_.index != &index || searched_.wanted != wanted) searched_ = {&index, wanted, 0};
+  RowSequence::Walk view(View(), static_cast<std::size_t>(searched_.rows));
   RowId first = kNoRow;
   for (RowId row = index.First(wanted); row != kNoRow; row = index.Next(row, wanted)) {
     if (Passes(row) && (first == kNoRow || Before(row, first))) first = row;
     const RowId shown = view.Next();
-    if (shown == kNoRow) return first;
+    if (shown == kNoRow) return kNoRow;
     if (index.Matches(shown, wanted)) return shown;
   }
   return first;
@@ -246,6 +257,7 @@ void MemoryDataSet::StoreEdit() {
     if (std::any_of(index->Columns().begin(), index->Columns().end(), differs))
       touched.push_back(index.get());
   }
+  ChangedFrom(position_);
   if (active_filter_ && (moves || !stays)) filtered_view_.Erase(static_cast<std::size_t>(position_));
   if (moves) full_view_.Erase(PositionIn(full_view_, row));
   for (RowIndex* index : touched) index->Remove(row);
@@ -255,6 +267,7 @@ void MemoryDataSet::StoreEdit() {
   if (active_filter_ && moves && stays) filtered_view_.Insert(PositionIn(filtered_view_, row), row);
   // A row that no longer passes the filter leaves the cursor on the next one.
   if (moves || !stays) StandOn(stays ? static_cast<int64_t>(PositionIn(View(), row)) : position_);
+  ChangedFrom(position_);
 }
 
 void MemoryDataSet::DoCancel() {
@@ -264,6 +277,7 @@ void MemoryDataSet::DoCancel() {
 
 bool MemoryDataSet::DoDelete() {
   const int64_t place = position_;
+  ChangedFrom(place);
   if (active_filter_) {
     filtered_view_.Erase(static_cast<std::size_t>(place));
     full_view_.Erase(PositionIn(full_view_, current_));
@@ -310,6 +324,7 @@ void MemoryDataSet::SetIndexFieldNames(std::string_view names) {
   index_names_ = names;
   if (order == order_) return;
   order_ = std::move(order);
+  ChangedFrom(0);
   std::vector<RowId> rows;
   rows.reserve(store_.Live());
   for (RowId row = 0; row < store_.Bound(); ++row) {
@@ -361,6 +376,7 @@ void MemoryDataSet::SetFiltered(bool filtered) {
 void MemoryDataSet::Refilter(std::shared_ptr<const Filter> filter) {
   active_filter_ = std::move(filter);
   filtered_view_.Clear();
+  ChangedFrom(0);
   if (active_filter_) {
     std::vector<RowId> rows;
     const auto& equalities = active_filter_->Equalities();

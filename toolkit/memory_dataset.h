@@ -1,6 +1,7 @@
 // Data sets whose rows are in memory: working sets and the results of queries.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <string>
@@ -78,7 +79,9 @@ class MemoryDataSet : public DataSet {
   void Refilter(std::shared_ptr<const Filter> filter);
   std::shared_ptr<const Filter> Parsed(std::string_view text);
   RowIndex& IndexOn(const std::vector<int>& columns);
-  RowId FirstMatch(const RowIndex& index, std::span<const Value> wanted) const;
+  RowId FirstMatch(const RowIndex& index, const std::vector<Value>& wanted);
+  // The view is another one from this position on.
+  void ChangedFrom(int64_t position) { searched_.rows = std::clamp<int64_t>(position, 0, searched_.rows); }
 
   RowStore store_;
   RowSequence full_view_, filtered_view_;
@@ -89,6 +92,12 @@ class MemoryDataSet : public DataSet {
   std::shared_ptr<const Filter> active_filter_;
   std::unordered_map<std::string, std::shared_ptr<const Filter>> parsed_;
   std::vector<std::unique_ptr<RowIndex>> indexes_;
+  // What the latest Locate looked for, and the rows at the front of the view that are known to be others.
+  struct {
+    const RowIndex* index = nullptr;
+    std::vector<Value> wanted;
+    int64_t rows = 0;
+  } searched_;
   // The cursor: a row and its place in the view. The row in edit is a copy until it is posted.
   RowId current_ = kNoRow;
   int64_t position_ = -1;

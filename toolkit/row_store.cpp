@@ -100,6 +100,15 @@ RowId RowSequence::At(std::size_t position) const {
   return chunks_[place.chunk][place.offset];
 }
 
+RowSequence::Walk::Walk(const RowSequence& sequence, std::size_t from) : sequence_(sequence) {
+  if (from >= sequence.size_) {
+    chunk_ = sequence.chunks_.size();
+    return;
+  }
+  const Place place = sequence.Find(from);
+  chunk_ = place.chunk, at_ = place.offset;
+}
+
 void RowSequence::Insert(std::size_t position, RowId row) {
   ORV_ASSERT(position <= size_);
   if (chunks_.empty()) {

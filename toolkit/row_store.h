@@ -92,7 +92,7 @@ class RowSequence {
   // A walk from the front; the list doesn't change meanwhile.
   class Walk {
    public:
-    explicit Walk(const RowSequence& sequence) : sequence_(sequence) {}
+    explicit Walk(const RowSequence& sequence, std::size_t from = 0);
     // kNoRow at the end.
     RowId Next() {
       if (chunk_ == sequence_.chunks_.size()) return kNoRow;

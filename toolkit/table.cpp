@@ -36,7 +36,7 @@ void TOrvTable::Open() {
   physical_ = local_ ? database_.LocalName(table_) : table_;
   ClearRunTimeFields();
   Gather gather;
-  database_.Fetch("SELECT * FROM " + physical_ + " WHERE 1 = 0", gather);
+  database_.Fetch("SELECT * FROM " + physical_ + " ROWS 0", gather);
   for (const Column& column : gather.columns) AddField(column.name, FieldTypeOf(column.kind), column.size);
   MakeOrder();
   Forget();
@@ -176,21 +176,22 @@ TOrvTable::Rows TOrvTable::Select(const std::string& condition, bool backwards, 
   return std::move(gather.rows);
 }
 
+// Nulls stand before everything else.
+std::string TOrvTable::BeyondValue(const Field& field, const Value& value, bool backwards) const {
+  if (value.IsNull()) return backwards ? "1 = 0" : field.Name() + " IS NOT NULL";
+  if (!backwards) return field.Name() + " > " + Literal(value, field);
+  const bool key = std::find(key_fields_.begin(), key_fields_.end(), &field) != key_fields_.end();
+  const std::string less = field.Name() + " < " + Literal(value, field);
+  return key ? less : "(" + less + " OR " + field.Name() + " IS NULL)";
+}
+
 std::optional<std::string> TOrvTable::Beyond(const Row& row, bool backwards) const {
   if (order_.empty()) return std::nullopt;
-  // Nulls stand before everything else.
-  const auto beyond = [&](const Field& field, const Value& value) -> std::string {
-    if (value.IsNull()) return backwards ? "1 = 0" : field.Name() + " IS NOT NULL";
-    if (!backwards) return field.Name() + " > " + Literal(value, field);
-    const bool key = std::find(key_fields_.begin(), key_fields_.end(), &field) != key_fields_.end();
-    const std::string less = field.Name() + " < " + Literal(value, field);
-    return key ? less : "(" + less + " OR " + field.Name() + " IS NULL)";
-  };
   std::vector<std::string> ways;
   std::string equal;
   for (const Field* field : order_) {
     const Value& value = row[static_cast<std::size_t>(field->Index())];
-    ways.push_back("(" + equal + beyond(*field, value) + ")");
+    ways.push_back("(" + equal + BeyondValue(*field, value, backwards) + ")");
     equal += Equals(*field, value) + " AND ";
   }
   if (ways.size() == 1) return ways[0];
@@ -221,6 +222,7 @@ void TOrvTable::StandOn(Rows block, int64_t at, std::optional<int64_t> place) {
   block_ = std::move(block);
   at_ = block_.empty() ? -1 : at;
   block_place_ = place;
+  streak_ = 0;
 }
 
 // Reads the block behind the present one, or the one before it; false at the end.
@@ -228,9 +230,9 @@ bool TOrvTable::Advance(bool backwards) {
   const Row& edge = backwards ? block_.front() : block_.back();
   std::optional<int64_t> place;
   Rows next;
-  const auto condition = Beyond(edge, backwards);
-  if (condition) {
-    next = Select(*condition, backwards, 0, kBlock);
+  const int64_t count = kBlock << std::min(std::exchange(streak_, streak_ + 1), 5);
+  if (!order_.empty()) {
+    next = Neighbours(edge, backwards, count);
     if (block_place_) {
       place = backwards ? *block_place_ - static_cast<int64_t>(next.size())
                         : *block_place_ + static_cast<int64_t>(block_.size());
@@ -244,8 +246,29 @@ bool TOrvTable::Advance(bool backwards) {
   }
   if (next.empty()) return false;
   const int64_t at = backwards ? static_cast<int64_t>(next.size()) - 1 : 0;
+  const int streak = streak_;
   StandOn(std::move(next), at, place);
+  streak_ = streak;
   return true;
+}
+
+// An index on the first column of the order alone serves neither the whole order nor the condition for it: so
+// the rest of the row's group comes first, and then no more groups than the rows asked for reach.
+TOrvTable::Rows TOrvTable::Neighbours(const Row& row, bool backwards, int64_t count) const {
+  if (order_.size() == key_fields_.size()) return Select(*Beyond(row, backwards), backwards, 0, count);
+  const Field& first = *order_[0];
+  const Value& value = row[static_cast<std::size_t>(first.Index())];
+  Rows rows = Select("(" + Equals(first, value) + ") AND " + *Beyond(row, backwards), backwards, 0, count);
+  if (!rows.empty()) return rows;
+  const std::string beyond = BeyondValue(first, value, backwards);
+  Gather edge;
+  database_.Fetch("SELECT " + first.Name() + " FROM " + physical_ + Where(beyond) + " ORDER BY " +
+                      first.Name() + (backwards ? " DESC" : "") + " ROWS " + std::to_string(count) + " TO " +
+                      std::to_string(count),
+                  edge);
+  if (edge.rows.empty() || edge.rows[0][0].IsNull()) return Select(beyond, backwards, 0, count);
+  const std::string last = first.Name() + (backwards ? " >= " : " <= ") + Literal(edge.rows[0][0], first);
+  return Select(beyond + " AND " + last, backwards, 0, count);
 }
 
 int64_t TOrvTable::DoMove(int64_t distance) {
@@ -423,10 +446,6 @@ TOrvTable::Rows& TOrvTable::Page(int64_t page) {
   const int64_t from = page * kBlock;
   if (condition) {
     rows = Select(*condition, false, 0, kBlock);
-  } else if (count_ && from > *count_ / 2 && !order_.empty()) {
-    // Skipping rows costs; from the end there are fewer to skip.
-    const int64_t to = std::min(from + kBlock, *count_);
-    rows = Select("", true, *count_ - to, to - from);
   } else {
     rows = Select("", false, from, kBlock);
   }

@@ -71,6 +71,7 @@ class TOrvTable : public DataSet {
   Rows Select(const std::string& condition, bool backwards, int64_t from, int64_t count) const;
   // A condition for the rows behind (or before) one in the order; nothing without an order.
   std::optional<std::string> Beyond(const Row& row, bool backwards) const;
+  std::string BeyondValue(const Field& field, const Value& value, bool backwards) const;
   std::string Where(const std::string& condition) const;
   std::string KeyCondition(const Row& row) const;
   std::string Literal(const Value& value, const Field& field) const;
@@ -78,6 +79,8 @@ class TOrvTable : public DataSet {
   // The row exactly as it was read.
   std::string AsRead(const Row& row) const;
   bool Advance(bool backwards);
+  // The rows next to one in the order, some if there are any.
+  Rows Neighbours(const Row& row, bool backwards, int64_t count) const;
   void StandOn(Rows block, int64_t at, std::optional<int64_t> place);
   void Forget();
   Rows& Page(int64_t page);
@@ -92,6 +95,8 @@ class TOrvTable : public DataSet {
   std::vector<const Field*> key_fields_, order_;
   // Neighbouring rows around the cursor, and the place of the first of them in the order where it is known.
   Rows block_;
+  // Blocks read one after the other in the same direction; they grow.
+  int streak_ = 0;
   int64_t at_ = -1;
   mutable std::optional<int64_t> block_place_;
   mutable std::optional<int64_t> count_;

@@ -139,4 +139,6 @@ void DeskTest::Run(std::string_view sql) {
   Db().CommitRetaining();
 }
 
+void DeskTest::Ddl(std::string_view sql) { Db().ExecuteDdl(sql); }
+
 }  // namespace orv::test

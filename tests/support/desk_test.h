@@ -89,6 +89,10 @@ class DeskTest : public ::testing::Test {
   // Rows of a statement as text: values joined by "|", null as "-", rows by ";".
   std::string Sql(std::string_view sql);
   void Run(std::string_view sql);
+  // A change of the schema.
+  void Ddl(std::string_view sql);
+  // Closes the attachment of `Db`: an embedded file belongs to one process at a time.
+  void LetGo() { attachment_.reset(); }
 
   TempFolder folder_;
   std::filesystem::path database_;

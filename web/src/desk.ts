@@ -544,8 +544,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       this.frame.toggleMenu();
       return true;
     }
-    const forward = (ctrl && key === "Tab" && !shift) || (alt && key === "PageDown");
-    const back = (ctrl && key === "Tab" && shift) || (alt && key === "PageUp");
+    const forward = (ctrl && key === "Tab" && !shift) || (alt && !shift && key === "PageDown");
+    const back = (ctrl && key === "Tab" && shift) || (alt && !shift && key === "PageUp");
     if (!forward && !back) return false;
     if (this.top?.dialog) return true;
     const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);

@@ -27,6 +27,8 @@ export class Door {
   // The desk has greeted and is ready for the next object.
   private ready = false;
   private closed = false;
+  // What went out beside the queue is answered after what was under way.
+  private owed = 0;
 
   constructor(
     private user: DoorUser,
@@ -85,8 +87,9 @@ export class Door {
     if (out.on === "ended") this.closed = true;
     if (out.on === "idle" || out.on === "waiting") {
       // The answers to what is under way reach their controls before the queue goes on.
-      this.ready = true;
       if (this.queue.current !== null) this.queue.answered();
+      else if (this.owed > 0) this.owed -= 1;
+      this.ready = this.owed === 0;
     }
     this.user.received(out);
     this.pump();
@@ -94,7 +97,9 @@ export class Door {
 
   private greeted(session: string, received: number | undefined): void {
     this.retry = kFirstRetry;
-    const same = session === this.session;
+    this.owed = 0;
+    // What was done before the first greeting is meant for whatever session comes.
+    const same = session === this.session || this.session === "";
     this.session = session;
     sessionStorage.setItem("orv-session", session);
     this.user.linkChanged("open");
@@ -118,7 +123,9 @@ export class Door {
 
   // Goes out at once, beside the queue: the cancel of a long action.
   urgent(object: Record<string, unknown>): void {
-    if (this.socket?.readyState === WebSocket.OPEN) this.socket.send(JSON.stringify(object));
+    if (this.socket?.readyState !== WebSocket.OPEN) return;
+    this.owed += 1;
+    this.socket.send(JSON.stringify(object));
   }
 
   private pump(): void {

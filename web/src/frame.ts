@@ -149,7 +149,10 @@ export class Frame {
 
   // --- Marks.
 
+  private marked = false;
   busy(on: boolean): void {
+    if (on === this.marked) return;
+    this.marked = on;
     window.clearTimeout(this.barTimer);
     if (!on) {
       this.bar.hidden = true;

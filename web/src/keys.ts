@@ -35,7 +35,7 @@ export function isModifier(key: string): boolean {
 export function belongsToBrowser(press: Press): boolean {
   if (/^F([1-3]|[5-9]|1[0-2])$/.test(press.key)) return press.key !== "F2";
   if (press.ctrl && press.alt) return false;
-  if (press.ctrl) return !["Enter", "Tab", "Delete", "Insert", "Home", "End", " ", "F4"].includes(press.key);
+  if (press.ctrl) return !["Enter", "Tab", "Delete", "Insert", "Home", "End", "PageUp", "PageDown", "ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight", " ", "F4"].includes(press.key);
   return press.alt && ["ArrowLeft", "ArrowRight", "Home", "F4"].includes(press.key);
 }
 

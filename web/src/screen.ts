@@ -181,7 +181,8 @@ export class ScreenView implements ScreenContext {
       }
       return;
     }
-    if (!control.element.contains(document.activeElement) || document.activeElement !== control.focusElement) control.focus();
+    if (document.activeElement === control.focusElement) return;
+    control.focus();
     control.element.scrollIntoView({ block: "nearest" });
   }
 
@@ -237,7 +238,9 @@ export class ScreenView implements ScreenContext {
       return true;
     }
     if (alt && !ctrl && [...key].length === 1) return this.access(plain(key));
-    if (ctrl && (key === "PageDown" || key === "PageUp")) return this.turnPage(key === "PageDown");
+    // The first where the browser leaves it, the second always.
+    const turn = (ctrl && !alt) || (alt && shift);
+    if (turn && (key === "PageDown" || key === "PageUp")) return this.turnPage(key === "PageDown");
     if (key === "Escape") {
       if (control?.revert()) return true;
       if (!this.dialog) return false;

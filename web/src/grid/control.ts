@@ -167,12 +167,9 @@ export class GridControl extends ControlView implements GridOwner {
     if (this.grid.scroll.count === 0) return;
     if (extend && this.grid.anchor < 0) this.grid.anchor = Math.max(this.grid.row, 0);
     if (!extend) this.grid.anchor = -1;
-    if (row === this.grid.row) {
-      this.grid.draw();
-      return;
-    }
+    const here = row === this.grid.row;
     this.grid.show(row);
-    this.sendRow(row);
+    if (!here) this.sendRow(row);
   }
 
   private get field(): string {
@@ -230,7 +227,7 @@ export class GridControl extends ControlView implements GridOwner {
       default:
         break;
     }
-    const row = this.grid.rowFor(key, ctrl);
+    const row = ctrl && key.startsWith("Page") ? -1 : this.grid.rowFor(key, ctrl);
     if (row < 0) return false;
     this.goTo(row, shift);
     return true;
@@ -331,13 +328,14 @@ export class GridControl extends ControlView implements GridOwner {
       "aria-label": column.title,
     });
     if (column.kind === "text" && column.width > 0) editor.maxLength = column.width;
-    const port = cell.parentElement!.parentElement!.getBoundingClientRect();
+    const port = cell.closest(".grid-port")!;
+    const origin = port.getBoundingClientRect();
     const box = cell.getBoundingClientRect();
-    editor.style.left = `${box.left - port.left}px`;
-    editor.style.top = `${box.top - port.top}px`;
+    editor.style.left = `${box.left - origin.left}px`;
+    editor.style.top = `${box.top - origin.top}px`;
     editor.style.width = `${Math.max(box.width, 60)}px`;
     editor.value = this.grid.blocks.row(this.grid.row)?.[this.grid.column] ?? "";
-    cell.parentElement!.parentElement!.append(editor);
+    port.append(editor);
     this.editor = editor;
     this.editorAt = { row: this.grid.row, column: column.field, before: editor.value };
     editor.focus({ preventScroll: true });

@@ -27,6 +27,10 @@ interface DrawnRow {
   cells: HTMLElement[];
   texts: (string | null)[];
   row: number;
+  // Rows from the first place.
+  place: number;
+  // The cell in which the user stands, -1 in other rows.
+  cell: number;
 }
 
 export class GridView {
@@ -43,6 +47,8 @@ export class GridView {
   private head: HTMLElement;
   private spacer: HTMLElement;
   private port: HTMLElement;
+  // All rows, moved as one; a row's own place changes only when it is used for another.
+  private rows: HTMLElement;
   private empty: HTMLElement;
   private status: HTMLElement;
   private drawn: DrawnRow[] = [];
@@ -57,7 +63,8 @@ export class GridView {
     private emptyText = "Nenhum registro",
   ) {
     this.head = el("div", { class: "grid-head", role: "row", "aria-rowindex": "1" });
-    this.port = el("div", { class: "grid-port", role: "rowgroup" });
+    this.rows = el("div", { class: "grid-rows", role: "presentation" });
+    this.port = el("div", { class: "grid-port", role: "rowgroup" }, this.rows);
     this.spacer = el("div", { class: "grid-spacer", role: "presentation" }, this.port);
     this.empty = el("div", { class: "grid-empty" }, emptyText);
     this.status = el("div", { class: "grid-status", "aria-hidden": "true" });
@@ -106,7 +113,7 @@ export class GridView {
     this.widths = columns.map((column) => this.owner.storedWidth?.(column) ?? naturalWidth(column));
     this.scroller.setAttribute("aria-colcount", String(columns.length));
     this.head.replaceChildren(...columns.map((column, at) => this.title(column, at)));
-    this.port.replaceChildren();
+    this.rows.replaceChildren();
     this.drawn = [];
     this.blocks.clear();
     this.spread();
@@ -169,13 +176,14 @@ export class GridView {
   // --- Rows.
 
   renew(version: number, count: number): void {
+    if (version === this.blocks.version && count === this.blocks.count) return;
     this.blocks.renew(version, count);
     this.scroll.count = count;
     this.scroller.setAttribute("aria-rowcount", String(count + 1));
     this.spacer.style.height = `${this.scroll.height}px`;
     if (this.row >= count) this.row = count - 1;
     if (this.anchor >= count) this.anchor = -1;
-    this.place(this.scroll.moveTo(this.scroll.top));
+    this.bar = this.scroll.moveTo(this.scroll.top);
     this.draw();
   }
 
@@ -185,10 +193,11 @@ export class GridView {
 
   // Makes a row current for the eye, and brings it into sight.
   show(row: number, column = this.column, reveal = true): void {
+    const before = this.column;
     this.row = Math.min(row, this.scroll.count - 1);
     this.column = Math.min(Math.max(column, 0), Math.max(0, this.columns.length - 1));
-    if (reveal && this.row >= 0 && this.scroll.view > 0) this.place(this.scroll.reveal(this.row));
-    if (reveal) this.revealColumn();
+    if (reveal && this.row >= 0 && this.scroll.view > 0) this.bar = this.scroll.reveal(this.row);
+    if (reveal && this.column !== before) this.revealColumn();
     this.draw();
   }
 
@@ -201,9 +210,9 @@ export class GridView {
     else if (right > box.scrollLeft + box.clientWidth) box.scrollLeft = right - box.clientWidth;
   }
 
-  private place(scrollTop: number): void {
-    if (this.scroller.scrollTop !== scrollTop) this.scroller.scrollTop = scrollTop;
-  }
+  // Where the scroll bar belongs, and where it was put last.
+  private bar = 0;
+  private barAt = 0;
 
   private measure(): void {
     const view = Math.max(0, this.scroller.clientHeight - this.head.offsetHeight);
@@ -211,20 +220,24 @@ export class GridView {
     this.scroll.view = view;
     this.port.style.height = `${view}px`;
     this.element.classList.toggle("is-tall", view >= 6 * kRowHeight);
-    this.place(this.scroll.moveTo(this.scroll.top));
-    if (this.row >= 0 && document.activeElement === this.scroller) this.place(this.scroll.reveal(this.row));
+    this.bar = this.scroll.moveTo(this.scroll.top);
+    if (this.row >= 0 && document.activeElement === this.scroller) this.bar = this.scroll.reveal(this.row);
+    this.barAt = -1;
     this.draw();
   }
 
   private scrolled(): void {
-    if (this.scroll.scrolled(this.scroller.scrollTop)) this.draw();
+    const now = this.scroller.scrollTop;
+    if (!this.scroll.scrolled(now)) return;
+    this.bar = this.barAt = now;
+    this.draw();
   }
 
   private wheel(event: WheelEvent): void {
     if (!this.scroll.scaled || event.ctrlKey || event.shiftKey || event.deltaY === 0) return;
     event.preventDefault();
     const unit = event.deltaMode === 1 ? kRowHeight : event.deltaMode === 2 ? this.scroll.view : 1;
-    this.place(this.scroll.moveTo(this.scroll.top + event.deltaY * unit));
+    this.bar = this.scroll.moveTo(this.scroll.top + event.deltaY * unit);
     this.draw();
   }
 
@@ -235,7 +248,10 @@ export class GridView {
   drawNow(): void {
     cancelAnimationFrame(this.frame);
     this.frame = 0;
+    if (this.bar !== this.barAt) this.scroller.scrollTop = this.barAt = this.bar;
     const { first, last } = this.scroll;
+    // The rows stand from a round number on, so that their places are small however far one scrolls.
+    const base = first - (first % 1000);
     const wanted = this.scroll.count === 0 || this.scroll.view === 0 ? 0 : last - first + 1;
     this.empty.hidden = this.scroll.count > 0;
     while (this.drawn.length < wanted) this.drawn.push(this.newRow());
@@ -254,15 +270,19 @@ export class GridView {
       const one = order[at] ?? free.pop()!;
       const row = first + at;
       this.write(one, row, from, to);
-      one.element.style.transform = `translateY(${Math.round(row * kRowHeight - this.scroll.top)}px)`;
+      if (one.place !== row - base) {
+        one.place = row - base;
+        one.element.style.top = `${one.place * kRowHeight}px`;
+      }
       order[at] = one;
     }
     this.drawn = order as DrawnRow[];
+    this.rows.style.transform = `translateY(${Math.round(base * kRowHeight - this.scroll.top)}px)`;
     // In the order of the rows for who reads them one by one.
     let before: Element | null = null;
     for (const one of this.drawn) {
-      const next: Element | null = before === null ? this.port.firstElementChild : before.nextElementSibling;
-      if (next !== one.element) this.port.insertBefore(one.element, next);
+      const next: Element | null = before === null ? this.rows.firstElementChild : before.nextElementSibling;
+      if (next !== one.element) this.rows.insertBefore(one.element, next);
       before = one.element;
     }
     this.describe();
@@ -281,8 +301,8 @@ export class GridView {
       this.scroller.removeAttribute("aria-activedescendant");
     }
     const count = this.scroll.count;
-    this.status.textContent =
-      count === 0 ? "" : this.row < 0 ? showCount(count) : `${showCount(this.row + 1)} de ${showCount(count)}`;
+    const status = count === 0 ? "" : this.row < 0 ? showCount(count) : `${showCount(this.row + 1)} de ${showCount(count)}`;
+    if (this.status.textContent !== status) this.status.textContent = status;
   }
 
   private cellId(row: number, column: number): string {
@@ -293,9 +313,9 @@ export class GridView {
     const cells = this.columns.map((column, at) =>
       el("div", { class: `grid-cell kind-${column.kind}`, role: "gridcell", "aria-colindex": String(at + 1) }),
     );
-    const element = el("div", { class: "grid-row", role: "row" }, ...cells);
-    this.port.append(element);
-    return { element, cells, texts: cells.map(() => null), row: -1 };
+    const element = el("div", { class: "grid-row", role: "row", "aria-selected": "false" }, ...cells);
+    this.rows.append(element);
+    return { element, cells, texts: cells.map(() => null), row: -1, place: -1, cell: -1 };
   }
 
   private write(one: DrawnRow, row: number, from: number, to: number): void {
@@ -306,14 +326,19 @@ export class GridView {
       one.row = row;
       one.element.setAttribute("aria-rowindex", String(row + 2));
       one.cells.forEach((cell, at) => (cell.id = this.cellId(row, at)));
-      one.element.classList.toggle("is-odd", row % 2 === 1);
     }
-    one.element.classList.toggle("is-current", current);
-    one.element.classList.toggle("is-selected", chosen);
-    one.element.classList.toggle("is-loading", values === undefined);
-    one.element.setAttribute("aria-selected", String(chosen));
+    const look = `grid-row${row % 2 === 1 ? " is-odd" : ""}${current ? " is-current" : ""}${chosen ? " is-selected" : ""}${values === undefined ? " is-loading" : ""}`;
+    if (one.element.className !== look) {
+      one.element.className = look;
+      one.element.setAttribute("aria-selected", String(chosen));
+    }
+    const here = current ? this.column : -1;
+    if (one.cell !== here) {
+      one.cells[one.cell]?.classList.remove("is-cell");
+      one.cells[here]?.classList.add("is-cell");
+      one.cell = here;
+    }
     one.cells.forEach((cell, at) => {
-      cell.classList.toggle("is-cell", current && at === this.column);
       const text = values?.[at] ?? "";
       if (one.texts[at] === text) return;
       one.texts[at] = text;

@@ -1,0 +1,289 @@
+// The door, verb by verb, on a sample screen over a real database.
+#include "tests/desk/sample_screen.h"
+#include "tests/support/desk_test.h"
+
+namespace orv::test {
+namespace {
+
+class DoorTest : public DeskTest {
+ protected:
+  void SetUp() override { desk_.Open("TfmAmostra"); }
+  std::string Label() { return desk_.Property("LbSoma", "caption").String(); }
+  std::string Banks(const std::string& codes) {
+    return Sql("SELECT BANCO FROM CADBAN_001 WHERE BANCO IN (" + codes + ") ORDER BY 1");
+  }
+
+  SampleScreens screens_;
+  Desk desk_{database_};
+};
+
+Json Key(std::string_view control, std::string_view key) {
+  return {{"do", "key"}, {"control", control}, {"key", key}};
+}
+
+TEST_F(DoorTest, EachObjectIsAnsweredOnceAndWhatCannotBeDoneRunsNothing) {
+  const char* refused[] = {R"({"do":"dance"})",
+                           R"({})",
+                           R"([])",
+                           R"(7)",
+                           R"({"do":"click"})",
+                           R"({"do":"click","control":7})",
+                           R"({"do":"click","control":"Nada"})",
+                           R"({"do":"click","control":"EdtTexto"})",
+                           R"({"do":"set","control":"EdtNomeBanco","value":"x"})",
+                           R"({"do":"set","control":"EdtTexto"})",
+                           R"({"do":"set","control":"EdtValor","value":"1,2,3"})",
+                           R"({"do":"set","control":"CbLista","value":"três"})",
+                           R"({"do":"set","control":"CbMarca","value":"talvez"})",
+                           R"({"do":"check","control":"EdtTexto","value":true})",
+                           R"({"do":"page","control":"EdtTexto","page":"x"})",
+                           R"({"do":"row","control":"Grade","row":0})",
+                           R"({"do":"row","control":"EdtTexto","row":0})",
+                           R"({"do":"cell","control":"Grade","row":0,"column":"Codigo","value":"1"})",
+                           R"({"do":"delete","control":"Grade","row":0})",
+                           R"({"do":"title","control":"Grade","column":"Outra"})",
+                           R"({"do":"menu","control":"ItDetalhe"})",
+                           R"({"do":"menu","control":"EdtTexto"})",
+                           R"({"do":"click","control":"ItDetalhe"})",
+                           R"({"do":"answer","value":"ok"})",
+                           R"({"do":"choose","rows":[0]})",
+                           R"({"do":"search","text":"x"})",
+                           R"({"do":"file","name":"a","content":""})",
+                           R"({"do":"open","class":"TfmNada"})",
+                           R"({"do":"open"})",
+                           R"({"do":"report","id":1,"format":"pdf"})"};
+  for (const char* text : refused) {
+    SCOPED_TRACE(text);
+    const auto& out = desk_.Do(Json::Parse(text));
+    EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ");
+    EXPECT_EQ(desk_.End(), "idle");
+    int ends = 0;
+    for (const Json& one : out) ends += one["on"] == Json("idle") || one["on"] == Json("waiting");
+    EXPECT_EQ(ends, 1);
+  }
+  EXPECT_EQ(desk_.Text("EdtTexto"), "");
+}
+
+TEST_F(DoorTest, ControlsTakeWhatAPersonGives) {
+  desk_.Set("EdtTexto", "açaí na tigela");
+  EXPECT_EQ(desk_.Text("EdtTexto"), "açaí na ti");
+  desk_.Do(Key("EdtTexto", "Enter"));
+  desk_.Set("EdtTexto", "ab");
+  desk_.Do(Key("EdtTexto", "ç"));
+  EXPECT_EQ(desk_.Text("EdtTexto"), "abç");
+  desk_.Set("EdtValor", "1234,5");
+  EXPECT_EQ(desk_.Text("EdtValor"), "1.234,50");
+  desk_.Do({{"do", "check"}, {"control", "CbMarca"}, {"value", true}});
+  desk_.Do(Key("CbMarca", " "));
+  EXPECT_FALSE(desk_.Property("CbMarca", "checked").Bool());
+  desk_.Set("CbLista", "dois");
+  desk_.Do({{"do", "set"}, {"control", "LbLista"}, {"value", 1}});
+  EXPECT_EQ(desk_.Text("CbLista") + desk_.Text("LbLista"), "doisdois");
+  desk_.Set("TrPrazo", "99");
+  EXPECT_EQ(desk_.Property("TrPrazo", "position").Integer(), 30);
+  desk_.Do(Key("TrPrazo", "Tab"));
+  EXPECT_EQ(desk_.FocusName(), "EdtBanco");
+}
+
+TEST_F(DoorTest, ALookupIsSearchedChosenAndGivenUp) {
+  desk_.Set("EdtBanco", "90");
+  desk_.Focus("EdtTexto");
+  EXPECT_EQ(desk_.Messages(), "Banco inexistente.");
+  desk_.Answer("ok");
+  EXPECT_EQ(desk_.FocusName(), "EdtBanco");
+  desk_.Do(Key("EdtBanco", "F4"));
+  EXPECT_EQ(desk_.End(), "waiting lookup");
+  desk_.Click("BtFecha");
+  EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ");
+  EXPECT_EQ(desk_.End(), "waiting lookup") << "the list stays open";
+  desk_.Do({{"do", "choose"}, {"key", "999"}});
+  EXPECT_EQ(desk_.End(), "waiting lookup");
+  desk_.Do({{"do", "search"}, {"text", "da serra"}});
+  EXPECT_EQ(desk_.Rows("PqBanco").substr(0, 17), "901|BANCO DA SERR");
+  desk_.Do({{"do", "choose"}, {"rows", Json::Array{0}}});
+  EXPECT_EQ(desk_.End(), "idle");
+  EXPECT_EQ(desk_.Text("EdtNomeBanco"), "BANCO DA SERRA");
+
+  // An empty field opens its list on exit; giving up lets the focus go on.
+  desk_.Set("EdtBanco", "");
+  desk_.Focus("EdtTexto");
+  EXPECT_EQ(desk_.End(), "waiting lookup");
+  desk_.Do({{"do", "choose"}});
+  EXPECT_EQ(desk_.FocusName(), "EdtTexto");
+
+  desk_.Click("PqVarios");
+  desk_.Do({{"do", "search"}, {"text", "'; DROP TABLE CADBAN_001; --"}});
+  EXPECT_EQ(desk_.Rows("PqVarios"), "");
+  desk_.Do({{"do", "choose"}, {"keys", Json::Array{"901"}}});
+  EXPECT_EQ(desk_.End(), "waiting lookup") << "what the search left out can't be chosen";
+  desk_.Do({{"do", "search"}, {"text", ""}});
+  desk_.Do({{"do", "choose"}, {"keys", Json::Array{"901", "903"}}});
+  EXPECT_EQ(desk_.Text("EdtTexto"), "'901','903");
+}
+
+TEST_F(DoorTest, AGridIsFilledChangedOrderedAndEmptied) {
+  const auto cell = [&](int row, const char* column, Json value) {
+    desk_.Do({{"do", "cell"},
+              {"control", "Grade"},
+              {"row", row},
+              {"column", column},
+              {"value", std::move(value)}});
+  };
+  for (const char* code : {"B", "A"}) {
+    desk_.Do({{"do", "append"}, {"control", "Grade"}});
+    const int row = code[0] == 'B' ? 0 : 1;
+    cell(row, "Codigo", code);
+    cell(row, "Valor", "1.000,10");
+    cell(row, "Marca", true);
+  }
+  desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 0}});
+  EXPECT_EQ(desk_.Rows("TbLinhas"), "B|1000.1000|S\nA|1000.1000|S\n");
+  cell(0, "Valor", "dez");
+  EXPECT_EQ(desk_.Messages(), "error: \"dez\" não é um valor válido.");
+  desk_.Do({{"do", "title"}, {"control", "Grade"}, {"column", "Codigo"}});
+  EXPECT_EQ(desk_.Rows("TbLinhas"), "A|1000.1000|S\nB|1000.1000|S\n");
+  desk_.Do({{"do", "dblclick"}, {"control", "Grade"}, {"row", 0}, {"column", "Codigo"}});
+  EXPECT_EQ(Label(), "duplo A");
+  desk_.Do({{"do", "key"}, {"control", "Grade"}, {"key", "F4"}, {"row", 1}, {"column", "Valor"}});
+  EXPECT_EQ(Label(), "Valor F4");
+  EXPECT_EQ(desk_.Text("DbeCodigo"), "B");
+  desk_.Set("DbeCodigo", "C");
+  desk_.Set("DbrMarca", "Não");
+  desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 0}});
+  EXPECT_EQ(desk_.Rows("TbLinhas"), "A|1000.1000|S\nC|1000.1000|N\n");
+  desk_.Do({{"do", "menu"}, {"control", "ItDetalhe"}});
+  EXPECT_EQ(desk_.End(), "waiting answer");
+  desk_.Answer("ok");
+  desk_.Do({{"do", "delete"}, {"control", "Grade"}, {"row", 0}});
+  EXPECT_EQ(desk_.Rows("TbLinhas"), "C|1000.1000|N\n");
+}
+
+TEST_F(DoorTest, QuestionsWaitForTheirOwnAnswers) {
+  desk_.Click("BtPergunta");
+  EXPECT_EQ(desk_.End(), "waiting answer");
+  desk_.Answer("ok");
+  EXPECT_EQ(desk_.End(), "waiting answer");
+  desk_.Answer("yes");
+  EXPECT_EQ(Label(), "sim");
+  desk_.Click("BtData");
+  desk_.Answer("31/02/2026");
+  EXPECT_EQ(desk_.End(), "waiting answer");
+  desk_.Answer("ok");
+  desk_.Answer("05/03/2026");
+  EXPECT_EQ(Label(), "05/03/2026");
+  desk_.Click("BtData");
+  desk_.Answer("cancel");
+  EXPECT_EQ(Label(), "desistiu");
+  const auto& out = desk_.Click("BtConta");
+  const auto confirm =
+      std::find_if(out.begin(), out.end(), [](const Json& o) { return o["on"] == Json("confirm"); });
+  ASSERT_NE(confirm, out.end());
+  EXPECT_TRUE((*confirm)["lines"].Items()[0]["unknown"].Bool());
+  desk_.Answer("no");
+  EXPECT_EQ(Label(), "recusado");
+}
+
+TEST_F(DoorTest, AFileGoesIntoTheUsersOwnFolderAndNowhereElse) {
+  for (const char* name : {"../fora.txt", "/etc/passwd", "a/b.txt", ".oculto", "", "x\ny"}) {
+    desk_.Click("BtArquivo");
+    desk_.Do({{"do", "file"}, {"name", name}, {"content", "b2k="}});
+    EXPECT_EQ(desk_.End(), "waiting file") << name;
+    desk_.Answer("cancel");
+  }
+  desk_.Click("BtArquivo");
+  desk_.Do({{"do", "file"}, {"name", "a.txt"}, {"content", "não é base64"}});
+  EXPECT_EQ(desk_.End(), "waiting file");
+  const std::filesystem::path folder = folder_.Path() / "files" / "ana";
+  std::filesystem::create_directories(folder);
+  std::filesystem::create_symlink(folder_.Path() / "alvo.txt", folder / "extrato março.txt");
+  desk_.Do({{"do", "file"}, {"name", "extrato março.txt"}, {"content", "b2k="}});
+  EXPECT_EQ(Label(), (folder / "extrato março.txt").string());
+  EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "alvo.txt")) << "a link isn't followed";
+  EXPECT_EQ(std::filesystem::file_size(folder / "extrato março.txt"), 2U);
+}
+
+TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
+  desk_.Set("EdtTexto", "A01");
+  desk_.Click("BtGrava");
+  desk_.Click("BtFalha");
+  EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ");
+  desk_.Click("BtDesiste");
+  EXPECT_EQ(desk_.Messages(), "");
+  EXPECT_EQ(Banks("'A01','F01','D01'"), "A01");
+
+  // In a dialog: its failed action goes alone, what stands around it is kept until the end.
+  desk_.Click("BtDialogo");
+  EXPECT_EQ(desk_.End(), "idle");
+  desk_.Open("TfmAmostra");
+  EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ") << "a dialog is modal";
+  desk_.Click("BtFalha");
+  EXPECT_EQ(desk_.Messages(), "error: Falha no diálogo.");
+  desk_.Click("BtOk");
+  EXPECT_EQ(Label(), "voltou 0");
+  EXPECT_EQ(Banks("'X01','H01'"), "X01");
+
+  // The opening action fails after its dialog wrote: all of it goes.
+  Run("DELETE FROM CADBAN_001 WHERE BANCO = 'X01'");
+  desk_.Click("BtDialogo");
+  desk_.Click("BtGrava");
+  desk_.Do({{"do", "close"}});
+  EXPECT_EQ(desk_.Messages(), "error: Falha depois do diálogo.");
+  EXPECT_EQ(Banks("'X01','G01'"), "");
+  desk_.Set("EdtTexto", "Z01");
+  desk_.Click("BtGrava");
+  EXPECT_EQ(Banks("'Z01'"), "Z01") << "the screen stays usable";
+}
+
+TEST_F(DoorTest, ALongGatheringIsCancelled) {
+  // The cancel is sent when the first sign of progress arrives, as a person would.
+  SessionOptions options;
+  options.database = database_.string();
+  options.user = "ana";
+  options.company = "_001";
+  options.folder = folder_.Path();
+  Log log((folder_.Path() / "long.log").string());
+  std::mutex mutex;
+  std::condition_variable arrived;
+  int idles = 0;
+  std::string error;
+  Session* session = nullptr;
+  const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
+    const std::lock_guard lock(mutex);
+    if (out["on"] == Json("progress") && session != nullptr) {
+      session->Post({{"do", "answer"}, {"value", "cancel"}});
+      session = nullptr;
+    }
+    if (out["on"] == Json("error")) error = out["text"].String();
+    if (out["on"] == Json("idle")) ++idles;
+    arrived.notify_one();
+  });
+  {
+    const std::lock_guard lock(mutex);
+    session = one.get();
+  }
+  one->Post({{"do", "open"}, {"class", "TfmAmostra"}});
+  one->Post({{"do", "click"}, {"control", "BtLonga"}});
+  std::unique_lock lock(mutex);
+  arrived.wait(lock, [&] { return idles == 4; });
+  EXPECT_EQ(error, "Operação cancelada.");
+}
+
+TEST_F(DoorTest, ASessionThatEndsInAQuestionLeavesNothingBehind) {
+  {
+    Desk other(database_);
+    other.Open("TfmAmostra");
+    other.Click("BtDialogo");  // has written, and waits in the dialog
+  }
+  EXPECT_EQ(Banks("'X01'"), "");
+}
+
+TEST_F(DoorTest, OnlyWhatTheUserMayOpenOpens) {
+  Desk leo(database_, "leo");
+  leo.Open("TfmAmostra");
+  EXPECT_EQ(leo.Messages(), "error: A tela \"TfmAmostra\" não está disponível.");
+  EXPECT_THROW(Desk(database_, "ninguém"), UserError);
+  EXPECT_THROW(Desk(database_, "ana", "_009"), UserError);
+}
+
+}  // namespace
+}  // namespace orv::test

@@ -1,0 +1,112 @@
+#include "tests/desk/sample_screen.h"
+
+#include "frame/registry.h"
+#include "toolkit/error.h"
+
+namespace orv::test {
+namespace {
+
+std::string InsertBank(IFuncoes& funcoes, const std::string& code) {
+  return "INSERT INTO " + funcoes.DBLocal("CADBAN", true) + " (BANCO, NOME_BANCO) VALUES (" +
+         funcoes.Aspas(code) + ", 'AMOSTRA')";
+}
+
+}  // namespace
+
+TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostra", "fmAmostra", "Amostra") {
+  AbreTabelas({"tbBanco"});
+  Linhas.CreateDataSet();
+  AddSet(Linhas);
+  Layout(R"(
+    EdtTexto EdtValor CbMarca CbLista LbLista TrPrazo PbAnda LbSoma /
+    EdtBanco PqBanco EdtNomeBanco PqVarios / Grade / DbeCodigo DbrMarca / Grafico / Menu { ItDetalhe } /
+    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga BtFecha
+  )");
+  PqVarios.Settings().MultiSelecao = true;
+  Lookups({{.field = &EdtBanco,
+            .lookup = &PqBanco,
+            .table = "CADBAN",
+            .key = "BANCO",
+            .shows = {{"NOME_BANCO", &EdtNomeBanco}},
+            .message = "Banco inexistente.",
+            .optional = false,
+            .after_change = nullptr}});
+  PqVarios.OnFechaPesquisa = [this] { EdtTexto.SetText(PqVarios.RetornoPesquisa("BANCO")); };
+  Menu.OnPopup = [this] { ItDetalhe.SetEnabled(!Linhas.IsEmpty()); };
+  ItDetalhe.OnClick = [this] { Funcoes.TelaDetalhamento("Linhas", Linhas); };
+  Grade.OnKey = [this](KeyPress& key) { LbSoma.SetCaption(key.column + " " + key.key); };
+  Grade.OnTitleClick = [this](const std::string& column) { Linhas.SetIndexFieldNames(column); };
+  Grade.OnDblClick = [this] { LbSoma.SetCaption("duplo " + Linhas.Codigo.AsString()); };
+  BtPergunta.OnClick = [this] { LbSoma.SetCaption(Ask("Continua?", true) ? "sim" : "não"); };
+  BtData.OnClick = [this] {
+    Date date = Today();
+    const bool given = Funcoes.InputBoxData(Caption(), "Qual a data?", date);
+    LbSoma.SetCaption(given ? date.Brazil() : "desistiu");
+  };
+  BtArquivo.OnClick = [this] {
+    LbSoma.SetCaption(User().OpenFile("BtArquivo", "txt|*.txt").value_or("nenhum"));
+  };
+  BtConta.OnClick = [this] {
+    const auto contabil = Contabil.Create();
+    contabil->SetContabilidadeFinan("900001", "D1", "D1", "9.9.9", "1.1.02.001", "+", "CC", "", "020",
+                                    Currency(5), Today(), "000", "AMOSTRA");
+    LbSoma.SetCaption(contabil->ConfirmaDadosContabilidade(0) ? "confirmado" : "recusado");
+  };
+  BtDialogo.OnClick = [this] {
+    Grava("X01");
+    auto& dialog = Owner().Adopt(std::make_unique<TfmDialogo>(Owner()));
+    dialog.ShowModal();
+    LbSoma.SetCaption("voltou " + std::to_string(dialog.Tag));
+    if (dialog.Tag == 9) throw UserError("Falha depois do diálogo.");
+    Tabela.CommitRetaining();
+  };
+  BtGrava.OnClick = [this] {
+    Grava(EdtTexto.Text());
+    Tabela.CommitRetaining();
+  };
+  BtFalha.OnClick = [this] {
+    Grava("F01");
+    Tabela.IBDatabase().Execute("INSERT INTO NAO_EXISTE (A) VALUES (1)");
+  };
+  BtDesiste.OnClick = [this] {
+    Grava("D01");
+    Abort();
+  };
+  BtLonga.OnClick = [this] {
+    const BusyMark busy(Funcoes, *this);
+    PbAnda.SetMaximum(200000000);
+    for (steps = 0; steps < 200000000; ++steps) PbAnda.SetPosition(steps);
+  };
+  BtFecha.OnClick = [this] { Close(); };
+}
+
+void TfmAmostra::Grava(const std::string& codigo) {
+  Tabela.IBDatabase().Execute(InsertBank(Funcoes, codigo));
+}
+
+TfmDialogo::TfmDialogo(Application& application) : Dialog(application, "TfmDialogo", "fmDialogo", "Diálogo") {
+  Layout("BtGrava BtFalha BtOk");
+  BtGrava.OnClick = [this] {
+    Tabela.IBDatabase().Execute(InsertBank(Funcoes, "G01"));
+    Tag = 9;
+  };
+  BtFalha.OnClick = [this] {
+    Tabela.IBDatabase().Execute(InsertBank(Funcoes, "H01"));
+    throw UserError("Falha no diálogo.");
+  };
+  BtOk.OnClick = [this] { Close(); };
+}
+
+SampleScreens::SampleScreens() {
+  ClassRegistry::Instance().Register({"TfmAmostra", "Amostra", ScreenKind::Child, "Testes",
+                                      [](Application& a) { return std::make_unique<TfmAmostra>(a); }});
+  ClassRegistry::Instance().Register({"TfmDialogo", "Diálogo", ScreenKind::Dialog, "Testes",
+                                      [](Application& a) { return std::make_unique<TfmDialogo>(a); }});
+}
+
+SampleScreens::~SampleScreens() {
+  ClassRegistry::Instance().Unregister("TfmAmostra");
+  ClassRegistry::Instance().Unregister("TfmDialogo");
+}
+
+}  // namespace orv::test

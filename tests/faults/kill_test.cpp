@@ -1,0 +1,96 @@
+// A desk that is killed in the midst of a confirmation leaves all of the movement or nothing.
+#include <chrono>
+#include <thread>
+
+#include "host/schema/check.h"
+#include "tests/ledger/cc_desk.h"
+#include "tests/support/process.h"
+
+namespace orv::test {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::steady_clock;
+
+constexpr int kKills = 48;
+
+class KillTest : public CcTest {
+ protected:
+  // A desk that has a movement on the screen and needs only the confirming click.
+  std::unique_ptr<DriveProcess> AtConfirmation(const std::string& docto, bool stored) {
+    LetGo();
+    auto desk = std::make_unique<DriveProcess>(database_);
+    desk->Do({{"do", "open"}, {"class", "TfmCC"}});
+    Fields fields = {{"EdtObs", docto}};
+    if (stored) {
+      desk->Do({{"do", "click"}, {"control", "btnConsulta"}});
+      desk->Do({{"do", "choose"}, {"key", "T00100"}});
+      desk->Do({{"do", "click"}, {"control", "BitBtn2"}});
+    } else {
+      desk->Do({{"do", "click"}, {"control", "BitBtn1"}});
+      fields = {{"EdtConta", kConta}, {"EdtNumDoc", docto},   {"EdtTipo", "3103"},
+                {"EdtHis", "012"},    {"EdtValor", "100,00"}, {"EdtObs", docto}};
+    }
+    for (const auto& [control, value] : fields)
+      desk->Do({{"do", "set"}, {"control", control}, {"value", value}});
+    desk->Do({{"do", "focus"}, {"control", "SpeedButton2"}});
+    return desk;
+  }
+
+  // Movements, their entries, their shares and the audit lines that bear the text of this confirmation.
+  std::string Left(const std::string& docto, bool stored) {
+    if (stored) {
+      return Sql("SELECT COUNT(*), SUM(IIF(OBSERVACAO = '" + docto +
+                 "', 1, 0)) FROM CONTACOR_001 WHERE LANCAMENTO = 'T00100'") +
+             ";" + Count("AUDITORIA", "CHAVE = 'NF 100'");
+    }
+    return Count("CONTACOR_001", "DOCTO = '" + docto + "'") + "|" +
+           Count("CONTABIL_001", "DOCTO = '" + docto + "'") + "|" +
+           Count("CENTRO_RATEIO_001", "NUMERO = '" + docto + "'") + "|" +
+           Count("AUDITORIA", "CHAVE = '" + docto + "'");
+  }
+};
+
+TEST_F(KillTest, LeavesAllOrNothing) {
+  Fin({30, 50});
+  Store({"T00100", "NF 100"});
+  // How long a confirmation takes here: the kills are spread over it and a little beyond.
+  microseconds whole[2];
+  int landed = 0, altered = 0;
+  for (const bool stored : {false, true}) {
+    const auto desk = AtConfirmation("WHOLE", stored);
+    const auto begun = steady_clock::now();
+    desk->Do({{"do", "click"}, {"control", "SpeedButton2"}});
+    whole[stored] = std::chrono::duration_cast<microseconds>(steady_clock::now() - begun);
+    desk->Kill();
+    EXPECT_EQ(Left("WHOLE", stored), stored ? "1|1;1" : "1|2|3|1");
+    altered += stored;
+  }
+  for (int kill = 0; kill < kKills; ++kill) {
+    const bool stored = kill % 2 == 1;
+    const std::string docto = "KILL " + std::to_string(kill);
+    const auto desk = AtConfirmation(docto, stored);
+    const auto until = steady_clock::now() + whole[stored] * kill / (kKills * 4 / 5);
+    desk->Send({{"do", "click"}, {"control", "SpeedButton2"}});
+    std::this_thread::sleep_until(until);
+    desk->Kill();
+
+    const std::string left = Left(docto, stored);
+    if (stored) {
+      const bool there = left.starts_with("1|1;");
+      altered += there;
+      landed += there;
+      EXPECT_EQ(left, (there ? "1|1;" : "1|0;") + std::to_string(altered)) << docto;
+    } else {
+      landed += left == "1|2|3|1";
+      EXPECT_TRUE(left == "1|2|3|1" || left == "0|0|0|0") << docto << " left " << left;
+    }
+  }
+  // The kills met the confirmation: some came too early, some too late.
+  EXPECT_GT(landed, 0);
+  EXPECT_LT(landed, kKills);
+  EXPECT_TRUE(CheckData(Db()).empty());
+}
+
+}  // namespace
+}  // namespace orv::test
