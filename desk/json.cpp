@@ -41,7 +41,7 @@ Json Convert(const boost::json::value& value) {
 Json Json::Parse(std::string_view text) {
   boost::json::error_code error;
   const boost::json::value value = boost::json::parse({text.data(), text.size()}, error);
-  if (error) throw JsonError("O texto não é JSON: " + error.message() + ".");
+  if (error) throw JsonError("O texto não é JSON.");
   return Convert(value);
 }
 

@@ -50,6 +50,7 @@ class Json {
   bool IsArray() const { return std::holds_alternative<Array>(value_); }
   bool IsString() const { return std::holds_alternative<std::string>(value_); }
   bool IsBool() const { return std::holds_alternative<bool>(value_); }
+  bool IsInteger() const { return std::holds_alternative<int64_t>(value_); }
   bool IsNumber() const {
     return std::holds_alternative<int64_t>(value_) || std::holds_alternative<double>(value_);
   }

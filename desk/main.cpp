@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "desk/command_line.h"
 #include "desk/commands.h"
 #include "toolkit/error.h"
 
@@ -83,8 +84,8 @@ void AddLockCommands(CLI::App& app, Lock& lock) {
 
 int Run(int argc, char** argv) {
   CLI::App app{"orvCC: a mesa de tesouraria"};
+  SpeakPortuguese(app);
   app.require_subcommand(1);
-  app.set_help_flag("-h,--help", "Mostra esta ajuda");
   int status = 0;
 
   Init init;
@@ -92,7 +93,7 @@ int Run(int argc, char** argv) {
   Database(command, init.database);
   command->add_flag("--demo", init.demo, "Com empresas de demonstração: dois anos de movimento");
   command->add_option("--scale", init.scale, "Quantas vezes maior é a demonstração")
-      ->check(CLI::Range(1, 250));
+      ->check(Between(1, 250));
   command->add_option("--companies", init.companies, "Empresas, como _001,_002")->capture_default_str();
   command->add_option("--date", init.date, "Dia em que a demonstração termina, aaaa-mm-dd");
   command->callback([&] { RunInit(init); });
@@ -146,13 +147,16 @@ int Run(int argc, char** argv) {
   int count = 20;
   command = app.add_subcommand("audit", "Mostra as últimas linhas de auditoria");
   Database(command, database);
-  command->add_option("--last", count, "Quantas linhas")->check(CLI::Range(1, 100000))->capture_default_str();
+  command->add_option("--last", count, "Quantas linhas")->check(Between(1, 100000))->capture_default_str();
   command->callback([&] { AuditTail(database, count); });
 
   try {
     app.parse(argc, argv);
-  } catch (const CLI::ParseError& e) {
+  } catch (const CLI::Success& e) {
     return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    std::cerr << "orvcc: " << PortugueseError(e) << "\nA ajuda: orvcc --help, orvcc COMANDO --help.\n";
+    return e.get_exit_code();
   }
   return status;
 }

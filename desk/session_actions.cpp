@@ -42,7 +42,7 @@ void Session::Handle(const Json& in) {
   } catch (const std::exception& e) {
     attachment_->RollbackAction();
     // What the user may read can hold what he typed: the log takes the engine's detail and our own faults.
-    Json::Object line{{"user", options_.user}, {"do", Name(in, "do")}};
+    Json::Object line{{"user", options_.user}, {"do", in["do"].IsString() ? in["do"] : Json()}};
     if (const auto* database = dynamic_cast<const DatabaseError*>(&e); database != nullptr) {
       line.emplace_back("code", int64_t{database->Code()});
       line.emplace_back("detail", Masked(database->Detail()));

@@ -87,6 +87,7 @@ void Session::Wait(const char* what, const Json& question, const std::function<b
   Send(question);
   Settle(waiting);
   for (;;) {
+    attachment_->LetGo();
     const Json in = Take();
     try {
       if (in["do"] == Json("read")) {

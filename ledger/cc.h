@@ -2,6 +2,8 @@
 // the other finds movements and clears them.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -265,11 +267,14 @@ class ORV_EXPORT TfmCC : public Child {
                        const std::string& operacao);
   // False when the movement may not change, after telling why.
   bool ValidaLancamento(const std::string& lancamento, Date data1, Date data2, bool verificaConciliado);
-  // A cheque behind a deleted movement is cancelled.
-  void CancelaCheque(const std::string& numero, const std::string& docto);
+  // A cheque behind a deleted movement is cancelled. False when there is none.
+  bool CancelaCheque(const std::string& numero, const std::string& docto);
   bool ValidaCampos();
   bool ValidaRateioClasse();
   void GravaLancamento();
+  // Takes the loaded row out of the table, by its identity and as it was loaded. Raises UserError when another
+  // user has changed or deleted it since.
+  void RetiraLancamento();
   void LimpaTela();
   void ModoEdicao(bool edicao);
   // True when the number on the screen is that of a stored movement.
@@ -312,6 +317,8 @@ class ORV_EXPORT TfmCC : public Child {
   bool fin30_ = false, fin50_ = false, fin80_ = false, fin100_ = false;
   // The program fills the fields: what they propose to one another keeps out.
   bool preenche_ = false;
+  // The version of the loaded row, which each change of it renews; nothing for a movement not yet stored.
+  std::optional<int64_t> versao_;
 };
 
 extern ORV_EXPORT thread_local TfmCC* fmCC;

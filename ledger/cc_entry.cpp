@@ -53,6 +53,7 @@ void TfmCC::BitBtn3Click() {
   const std::string numero = EdtLancto.Text(), docto = EdtNumDoc.Text();
   if (!ValidaLancamento(numero, EdtDtCont.Date(), EdtDtLanc.Date(), true)) return;
   if (Ask("Deseja eliminar este Registro?")) {
+    RetiraLancamento();
     Contabil.DeletaContaCorrente(numero);
     // An apportionment by class stands under the movement's number as its document and names no movement;
     // that of an entry names it. Another movement's document can be the same text.
@@ -64,20 +65,22 @@ void TfmCC::BitBtn3Click() {
     Funcoes.GeraLog("CONTACOR",
                     "EXCLUSAO LANCTO. " + numero + ", DOCTO. " + docto + " VALOR " + EdtValor.Text(),
                     TOperacaoLog::Exclusao, numero);
-    CancelaCheque(numero, docto);
+    const bool cheque = CancelaCheque(numero, docto);
     Tabela.CommitRetaining();
+    // Told when nothing is held any more: others work on while the user reads.
+    if (cheque) Inform("Cheque Cancelado.");
   }
   LimpaTela();
 }
 
-void TfmCC::CancelaCheque(const std::string& numero, const std::string& docto) {
+bool TfmCC::CancelaCheque(const std::string& numero, const std::string& docto) {
   if (!Funcoes.Existe("CHEQUE_PRE", "CHAVE,NUMERO", Funcoes.Aspas(numero) + "," + Funcoes.Aspas(docto)))
-    return;
+    return false;
   Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'C' WHERE " +
                               Igual("CHAVE", numero) + " AND " + Igual("NUMERO", docto));
-  Inform("Cheque Cancelado.");
   Funcoes.GeraLog("CONTACOR", "CANCELAMENTO DE CHEQUE " + docto + " LANCTO. " + numero,
                   TOperacaoLog::Inclusao, docto);
+  return true;
 }
 
 void TfmCC::SpeedButton1Click() {
@@ -246,7 +249,7 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   const auto linhas = Tabela.IBDatabase().Rows(
       "SELECT LANCAMENTO, CONTA, DOCTO, TIPO_DOC, DT_LAN, DT_VENCTO, DT_CONT, GRUPO, HISTORICO, OPERACAO, "
       "VALOR, "
-      "OBSERVACAO, TIPO, LANC_CON, PENDENTE FROM " +
+      "OBSERVACAO, TIPO, LANC_CON, PENDENTE, RDB$RECORD_VERSION FROM " +
       Funcoes.DBLocal("CONTACOR", true) + " WHERE " + Identidade(lancamento, docto, conta, operacao));
   if (linhas.empty()) {
     LimpaTela();
@@ -271,8 +274,22 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   EdtLancConc.SetText(linha[13].AsString());
   const std::string pendente = linha[14].AsString();
   RgSituacao.SetItemIndex(pendente == "C" ? kConciliado : pendente == "S" ? kPendente : kBaixado);
+  versao_ = linha[15].AsInteger();
   // The sum needs account, operation and date, which came after the document.
   ValorDocumento();
+}
+
+void TfmCC::RetiraLancamento() {
+  // One statement both looks and takes the row away, so that nobody comes in between.
+  const std::string versao = versao_ ? " AND RDB$RECORD_VERSION = " + std::to_string(*versao_) : "";
+  const int64_t retiradas = Tabela.IBDatabase().Execute(
+      "DELETE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+      Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) + versao);
+  if (versao_ && retiradas == 0) {
+    throw UserError(
+        "Outro usuário alterou este registro depois que ele foi carregado. Nada foi gravado. Cancele e "
+        "consulte-o novamente.");
+  }
 }
 
 void TfmCC::GravaLancamento() {
@@ -281,8 +298,7 @@ void TfmCC::GravaLancamento() {
   const int situacao = RgSituacao.ItemIndex();
   const char* pendente = situacao == kConciliado ? "C" : situacao == kPendente ? "S" : "N";
 
-  Tabela.IBDatabase().Execute("DELETE FROM " + tabela + " WHERE " +
-                              Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()));
+  RetiraLancamento();
   Tabela.IBDatabase().Execute(
       "INSERT INTO " + tabela +
       " (LANCAMENTO, DOCTO, BANCO, CONTA, GRUPO, HISTORICO, OBSERVACAO, TIPO, TIPO_DOC, LANC_CON, OPERACAO, "
@@ -296,6 +312,7 @@ void TfmCC::GravaLancamento() {
 
 void TfmCC::LimpaTela() {
   const Filling filling(preenche_);
+  versao_.reset();
   for (Edit* campo : std::initializer_list<Edit*>{&EdtLancConc, &EdtLancto, &EdtConta, &EdtCodBan, &EdtNumDoc,
                                                   &EdtTipoDocto, &EdtDtLanc, &EdtDtVencto, &EdtDtCont,
                                                   &EdtTipo, &EdtHis, &EdtValor, &EdtValDoc, &EdtObs}) {

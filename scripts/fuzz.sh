@@ -4,6 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
 
+mkdir -p build
 cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g1" -DORV_FUZZ=ON -DORV_TESTS=OFF >build/fuzz.log 2>&1 || { cat build/fuzz.log; exit 1; }
 mapfile -t fuzzers < <(ls fuzz/*_fuzz.cpp | xargs -n1 basename | sed 's/\.cpp$//')

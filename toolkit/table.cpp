@@ -186,7 +186,7 @@ std::string TOrvTable::BeyondValue(const Field& field, const Value& value, bool 
 }
 
 std::optional<std::string> TOrvTable::Beyond(const Row& row, bool backwards) const {
-  if (order_.empty()) return std::nullopt;
+  if (key_fields_.empty()) return std::nullopt;
   std::vector<std::string> ways;
   std::string equal;
   for (const Field* field : order_) {
@@ -211,7 +211,7 @@ bool TOrvTable::HasRow() const {
   if (!Active() || count_ == 0) return false;
   // The first question for a row reads the first block.
   auto& self = const_cast<TOrvTable&>(*this);
-  self.block_ = Select("", false, 0, kBlock);
+  self.block_ = Reach("", false, kBlock);
   self.block_place_ = 0;
   self.at_ = self.block_.empty() ? -1 : 0;
   if (self.block_.empty()) self.count_ = 0;
@@ -231,7 +231,7 @@ bool TOrvTable::Advance(bool backwards) {
   std::optional<int64_t> place;
   Rows next;
   const int64_t count = kBlock << std::min(std::exchange(streak_, streak_ + 1), 5);
-  if (!order_.empty()) {
+  if (!key_fields_.empty()) {
     next = Neighbours(edge, backwards, count);
     if (block_place_) {
       place = backwards ? *block_place_ - static_cast<int64_t>(next.size())
@@ -260,15 +260,32 @@ TOrvTable::Rows TOrvTable::Neighbours(const Row& row, bool backwards, int64_t co
   const Value& value = row[static_cast<std::size_t>(first.Index())];
   Rows rows = Select("(" + Equals(first, value) + ") AND " + *Beyond(row, backwards), backwards, 0, count);
   if (!rows.empty()) return rows;
-  const std::string beyond = BeyondValue(first, value, backwards);
+  return Reach(BeyondValue(first, value, backwards), backwards, count);
+}
+
+TOrvTable::Rows TOrvTable::Reach(const std::string& condition, bool backwards, int64_t count) const {
+  if (order_.size() == key_fields_.size()) return Select(condition, backwards, 0, count);
+  const Field& first = *order_[0];
+  const std::string at = std::to_string(count);
   Gather edge;
-  database_.Fetch("SELECT " + first.Name() + " FROM " + physical_ + Where(beyond) + " ORDER BY " +
-                      first.Name() + (backwards ? " DESC" : "") + " ROWS " + std::to_string(count) + " TO " +
-                      std::to_string(count),
+  database_.Fetch("SELECT " + first.Name() + " FROM " + physical_ + Where(condition) + " ORDER BY " +
+                      first.Name() + (backwards ? " DESC" : "") + " ROWS " + at + " TO " + at,
                   edge);
-  if (edge.rows.empty() || edge.rows[0][0].IsNull()) return Select(beyond, backwards, 0, count);
-  const std::string last = first.Name() + (backwards ? " >= " : " <= ") + Literal(edge.rows[0][0], first);
-  return Select(beyond + " AND " + last, backwards, 0, count);
+  std::vector<std::string> parts;
+  if (!condition.empty()) parts.push_back("(" + condition + ")");
+  if (!edge.rows.empty()) {
+    const Value& value = edge.rows[0][0];
+    const std::string null = first.Name() + " IS NULL";
+    if (value.IsNull()) {
+      if (!backwards) parts.push_back(null);
+    } else if (backwards) {
+      parts.push_back(first.Name() + " >= " + Literal(value, first));
+    } else {
+      const std::string bound = first.Name() + " <= " + Literal(value, first);
+      parts.push_back(condition.empty() ? "(" + bound + " OR " + null + ")" : bound);
+    }
+  }
+  return Select(Join(parts, " AND "), backwards, 0, count);
 }
 
 int64_t TOrvTable::DoMove(int64_t distance) {
@@ -295,7 +312,7 @@ void TOrvTable::DoFirst() {
 }
 
 void TOrvTable::DoLast() {
-  Rows rows = Select("", true, 0, kBlock);
+  Rows rows = Reach("", true, kBlock);
   std::optional<int64_t> place;
   if (count_) place = *count_ - static_cast<int64_t>(rows.size());
   const int64_t at = static_cast<int64_t>(rows.size()) - 1;
@@ -348,7 +365,7 @@ int64_t TOrvTable::RecNo() const {
     if (before) {
       block_place_ = database_.Scalar("SELECT COUNT(*) FROM " + physical_ + Where(*before)).AsInteger();
     } else {
-      // Without an order the place is found by looking.
+      // Without a key the place is found by looking.
       const Rows all = Select("", false, 0, RecordCount());
       const auto found = std::find(all.begin(), all.end(), block_.front());
       block_place_ = found == all.end() ? 0 : found - all.begin();

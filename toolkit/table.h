@@ -69,7 +69,7 @@ class TOrvTable : public DataSet {
   bool HasRow() const;
   const Row& Current() const { return block_[static_cast<std::size_t>(at_)]; }
   Rows Select(const std::string& condition, bool backwards, int64_t from, int64_t count) const;
-  // A condition for the rows behind (or before) one in the order; nothing without an order.
+  // A condition for the rows behind (or before) one in the order; nothing without a key.
   std::optional<std::string> Beyond(const Row& row, bool backwards) const;
   std::string BeyondValue(const Field& field, const Value& value, bool backwards) const;
   std::string Where(const std::string& condition) const;
@@ -81,6 +81,8 @@ class TOrvTable : public DataSet {
   bool Advance(bool backwards);
   // The rows next to one in the order, some if there are any.
   Rows Neighbours(const Row& row, bool backwards, int64_t count) const;
+  // The first rows in the order, or the last ones, among those of a condition on the order's first column.
+  Rows Reach(const std::string& condition, bool backwards, int64_t count) const;
   void StandOn(Rows block, int64_t at, std::optional<int64_t> place);
   void Forget();
   Rows& Page(int64_t page);

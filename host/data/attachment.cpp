@@ -91,6 +91,7 @@ bool Attachment::HasPendingWrites() const { return core_->Pending(); }
 void Attachment::BeginAction() { core_->BeginAction(); }
 void Attachment::EndAction() { core_->EndAction(); }
 void Attachment::RollbackAction() { core_->RollbackAction(); }
+void Attachment::LetGo() { core_->LetGo(); }
 void Attachment::Cancel() { core_->Cancel(); }
 void Attachment::SetConflictTime(std::chrono::milliseconds time) { core_->conflict_time = time; }
 std::size_t Attachment::CachedStatements() const { return core_->Cache().Size(); }

@@ -52,6 +52,9 @@ class Attachment : public TOrvDatabase {
   // transaction that only read.
   void EndAction();
   void RollbackAction();
+  // Ends a transaction that has only read, also amid an action that waits for its user: kept open it would
+  // hold old versions of rows back.
+  void LetGo();
 
   // From any thread: the statement that is running, a wait for another user's row included, fails with
   // DatabaseError of kind Cancelled. Nothing happens when none is running.

@@ -1,6 +1,9 @@
 #include "host/data/core.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 #include "toolkit/text.h"
@@ -115,6 +118,24 @@ Core::Running::~Running() {
   core_.attachment_->cancelOperation(call(), fb_cancel_enable);
 }
 
+Core::Core(Firebird::IAttachment* attachment, std::string database)
+    : attachment_(attachment), database_(std::move(database)) {
+  // A server's address is no file here.
+  struct stat found {};
+  if (stat(database_.c_str(), &found) == 0 && S_ISREG(found.st_mode)) file_.emplace(found.st_dev, found.st_ino);
+}
+
+void Core::RequireFile() const {
+  if (!file_) return;
+  struct stat found {};
+  const bool there = stat(database_.c_str(), &found) == 0;
+  if (there && *file_ == std::pair(found.st_dev, found.st_ino)) return;
+  throw DatabaseError(DatabaseError::Kind::Connection, there ? EEXIST : errno,
+                      "O arquivo do banco de dados foi removido ou substituído durante o uso. Nada foi gravado. "
+                      "Encerre todas as sessões, recupere o arquivo e entre novamente.",
+                      "the file at " + database_ + " is no longer the one that was opened");
+}
+
 Core::~Core() {
   try {
     Call call;
@@ -132,6 +153,7 @@ Core::~Core() {
 
 void Core::Start() {
   if (transaction_) return;
+  RequireFile();
   Call call;
   transaction_ = attachment_->startTransaction(call(), sizeof kTransaction, kTransaction);
   if (call.Failed()) transaction_ = nullptr;
@@ -291,6 +313,7 @@ void Core::End(bool keep) {
     pending_ = false;
     return;
   }
+  if (keep && pending_) RequireFile();
   Call call;
   if (open_cursors_ > 0) {
     if (keep)
@@ -341,8 +364,12 @@ void Core::EndAction() {
   actions_.pop_back();
   if (savepoint)
     Savepoint("RELEASE SAVEPOINT", actions_.size());
-  else if (actions_.empty() && !pending_ && open_cursors_ == 0)
-    Commit();  // Only read so far: a transaction that waits for the next action would hold versions back.
+  else if (actions_.empty())
+    LetGo();
+}
+
+void Core::LetGo() {
+  if (!pending_ && open_cursors_ == 0) Commit();
 }
 
 void Core::RollbackAction() {

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <thread>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/data/engine.h"
@@ -68,8 +69,7 @@ class StatementCache {
 class Core {
  public:
   // Takes the attachment over.
-  Core(Firebird::IAttachment* attachment, std::string database)
-      : attachment_(attachment), database_(std::move(database)) {}
+  Core(Firebird::IAttachment* attachment, std::string database);
   ~Core();
   Core(const Core&) = delete;
   Core& operator=(const Core&) = delete;
@@ -85,6 +85,7 @@ class Core {
   void BeginAction();
   void EndAction();
   void RollbackAction();
+  void LetGo();
   void Cancel();
 
   bool Pending() const { return pending_; }
@@ -104,6 +105,8 @@ class Core {
   };
 
   void Start();
+  // The engine goes on writing into a file that has lost its name: what it keeps would be nowhere.
+  void RequireFile() const;
   // Ends the transaction, or only what it wrote where a cursor is open.
   void End(bool keep);
   void Savepoint(std::string_view verb, std::size_t depth);
@@ -112,6 +115,8 @@ class Core {
 
   Firebird::IAttachment* attachment_;
   const std::string database_;
+  // An embedded database's file, as its device and its number there tell it.
+  std::optional<std::pair<dev_t, ino_t>> file_;
   Firebird::ITransaction* transaction_ = nullptr;
   StatementCache cache_;
   bool pending_ = false;

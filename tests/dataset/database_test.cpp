@@ -262,6 +262,14 @@ TEST_F(Tables, RowsAreWrittenAsTheyAre) {
   TOrvTable global(*attachment_, "tbMoeda", "MOEDA", false);
   global.Open();
   EXPECT_THROW(global.Append(), UserError);  // without a key it is read only
+  attachment_->Execute(
+      "EXECUTE BLOCK AS DECLARE N INTEGER = 0; BEGIN WHILE (N < 450) DO BEGIN INSERT INTO MOEDA (CODIGO, "
+      "NOME) "
+      "VALUES (:N, 'igual'); N = N + 1; END END");
+  global.SetIndexFieldNames("NOME");
+  int rows = 0;
+  for (global.First(); !global.Eof(); global.Next()) ++rows;
+  EXPECT_EQ(rows, 450);
 }
 
 TEST_F(Tables, AnotherUsersChangeIsTold) {

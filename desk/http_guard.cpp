@@ -1,0 +1,109 @@
+#include "desk/http_guard.h"
+
+#include <arpa/inet.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+
+#include "toolkit/error.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr std::string_view kPolicy =
+    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; font-src 'self'; "
+    "connect-src 'self'; base-uri 'none'; object-src 'none'; frame-ancestors 'none'; form-action 'self'";
+
+bool Number(const std::string& host) {
+  std::array<unsigned char, sizeof(in6_addr)> bytes{};
+  if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
+    return inet_pton(AF_INET6, host.substr(1, host.size() - 2).c_str(), bytes.data()) == 1;
+  }
+  return inet_pton(AF_INET, host.c_str(), bytes.data()) == 1;
+}
+
+// "mesa:8080" without its port.
+std::string WithoutPort(const std::string& host) {
+  const std::size_t colon = host.rfind(':');
+  if (colon == std::string::npos || host.find(']', colon) != std::string::npos) return host;
+  return host.substr(0, colon);
+}
+
+}  // namespace
+
+HttpGuard::HttpGuard(bool tls, std::string_view public_address, std::string proxy)
+    : tls_(tls), proxy_(std::move(proxy)) {
+  std::string address = Lower(Trim(public_address));
+  if (!address.empty() && address.back() == '/') address.pop_back();
+  const bool https = address.starts_with("https://");
+  if (!address.empty()) {
+    if (!https && !address.starts_with("http://")) throw UserError("O endereço público começa com https://.");
+    public_host_ = address.substr(https ? 8 : 7);
+    if (public_host_.empty() || public_host_.find_first_of("/?#@ ") != std::string::npos) {
+      throw UserError("O endereço público é só https://nome ou https://nome:porta.");
+    }
+    public_origin_ = address;
+  }
+  secure_ = tls_ || https;
+  cookie_ = secure_ ? "__Host-orvcc" : "orvcc";
+  std::array<char, 256> name{};
+  if (gethostname(name.data(), name.size() - 1) == 0) machine_ = Lower(std::string(name.data()));
+}
+
+bool HttpGuard::HostAccepted(const HttpRequest& request) const {
+  const std::string host = Lower(std::string(request.Header("host")));
+  if (!public_host_.empty() && host == public_host_) return true;
+  const std::string name = WithoutPort(host);
+  return name == "localhost" || Number(name) || (!machine_.empty() && name == machine_);
+}
+
+bool HttpGuard::OriginAccepted(const HttpRequest& request) const {
+  const std::string origin = Lower(std::string(request.Header("origin")));
+  if (origin.empty()) return false;
+  if (!public_origin_.empty() && origin == public_origin_) return true;
+  return origin == (tls_ ? "https://" : "http://") + Lower(std::string(request.Header("host")));
+}
+
+std::string HttpGuard::Asker(const HttpRequest& request) const {
+  if (proxy_.empty() || request.address != proxy_) return request.address;
+  // The proxy adds whom it saw at the end; what stands before is hearsay.
+  const std::string_view chain = request.Header("x-forwarded-for");
+  const std::string last(Trim(chain.substr(chain.rfind(',') + 1)));
+  const bool address = !last.empty() && (Number(last) || Number("[" + last + "]"));
+  return address ? last : request.address;
+}
+
+std::string HttpGuard::Token(const HttpRequest& request) const {
+  for (const std::string& part : Split(std::string(request.Header("cookie")), ";")) {
+    const std::string_view pair = Trim(part);
+    if (pair.size() > cookie_.size() && pair.starts_with(cookie_) && pair[cookie_.size()] == '=') {
+      return std::string(pair.substr(cookie_.size() + 1));
+    }
+  }
+  return "";
+}
+
+std::string HttpGuard::Cookie(std::string_view token) const {
+  return cookie_ + "=" + std::string(token) + "; Path=/; HttpOnly; SameSite=Strict" +
+         (secure_ ? "; Secure" : "");
+}
+
+std::string HttpGuard::SetCookie(std::string_view token) const { return Cookie(token); }
+
+std::string HttpGuard::ClearCookie() const { return Cookie("") + "; Max-Age=0"; }
+
+void HttpGuard::Finish(HttpResponse& response) const {
+  const bool cached = std::any_of(response.headers.begin(), response.headers.end(),
+                                  [](const auto& header) { return header.first == "Cache-Control"; });
+  if (!cached) response.headers.emplace_back("Cache-Control", "no-store");
+  response.headers.emplace_back("Content-Security-Policy", kPolicy);
+  response.headers.emplace_back("X-Content-Type-Options", "nosniff");
+  response.headers.emplace_back("Referrer-Policy", "no-referrer");
+  response.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");
+  response.headers.emplace_back("Cross-Origin-Resource-Policy", "same-origin");
+  if (secure_) response.headers.emplace_back("Strict-Transport-Security", "max-age=31536000");
+}
+
+}  // namespace orv

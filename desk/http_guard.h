@@ -1,0 +1,46 @@
+// Who may ask what over HTTP: the names under which the desk is reached, the origins of its pages, the session
+// cookie, and the headers that every answer carries.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "desk/http_types.h"
+
+namespace orv {
+
+class HttpGuard {
+ public:
+  // `tls` when the desk itself speaks TLS. `public_address` is where browsers find the desk behind a proxy,
+  // "https://mesa.exemplo.com", "" for none; `proxy` is the proxy's address, whose word on who asks is taken.
+  // Raises UserError when the public address isn't one.
+  HttpGuard(bool tls, std::string_view public_address, std::string proxy);
+
+  // The desk's own name: its public address, a number, the machine's name. Any other is somebody else's name
+  // that leads here.
+  bool HostAccepted(const HttpRequest& request) const;
+  // The request comes from a page of the desk, as browsers tell.
+  bool OriginAccepted(const HttpRequest& request) const;
+  // The address of who asks.
+  std::string Asker(const HttpRequest& request) const;
+
+  // "" when there is none.
+  std::string Token(const HttpRequest& request) const;
+  std::string SetCookie(std::string_view token) const;
+  std::string ClearCookie() const;
+
+  // Adds the headers that every answer carries.
+  void Finish(HttpResponse& response) const;
+
+ private:
+  std::string Cookie(std::string_view token) const;
+
+  bool tls_;
+  bool secure_;
+  std::string public_origin_, public_host_;
+  std::string proxy_;
+  std::string machine_;
+  std::string cookie_;
+};
+
+}  // namespace orv

@@ -1,0 +1,64 @@
+// What goes between the network and the desk: requests, responses, links. Everything here runs on the
+// network's thread.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orv {
+
+struct HttpRequest {
+  std::string method;
+  std::string path;     // before the "?"
+  std::string query;    // after it
+  std::string address;  // of the one who asks, as a number
+  std::string body;
+  // By name in lower case. Of a header that comes twice the values are joined by ", ".
+  std::map<std::string, std::string, std::less<>> headers;
+
+  std::string_view Header(std::string_view name) const {
+    const auto found = headers.find(name);
+    return found == headers.end() ? std::string_view() : std::string_view(found->second);
+  }
+};
+
+struct HttpResponse {
+  int status = 200;
+  std::string type = "application/json; charset=utf-8";
+  std::string body;
+  std::vector<std::pair<std::string, std::string>> headers;
+};
+
+using Respond = std::function<void(HttpResponse)>;
+
+// One WebSocket. Its messages are texts.
+class Link {
+ public:
+  virtual ~Link() = default;
+  // Sent in order. A link whose other end doesn't take what was sent is closed.
+  virtual void Send(std::string text) = 0;
+  // Closes after what was sent.
+  virtual void Close() = 0;
+  // The largest message that may come from now on, in bytes. A larger one closes the link.
+  virtual void LimitMessages(std::size_t bytes) = 0;
+};
+
+// The desk's side of the network.
+class HttpHandler {
+ public:
+  virtual ~HttpHandler() = default;
+  virtual void Handle(const HttpRequest& request, Respond respond) = 0;
+  // Whether a WebSocket may be opened: status 101 lets it, any other is the answer.
+  virtual HttpResponse Upgrade(const HttpRequest& request) = 0;
+  virtual void Opened(const std::shared_ptr<Link>& link, const HttpRequest& request) = 0;
+  // The next message is read after `next` was called.
+  virtual void Message(const std::shared_ptr<Link>& link, std::string text, std::function<void()> next) = 0;
+  virtual void Closed(const std::shared_ptr<Link>& link) = 0;
+};
+
+}  // namespace orv

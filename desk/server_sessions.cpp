@@ -1,0 +1,239 @@
+#include "desk/server_sessions.h"
+
+#include <algorithm>
+
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr std::size_t kSmallMessage = 1 << 20;
+// A message that is read off the network's thread.
+constexpr std::size_t kLongMessage = 64 << 10;
+// Objects that a link may send ahead of their answers.
+constexpr int kMostUnanswered = 32;
+
+Json ParseOrNull(const std::string& text) {
+  try {
+    return Json::Parse(text);
+  } catch (const JsonError&) {
+    // The session refuses what isn't an object, in its turn.
+    return {};
+  }
+}
+
+}  // namespace
+
+// An object of a session, as far as it matters here.
+struct ServerSessions::Said {
+  explicit Said(const Json& out) : kind(out["on"].String()), file(out["for"] == Json("file")), text(out.Text()) {}
+
+  std::string kind;
+  bool file;
+  std::string text;
+};
+
+struct ServerSessions::Window {
+  explicit Window(double messages) : rate(messages, 2 * messages) {}
+
+  std::string id, login, user;
+  std::unique_ptr<Session> session;
+  std::shared_ptr<Link> link;
+  Instant away_since{};
+  // The number that the display gave the latest object taken.
+  int64_t received = 0;
+  int unanswered = 0;
+  // A display that has come back is told nothing but progress until all is sent anew.
+  int refreshing = 0;
+  std::function<void()> next;  // reads on, once fewer are unanswered
+  RateLimit rate;
+  bool ending = false;
+  std::string end_text;
+};
+
+ServerSessions::ServerSessions(Limits limits, Hooks hooks, Log& log, HttpServer& network, Workers& workers)
+    : limits_(limits), hooks_(std::move(hooks)), log_(log), network_(network), workers_(workers) {}
+
+ServerSessions::~ServerSessions() = default;
+
+std::size_t ServerSessions::CountOf(const std::string& login) const {
+  return static_cast<std::size_t>(std::count_if(windows_.begin(), windows_.end(), [&](const auto& entry) {
+    return entry.second->login == login && !entry.second->ending;
+  }));
+}
+
+ServerSessions::WindowPointer ServerSessions::Of(const std::shared_ptr<Link>& link) const {
+  for (const auto& [id, window] : windows_) {
+    if (window->link == link) return window;
+  }
+  return nullptr;
+}
+
+void ServerSessions::Attach(const Login& login, const std::string& session,
+                            const std::shared_ptr<Link>& link) {
+  const auto found = windows_.find(session);
+  // Somebody else's session is none.
+  if (found != windows_.end() && found->second->login == login.id && !found->second->ending) {
+    Connect(found->second, link);
+  } else {
+    Begin(login, link);
+  }
+}
+
+void ServerSessions::Begin(const Login& login, const std::shared_ptr<Link>& link) {
+  const auto refuse = [&](const std::string& text) {
+    link->Send(Json{{"on", "ended"}, {"text", text}}.Text());
+    link->Close();
+  };
+  if (!MakeRoom(login.user)) {
+    refuse("Já há " + std::to_string(limits_.per_user) + " janelas abertas. Feche uma delas e entre de novo.");
+    return;
+  }
+  auto window = std::make_shared<Window>(limits_.messages_a_second);
+  window->id = RandomHex(64);
+  window->login = login.id;
+  window->user = login.user;
+  try {
+    window->session = std::make_unique<Session>(
+        hooks_.options(login), log_, [this, id = window->id](const Json& out) {
+          auto said = std::make_shared<Said>(out);
+          network_.Post([this, id, said] { Out(id, std::move(*said)); });
+        });
+  } catch (const UserError& e) {
+    refuse(e.what());
+    return;
+  }
+  windows_.emplace(window->id, window);
+  window->link = link;
+  link->Send(Json{{"on", "hello"}, {"session", window->id}, {"received", 0}}.Text());
+}
+
+void ServerSessions::Connect(const WindowPointer& window, const std::shared_ptr<Link>& link) {
+  // The link that is replaced is no longer listened to, so that what was received is certain.
+  if (window->link != nullptr) window->link->Close();
+  window->link = link;
+  window->next = nullptr;
+  ++window->refreshing;
+  link->Send(Json{{"on", "hello"}, {"session", window->id}, {"received", window->received}}.Text());
+  window->session->Refresh();
+}
+
+bool ServerSessions::MakeRoom(const std::string& user) {
+  std::size_t count = 0;
+  WindowPointer longest_away;
+  for (const auto& [id, window] : windows_) {
+    if (!SameText(window->user, user) || window->ending) continue;
+    ++count;
+    if (window->link == nullptr && (longest_away == nullptr || window->away_since < longest_away->away_since)) {
+      longest_away = window;
+    }
+  }
+  if (count < limits_.per_user) return true;
+  if (longest_away == nullptr) return false;
+  End(*longest_away, "A sessão deu lugar a outra janela.");
+  return true;
+}
+
+void ServerSessions::Detach(const std::shared_ptr<Link>& link) {
+  const WindowPointer window = Of(link);
+  if (window == nullptr) return;
+  window->link = nullptr;
+  window->next = nullptr;
+  window->away_since = hooks_.now();
+}
+
+void ServerSessions::Message(const std::shared_ptr<Link>& link, std::string text, std::function<void()> next) {
+  const WindowPointer window = Of(link);
+  if (window == nullptr || window->ending) return;
+  hooks_.used(window->login);
+  // One large message was asked for, not several.
+  if (text.size() > kSmallMessage) link->LimitMessages(kSmallMessage);
+  if (text.size() <= kLongMessage) {
+    Take(window, link, ParseOrNull(text), std::move(next));
+    return;
+  }
+  const bool taken = workers_.Do([this, window, link, text = std::move(text), next]() mutable {
+    auto in = std::make_shared<Json>(ParseOrNull(text));
+    network_.Post([this, window, link, in, next] { Take(window, link, std::move(*in), next); });
+  });
+  // The display sends it again when it comes back.
+  if (!taken) link->Close();
+}
+
+void ServerSessions::Take(const WindowPointer& window, const std::shared_ptr<Link>& link, Json in,
+                          std::function<void()> next) {
+  if (window->link != link || window->ending) return;
+  if (in["n"].IsInteger()) window->received = in["n"].Integer();
+  ++window->unanswered;
+  window->session->Post(std::move(in));
+
+  const auto wait = window->rate.Take(std::chrono::steady_clock::now());
+  if (wait.count() > 0) {
+    network_.After(wait, std::move(next));
+  } else if (window->unanswered >= kMostUnanswered) {
+    window->next = std::move(next);
+  } else {
+    next();
+  }
+}
+
+void ServerSessions::Out(const std::string& id, Said said) {
+  const auto found = windows_.find(id);
+  if (found == windows_.end()) return;
+  const WindowPointer window = found->second;
+  const std::string& kind = said.kind;
+
+  if (kind == "refresh") {
+    --window->refreshing;
+    // Its own answer comes on top of those of the objects taken.
+    ++window->unanswered;
+    return;
+  }
+  if (kind == "ended") {
+    if (!window->end_text.empty()) said.text = Json{{"on", "ended"}, {"text", window->end_text}}.Text();
+    if (window->link != nullptr) {
+      window->link->Send(std::move(said.text));
+      window->link->Close();
+    }
+    windows_.erase(id);
+    log_.Write("session ended", {{"user", window->user}, {"session", id.substr(0, 8)}});
+    if (gone_) gone_();
+    return;
+  }
+  const bool settled = kind == "idle" || kind == "waiting";
+  if (settled && window->unanswered > 0) --window->unanswered;
+  if (window->link != nullptr) {
+    if (settled) {
+      // A file may come where one was asked for, and only there.
+      window->link->LimitMessages(said.file ? limits_.max_upload / 3 * 4 + kSmallMessage : kSmallMessage);
+    }
+    if (window->refreshing == 0 || kind == "progress") window->link->Send(std::move(said.text));
+  }
+  if (window->next && window->unanswered < kMostUnanswered) std::exchange(window->next, nullptr)();
+}
+
+void ServerSessions::End(Window& window, const std::string& text) {
+  if (window.ending) return;
+  window.ending = true;
+  window.end_text = text;
+  window.session->End();
+}
+
+void ServerSessions::EndLogin(const std::string& login, const std::string& text) {
+  for (const auto& [id, window] : windows_) {
+    if (window->login == login) End(*window, text);
+  }
+}
+
+void ServerSessions::EndAll(const std::string& text) {
+  for (const auto& [id, window] : windows_) End(*window, text);
+}
+
+void ServerSessions::Sweep() {
+  const Instant now = hooks_.now();
+  for (const auto& [id, window] : windows_) {
+    if (window->link == nullptr && now - window->away_since >= limits_.grace) End(*window, "");
+  }
+}
+
+}  // namespace orv
