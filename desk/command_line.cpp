@@ -21,6 +21,7 @@ class Formatter : public CLI::Formatter {
     label("REQUIRED", "(obrigatório)");
     label("Env", "ambiente");
     label("Excludes", "exclui");
+    label("Needs", "exige");
   }
 
   std::string make_group(std::string group, bool positional,
@@ -60,6 +61,10 @@ std::string PortugueseError(const CLI::ParseError& error) {
     const auto [one, other] = Parted(text, " excludes ");
     return one + " e " + other + " não vão juntos.";
   }
+  if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
+    const auto [one, other] = Parted(text, " requires ");
+    return one + " exige " + other + ".";
+  }
   if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
     const auto [name, value] = Parted(Parted(text, "Could not convert: ").second, " = ");
     return name + ": \"" + value + "\" não é um número.";
@@ -78,8 +83,8 @@ CLI::Validator Between(int minimum, int maximum) {
     const char* const end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, number);
     if (read.ec == std::errc() && read.ptr == end && number >= minimum && number <= maximum) return "";
-    return "\"" + text + "\" não é um número de " + std::to_string(minimum) + " a " + std::to_string(maximum) +
-           ".";
+    return "\"" + text + "\" não é um número de " + std::to_string(minimum) + " a " +
+           std::to_string(maximum) + ".";
   };
   return CLI::Validator(check, "de " + std::to_string(minimum) + " a " + std::to_string(maximum));
 }

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 
@@ -63,14 +64,17 @@ void CheckAccount(House& house, const Lock& lock) {
 
 void RunInit(const Init& options) {
   const Date date = options.date.empty() ? Clock().Today() : ReadDate(options.date);
+  std::vector<std::string> suffixes;
+  for (const std::string& suffix : Split(options.companies, ",")) suffixes.emplace_back(Trim(suffix));
+  // A demonstration shows two companies beside each other, whoever names one.
+  if (options.demo && suffixes.size() == 1) suffixes.push_back(suffixes[0] == "_002" ? "_001" : "_002");
   std::vector<Company> companies;
-  for (const std::string& suffix : Split(options.companies, ",")) {
-    companies.push_back({std::string(Trim(suffix)), "Empresa " + std::string(Trim(suffix)).substr(1), ""});
-  }
+  for (const std::string& suffix : suffixes)
+    companies.push_back({suffix, "Empresa " + suffix.substr(std::min<std::size_t>(1, suffix.size())), ""});
   auto db = Attachment::Create(options.database);
   try {
     if (options.demo) {
-      MakeDemo(*db, {options.scale, date, std::max<int>(2, static_cast<int>(companies.size()))});
+      MakeDemo(*db, {options.scale, date, static_cast<int>(suffixes.size()), suffixes});
     } else {
       CreateSchema(*db, companies);
     }

@@ -24,6 +24,17 @@ struct Drive {
 // The exit status: 0 when every line was understood.
 int RunDrive(const Drive& options);
 
+struct Serve {
+  std::string database, listen = "127.0.0.1:8080", data, certificate, key, log, web, address, proxy, today;
+  int idle = 30, absolute = 12, grace = 10;  // minutes, hours, minutes
+  int windows = 8, upload = 64;              // of one user, megabytes
+};
+// Serves until SIGTERM or SIGINT.
+void RunServe(const Serve& options);
+// Who is logged in at the desk that runs on this data folder.
+void SessionList(const std::string& data);
+void SessionEnd(const std::string& data, const std::string& id);
+
 struct User {
   std::string database, name, screen_class, kinds;
   bool admin = false;

@@ -1,23 +1,13 @@
 // The door on standard input and standard output.
-#include <cstdlib>
 #include <iostream>
 
 #include "desk/client.h"
 #include "desk/commands.h"
+#include "desk/folders.h"
 #include "frame/module.h"
 
 namespace orv::commands {
 namespace {
-
-// Folders of users' files: --data, or $XDG_DATA_HOME/orvcc, or ~/.local/share/orvcc.
-std::filesystem::path DataFolder(const std::string& given) {
-  if (!given.empty()) return given;
-  if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg != nullptr && *xdg != '\0') {
-    return std::filesystem::path(xdg) / "orvcc";
-  }
-  const char* home = std::getenv("HOME");
-  return std::filesystem::path(home != nullptr ? home : "/tmp") / ".local/share/orvcc";
-}
 
 void Print(const Json& out) { std::cout << out.Text() << "\n"; }
 
@@ -31,7 +21,7 @@ int RunDrive(const Drive& options) {
   session.user = options.user;
   session.company = options.company;
   if (!options.today.empty()) session.clock = Clock(Date::ParseNeutral(options.today));
-  session.folder = DataFolder(options.data) / options.user;
+  session.folder = UserFolder(DataFolder(options.data), options.user);
   DoorClient client(std::move(session), log);
 
   int status = 0;

@@ -67,7 +67,8 @@ HttpFiles::HttpFiles(const std::filesystem::path& folder) {
       file.compressed = Content(compressed);
     }
     size += file.body.size() + file.compressed.size();
-    if (size > kMostBytes) throw UserError("A pasta " + folder.string() + " é grande demais para uma página.");
+    if (size > kMostBytes)
+      throw UserError("A pasta " + folder.string() + " é grande demais para uma página.");
     files_.emplace("/" + path.lexically_relative(folder).generic_string(), std::move(file));
   }
   if (!files_.contains("/index.html")) {
@@ -85,8 +86,8 @@ HttpResponse HttpFiles::Get(const HttpRequest& request) const {
     response.type.clear();
     return response;
   }
-  const bool compressed = !file.compressed.empty() &&
-                          request.Header("accept-encoding").find("gzip") != std::string_view::npos;
+  const bool compressed =
+      !file.compressed.empty() && request.Header("accept-encoding").find("gzip") != std::string_view::npos;
   if (!file.compressed.empty()) response.headers.emplace_back("Vary", "Accept-Encoding");
   if (compressed) response.headers.emplace_back("Content-Encoding", "gzip");
   response.body = compressed ? file.compressed : file.body;

@@ -1,5 +1,5 @@
-// Who may ask what over HTTP: the names under which the desk is reached, the origins of its pages, the session
-// cookie, and the headers that every answer carries.
+// Who may ask what over HTTP: the names under which the desk is reached, the origins of its pages, the
+// session cookie, and the headers that every answer carries.
 #pragma once
 
 #include <string>

@@ -1,16 +1,16 @@
 #include "desk/http_server.h"
 
-#include <boost/asio.hpp>
-#include <boost/asio/ssl.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
-#include <boost/beast/ssl.hpp>
 #include <boost/beast/websocket.hpp>
-#include <boost/beast/websocket/ssl.hpp>
 #include <deque>
 #include <optional>
 #include <set>
 
+#include "desk/http_stream.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -94,8 +94,7 @@ http::response<http::string_body> Message(HttpResponse response, const http::req
 }
 
 // A WebSocket on a stream.
-template <class Stream>
-class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<Stream>> {
+class SocketLink : public Link, public std::enable_shared_from_this<SocketLink> {
  public:
   SocketLink(std::shared_ptr<Counted> counted, Network& network, Stream stream)
       : counted_(std::move(counted)), network_(network), socket_(std::move(stream)) {}
@@ -115,7 +114,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<S
     socket_.text(true);
     message_ = std::move(message);
     request_ = std::move(request);
-    socket_.async_accept(message_, [self = this->shared_from_this()](error_code error) {
+    socket_.async_accept(message_, [self = shared_from_this()](error_code error) {
       if (error) return;
       self->open_ = true;
       self->network_.handler.Opened(self, self->request_);
@@ -144,7 +143,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<S
 
  private:
   void Read() {
-    socket_.async_read(buffer_, [self = this->shared_from_this()](error_code error, std::size_t) {
+    socket_.async_read(buffer_, [self = shared_from_this()](error_code error, std::size_t) {
       if (error || self->closing_) {
         self->Ended();
         return;
@@ -165,7 +164,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<S
 
   void Write() {
     socket_.async_write(asio::buffer(queue_.front()),
-                        [self = this->shared_from_this()](error_code error, std::size_t) {
+                        [self = shared_from_this()](error_code error, std::size_t) {
                           if (!self->open_) return;
                           if (error) {
                             self->Ended();
@@ -183,7 +182,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<S
 
   void SayGoodbye() {
     socket_.async_close(websocket::close_code::normal,
-                        [self = this->shared_from_this()](error_code) { self->Ended(); });
+                        [self = shared_from_this()](error_code) { self->Ended(); });
   }
 
   void Drop() {
@@ -193,7 +192,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<S
 
   void Ended() {
     if (!std::exchange(open_, false)) return;
-    network_.handler.Closed(this->shared_from_this());
+    network_.handler.Closed(shared_from_this());
   }
 
   std::shared_ptr<Counted> counted_;
@@ -209,8 +208,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink<S
 };
 
 // A connection that speaks HTTP.
-template <class Stream>
-class Connection : public Waiting, public std::enable_shared_from_this<Connection<Stream>> {
+class Connection : public Waiting, public std::enable_shared_from_this<Connection> {
  public:
   Connection(Network& network, Stream stream, std::string address)
       : counted_(std::make_shared<Counted>(network)),
@@ -222,15 +220,10 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
   void Cut() override { beast::get_lowest_layer(stream_).cancel(); }
 
   void Start() {
-    if constexpr (std::is_same_v<Stream, beast::tcp_stream>) {
-      Wait();
-    } else {
-      Deadline(network_.options.request_time);
-      stream_.async_handshake(asio::ssl::stream_base::server,
-                              [self = this->shared_from_this()](error_code error) {
-                                if (!error) self->Wait();
-                              });
-    }
+    Deadline(network_.options.request_time);
+    stream_.Handshake(Completion([self = shared_from_this()](error_code error) {
+      if (!error) self->Wait();
+    }));
   }
 
  private:
@@ -246,7 +239,7 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
     }
     network_.waiting.insert(this);
     stream_.async_read_some(buffer_.prepare(4096),
-                            [self = this->shared_from_this()](error_code error, std::size_t size) {
+                            [self = shared_from_this()](error_code error, std::size_t size) {
                               self->network_.waiting.erase(self.get());
                               if (error) return;
                               self->buffer_.commit(size);
@@ -262,7 +255,7 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
     parser_->header_limit(kMaxHeader);
     parser_->body_limit(kMaxBody);
     http::async_read(stream_, buffer_, *parser_,
-                     [self = this->shared_from_this()](error_code error, std::size_t) { self->Got(error); });
+                     [self = shared_from_this()](error_code error, std::size_t) { self->Got(error); });
   }
 
   void Got(error_code error) {
@@ -289,14 +282,13 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
         Answer(std::move(answer));
         return;
       }
-      auto link = std::make_shared<SocketLink<Stream>>(counted_, network_, std::move(stream_));
+      auto link = std::make_shared<SocketLink>(counted_, network_, std::move(stream_));
       link->Accept(std::move(message_), std::move(request));
       return;
     }
     beast::get_lowest_layer(stream_).expires_never();
-    network_.handler.Handle(request, [self = this->shared_from_this()](HttpResponse response) {
-      self->Answer(std::move(response));
-    });
+    network_.handler.Handle(
+        request, [self = shared_from_this()](HttpResponse response) { self->Answer(std::move(response)); });
   }
 
   void Refuse(int status) {
@@ -308,10 +300,11 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
 
   void Answer(HttpResponse response) {
     Deadline(network_.options.request_time);
+    network_.handler.Finish(response);
     answer_ = Message(std::move(response), message_);
     const bool empty = message_.method() == http::verb::head || answer_.result_int() == 304;
     serializer_.emplace(answer_);
-    const auto done = [self = this->shared_from_this()](error_code error, std::size_t) {
+    const auto done = [self = shared_from_this()](error_code error, std::size_t) {
       if (error) return;
       if (self->answer_.keep_alive()) {
         self->Wait();
@@ -327,12 +320,7 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
   }
 
   void HangUp() {
-    if constexpr (std::is_same_v<Stream, beast::tcp_stream>) {
-      error_code ignored;
-      stream_.socket().shutdown(tcp::socket::shutdown_send, ignored);
-    } else {
-      stream_.async_shutdown([self = this->shared_from_this()](error_code) {});
-    }
+    stream_.Teardown(beast::role_type::server, Completion([self = shared_from_this()](error_code) {}));
   }
 
   std::shared_ptr<Counted> counted_;
@@ -347,27 +335,12 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
   bool first_ = true;
 };
 
-using TlsStream = beast::ssl_stream<beast::tcp_stream>;
-
 }  // namespace
 
 struct HttpServer::Parts : Network {
   Parts(const Options& given, HttpHandler& desk) : Network(given, desk), acceptor(io), pause(io) {
-    if (!options.certificate.empty()) UseTls();
+    if (!options.certificate.empty()) tls = MakeTlsContext(options.certificate, options.key);
     Listen();
-  }
-
-  void UseTls() {
-    try {
-      tls.emplace(asio::ssl::context::tls_server);
-      tls->set_options(asio::ssl::context::default_workarounds | asio::ssl::context::no_tlsv1 |
-                       asio::ssl::context::no_tlsv1_1 | asio::ssl::context::single_dh_use);
-      SSL_CTX_set_options(tls->native_handle(), SSL_OP_NO_COMPRESSION | SSL_OP_NO_RENEGOTIATION);
-      tls->use_certificate_chain_file(options.certificate);
-      tls->use_private_key_file(options.key, asio::ssl::context::pem);
-    } catch (const boost::system::system_error& e) {
-      throw UserError("O certificado ou a sua chave não pode ser usado: " + e.code().message() + ".");
-    }
   }
 
   void Listen() {
@@ -407,16 +380,10 @@ struct HttpServer::Parts : Network {
     if (error) return;
     socket.set_option(tcp::no_delay(true), error);
     std::string address = remote.address().to_string();
-    beast::tcp_stream stream(std::move(socket));
-    if (tls) {
-      std::make_shared<Connection<TlsStream>>(*this, TlsStream(std::move(stream), *tls), std::move(address))
-          ->Start();
-    } else {
-      std::make_shared<Connection<beast::tcp_stream>>(*this, std::move(stream), std::move(address))->Start();
-    }
+    std::make_shared<Connection>(*this, Stream(std::move(socket), tls.get()), std::move(address))->Start();
   }
 
-  std::optional<asio::ssl::context> tls;
+  TlsContextPointer tls;
   tcp::acceptor acceptor;
   asio::steady_timer pause;
 };

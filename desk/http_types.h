@@ -52,6 +52,8 @@ class Link {
 class HttpHandler {
  public:
   virtual ~HttpHandler() = default;
+  // Adds what every answer carries.
+  virtual void Finish(HttpResponse& response) = 0;
   virtual void Handle(const HttpRequest& request, Respond respond) = 0;
   // Whether a WebSocket may be opened: status 101 lets it, any other is the answer.
   virtual HttpResponse Upgrade(const HttpRequest& request) = 0;

@@ -82,6 +82,48 @@ void AddLockCommands(CLI::App& app, Lock& lock) {
   add("list", "Lista os períodos fechados", LockList);
 }
 
+void AddServeCommands(CLI::App& app, Serve& serve, std::string& id) {
+  CLI::App* command = app.add_subcommand("serve", "A mesa no navegador, até SIGTERM ou Ctrl+C");
+  Database(command, serve.database);
+  command->add_option("--listen", serve.listen, "Endereço e porta")->capture_default_str();
+  command->add_option("--certificate", serve.certificate, "Certificado TLS com a sua cadeia, em PEM");
+  command->add_option("--key", serve.key, "Chave do certificado, em PEM");
+  command->get_option("--certificate")->needs("--key");
+  command->get_option("--key")->needs("--certificate");
+  command->add_option("--address", serve.address,
+                      "Endereço público, atrás de um proxy: https://mesa.exemplo.com");
+  command->add_option("--proxy", serve.proxy, "Endereço do proxy, cujo X-Forwarded-For é aceito");
+  command->add_option("--log", serve.log, "Arquivo de log; sem ele, a saída de erros");
+  command->add_option("--web", serve.web, "Pasta da página; sem ela, a que está com o programa");
+  command->add_option("--idle", serve.idle, "Minutos sem uso até a sessão terminar")
+      ->check(Between(1, 1440))
+      ->capture_default_str();
+  command->add_option("--absolute", serve.absolute, "Horas até a sessão terminar, mesmo em uso")
+      ->check(Between(1, 168))
+      ->capture_default_str();
+  command->add_option("--grace", serve.grace, "Minutos em que uma janela sem conexão espera a volta")
+      ->check(Between(0, 1440))
+      ->capture_default_str();
+  command->add_option("--windows", serve.windows, "Janelas de um usuário ao mesmo tempo")
+      ->check(Between(1, 100))
+      ->capture_default_str();
+  command->add_option("--upload", serve.upload, "Tamanho máximo de um arquivo enviado, em MB")
+      ->check(Between(1, 512))
+      ->capture_default_str();
+  command->add_option("--today", serve.today, "O dia de hoje da mesa, aaaa-mm-dd");
+  command->callback([&serve] { RunServe(serve); });
+
+  CLI::App* group = app.add_subcommand("session", "Quem está na mesa que está em uso")->require_subcommand(1);
+  CLI::App* list = group->add_subcommand("list", "Lista as sessões");
+  list->callback([&serve] { SessionList(serve.data); });
+  CLI::App* end = group->add_subcommand("end", "Encerra uma sessão, com todas as suas janelas");
+  end->add_option("id", id, "Código da sessão, como em \"session list\"")->required();
+  end->callback([&serve, &id] { SessionEnd(serve.data, id); });
+  for (CLI::App* one : {command, list, end}) {
+    one->add_option("--data", serve.data, "Pasta de dados da mesa");
+  }
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{"orvCC: a mesa de tesouraria"};
   SpeakPortuguese(app);
@@ -92,8 +134,7 @@ int Run(int argc, char** argv) {
   CLI::App* command = app.add_subcommand("init", "Cria um banco; não toca em um que já existe");
   Database(command, init.database);
   command->add_flag("--demo", init.demo, "Com empresas de demonstração: dois anos de movimento");
-  command->add_option("--scale", init.scale, "Quantas vezes maior é a demonstração")
-      ->check(Between(1, 250));
+  command->add_option("--scale", init.scale, "Quantas vezes maior é a demonstração")->check(Between(1, 250));
   command->add_option("--companies", init.companies, "Empresas, como _001,_002")->capture_default_str();
   command->add_option("--date", init.date, "Dia em que a demonstração termina, aaaa-mm-dd");
   command->callback([&] { RunInit(init); });
@@ -107,6 +148,10 @@ int Run(int argc, char** argv) {
   command->add_option("--today", drive.today, "O dia de hoje da mesa, aaaa-mm-dd");
   command->add_option("--data", drive.data, "Pasta dos arquivos dos usuários");
   command->callback([&] { status = RunDrive(drive); });
+
+  Serve serve;
+  std::string session;
+  AddServeCommands(app, serve, session);
 
   User user;
   AddUserCommands(app, user);

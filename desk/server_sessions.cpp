@@ -26,7 +26,8 @@ Json ParseOrNull(const std::string& text) {
 
 // An object of a session, as far as it matters here.
 struct ServerSessions::Said {
-  explicit Said(const Json& out) : kind(out["on"].String()), file(out["for"] == Json("file")), text(out.Text()) {}
+  explicit Said(const Json& out)
+      : kind(out["on"].String()), file(out["for"] == Json("file")), text(out.Text()) {}
 
   std::string kind;
   bool file;
@@ -86,7 +87,8 @@ void ServerSessions::Begin(const Login& login, const std::shared_ptr<Link>& link
     link->Close();
   };
   if (!MakeRoom(login.user)) {
-    refuse("Já há " + std::to_string(limits_.per_user) + " janelas abertas. Feche uma delas e entre de novo.");
+    refuse("Já há " + std::to_string(limits_.per_user) +
+           " janelas abertas. Feche uma delas e entre de novo.");
     return;
   }
   auto window = std::make_shared<Window>(limits_.messages_a_second);
@@ -94,8 +96,8 @@ void ServerSessions::Begin(const Login& login, const std::shared_ptr<Link>& link
   window->login = login.id;
   window->user = login.user;
   try {
-    window->session = std::make_unique<Session>(
-        hooks_.options(login), log_, [this, id = window->id](const Json& out) {
+    window->session =
+        std::make_unique<Session>(hooks_.options(login), log_, [this, id = window->id](const Json& out) {
           auto said = std::make_shared<Said>(out);
           network_.Post([this, id, said] { Out(id, std::move(*said)); });
         });
@@ -124,7 +126,8 @@ bool ServerSessions::MakeRoom(const std::string& user) {
   for (const auto& [id, window] : windows_) {
     if (!SameText(window->user, user) || window->ending) continue;
     ++count;
-    if (window->link == nullptr && (longest_away == nullptr || window->away_since < longest_away->away_since)) {
+    if (window->link == nullptr &&
+        (longest_away == nullptr || window->away_since < longest_away->away_since)) {
       longest_away = window;
     }
   }
@@ -142,7 +145,8 @@ void ServerSessions::Detach(const std::shared_ptr<Link>& link) {
   window->away_since = hooks_.now();
 }
 
-void ServerSessions::Message(const std::shared_ptr<Link>& link, std::string text, std::function<void()> next) {
+void ServerSessions::Message(const std::shared_ptr<Link>& link, std::string text,
+                             std::function<void()> next) {
   const WindowPointer window = Of(link);
   if (window == nullptr || window->ending) return;
   hooks_.used(window->login);

@@ -12,8 +12,8 @@
 #include "desk/http_server.h"
 #include "desk/log.h"
 #include "desk/logins.h"
-#include "desk/session.h"
 #include "desk/server_workers.h"
+#include "desk/session.h"
 
 namespace orv {
 
@@ -65,7 +65,8 @@ class ServerSessions {
   // False when all of the user's windows are in use.
   bool MakeRoom(const std::string& user);
   WindowPointer Of(const std::shared_ptr<Link>& link) const;
-  void Take(const WindowPointer& window, const std::shared_ptr<Link>& link, Json in, std::function<void()> next);
+  void Take(const WindowPointer& window, const std::shared_ptr<Link>& link, Json in,
+            std::function<void()> next);
   struct Said;
   void Out(const std::string& id, Said said);
   void End(Window& window, const std::string& text);

@@ -51,9 +51,9 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // From any thread: queues an object in. "cancel" during a long gathering ends that action.
   void Post(Json in);
-  // From any thread, for a display that comes back: after the objects queued so far, sends "refresh", then all
-  // that is open as if it were new: the screens from the bottom with their sets and focus, the question, and
-  // the "idle" or "waiting" that stands.
+  // From any thread, for a display that comes back: after the objects queued so far, sends "refresh", then
+  // all that is open as if it were new: the screens from the bottom with their sets and focus, the question,
+  // and the "idle" or "waiting" that stands.
   void Refresh();
   // From any thread: the session ends as soon as it waits for the next object, and a statement that runs is
   // cancelled; an open action is unwound and rolled back.
@@ -155,7 +155,8 @@ class Session : private UserInterface, private ApplicationObserver {
   int64_t next_id_ = 1;
   // The screen that the display takes to be on top; another one is told.
   int64_t front_ = 0;
-  // What a display that comes back must be told: the open question, what ended the latest answer, the busy mark.
+  // What a display that comes back must be told: the open question, what ended the latest answer, the busy
+  // mark.
   Json question_;
   Json settled_;
   bool busy_ = false;

@@ -59,8 +59,8 @@ void TfmCC::Desenha() {
         GbConsLanc { dtInicio dtFim } GbConsVenc { dtVencIni dtVencFim }
         GbConsCont { dtContIni dtContFim } GbConsValor { EdtValorDe EdtValorAte } /
         EdtConsLanc EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo /
-        EdtAObs edtCodHist PqHist edtDescHist EdtDocto /
-        RgBusca RgTipo BitBtn5 BitBtn6 /
+        EdtAObs edtCodHist PqHist edtDescHist RgBusca /
+        EdtDocto RgTipo BitBtn5 BitBtn6 /
         DBGridApagar /
         EdtDebito EdtCredito EdtSaldo DtBaixaComp SpeedButton8 SpeedButton6
       }

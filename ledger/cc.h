@@ -272,8 +272,9 @@ class ORV_EXPORT TfmCC : public Child {
   bool ValidaCampos();
   bool ValidaRateioClasse();
   void GravaLancamento();
-  // Takes the loaded row out of the table, by its identity and as it was loaded. Raises UserError when another
-  // user has changed or deleted it since.
+  // Raises UserError when another user has changed or deleted the loaded row since.
+  void ExigeInalterado() const;
+  // Takes the loaded row out of the table, by its identity and as it was loaded. Raises as above.
   void RetiraLancamento();
   void LimpaTela();
   void ModoEdicao(bool edicao);

@@ -19,6 +19,10 @@ class Filling {
 
 constexpr const char* kDataContabil = "A Data de Contabilização deve ser maior que a Data de Lançamento.";
 
+constexpr const char* kAlterado =
+    "Outro usuário alterou este registro depois que ele foi carregado. Nada foi gravado. Cancele e "
+    "consulte-o novamente.";
+
 enum Situacao { kPendente = 0, kBaixado = 1, kConciliado = 2 };
 
 }  // namespace
@@ -100,6 +104,8 @@ void TfmCC::SpeedButton2Click() {
   if (fin30_) {
     // What the apportionment by class has stored goes with the refusal.
     if (!ValidaContabilidade()) Abort();
+    // The entries are committed before the movement is written.
+    ExigeInalterado();
     Contabil.DeletaContabilidadeFinan(EdtLancto.Text());
     GravaContabilidade();
   }
@@ -279,17 +285,22 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   ValorDocumento();
 }
 
+void TfmCC::ExigeInalterado() const {
+  if (!versao_) return;
+  const auto linhas = Tabela.IBDatabase().Rows(
+      "SELECT FIRST 1 1 FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+      Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) +
+      " AND RDB$RECORD_VERSION = " + std::to_string(*versao_));
+  if (linhas.empty()) throw UserError(kAlterado);
+}
+
 void TfmCC::RetiraLancamento() {
   // One statement both looks and takes the row away, so that nobody comes in between.
-  const std::string versao = versao_ ? " AND RDB$RECORD_VERSION = " + std::to_string(*versao_) : "";
   const int64_t retiradas = Tabela.IBDatabase().Execute(
       "DELETE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
-      Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) + versao);
-  if (versao_ && retiradas == 0) {
-    throw UserError(
-        "Outro usuário alterou este registro depois que ele foi carregado. Nada foi gravado. Cancele e "
-        "consulte-o novamente.");
-  }
+      Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) +
+      (versao_ ? " AND RDB$RECORD_VERSION = " + std::to_string(*versao_) : ""));
+  if (versao_ && retiradas == 0) throw UserError(kAlterado);
 }
 
 void TfmCC::GravaLancamento() {

@@ -119,7 +119,7 @@ void MemoryDataSet::AppendRow(std::span<Value> values) {
     StandOn(0);
     SetEnds(true, false);
   } else if (current_ != kNoRow && !order_.empty()) {
-    position_ = static_cast<int64_t>(PositionIn(View(), current_));
+    StandAt(current_);
   }
   Changed();
 }
@@ -132,16 +132,26 @@ void MemoryDataSet::StandOn(int64_t position) {
   current_ = position_ < 0 ? kNoRow : View().At(static_cast<std::size_t>(position_));
 }
 
+void MemoryDataSet::StandAt(RowId row) {
+  current_ = row;
+  position_ = kUnplaced;
+}
+
+int64_t MemoryDataSet::Position() const {
+  if (position_ == kUnplaced) position_ = static_cast<int64_t>(PositionIn(View(), current_));
+  return position_;
+}
+
 int64_t MemoryDataSet::RecNo() const {
-  return State() == DataSetState::Insert ? insert_at_ + 1 : position_ + 1;
+  return State() == DataSetState::Insert ? insert_at_ + 1 : Position() + 1;
 }
 
 int64_t MemoryDataSet::RecordCount() const { return static_cast<int64_t>(View().Size()); }
 
 int64_t MemoryDataSet::DoMove(int64_t distance) {
-  if (position_ < 0) return 0;
-  const int64_t before = position_;
-  StandOn(position_ + distance);
+  if (current_ == kNoRow) return 0;
+  const int64_t before = Position();
+  StandOn(before + distance);
   return position_ - before;
 }
 
@@ -172,7 +182,7 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
   if (BeforeScroll) BeforeScroll();
   CheckBrowse();
   if (found >= store_.Bound() || !store_.IsLive(found) || !Passes(found)) return false;
-  StandOn(static_cast<int64_t>(PositionIn(View(), found)));
+  StandAt(found);
   SetEnds(false, false);
   Scrolled();
   return true;
@@ -215,7 +225,7 @@ void MemoryDataSet::SetCurrentValue(int field, Value value) {
 
 void MemoryDataSet::DoInsert(bool append) {
   buffer_.assign(store_.Columns(), Value());
-  insert_at_ = append || position_ < 0 ? RecordCount() : position_;
+  insert_at_ = append || current_ == kNoRow ? RecordCount() : Position();
 }
 
 void MemoryDataSet::DoEdit() {
@@ -240,7 +250,11 @@ void MemoryDataSet::DoPost() {
   std::move(buffer_.begin(), buffer_.end(), store_.Cells(row));
   Link(row);
   // A row that doesn't pass the filter leaves the cursor on the one that has its place.
-  StandOn(Passes(row) ? static_cast<int64_t>(PositionIn(View(), row)) : place);
+  if (Passes(row)) {
+    StandAt(row);
+  } else {
+    StandOn(place);
+  }
 }
 
 // Moves the row in edit to its cells, and touches only what its changes concern.
@@ -257,8 +271,9 @@ void MemoryDataSet::StoreEdit() {
     if (std::any_of(index->Columns().begin(), index->Columns().end(), differs))
       touched.push_back(index.get());
   }
-  ChangedFrom(position_);
-  if (active_filter_ && (moves || !stays)) filtered_view_.Erase(static_cast<std::size_t>(position_));
+  const int64_t place = Position();
+  ChangedFrom(place);
+  if (active_filter_ && (moves || !stays)) filtered_view_.Erase(static_cast<std::size_t>(place));
   if (moves) full_view_.Erase(PositionIn(full_view_, row));
   for (RowIndex* index : touched) index->Remove(row);
   std::move(buffer_.begin(), buffer_.end(), cells);
@@ -266,17 +281,21 @@ void MemoryDataSet::StoreEdit() {
   if (moves) full_view_.Insert(PositionIn(full_view_, row), row);
   if (active_filter_ && moves && stays) filtered_view_.Insert(PositionIn(filtered_view_, row), row);
   // A row that no longer passes the filter leaves the cursor on the next one.
-  if (moves || !stays) StandOn(stays ? static_cast<int64_t>(PositionIn(View(), row)) : position_);
-  ChangedFrom(position_);
+  if (!stays) {
+    StandOn(place);
+  } else if (moves) {
+    StandAt(row);
+  }
+  ChangedFrom(Position());
 }
 
 void MemoryDataSet::DoCancel() {
   buffer_.clear();
-  StandOn(position_);
+  StandOn(Position());
 }
 
 bool MemoryDataSet::DoDelete() {
-  const int64_t place = position_;
+  const int64_t place = Position();
   ChangedFrom(place);
   if (active_filter_) {
     filtered_view_.Erase(static_cast<std::size_t>(place));
@@ -336,7 +355,7 @@ void MemoryDataSet::SetIndexFieldNames(std::string_view names) {
     std::erase_if(rows, [&](RowId row) { return !Passes(row); });
     filtered_view_.Assign(rows);
   }
-  if (current_ != kNoRow) position_ = static_cast<int64_t>(PositionIn(View(), current_));
+  if (current_ != kNoRow) StandAt(current_);
   Changed();
 }
 
@@ -402,7 +421,11 @@ void MemoryDataSet::Refilter(std::shared_ptr<const Filter> filter) {
   }
   const RowId row = current_;
   const bool stays = row != kNoRow && Passes(row);
-  StandOn(stays ? static_cast<int64_t>(PositionIn(View(), row)) : 0);
+  if (stays) {
+    StandAt(row);
+  } else {
+    StandOn(0);
+  }
   SetEnds(IsEmpty(), IsEmpty());
   if (stays) {
     Changed();

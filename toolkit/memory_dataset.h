@@ -75,6 +75,9 @@ class MemoryDataSet : public DataSet {
   void Link(RowId row);
   void StoreEdit();
   void StandOn(int64_t position);
+  void StandAt(RowId row);
+  // The cursor's place in the view, -1 without rows.
+  int64_t Position() const;
   void SortRows(std::vector<RowId>& rows) const;
   void Refilter(std::shared_ptr<const Filter> filter);
   std::shared_ptr<const Filter> Parsed(std::string_view text);
@@ -98,9 +101,11 @@ class MemoryDataSet : public DataSet {
     std::vector<Value> wanted;
     int64_t rows = 0;
   } searched_;
-  // The cursor: a row and its place in the view. The row in edit is a copy until it is posted.
+  // The cursor: a row and its place in the view, which is looked for when somebody asks. The row in edit is a
+  // copy until it is posted.
+  static constexpr int64_t kUnplaced = -2;
   RowId current_ = kNoRow;
-  int64_t position_ = -1;
+  mutable int64_t position_ = -1;
   std::vector<Value> buffer_;
   int64_t insert_at_ = 0;
 };

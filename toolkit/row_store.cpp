@@ -152,8 +152,7 @@ void RowSequence::Erase(std::size_t position) {
 RowIndex::RowIndex(const RowStore& store, std::vector<int> columns)
     : store_(store), columns_(std::move(columns)) {
   heads_.assign(std::max<std::size_t>(16, std::size_t{1} << std::bit_width(store.Live())), kNoRow);
-  next_.reserve(store.Bound());
-  previous_.reserve(store.Bound());
+  links_.reserve(store.Bound());
   // Backwards, so that a chain gives the rows in the order in which they were added.
   for (RowId row = store.Bound(); row-- > 0;) {
     if (store.IsLive(row)) Add(row);
@@ -167,52 +166,51 @@ std::size_t Mix(std::size_t hash, std::size_t value) {
   return hash * 0xFF51AFD7ED558CCDULL;
 }
 
-std::size_t Spread(std::size_t hash) { return hash ^ (hash >> 32); }
+uint32_t Spread(std::size_t hash) { return static_cast<uint32_t>(hash ^ (hash >> 32)); }
 
 }  // namespace
 
-std::size_t RowIndex::HashRow(RowId row) const {
+uint32_t RowIndex::HashRow(RowId row) const {
   const Value* cells = store_.Cells(row);
   std::size_t hash = 0;
   for (const int column : columns_) hash = Mix(hash, cells[column].Hash());
   return Spread(hash);
 }
 
-void RowIndex::Link(RowId row, std::size_t hash) {
-  RowId& head = heads_[hash & (heads_.size() - 1)];
-  next_[row] = head;
-  previous_[row] = kNoRow;
-  if (head != kNoRow) previous_[head] = row;
+void RowIndex::Chain(RowId row) {
+  Link& link = links_[row];
+  RowId& head = heads_[link.hash & (heads_.size() - 1)];
+  link.next = head;
+  link.previous = kNoRow;
+  if (head != kNoRow) links_[head].previous = row;
   head = row;
 }
 
 void RowIndex::Add(RowId row) {
-  if (row >= next_.size()) {
-    const std::size_t bound = std::max<std::size_t>(store_.Bound(), row + 1);
-    next_.resize(bound, kNoRow);
-    previous_.resize(bound, kNoRow);
-  }
+  if (row >= links_.size()) links_.resize(std::max<std::size_t>(store_.Bound(), row + 1));
   if (++size_ > heads_.size()) Grow();
-  Link(row, HashRow(row));
+  links_[row].hash = HashRow(row);
+  Chain(row);
 }
 
 void RowIndex::Grow() {
   std::vector<RowId> rows;
   rows.reserve(size_);
   for (const RowId head : heads_) {
-    for (RowId row = head; row != kNoRow; row = next_[row]) rows.push_back(row);
+    for (RowId row = head; row != kNoRow; row = links_[row].next) rows.push_back(row);
   }
   heads_.assign(heads_.size() * 2, kNoRow);
-  for (const RowId row : rows) Link(row, HashRow(row));
+  for (const RowId row : rows) Chain(row);
 }
 
 void RowIndex::Remove(RowId row) {
   --size_;
-  if (next_[row] != kNoRow) previous_[next_[row]] = previous_[row];
-  if (previous_[row] != kNoRow) {
-    next_[previous_[row]] = next_[row];
+  const Link& link = links_[row];
+  if (link.next != kNoRow) links_[link.next].previous = link.previous;
+  if (link.previous != kNoRow) {
+    links_[link.previous].next = link.next;
   } else {
-    heads_[HashRow(row) & (heads_.size() - 1)] = next_[row];
+    heads_[link.hash & (heads_.size() - 1)] = link.next;
   }
 }
 
@@ -224,15 +222,16 @@ bool RowIndex::Matches(RowId row, std::span<const Value> values) const {
   return true;
 }
 
-RowId RowIndex::Seek(RowId row, std::span<const Value> values) const {
-  while (row != kNoRow && !Matches(row, values)) row = next_[row];
+RowId RowIndex::Seek(RowId row, uint32_t hash, std::span<const Value> values) const {
+  while (row != kNoRow && !(links_[row].hash == hash && Matches(row, values))) row = links_[row].next;
   return row;
 }
 
 RowId RowIndex::First(std::span<const Value> values) const {
   std::size_t hash = 0;
   for (const Value& value : values) hash = Mix(hash, value.Hash());
-  return Seek(heads_[Spread(hash) & (heads_.size() - 1)], values);
+  const uint32_t spread = Spread(hash);
+  return Seek(heads_[spread & (heads_.size() - 1)], spread, values);
 }
 
 }  // namespace orv

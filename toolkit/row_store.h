@@ -126,23 +126,30 @@ class RowIndex {
   RowIndex(const RowStore& store, std::vector<int> columns);
   const std::vector<int>& Columns() const { return columns_; }
   void Add(RowId row);
-  // With the cells as they were when the row was added.
   void Remove(RowId row);
   // The rows whose columns equal the values, one after the other, in no order; kNoRow at the end.
   RowId First(std::span<const Value> values) const;
-  RowId Next(RowId row, std::span<const Value> values) const { return Seek(next_[row], values); }
+  RowId Next(RowId row, std::span<const Value> values) const {
+    return Seek(links_[row].next, links_[row].hash, values);
+  }
   bool Matches(RowId row, std::span<const Value> values) const;
 
  private:
-  std::size_t HashRow(RowId row) const;
-  RowId Seek(RowId row, std::span<const Value> values) const;
+  // A row's place in its chain. The hash spares a look at the cells of rows that only share the chain.
+  struct Link {
+    RowId next = kNoRow, previous = kNoRow;
+    uint32_t hash = 0;
+  };
+
+  uint32_t HashRow(RowId row) const;
+  RowId Seek(RowId row, uint32_t hash, std::span<const Value> values) const;
   void Grow();
-  void Link(RowId row, std::size_t hash);
+  void Chain(RowId row);
 
   const RowStore& store_;
   std::vector<int> columns_;
   std::vector<RowId> heads_;
-  std::vector<RowId> next_, previous_;
+  std::vector<Link> links_;
   std::size_t size_ = 0;
 };
 

@@ -122,7 +122,8 @@ Core::Core(Firebird::IAttachment* attachment, std::string database)
     : attachment_(attachment), database_(std::move(database)) {
   // A server's address is no file here.
   struct stat found {};
-  if (stat(database_.c_str(), &found) == 0 && S_ISREG(found.st_mode)) file_.emplace(found.st_dev, found.st_ino);
+  if (stat(database_.c_str(), &found) == 0 && S_ISREG(found.st_mode))
+    file_.emplace(found.st_dev, found.st_ino);
 }
 
 void Core::RequireFile() const {
@@ -130,10 +131,11 @@ void Core::RequireFile() const {
   struct stat found {};
   const bool there = stat(database_.c_str(), &found) == 0;
   if (there && *file_ == std::pair(found.st_dev, found.st_ino)) return;
-  throw DatabaseError(DatabaseError::Kind::Connection, there ? EEXIST : errno,
-                      "O arquivo do banco de dados foi removido ou substituído durante o uso. Nada foi gravado. "
-                      "Encerre todas as sessões, recupere o arquivo e entre novamente.",
-                      "the file at " + database_ + " is no longer the one that was opened");
+  throw DatabaseError(
+      DatabaseError::Kind::Connection, there ? EEXIST : errno,
+      "O arquivo do banco de dados foi removido ou substituído durante o uso. Nada foi gravado. "
+      "Encerre todas as sessões, recupere o arquivo e entre novamente.",
+      "the file at " + database_ + " is no longer the one that was opened");
 }
 
 Core::~Core() {

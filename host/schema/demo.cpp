@@ -186,10 +186,13 @@ void MakeDemo(Attachment& db, const DemoOptions& options) {
   if (options.date.Empty() || options.date.Year() < 1990 || options.date.Year() > 2190)
     throw UserError("A data da demonstração deve estar entre 1990 e 2190.");
 
+  ORV_ASSERT(options.suffixes.empty() || static_cast<int>(options.suffixes.size()) == options.companies);
   std::vector<Company> companies;
   for (int i = 0; i < options.companies; ++i) {
-    const auto& [name, city] = kCompanies[static_cast<std::size_t>(i)];
-    companies.push_back({"_" + demo::Padded(i + 1, 3), name, city});
+    const auto at = static_cast<std::size_t>(i);
+    const auto& [name, city] = kCompanies[at];
+    companies.push_back(
+        {options.suffixes.empty() ? "_" + demo::Padded(i + 1, 3) : options.suffixes[at], name, city});
   }
   CreateSchema(db, companies);
   for (int i = 0; i < options.companies; ++i) {

@@ -3,6 +3,8 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "toolkit/database.h"
 
@@ -14,6 +16,8 @@ class Preferences {
 
   // "" when it isn't set.
   std::string Get(std::string_view path);
+  // What was ever set below a path's beginning, by the rest of the path; "" for what was taken back.
+  std::vector<std::pair<std::string, std::string>> List(std::string_view beginning);
   // `fallback` also for a text that isn't a number.
   int GetNumber(std::string_view path, int fallback);
   // The caller commits. Raises UserError for a path or a value that is too long.

@@ -99,7 +99,8 @@ TEST_F(CcTest, TheSecondOfTwoUsersIsTold) {
   };
   const Case cases[] = {
       {"cleared", "UPDATE CONTACOR_001 SET LANC_CON = '000777' WHERE LANCAMENTO = '" + numero + "'"},
-      {"written again as it was", "UPDATE CONTACOR_001 SET LANC_CON = '' WHERE LANCAMENTO = '" + numero + "'"},
+      {"written again as it was",
+       "UPDATE CONTACOR_001 SET LANC_CON = '' WHERE LANCAMENTO = '" + numero + "'"},
       {"deleted", "DELETE FROM CONTACOR_001 WHERE LANCAMENTO = '" + numero + "'"},
   };
   Run(cases[1].sql);

@@ -93,8 +93,7 @@ Finished RunOrvcc(const std::vector<std::string>& arguments, const RunOptions& o
   FILE* const err = std::tmpfile();
   std::fwrite(options.in.data(), 1, options.in.size(), in);
   std::rewind(in);
-  const pid_t pid =
-      Launch(Prepare(arguments, options.env), fileno(in), fileno(out), fileno(err), options);
+  const pid_t pid = Launch(Prepare(arguments, options.env), fileno(in), fileno(out), fileno(err), options);
   Finished finished;
   finished.status = Wait(pid);
   std::fclose(in);
@@ -108,8 +107,8 @@ DriveProcess::DriveProcess(const std::filesystem::path& database) {
   if (pipe2(to, O_CLOEXEC) != 0 || pipe2(from, O_CLOEXEC) != 0) throw UserError("Não há mais canais.");
   const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
   const std::string folder = (database.parent_path() / "files").string();
-  pid_ = Launch(Prepare({"drive", "--database", database.string(), "--user", "ana", "--today", kToday, "--data",
-                         folder},
+  pid_ = Launch(Prepare({"drive", "--database", database.string(), "--user", "ana", "--today", kToday,
+                         "--data", folder},
                         {}),
                 to[0], from[1], null, {});
   close(to[0]);

@@ -1,0 +1,21 @@
+// Notes the statements that connections of this process run, with their values and the commits between them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "toolkit/value.h"
+
+namespace orv::bench {
+
+struct Sent {
+  enum class Kind { Fetch, Execute, Commit } kind;
+  std::string sql;
+  std::vector<Value> values;
+};
+
+// Noting starts with an empty list. Used while no other thread runs a statement.
+void StartRecording();
+std::vector<Sent> StopRecording();
+
+}  // namespace orv::bench
