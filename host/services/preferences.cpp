@@ -21,9 +21,9 @@ std::string Preferences::Get(std::string_view path) {
 
 std::vector<std::pair<std::string, std::string>> Preferences::List(std::string_view beginning) {
   std::vector<std::pair<std::string, std::string>> found;
-  for (const auto& row : db_.Rows("SELECT CHAVE, VALOR FROM PREFERENCIA WHERE LOGIN_BUSCA = " +
-                                  SqlLiteral(Lower(login_)) + " AND CHAVE STARTING WITH " +
-                                  SqlLiteral(beginning) + " ORDER BY CHAVE")) {
+  for (const auto& row :
+       db_.Rows("SELECT CHAVE, VALOR FROM PREFERENCIA WHERE LOGIN_BUSCA = " + SqlLiteral(Lower(login_)) +
+                " AND CHAVE STARTING WITH " + SqlLiteral(beginning) + " ORDER BY CHAVE")) {
     found.emplace_back(row[0].AsString().substr(beginning.size()), row[1].AsString());
   }
   return found;

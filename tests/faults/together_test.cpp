@@ -61,15 +61,15 @@ TEST_F(CcTest, SixteenSessionsPostAtOnce) {
 
 TEST_F(CcTest, TheSecondOfTwoUsersIsTold) {
   Fin({30, 50});
+  Rule("2103", "4.1.04.001", "100", "0100", "100");
   Desk first(database_), second(database_);
   for (Desk* desk : {&first, &second}) desk->Open("TfmCC");
-  const std::string numero = New(first, {{"EdtTipo", "3103"}, {"EdtHis", "012"}});
+  const std::string numero = New(first, {{"EdtTipo", "2103"}});
   EXPECT_EQ(Confirm(first), "");
 
   // Both change it: the second to confirm is told, before and after the other's split is in its place.
   Alter(first, numero, "DO PRIMEIRO");
   Alter(second, numero, "DO SEGUNDO");
-  second.Set("EdtValor", "200,00");
   EXPECT_EQ(Confirm(first), "");
   const std::string movement = Movement(numero), entries = Entries(numero), shares = Shares(numero),
                     audit = Audit();
