@@ -166,6 +166,8 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
     throw UserError("A pesquisa não tem um valor por campo.");
   std::vector<int> columns;
   std::vector<Value> wanted;
+  columns.reserve(fields.size());
+  wanted.reserve(fields.size());
   try {
     for (std::size_t i = 0; i < fields.size(); ++i) {
       // Numbers are compared as they are: 1.5 isn't in a field of whole numbers.
@@ -176,9 +178,8 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
   } catch (const ConversionError&) {
     return false;  // what isn't of the field's kind stands in no row
   }
-  const RowId found = FirstMatch(IndexOn(columns), wanted);
+  const RowId found = FirstMatch(IndexOn(columns), std::move(wanted));
   if (found == kNoRow) return false;
-  searched_.rows = static_cast<int64_t>(PositionIn(View(), found));
   if (BeforeScroll) BeforeScroll();
   CheckBrowse();
   if (found >= store_.Bound() || !store_.IsLive(found) || !Passes(found)) return false;
@@ -190,9 +191,10 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
 
 // Where a value stands in many rows, one of them is soon met from the front of the view: both ways are gone
 // at once, and the shorter one ends the search. A program that looks for the next unticked row again and
-// again starts where it found the last one.
-RowId MemoryDataSet::FirstMatch(const RowIndex& index, const std::vector<Value>& wanted) {
-  if (searched_.index != &index || searched_.wanted != wanted) searched_ = {&index, wanted, 0};
+// again goes on from where the last search came to.
+RowId MemoryDataSet::FirstMatch(const RowIndex& index, std::vector<Value> values) {
+  if (searched_.index != &index || searched_.wanted != values) searched_ = {&index, std::move(values), 0};
+  const std::vector<Value>& wanted = searched_.wanted;
   RowSequence::Walk view(View(), static_cast<std::size_t>(searched_.rows));
   RowId first = kNoRow;
   for (RowId row = index.First(wanted); row != kNoRow; row = index.Next(row, wanted)) {
@@ -200,6 +202,7 @@ RowId MemoryDataSet::FirstMatch(const RowIndex& index, const std::vector<Value>&
     const RowId shown = view.Next();
     if (shown == kNoRow) return kNoRow;
     if (index.Matches(shown, wanted)) return shown;
+    ++searched_.rows;
   }
   return first;
 }

@@ -82,7 +82,7 @@ class MemoryDataSet : public DataSet {
   void Refilter(std::shared_ptr<const Filter> filter);
   std::shared_ptr<const Filter> Parsed(std::string_view text);
   RowIndex& IndexOn(const std::vector<int>& columns);
-  RowId FirstMatch(const RowIndex& index, const std::vector<Value>& wanted);
+  RowId FirstMatch(const RowIndex& index, std::vector<Value> values);
   // The view is another one from this position on.
   void ChangedFrom(int64_t position) { searched_.rows = std::clamp<int64_t>(position, 0, searched_.rows); }
 

@@ -1,6 +1,7 @@
 #include "toolkit/table.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "toolkit/query.h"
@@ -255,7 +256,7 @@ bool TOrvTable::Advance(bool backwards) {
 // An index on the first column of the order alone serves neither the whole order nor the condition for it: so
 // the rest of the row's group comes first, and then no more groups than the rows asked for reach.
 TOrvTable::Rows TOrvTable::Neighbours(const Row& row, bool backwards, int64_t count) const {
-  if (order_.size() == key_fields_.size()) return Select(*Beyond(row, backwards), backwards, 0, count);
+  if (order_.size() <= 1) return Select(*Beyond(row, backwards), backwards, 0, count);
   const Field& first = *order_[0];
   const Value& value = row[static_cast<std::size_t>(first.Index())];
   Rows rows = Select("(" + Equals(first, value) + ") AND " + *Beyond(row, backwards), backwards, 0, count);
@@ -264,7 +265,7 @@ TOrvTable::Rows TOrvTable::Neighbours(const Row& row, bool backwards, int64_t co
 }
 
 TOrvTable::Rows TOrvTable::Reach(const std::string& condition, bool backwards, int64_t count) const {
-  if (order_.size() == key_fields_.size()) return Select(condition, backwards, 0, count);
+  if (order_.size() <= 1) return Select(condition, backwards, 0, count);
   const Field& first = *order_[0];
   const std::string at = std::to_string(count);
   Gather edge;
@@ -455,16 +456,19 @@ TOrvTable::Rows& TOrvTable::Page(int64_t page) {
   const auto found = pages_.find(page);
   if (found != pages_.end()) return found->second;
   if (pages_.size() >= kPages) pages_.clear();
-  // The page behind one that is there is reached by its last row, whatever stands before it.
   Rows rows;
   const auto before = pages_.find(page - 1);
-  const auto condition =
-      before != pages_.end() && !before->second.empty() ? Beyond(before->second.back(), false) : std::nullopt;
-  const int64_t from = page * kBlock;
-  if (condition) {
-    rows = Select(*condition, false, 0, kBlock);
+  if (page == 0) {
+    rows = Reach("", false, kBlock);
+  } else if (!key_fields_.empty() && before != pages_.end() && !before->second.empty()) {
+    // The page behind one that is there is reached by its last row, whatever stands before it.
+    for (const Row* last = &before->second.back(); std::ssize(rows) < kBlock; last = &rows.back()) {
+      Rows next = Neighbours(*last, false, kBlock - std::ssize(rows));
+      if (next.empty()) break;
+      std::move(next.begin(), next.end(), std::back_inserter(rows));
+    }
   } else {
-    rows = Select("", false, from, kBlock);
+    rows = Select("", false, page * kBlock, kBlock);
   }
   return pages_[page] = std::move(rows);
 }

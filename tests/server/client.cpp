@@ -43,7 +43,7 @@ Answer Exchange(Stream& stream, const http::request<http::string_body>& request)
   http::response_parser<http::string_body> parser;
   if (request.method() == http::verb::head) parser.skip(true);
   http::read(stream, buffer, parser);
-  Answer answer{parser.get().result_int(), parser.get().body(), {}};
+  Answer answer{static_cast<int>(parser.get().result_int()), parser.get().body(), {}};
   for (const auto& field : parser.get())
     answer.headers[Lower(std::string(field.name_string()))] = std::string(field.value());
   return answer;
