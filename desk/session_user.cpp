@@ -1,6 +1,7 @@
 // What screens ask of the user: each question is sent, and the session's thread waits for its answer.
 #include <sodium.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 
@@ -65,8 +66,10 @@ std::string Decoded(const std::string& base64) {
   const int failed =
       sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), base64.data(),
                         base64.size(), " \r\n", &size, &end, sodium_base64_VARIANT_ORIGINAL);
-  // The decoder stops where the text is no longer base64.
-  if (failed != 0 || end != base64.data() + base64.size()) {
+  // The decoder stops where the text is no longer base64, but takes bytes beyond ASCII for digits.
+  const bool ascii =
+      std::all_of(base64.begin(), base64.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  if (failed != 0 || !ascii || end != base64.data() + base64.size()) {
     throw UserError("O conteúdo do arquivo não está em base64.");
   }
   bytes.resize(size);
