@@ -19,7 +19,6 @@ class Formatter : public CLI::Formatter {
     label("TEXT", "TEXTO");
     label("INT", "NÚMERO");
     label("REQUIRED", "(obrigatório)");
-    label("Env", "ambiente");
     label("Excludes", "exclui");
     label("Needs", "exige");
   }
@@ -49,11 +48,13 @@ void SpeakPortuguese(CLI::App& app) {
   app.set_help_flag("-h,--help", "Mostra esta ajuda");
 }
 
-std::string PortugueseError(const CLI::ParseError& error) {
+std::string PortugueseError(const CLI::App& app, const CLI::ParseError& error) {
   const std::string text = error.what();
   if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
     const std::string name = Parted(text, " is required").first;
-    return name == "A subcommand" ? "Falta o comando." : "Falta " + name + ".";
+    if (name != "A subcommand") return "Falta " + name + ".";
+    const std::vector<std::string> unknown = app.remaining(true);
+    return unknown.empty() ? "Falta o comando." : "O comando \"" + unknown.front() + "\" não existe.";
   }
   if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
     return "Argumento desconhecido: " + Parted(text, "expected: ").second + ".";

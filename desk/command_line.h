@@ -9,8 +9,8 @@ namespace orv {
 // Gives a command the formatter of the help texts. Commands made below it inherit it.
 void SpeakPortuguese(CLI::App& app);
 
-// A sentence for an error of the command line.
-std::string PortugueseError(const CLI::ParseError& error);
+// A sentence for an error that `app` found in the command line.
+std::string PortugueseError(const CLI::App& app, const CLI::ParseError& error);
 
 // A number between bounds, with a refusal in Portuguese.
 CLI::Validator Between(int minimum, int maximum);

@@ -12,11 +12,18 @@ namespace {
 using namespace orv;
 using namespace orv::commands;
 
-// Gives a command the database option, which every command takes.
+// Gives a command the database option, which every command takes. What is typed goes before the environment,
+// which is read here: commands share variables, and the library would fill those of commands not called too.
 void Database(CLI::App* command, std::string& database) {
-  command->add_option("--database", database, "Arquivo do banco (embutido) ou servidor:apelido")
-      ->envname("ORVCC_DATABASE")
-      ->required();
+  CLI::Option* option = command->add_option(
+      "--database", database,
+      "Arquivo do banco (embutido) ou servidor:apelido; sem a opção, o que está em ORVCC_DATABASE");
+  const char* set = std::getenv("ORVCC_DATABASE");
+  if (set != nullptr && *set != '\0') {
+    database = set;
+  } else {
+    option->required();
+  }
 }
 
 void AddUserCommands(CLI::App& app, User& user) {
@@ -200,7 +207,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::Success& e) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
-    std::cerr << "orvcc: " << PortugueseError(e) << "\nA ajuda: orvcc --help, orvcc COMANDO --help.\n";
+    std::cerr << "orvcc: " << PortugueseError(app, e) << "\nA ajuda: orvcc --help, orvcc COMANDO --help.\n";
     return e.get_exit_code();
   }
   return status;

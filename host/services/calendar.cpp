@@ -88,6 +88,7 @@ std::vector<Holiday> Calendar::List() {
 
 void Calendar::Add(const Holiday& holiday) {
   if (holiday.date.Empty()) throw UserError("Informe a data do feriado.");
+  if (Trim(holiday.name).empty()) throw UserError("Informe o nome do feriado.");
   db_.Execute("UPDATE OR INSERT INTO FERIADO (DATA, EMP_PAT, NOME) VALUES (" + Quote(holiday.date.Sql()) +
               ", " + Quote(holiday.company) + ", " + Quote(CutChars(holiday.name, 60)) +
               ") MATCHING (DATA, EMP_PAT)");

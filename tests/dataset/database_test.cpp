@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "host/data/attachment.h"
+#include "host/data/statement.h"
 #include "toolkit/query.h"
 #include "toolkit/table.h"
 #include "toolkit/trans_dataset.h"
@@ -201,6 +202,41 @@ TEST_F(Tables, AnOrderIsOneListFromEverySide) {
                                               "BANCO IS NULL")
                                      .AsInteger());
   EXPECT_FALSE(table.Locate("BANCO", "002"));
+}
+
+// The key has an index on its first column alone, and no order makes the database read and sort the table.
+TEST_F(Tables, AScreenfulReadsNoMoreThanItShows) {
+  attachment_->ExecuteDdl("CREATE TABLE PARTE_001 (NUMERO VARCHAR(6), CONTA VARCHAR(6), DIA INTEGER)");
+  attachment_->ExecuteDdl("CREATE INDEX IX_PARTE_NUMERO ON PARTE_001 (NUMERO)");
+  attachment_->ExecuteDdl("CREATE INDEX IX_PARTE_DIA ON PARTE_001 (DIA)");
+  BulkInsert parts(*attachment_, "PARTE_001", {"NUMERO", "CONTA", "DIA"});
+  for (int i = 0; i < 12000; ++i)
+    parts.Add({std::to_string(100000 + i * 7919 % 12000 / 3), std::to_string(100000 + i), i % 400});
+  parts.Finish();
+  attachment_->CommitRetaining();
+  const auto reads = [this] {
+    attachment_->CommitRetaining();
+    return attachment_
+        ->Scalar(
+            "SELECT R.MON$RECORD_SEQ_READS + R.MON$RECORD_IDX_READS FROM MON$ATTACHMENTS A"
+            " JOIN MON$RECORD_STATS R ON R.MON$STAT_ID = A.MON$STAT_ID"
+            " WHERE A.MON$ATTACHMENT_ID = CURRENT_CONNECTION")
+        .AsInteger();
+  };
+  for (const std::string order : {"", "DIA"}) {
+    TOrvTable table(*attachment_, "tbParte", "PARTE");
+    table.SetKey("NUMERO;CONTA");
+    table.SetIndexFieldNames(order);
+    const int64_t before = reads();
+    table.Open();
+    table.First();
+    table.Prepare(0, 40);
+    EXPECT_LT(reads() - before, 3000) << order;
+    const auto sorted = attachment_->Rows("SELECT FIRST 900 CONTA FROM PARTE_001 ORDER BY " +
+                                          (order.empty() ? "" : order + ", ") + "NUMERO, CONTA");
+    for (int row = 0; row < 900; ++row)
+      ASSERT_EQ(table.Cell(row, table["CONTA"]), sorted[static_cast<std::size_t>(row)][0]) << order << row;
+  }
 }
 
 TEST_F(Tables, RowsAreWrittenAsTheyAre) {

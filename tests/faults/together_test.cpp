@@ -165,12 +165,12 @@ TEST_F(CcTest, ALongDayLeavesFewDeadVersions) {
   choosing.Click("btnConsulta");
   EXPECT_EQ(choosing.End(), "waiting lookup");
 
-  constexpr int kCommits = 240;
+  constexpr int kCommits = 120;
   int64_t most = 0;
   for (int i = 1; i <= kCommits; ++i) {
     Alter(busy, "T00202", "HORA " + std::to_string(i));
     ASSERT_EQ(Confirm(busy), "");
-    if (i % 60 == 0) most = std::max(most, DeadVersions(database_.string(), "CONTACOR_001"));
+    if (i % 40 == 0) most = std::max(most, DeadVersions(database_.string(), "CONTACOR_001"));
   }
   EXPECT_LT(most, 20);
   EXPECT_EQ(Count("CONTACOR_001", "LANCAMENTO = 'T00202'"), "1");
