@@ -117,7 +117,7 @@ void Tables(const std::filesystem::path& house) {
 
 int Run() {
   const Module module("orvCC");
-  const auto house = House(250);
+  const auto house = House(260);
   Sessions(house);
   Tables(house);
   return EXIT_SUCCESS;

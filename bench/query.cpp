@@ -29,7 +29,7 @@ class Nothing : public RowSink {
 };
 
 int Run() {
-  const auto db = Attachment::Open(House(250).string());
+  const auto db = Attachment::Open(House(260).string());
   Best bare, query;
   double bytes = 0;
   int64_t rows = 0;

@@ -16,7 +16,8 @@ namespace fb {
 class Core;
 }
 
-// One attachment with one transaction: read committed with record versions, started when first needed. One
+// One attachment with one transaction: read committed with record versions, started when first needed. What
+// only reads before the first write does so in one that can't write and holds no versions back. One
 // thread at a time; only `Cancel` may come from another. A row that another attachment is changing is tried
 // again for a while (`SetConflictTime`), then DatabaseError of kind Conflict.
 //
@@ -49,11 +50,11 @@ class Attachment : public TOrvDatabase {
   // final. Actions nest; each ends by `EndAction` or `RollbackAction`.
   void BeginAction();
   // Ends an action whose writes stay as they are, committed or not. The outermost one lets go of a
-  // transaction that only read.
+  // transaction without writes.
   void EndAction();
   void RollbackAction();
-  // Ends a transaction that has only read, also amid an action that waits for its user: kept open it would
-  // hold old versions of rows back.
+  // Ends a transaction that was to write and hasn't, also amid an action that waits for its user: kept open
+  // it would hold old versions of rows back.
   void LetGo();
 
   // From any thread: the statement that is running, a wait for another user's row included, fails with

@@ -15,10 +15,18 @@ constexpr unsigned kDialect = 3;
 constexpr std::chrono::milliseconds kConflictPause{50};
 constexpr unsigned char kTransaction[] = {isc_tpb_version3, isc_tpb_write, isc_tpb_read_committed,
                                           isc_tpb_rec_version, isc_tpb_nowait};
+constexpr unsigned char kReader[] = {isc_tpb_version3, isc_tpb_read, isc_tpb_read_committed,
+                                     isc_tpb_rec_version, isc_tpb_nowait};
 
 bool Changes(unsigned type) {
   return type == isc_info_sql_stmt_insert || type == isc_info_sql_stmt_update ||
          type == isc_info_sql_stmt_delete;
+}
+
+// A block of the engine's own language gives rows too, and may write.
+bool BeginsAsQuery(std::string_view sql) {
+  const std::string word = Upper(Trim(sql).substr(0, 6));
+  return word == "SELECT" || word.starts_with("WITH");
 }
 
 // What would end the transaction, or change the schema, behind the session's back.
@@ -48,6 +56,7 @@ Prepared::Prepared(Firebird::IAttachment* attachment, Firebird::ITransaction* tr
     Check(call, sql);
     has_cursor = (handle->getFlags(call()) & Firebird::IStatement::FLAG_HAS_CURSOR) != 0;
     Check(call, sql);
+    only_reads = has_cursor && type == isc_info_sql_stmt_select && BeginsAsQuery(sql);
     Ref<Firebird::IMessageMetadata> out(handle->getOutputMetadata(call()));
     Check(call, sql);
     if (out && out->getCount(call()) > 0) rows = std::make_unique<RowReader>(out.release());
@@ -142,6 +151,7 @@ Core::~Core() {
   try {
     Call call;
     cache_.Clear();
+    EndReader();
     if (transaction_) {
       transaction_->rollback(call());
       if (call.Failed()) transaction_->release();
@@ -162,10 +172,29 @@ void Core::Start() {
   Check(call);
 }
 
+Firebird::ITransaction* Core::Reader() {
+  if (transaction_) return transaction_;
+  if (!reader_) {
+    Call call;
+    reader_ = attachment_->startTransaction(call(), sizeof kReader, kReader);
+    if (call.Failed()) reader_ = nullptr;
+    Check(call);
+  }
+  return reader_;
+}
+
+void Core::EndReader() {
+  if (!reader_) return;
+  Call call;
+  reader_->commit(call());
+  // It fails only with the connection, and there is nothing in it to lose.
+  if (call.Failed()) reader_->release();
+  reader_ = nullptr;
+}
+
 std::shared_ptr<Prepared> Core::Prepare(std::string_view sql) {
   if (auto cached = cache_.Find(sql)) return cached;
-  Start();
-  auto statement = std::make_shared<Prepared>(attachment_, transaction_, sql);
+  auto statement = std::make_shared<Prepared>(attachment_, Reader(), sql);
   if (!Forbidden(statement->type)) cache_.Keep(statement);
   return statement;
 }
@@ -194,13 +223,14 @@ void Core::Retry(std::string_view sql, const std::function<void(Status*)>& attem
 void Core::Fetch(Prepared& statement, std::span<const Value> values, RowSink& sink) {
   if (!statement.rows) throw Misuse("no rows come from it", statement.sql);
   if (statement.parameter_count != values.size()) throw Misuse("wrong number of parameters", statement.sql);
-  Start();
+  if (!statement.only_reads) Start();
+  Firebird::ITransaction* const transaction = Reader();
   RowReader& rows = *statement.rows;
   Firebird::IMessageMetadata* in = nullptr;
   void* in_buffer = nullptr;
   if (!values.empty()) {
     ParameterSet& parameters = statement.Parameters();
-    parameters.Bind(values, {attachment_, transaction_});
+    parameters.Bind(values, {attachment_, transaction});
     in = parameters.Metadata();
     in_buffer = parameters.Buffer();
   }
@@ -209,11 +239,11 @@ void Core::Fetch(Prepared& statement, std::span<const Value> values, RowSink& si
   if (!statement.has_cursor) {
     const Running running(*this);
     Retry(statement.sql, [&](Status* status) {
-      statement.handle->execute(status, transaction_, in, in_buffer, rows.Metadata(), rows.Buffer());
+      statement.handle->execute(status, transaction, in, in_buffer, rows.Metadata(), rows.Buffer());
     });
     pending_ = true;
     sink.Columns(rows.Columns());
-    rows.Read(row, {attachment_, transaction_});
+    rows.Read(row, {attachment_, transaction});
     sink.Row(row);
     return;
   }
@@ -245,16 +275,17 @@ void Core::Fetch(Prepared& statement, std::span<const Value> values, RowSink& si
   int result = Firebird::IStatus::RESULT_NO_DATA;
   Retry(statement.sql, [&](Status* status) {
     cursor.Close();
-    cursor.set = statement.handle->openCursor(status, transaction_, in, in_buffer, rows.Metadata(), 0);
+    cursor.set = statement.handle->openCursor(status, transaction, in, in_buffer, rows.Metadata(), 0);
     if ((status->getState() & Firebird::IStatus::STATE_ERRORS) != 0)
       cursor.set = nullptr;
     else
       result = cursor.set->fetchNext(status, rows.Buffer());
   });
+  if (!statement.only_reads) pending_ = true;
   sink.Columns(rows.Columns());
   Call call;
   while (result == Firebird::IStatus::RESULT_OK) {
-    rows.Read(row, {attachment_, transaction_});
+    rows.Read(row, {attachment_, transaction});
     if (!sink.Row(row)) break;
     ThrowIfCancelled(statement.sql);
     result = cursor.set->fetchNext(call(), rows.Buffer());
@@ -311,6 +342,11 @@ void Core::ExecuteDdl(std::string_view sql) {
 }
 
 void Core::End(bool keep) {
+  if (open_cursors_ == 0) EndReader();
+  EndWriter(keep);
+}
+
+void Core::EndWriter(bool keep) {
   if (!transaction_) {
     pending_ = false;
     return;
@@ -371,7 +407,7 @@ void Core::EndAction() {
 }
 
 void Core::LetGo() {
-  if (!pending_ && open_cursors_ == 0) Commit();
+  if (!pending_ && open_cursors_ == 0) EndWriter(true);
 }
 
 void Core::RollbackAction() {

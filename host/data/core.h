@@ -36,6 +36,8 @@ class Prepared {
   // isc_info_sql_stmt_...
   unsigned type = 0;
   bool has_cursor = false;
+  // It certainly writes nothing.
+  bool only_reads = false;
   // A cursor of it is open: it can't run again until that ends.
   bool busy = false;
   // Its cursor could not be closed: it never runs again.
@@ -105,9 +107,13 @@ class Core {
   };
 
   void Start();
+  // Where a statement that only reads runs: in the transaction that has writes, once there is one.
+  Firebird::ITransaction* Reader();
+  void EndReader();
   // The engine goes on writing into a file that has lost its name: what it keeps would be nowhere.
   void RequireFile() const;
-  // Ends the transaction, or only what it wrote where a cursor is open.
+  // Ends the transaction that writes, or only what it wrote where a cursor is open.
+  void EndWriter(bool keep);
   void End(bool keep);
   void Savepoint(std::string_view verb, std::size_t depth);
   void Retry(std::string_view sql, const std::function<void(Status*)>& attempt);
@@ -118,6 +124,9 @@ class Core {
   // An embedded database's file, as its device and its number there tell it.
   std::optional<std::pair<dev_t, ino_t>> file_;
   Firebird::ITransaction* transaction_ = nullptr;
+  // A transaction for reading only holds no old versions back, so that it may stay open, and each start of
+  // one writes to the disk.
+  Firebird::ITransaction* reader_ = nullptr;
   StatementCache cache_;
   bool pending_ = false;
   int open_cursors_ = 0;

@@ -184,5 +184,29 @@ TEST_F(ActionTest, NoVersionsPileUp) {
   EXPECT_EQ(Text("SELECT N FROM T"), "2000");
 }
 
+// Each start of a transaction is written to the disk: actions that only look need no new one, and see what
+// others commit meanwhile.
+TEST_F(ActionTest, LookingStartsNoTransactions) {
+  std::string first;
+  for (int i = 0; i < 5; ++i) {
+    const auto other = Attachment::Open(file);
+    other->Execute("INSERT INTO T (ID) VALUES (" + std::to_string(i) + ")");
+    other->CommitRetaining();
+    database->BeginAction();
+    const std::string number = Text("SELECT CURRENT_TRANSACTION FROM RDB$DATABASE");
+    if (i == 0) first = number;
+    EXPECT_EQ(number, first);
+    EXPECT_EQ(Text("SELECT COUNT(*) FROM T"), std::to_string(i + 1));
+    database->EndAction();
+  }
+  // Rows can come from what writes: that is no looking.
+  EXPECT_EQ(Text("EXECUTE BLOCK RETURNS (N INTEGER) AS BEGIN DELETE FROM T; N = ROW_COUNT; SUSPEND; END"),
+            "5");
+  EXPECT_TRUE(database->HasPendingWrites());
+  EXPECT_EQ(Text("SELECT COUNT(*) FROM T"), "0");
+  database->CommitRetaining();
+  EXPECT_EQ(Attachment::Open(file)->Scalar("SELECT COUNT(*) FROM T").AsInteger(), 0);
+}
+
 }  // namespace
 }  // namespace orv
