@@ -109,10 +109,14 @@ std::chrono::seconds LoginThrottle::Left(const Entries& entries, const std::stri
 void LoginThrottle::Count(Entries& entries, const std::string& key, int free, Instant now) {
   if (entries.size() >= kMostEntries && !entries.contains(key)) {
     std::erase_if(entries, [&](const auto& entry) { return now - entry.second.last >= kForget; });
+    // A tenth at a time, so that a flood of names doesn't cost a search each.
     if (entries.size() >= kMostEntries) {
-      entries.erase(std::min_element(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
-        return a.second.last < b.second.last;
-      }));
+      std::vector<Instant> times;
+      times.reserve(entries.size());
+      for (const auto& entry : entries) times.push_back(entry.second.last);
+      const auto tenth = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 10);
+      std::nth_element(times.begin(), tenth, times.end());
+      std::erase_if(entries, [&](const auto& entry) { return entry.second.last <= *tenth; });
     }
   }
   Entry& entry = entries[key];

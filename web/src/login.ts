@@ -57,7 +57,8 @@ export class LoginPage {
     this.alert.textContent = "";
     this.button.disabled = true;
     this.button.textContent = "Entrando…";
-    const result = await login(this.user.value.trim(), this.password.value, this.company.value);
+    const password = this.password.value;
+    const result = await login(this.user.value.trim(), password, this.company.value);
     this.button.disabled = false;
     this.button.textContent = "Entrar";
     if (result.ok) {
@@ -68,7 +69,8 @@ export class LoginPage {
       return;
     }
     this.alert.textContent = result.text;
-    this.password.value = "";
+    // What was typed meanwhile stays.
+    if (this.password.value === password) this.password.value = "";
     this.password.focus();
   }
 
