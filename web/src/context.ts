@@ -8,6 +8,8 @@ export interface DeskContext {
   send(object: In, options?: Partial<Item>): void;
   // A window of rows; the answer comes to the screen.
   read(control: string, from: number, count: number): void;
+  // The same before anything that is typed after it; `done` once the rows are at hand.
+  readFirst(control: string, from: number, count: number, done: () => void): void;
   has(key: string): boolean;
   // Runs what a pointer did: now, or in its place behind the keys that were typed before.
   act(run: () => void): void;

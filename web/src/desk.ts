@@ -83,6 +83,14 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   read(control: string, from: number, count: number): void {
     this.door.push({ object: { do: "read", control, from, count }, purpose: "read", hold: false, key: `read:${control}` });
   }
+  readFirst(control: string, from: number, count: number, done: () => void): void {
+    this.door.push({
+      object: { do: "read", control, from, count },
+      purpose: "read",
+      hold: true,
+      done: (outcome) => outcome === "answered" && done(),
+    });
+  }
   has(key: string): boolean {
     return this.door.queue.has(key);
   }

@@ -307,7 +307,15 @@ export class GridControl extends ControlView implements GridOwner {
 
   private toggle(row: number, column: number): void {
     const { field, checked } = this.grid.columns[column]!;
-    const on = this.grid.blocks.row(row)?.[column] === checked;
+    const values = this.grid.blocks.row(row);
+    if (values === undefined) {
+      // What stands there has to be seen before it is turned round; keys typed meanwhile wait.
+      this.desk.readFirst(this.name, Math.floor(row / kBlock) * kBlock, kBlock, () => {
+        if (this.grid.blocks.row(row) !== undefined) this.toggle(row, column);
+      });
+      return;
+    }
+    const on = values[column] === checked;
     this.send("cell", { row, column: field, value: on ? "false" : "true" });
   }
 
