@@ -89,6 +89,9 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // --- Working on an object (session_actions.cpp).
   void Handle(const Json& in);
+  // Takes back what the action has written, also from what the shared tables hold.
+  void Undo();
+  void LogFailure(const Json& verb, const std::exception& e);
   void Act(const Json& in);
   // Takes the screens that closed off the desk.
   void ReleaseClosed();

@@ -69,6 +69,12 @@ void TabelaService::StandAtHome() {
   if (Standing() != company_) tbEmpresa().Locate("EMP_PAT", Value(company_));
 }
 
+void TabelaService::Reread() {
+  for (const auto& shared : tables_) {
+    if (shared->table.Active() && !shared->table.Editing()) shared->table.Refresh();
+  }
+}
+
 void TabelaService::AbreTabela(std::string_view name, bool reread) {
   Shared& shared = Find(name);
   if (shared.opened++ == 0) {
