@@ -113,10 +113,11 @@ void TfmCC::LigaAcesso() {
       {&edtCodHist, &PqHist, "HISTCP", "HISTORICO", {{"DESCRICAO", &edtDescHist}}, "", true, nullptr},
   });
 
+  BitBtn5.OnClick = [this] { BitBtn5Click(); };
   BitBtn6.OnClick = [this] { Close(); };
-  BitBtn5.SetEnabled(false);
-  SpeedButton8.SetEnabled(false);
-  SpeedButton6.SetEnabled(false);
+  DBGridApagar.OnDblClick = [this] { DBGridApagarDblClick(); };
+  SpeedButton8.OnClick = [this] { SpeedButton8Click(); };
+  SpeedButton6.OnClick = [this] { SpeedButton6Click(); };
 }
 
 void TfmCC::LigaManutencao() {
@@ -166,8 +167,8 @@ void TfmCC::LigaManutencao() {
   SpeedButton2.OnClick = [this] { SpeedButton2Click(); };
   btnConsulta.OnClick = [this] { PqFluxo.AbrePesquisa(); };
   PqFluxo.OnFechaPesquisa = [this] { PqFluxoFechaPesquisa(); };
-  BitBtn7.SetEnabled(false);
-  BitBtn8.SetEnabled(false);
+  BitBtn7.OnClick = [this] { BitBtn7Click(); };
+  BitBtn8.OnClick = [this] { BitBtn8Click(); };
 }
 
 void TfmCC::LigaGrades() {

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/module.h"
 #include "frame/screen.h"
@@ -84,7 +86,7 @@ class ORV_EXPORT TfmCC : public Child {
                            {"DOCTO", "Documento"},
                            {"BANCO", "Banco"},
                            {"CONTA", "Conta"},
-                           {"DT_LAN", "Lançamento"},
+                           {"DT_LAN", "Data Lançamento"},
                            {"DT_VENCTO", "Vencimento"},
                            {"DT_CONT", "Contabilização"},
                            {"OPERACAO", "Operação"},
@@ -238,6 +240,15 @@ class ORV_EXPORT TfmCC : public Child {
     Field Tipo{*this, "Tipo", FieldType::String, 1};
   } TbContas{"TbContas"};
 
+  // --- Inquiry and balances (cc_inquiry.cpp).
+  // Fills TbConsulta and the totals by the filters of the page.
+  void ConsultaLancamentos();
+  // Of the account on which Tabela.TbCadConta stands, over all companies unless they share the ledger:
+  // settled until today, pending until today, and all that is dated later.
+  Currency ValorSaldoConta();
+  Currency ValorPendenteConta();
+  Currency ValorPrevisaoConta();
+
  private:
   // --- Creation (cc.cpp).
   LookupSettings ContaContabil() const;
@@ -313,6 +324,34 @@ class ORV_EXPORT TfmCC : public Child {
   void TbCCustoNewRecord();
   void DbgContabilidadeKey(KeyPress& key);
   void DbgRateioCCKey(KeyPress& key);
+
+  // --- Inquiry and balances (cc_inquiry.cpp).
+  void BitBtn5Click();
+  void BitBtn7Click();
+  void BitBtn8Click();
+  void DBGridApagarDblClick();
+  // The statement of the inquiry, without its order; "" where a filter can match nothing.
+  std::string SqlConsulta() const;
+  void ConsultaContas();
+  Currency ValorConta(const std::string& condicao);
+  // A statement over the ledger as it is kept: by each company, or by one for all.
+  std::string SqlDoMovimento(const std::string& sql);
+
+  // --- Clearing (cc_clearing.cpp).
+  void SpeedButton8Click();
+  void SpeedButton6Click();
+  // The condition that finds the selected row as the inquiry found it.
+  std::string LinhaConsultada() const;
+  bool ComoConsultada() const;
+  // The identity of the row that follows the selected one, of the last row its own.
+  std::vector<Value> ProximaConsultada();
+  // Changes the selected row and all of its number and document. False, with nothing changed, when the row
+  // is no longer as the inquiry found it.
+  bool AtualizaConsultada(const std::string& valores);
+  // Tells what has become of the selected row meanwhile, and shows the rows as they are.
+  void AvisaMudanca();
+  // The accounting of a clearing; null where it has none.
+  std::unique_ptr<TContabil> PartidaDaCompensacao(const std::string& numero);
 
   // Parameters: entries, cost centres, apportionment by class, that also for credits.
   bool fin30_ = false, fin50_ = false, fin80_ = false, fin100_ = false;
