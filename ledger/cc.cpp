@@ -56,11 +56,12 @@ void TfmCC::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        GbConsLanc { dtInicio dtFim } GbConsVenc { dtVencIni dtVencFim }
-        GbConsCont { dtContIni dtContFim } GbConsValor { EdtValorDe EdtValorAte } /
-        EdtConsLanc EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo /
-        EdtAObs edtCodHist PqHist edtDescHist RgBusca /
-        EdtDocto RgTipo BitBtn5 BitBtn6 /
+        EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo
+        edtCodHist PqHist edtDescHist /
+        EdtConsLanc EdtDocto EdtAObs /
+        RgBusca RgTipo BitBtn5 BitBtn6 /
+        GbConsValor { EdtValorDe EdtValorAte } GbConsLanc { dtInicio dtFim }
+        GbConsVenc { dtVencIni dtVencFim } GbConsCont { dtContIni dtContFim } /
         DBGridApagar /
         EdtDebito EdtCredito EdtSaldo DtBaixaComp SpeedButton8 SpeedButton6
       }

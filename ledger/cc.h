@@ -24,19 +24,6 @@ class ORV_EXPORT TfmCC : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
-  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
-  DateEdit dtInicio{*this, "dtInicio", "De"};
-  DateEdit dtFim{*this, "dtFim", "Até"};
-  GroupBox GbConsVenc{*this, "GbConsVenc", "Vencimento"};
-  DateEdit dtVencIni{*this, "dtVencIni", "De"};
-  DateEdit dtVencFim{*this, "dtVencFim", "Até"};
-  GroupBox GbConsCont{*this, "GbConsCont", "Contabilização"};
-  DateEdit dtContIni{*this, "dtContIni", "De"};
-  DateEdit dtContFim{*this, "dtContFim", "Até"};
-  GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
-  MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
-  MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
-  Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
   Edit EdtConsConta{*this, "EdtConsConta", "Conta", 12};
   TPesquisa PqConsConta{
       *this, "PqConsConta",
@@ -46,16 +33,31 @@ class ORV_EXPORT TfmCC : public Child {
   TPesquisa PqConsClasse{*this, "PqConsClasse",
                          Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtNomeGrupo{*this, "EdtNomeGrupo"};
-  Edit EdtAObs{*this, "EdtAObs", "Observação", 50};
   Edit edtCodHist{*this, "edtCodHist", "Histórico", 5};
   TPesquisa PqHist{*this, "PqHist",
                    Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit edtDescHist{*this, "edtDescHist"};
-  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
+  Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
   Edit EdtDocto{*this, "EdtDocto", "Documento", 10};
+  Edit EdtAObs{*this, "EdtAObs", "Observação", 50};
+  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Todos", "Duplicatas", "Cheques"}, 0};
   Button BitBtn5{*this, "BitBtn5", "&Consultar"};
   Button BitBtn6{*this, "BitBtn6", "&Fechar"};
+  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through the
+  // filters to the inquiry narrows no period by that.
+  GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
+  MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
+  MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
+  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
+  DateEdit dtInicio{*this, "dtInicio", "De"};
+  DateEdit dtFim{*this, "dtFim", "Até"};
+  GroupBox GbConsVenc{*this, "GbConsVenc", "Vencimento"};
+  DateEdit dtVencIni{*this, "dtVencIni", "De"};
+  DateEdit dtVencFim{*this, "dtVencFim", "Até"};
+  GroupBox GbConsCont{*this, "GbConsCont", "Contabilização"};
+  DateEdit dtContIni{*this, "dtContIni", "De"};
+  DateEdit dtContFim{*this, "dtContFim", "Até"};
 
   // The movements found.
   struct ConsultaSet : TClientDataSet {

@@ -25,7 +25,8 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
   AbreTabelas({"TbCadConta"});
   HideOnClose();
   Layout(R"(
-    EdtConta PqConta EdtDescConta EdtDocto /
+    EdtConta PqConta EdtDescConta /
+    EdtDocto /
     EdtTipo wwTipo EdtDesTipo /
     EdtHis pqHistorico EdtDescHist /
     CbOper EdtValor DtLancto DtCont /

@@ -29,8 +29,10 @@ TFmCCTransConta::TFmCCTransConta(Application& application)
     EdtConta PqConta EdtDescConta /
     EdtContaDest PqContaDest EdtDescContaDest /
     EdtDocto EdtValor DtLan DtCont /
-    EdtClasseSai PqClasseSai EdtDesClaSai EdtHisSai pqHistSai EdtDescHistSai /
-    EdtClasseEnt PqClasseEnt EdtDesClaEnt EdtHisEnt pqHistEnt EdtDescHistEnt /
+    EdtClasseSai PqClasseSai EdtDesClaSai /
+    EdtHisSai pqHistSai EdtDescHistSai /
+    EdtClasseEnt PqClasseEnt EdtDesClaEnt /
+    EdtHisEnt pqHistEnt EdtDescHistEnt /
     EdtObs CbPendente /
     BitBtn1 BitBtn2
   )");
