@@ -57,10 +57,10 @@ class CcTest : public DeskTest {
     Run("INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, BANCO, CONTA, DT_LAN, DT_CONT, DT_VENCTO, VALOR, "
         "OPERACAO, "
         "GRUPO, HISTORICO, OBSERVACAO, TIPO, TIPO_DOC, PENDENTE, LANC_CON) VALUES ('" +
-        m.numero + "', '" + m.docto + "', '" + (m.conta == kOutraConta ? "902" : "901") + "', '" + m.conta + "', '11/10/2026', '" + m.dt_cont +
-        "', '11/12/2026', " + m.valor + ", '" + m.operacao + "', '" + m.classe + "', '" + m.historico +
-        "', '" + ReplaceAll(m.observacao, "'", "''") + "', '" + m.tipo + "', '" + m.tipo_doc + "', '" +
-        m.pendente + "', '" + m.lanc_con + "')");
+        m.numero + "', '" + m.docto + "', '" + (m.conta == kOutraConta ? "902" : "901") + "', '" + m.conta +
+        "', '11/10/2026', '" + m.dt_cont + "', '11/12/2026', " + m.valor + ", '" + m.operacao + "', '" +
+        m.classe + "', '" + m.historico + "', '" + ReplaceAll(m.observacao, "'", "''") + "', '" + m.tipo +
+        "', '" + m.tipo_doc + "', '" + m.pendente + "', '" + m.lanc_con + "')");
   }
 
   // The stored rows of a number.
