@@ -283,7 +283,8 @@ class ORV_EXPORT TfmCC : public Child {
   // A cheque behind a deleted movement is cancelled. False when there is none.
   bool CancelaCheque(const std::string& numero, const std::string& docto);
   bool ValidaCampos();
-  bool ValidaRateioClasse();
+  // The apportionment by class; without `grava` only what it asks the user. False where he refuses it.
+  bool RateiaClasse(bool grava);
   void GravaLancamento();
   // Raises UserError when another user has changed or deleted the loaded row since.
   void ExigeInalterado() const;
