@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <map>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -54,18 +55,23 @@ class Achados : public RowSink {
   }
   // By bank, account and document; rows that agree in them stand as they came.
   void Lay() {
-    std::vector<std::span<Value>> rows;
-    for (std::size_t at = 0; at < cells_.size(); at += columns_)
-      rows.emplace_back(cells_.data() + at, columns_);
-    const Field* const order[] = {&set_.Banco, &set_.Conta, &set_.Docto};
-    std::stable_sort(rows.begin(), rows.end(), [&](std::span<Value> a, std::span<Value> b) {
-      for (const Field* field : order) {
-        const auto compared = Compare(At(a, *field), At(b, *field));
-        if (compared != 0) return compared < 0;
-      }
-      return false;
-    });
-    for (const std::span<Value> row : rows) set_.AppendRow(row);
+    // Accounts are few: within one only the document is compared.
+    using Conta = std::pair<Value, Value>;
+    const auto antes = [](const Conta& a, const Conta& b) {
+      const auto banco = Compare(a.first, b.first);
+      return banco != 0 ? banco < 0 : Compare(a.second, b.second) < 0;
+    };
+    std::map<Conta, std::vector<std::span<Value>>, decltype(antes)> contas(antes);
+    for (std::size_t at = 0; at < cells_.size(); at += columns_) {
+      const std::span<Value> row(cells_.data() + at, columns_);
+      contas[{At(row, set_.Banco), At(row, set_.Conta)}].push_back(row);
+    }
+    for (auto& [conta, rows] : contas) {
+      std::stable_sort(rows.begin(), rows.end(), [&](std::span<Value> a, std::span<Value> b) {
+        return Compare(At(a, set_.Docto), At(b, set_.Docto)) < 0;
+      });
+      for (const std::span<Value> row : rows) set_.AppendRow(row);
+    }
   }
 
   Currency debito, credito;
