@@ -150,7 +150,8 @@ class IContabil {
   // Removes the rows of CONTABIL of that number.
   virtual void DeletaContabilidadeFinan(std::string_view lancamento) = 0;
   // Apportions `valor` by the rules of the class under `numero`; asks the user where the rules leave a
-  // difference, or where there are none and the class asks for it. False: the caller stops.
+  // difference, or where there are none and the class asks for it. False: the caller stops. Without `store`
+  // nothing is written, and the same call with it then stores what the user was asked for.
   virtual bool SetRateioClasse(std::string_view numero, std::string_view classe, std::string_view origem,
                                Currency valor, std::string_view carteira, bool confirm, Date data,
                                bool store) = 0;

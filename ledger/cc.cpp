@@ -56,11 +56,12 @@ void TfmCC::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        GbConsLanc { dtInicio dtFim } GbConsVenc { dtVencIni dtVencFim }
-        GbConsCont { dtContIni dtContFim } GbConsValor { EdtValorDe EdtValorAte } /
-        EdtConsLanc EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo /
-        EdtAObs edtCodHist PqHist edtDescHist RgBusca /
-        EdtDocto RgTipo BitBtn5 BitBtn6 /
+        EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo
+        edtCodHist PqHist edtDescHist /
+        EdtConsLanc EdtDocto EdtAObs /
+        RgBusca RgTipo BitBtn5 BitBtn6 /
+        GbConsValor { EdtValorDe EdtValorAte } GbConsLanc { dtInicio dtFim }
+        GbConsVenc { dtVencIni dtVencFim } GbConsCont { dtContIni dtContFim } /
         DBGridApagar /
         EdtDebito EdtCredito EdtSaldo DtBaixaComp SpeedButton8 SpeedButton6
       }
@@ -113,10 +114,11 @@ void TfmCC::LigaAcesso() {
       {&edtCodHist, &PqHist, "HISTCP", "HISTORICO", {{"DESCRICAO", &edtDescHist}}, "", true, nullptr},
   });
 
+  BitBtn5.OnClick = [this] { BitBtn5Click(); };
   BitBtn6.OnClick = [this] { Close(); };
-  BitBtn5.SetEnabled(false);
-  SpeedButton8.SetEnabled(false);
-  SpeedButton6.SetEnabled(false);
+  DBGridApagar.OnDblClick = [this] { DBGridApagarDblClick(); };
+  SpeedButton8.OnClick = [this] { SpeedButton8Click(); };
+  SpeedButton6.OnClick = [this] { SpeedButton6Click(); };
 }
 
 void TfmCC::LigaManutencao() {
@@ -166,8 +168,8 @@ void TfmCC::LigaManutencao() {
   SpeedButton2.OnClick = [this] { SpeedButton2Click(); };
   btnConsulta.OnClick = [this] { PqFluxo.AbrePesquisa(); };
   PqFluxo.OnFechaPesquisa = [this] { PqFluxoFechaPesquisa(); };
-  BitBtn7.SetEnabled(false);
-  BitBtn8.SetEnabled(false);
+  BitBtn7.OnClick = [this] { BitBtn7Click(); };
+  BitBtn8.OnClick = [this] { BitBtn8Click(); };
 }
 
 void TfmCC::LigaGrades() {

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/module.h"
 #include "frame/screen.h"
@@ -22,19 +24,6 @@ class ORV_EXPORT TfmCC : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
-  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
-  DateEdit dtInicio{*this, "dtInicio", "De"};
-  DateEdit dtFim{*this, "dtFim", "Até"};
-  GroupBox GbConsVenc{*this, "GbConsVenc", "Vencimento"};
-  DateEdit dtVencIni{*this, "dtVencIni", "De"};
-  DateEdit dtVencFim{*this, "dtVencFim", "Até"};
-  GroupBox GbConsCont{*this, "GbConsCont", "Contabilização"};
-  DateEdit dtContIni{*this, "dtContIni", "De"};
-  DateEdit dtContFim{*this, "dtContFim", "Até"};
-  GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
-  MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
-  MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
-  Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
   Edit EdtConsConta{*this, "EdtConsConta", "Conta", 12};
   TPesquisa PqConsConta{
       *this, "PqConsConta",
@@ -44,16 +33,31 @@ class ORV_EXPORT TfmCC : public Child {
   TPesquisa PqConsClasse{*this, "PqConsClasse",
                          Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtNomeGrupo{*this, "EdtNomeGrupo"};
-  Edit EdtAObs{*this, "EdtAObs", "Observação", 50};
   Edit edtCodHist{*this, "edtCodHist", "Histórico", 5};
   TPesquisa PqHist{*this, "PqHist",
                    Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit edtDescHist{*this, "edtDescHist"};
-  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
+  Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
   Edit EdtDocto{*this, "EdtDocto", "Documento", 10};
+  Edit EdtAObs{*this, "EdtAObs", "Observação", 50};
+  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Todos", "Duplicatas", "Cheques"}, 0};
   Button BitBtn5{*this, "BitBtn5", "&Consultar"};
   Button BitBtn6{*this, "BitBtn6", "&Fechar"};
+  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through
+  // the filters to the inquiry narrows no period by that.
+  GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
+  MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
+  MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
+  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
+  DateEdit dtInicio{*this, "dtInicio", "De"};
+  DateEdit dtFim{*this, "dtFim", "Até"};
+  GroupBox GbConsVenc{*this, "GbConsVenc", "Vencimento"};
+  DateEdit dtVencIni{*this, "dtVencIni", "De"};
+  DateEdit dtVencFim{*this, "dtVencFim", "Até"};
+  GroupBox GbConsCont{*this, "GbConsCont", "Contabilização"};
+  DateEdit dtContIni{*this, "dtContIni", "De"};
+  DateEdit dtContFim{*this, "dtContFim", "Até"};
 
   // The movements found.
   struct ConsultaSet : TClientDataSet {
@@ -84,7 +88,7 @@ class ORV_EXPORT TfmCC : public Child {
                            {"DOCTO", "Documento"},
                            {"BANCO", "Banco"},
                            {"CONTA", "Conta"},
-                           {"DT_LAN", "Lançamento"},
+                           {"DT_LAN", "Data Lançamento"},
                            {"DT_VENCTO", "Vencimento"},
                            {"DT_CONT", "Contabilização"},
                            {"OPERACAO", "Operação"},
@@ -238,6 +242,15 @@ class ORV_EXPORT TfmCC : public Child {
     Field Tipo{*this, "Tipo", FieldType::String, 1};
   } TbContas{"TbContas"};
 
+  // --- Inquiry and balances (cc_inquiry.cpp).
+  // Fills TbConsulta and the totals by the filters of the page.
+  void ConsultaLancamentos();
+  // Of the account on which Tabela.TbCadConta stands, over all companies unless they share the ledger:
+  // settled until today, pending until today, and all that is dated later.
+  Currency ValorSaldoConta();
+  Currency ValorPendenteConta();
+  Currency ValorPrevisaoConta();
+
  private:
   // --- Creation (cc.cpp).
   LookupSettings ContaContabil() const;
@@ -270,7 +283,8 @@ class ORV_EXPORT TfmCC : public Child {
   // A cheque behind a deleted movement is cancelled. False when there is none.
   bool CancelaCheque(const std::string& numero, const std::string& docto);
   bool ValidaCampos();
-  bool ValidaRateioClasse();
+  // The apportionment by class; without `grava` only what it asks the user. False where he refuses it.
+  bool RateiaClasse(bool grava);
   void GravaLancamento();
   // Raises UserError when another user has changed or deleted the loaded row since.
   void ExigeInalterado() const;
@@ -313,6 +327,35 @@ class ORV_EXPORT TfmCC : public Child {
   void TbCCustoNewRecord();
   void DbgContabilidadeKey(KeyPress& key);
   void DbgRateioCCKey(KeyPress& key);
+
+  // --- Inquiry and balances (cc_inquiry.cpp).
+  void BitBtn5Click();
+  void BitBtn7Click();
+  void BitBtn8Click();
+  void DBGridApagarDblClick();
+  // The statement of the inquiry, without its order and what it reads of other tables; "" where a filter can
+  // match nothing.
+  std::string SqlConsulta() const;
+  void ConsultaContas();
+  Currency ValorConta(const std::string& condicao);
+  // A statement over the ledger as it is kept: by each company, or by one for all.
+  std::string SqlDoMovimento(const std::string& sql);
+
+  // --- Clearing (cc_clearing.cpp).
+  void SpeedButton8Click();
+  void SpeedButton6Click();
+  // The condition that finds the selected row as the inquiry found it.
+  std::string LinhaConsultada() const;
+  bool ComoConsultada() const;
+  // The identity of the row that follows the selected one, of the last row its own.
+  std::vector<Value> ProximaConsultada();
+  // Changes the selected row and all of its number and document. False, with nothing changed, when the row
+  // is no longer as the inquiry found it.
+  bool AtualizaConsultada(const std::string& valores);
+  // Tells what has become of the selected row meanwhile, and shows the rows as they are.
+  void AvisaMudanca();
+  // The accounting of a clearing; null where it has none.
+  std::unique_ptr<TContabil> PartidaDaCompensacao(const std::string& numero);
 
   // Parameters: entries, cost centres, apportionment by class, that also for credits.
   bool fin30_ = false, fin50_ = false, fin80_ = false, fin100_ = false;

@@ -88,35 +88,52 @@ void ContabilService::WriteShares(std::string_view lancamento, std::string_view 
   }
 }
 
+bool ContabilService::SharesOf(std::string_view classe, Currency total, bool confirm,
+                               std::vector<Share>& shares) {
+  const auto rules = ReadShareRules(db_, Local("CONT_RATEIO"), classe, "C", "VF");
+  shares = SharesOfClass(rules);
+  if (SharesAreWhole(shares)) {
+    SetAmounts(shares, total);
+    return true;
+  }
+  const bool demanded = !rules.empty() || db_.Scalar("SELECT RATEIO FROM " + Local("SUBGRUPO") +
+                                                     " WHERE CODIGO = " + SqlLiteral(classe))
+                                                  .Text() == "S";
+  if (!demanded || total.IsZero()) {
+    shares.clear();
+    return true;
+  }
+  if (!confirm) return false;
+  for (Share& share : shares) share.amount = (total * (share.percent / 100)).Round2();
+  auto& dialog = static_cast<TfmRateio&>(application_.Adopt(std::make_unique<TfmRateio>(application_)));
+  dialog.Prepare(shares, total);
+  application_.Show(dialog);
+  if (!dialog.Confirmed()) return false;
+  shares = dialog.Shares();
+  return true;
+}
+
 bool ContabilService::SetRateioClasse(std::string_view numero, std::string_view classe,
                                       std::string_view origem, Currency valor, std::string_view, bool confirm,
                                       Date, bool store) {
   const Currency total = valor.Round2();
-  const auto rules = ReadShareRules(db_, Local("CONT_RATEIO"), classe, "C", "VF");
-  std::vector<Share> shares = SharesOfClass(rules);
-  if (SharesAreWhole(shares)) {
-    SetAmounts(shares, total);
+  Prepared prepared{
+      tabela_.Standing(), std::string(numero), std::string(classe), std::string(origem), total, {}};
+  if (store && prepared_ && prepared_->Of(prepared)) {
+    prepared = std::move(*prepared_);
+    prepared_.reset();
   } else {
-    const bool demanded = !rules.empty() || db_.Scalar("SELECT RATEIO FROM " + Local("SUBGRUPO") +
-                                                       " WHERE CODIGO = " + SqlLiteral(classe))
-                                                    .Text() == "S";
-    if (demanded && !total.IsZero()) {
-      if (!confirm) return false;
-      for (Share& share : shares) share.amount = (total * (share.percent / 100)).Round2();
-      auto& dialog = static_cast<TfmRateio&>(application_.Adopt(std::make_unique<TfmRateio>(application_)));
-      dialog.Prepare(shares, total);
-      application_.Show(dialog);
-      if (!dialog.Confirmed()) return false;
-      shares = dialog.Shares();
-    } else {
-      shares.clear();
-    }
+    prepared_.reset();
+    if (!SharesOf(classe, total, confirm, prepared.shares)) return false;
   }
-  if (!store) return true;
+  if (!store) {
+    prepared_ = std::move(prepared);
+    return true;
+  }
   const std::string_view number = CutChars(numero, 12);
   db_.Execute("DELETE FROM " + Local("CENTRO_RATEIO") + " WHERE NUMERO = " + SqlLiteral(number) +
               " AND TIPO = " + SqlLiteral(origem) + " AND (LANCAMENTO = '' OR LANCAMENTO IS NULL)");
-  WriteShares("", number, origem, 1, false, shares);
+  WriteShares("", number, origem, 1, false, prepared.shares);
   return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -56,12 +57,26 @@ class ContabilService : public IContabil {
 
  private:
   int FloatDays(std::string_view situacao, const std::string& company);
+  // The shares of a class, by its rules or as the user gives them. False when he gives up.
+  bool SharesOf(std::string_view classe, Currency total, bool confirm, std::vector<Share>& shares);
 
   Application& application_;
   TOrvDatabase& db_;
   TabelaService& tabela_;
   PeriodLocks& locks_;
   Calendar& calendar_;
+
+  // What was asked for without being stored yet: the user isn't asked a second time.
+  struct Prepared {
+    std::string company, numero, classe, origem;
+    Currency total;
+    std::vector<Share> shares;
+    bool Of(const Prepared& other) const {
+      return company == other.company && numero == other.numero && classe == other.classe &&
+             origem == other.origem && total == other.total;
+    }
+  };
+  std::optional<Prepared> prepared_;
 
   // The float of each situation of a company, read once and again after a while.
   std::string float_company_;

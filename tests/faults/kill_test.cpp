@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "host/schema/check.h"
-#include "tests/ledger/cc_desk.h"
+#include "tests/faults/ledger_actions.h"
 #include "tests/support/process.h"
 
 namespace orv::test {
@@ -93,6 +93,41 @@ TEST_F(KillTest, LeavesAllOrNothing) {
   EXPECT_GT(landed, 0);
   EXPECT_LT(landed, kKills);
   EXPECT_TRUE(CheckData(Db()).empty());
+}
+
+TEST_F(ActionsTest, KilledActionsLeaveAllOrNothing) {
+  constexpr int kEach = 10;
+  for (const LedgerAction& action : Actions()) {
+    SCOPED_TRACE(action.name);
+    const auto at_last = [&] {
+      Restore();
+      LetGo();
+      auto desk = std::make_unique<DriveProcess>(database_);
+      for (const Json& in : action.before) desk->Do(in);
+      return desk;
+    };
+    Restore();
+    const std::string none = Left();
+    auto desk = at_last();
+    const auto begun = steady_clock::now();
+    desk->Do(action.last);
+    const auto whole = std::chrono::duration_cast<microseconds>(steady_clock::now() - begun);
+    desk->Kill();
+    const std::string all = Left();
+    EXPECT_NE(all, none);
+    int landed = 0;
+    for (int kill = 0; kill < kEach; ++kill) {
+      desk = at_last();
+      const auto until = steady_clock::now() + whole * kill / (kEach * 4 / 5);
+      desk->Send(action.last);
+      std::this_thread::sleep_until(until);
+      desk->Kill();
+      const std::string left = Left();
+      landed += left == all;
+      EXPECT_TRUE(left == all || left == none) << left;
+    }
+    EXPECT_LT(landed, kEach);
+  }
 }
 
 }  // namespace

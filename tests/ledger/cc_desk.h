@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/desk_test.h"
+#include "toolkit/text.h"
 
 namespace orv::test {
 
@@ -45,15 +46,21 @@ class CcTest : public DeskTest {
     std::string operacao = "-";
     std::string classe = "3104";
     std::string dt_cont = "11/10/2026";
+    std::string pendente = "N";
+    std::string historico = "019";
+    std::string tipo_doc = "DP";
+    std::string valor = "150";
+    std::string observacao = "COMO ESTAVA";
   };
   // A settled movement of 150,00 posted on 10/11/2026.
   void Store(const Stored& m) {
     Run("INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, BANCO, CONTA, DT_LAN, DT_CONT, DT_VENCTO, VALOR, "
         "OPERACAO, "
         "GRUPO, HISTORICO, OBSERVACAO, TIPO, TIPO_DOC, PENDENTE, LANC_CON) VALUES ('" +
-        m.numero + "', '" + m.docto + "', '901', '" + m.conta + "', '11/10/2026', '" + m.dt_cont +
-        "', '11/12/2026', 150, '" + m.operacao + "', '" + m.classe + "', '019', 'COMO ESTAVA', '" + m.tipo +
-        "', 'DP', 'N', '" + m.lanc_con + "')");
+        m.numero + "', '" + m.docto + "', '" + (m.conta == kOutraConta ? "902" : "901") + "', '" + m.conta +
+        "', '11/10/2026', '" + m.dt_cont + "', '11/12/2026', " + m.valor + ", '" + m.operacao + "', '" +
+        m.classe + "', '" + m.historico + "', '" + ReplaceAll(m.observacao, "'", "''") + "', '" + m.tipo +
+        "', '" + m.tipo_doc + "', '" + m.pendente + "', '" + m.lanc_con + "')");
   }
 
   // The stored rows of a number.
@@ -66,9 +73,20 @@ class CcTest : public DeskTest {
   std::string Count(const std::string& table, const std::string& where) {
     return Sql("SELECT COUNT(*) FROM " + table + " WHERE " + where);
   }
-  std::string Audit() {
-    return Sql("SELECT TEXTO, OPERACAO, CHAVE FROM AUDITORIA WHERE AREA = 'CONTACOR' ORDER BY ID");
+  std::string Audit(const std::string& area = "CONTACOR") {
+    return Sql("SELECT TEXTO, OPERACAO, CHAVE FROM AUDITORIA WHERE AREA = '" + area + "' ORDER BY ID");
   }
+  // A cheque behind a movement.
+  void Cheque(const std::string& numero, const std::string& docto, const std::string& status) {
+    Run("INSERT INTO CHEQUE_PRE_001 (CHAVE, NUMERO, BANCO, CONTA, VALOR, STATUS) VALUES ('" + numero +
+        "', '" + docto + "', '901', '10250-1', 150, '" + status + "')");
+  }
+  // Puts a period lock up to the desk's today.
+  void Lock(const std::string& kind, const std::string& account) {
+    Run("UPDATE OR INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', '" + kind + "', '" +
+        account + "', '11/20/2026') MATCHING (EMP_PAT, TIPO, CONTA)");
+  }
+  void Unlock(const std::string& kind) { Run("DELETE FROM BLOQUEIO WHERE TIPO = '" + kind + "'"); }
   std::string Entries(const std::string& numero) {
     return Sql("SELECT CONTA_C, CONTA_D, VALOR FROM CONTABIL_001 WHERE LANCAMENTO = '" + numero +
                "' ORDER BY 3 DESC");
@@ -124,6 +142,42 @@ class CcTest : public DeskTest {
     desk.Click("btnConsulta");
     desk.Do({{"do", "search"}, {"text", numero}});
     desk.Do({{"do", "choose"}, {"rows", Json::Array{row}}});
+  }
+  // Gives the filters of the inquiry their values and runs it; the numbers found, in order.
+  static std::string Consult(Desk& desk, const Fields& fields = {}) {
+    desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
+    for (const auto& [control, value] : fields) desk.Set(control, value);
+    desk.Click("BitBtn5");
+    return Found(desk);
+  }
+  static std::string Found(Desk& desk) {
+    std::string numbers;
+    for (const std::string& row : Split(desk.Rows("TbConsulta"), "\n")) {
+      if (row.empty()) continue;
+      numbers += (numbers.empty() ? "" : " ") + row.substr(0, row.find('|'));
+    }
+    return numbers;
+  }
+  // Selects a row of the inquiry.
+  static void Select(Desk& desk, int row) {
+    desk.Do({{"do", "row"}, {"control", "DBGridApagar"}, {"row", row}});
+  }
+  // The number on which the inquiry stands.
+  static std::string Selected(Desk& desk) {
+    const Json set = desk.State("TbConsulta")["screens"].Items().back()["sets"]["TbConsulta"];
+    return set["rows"].Items().at(static_cast<std::size_t>(set["row"].Integer())).Items()[0].String();
+  }
+  // The lines of the open accounting confirmation: credit, debit, amount, text.
+  static std::string Posting(const Desk& desk) {
+    std::string lines;
+    for (const Json& out : desk.Latest()) {
+      if (!(out["on"] == Json("confirm"))) continue;
+      for (const Json& line : out["lines"].Items()) {
+        lines += (lines.empty() ? "" : ";") + line["credit"].String() + "|" + line["debit"].String() + "|" +
+                 line["amount"].String() + "|" + line["note"].String();
+      }
+    }
+    return lines;
   }
   static void Cell(Desk& desk, std::string_view grid, int row, std::string_view column,
                    std::string_view value) {

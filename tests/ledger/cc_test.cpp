@@ -6,12 +6,6 @@ namespace {
 
 constexpr const char* kDateOrder = "A Data de Contabilização deve ser maior que a Data de Lançamento.";
 
-// Puts a period lock up to the desk's today.
-std::string Lock(const std::string& kind, const std::string& account) {
-  return "UPDATE OR INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', '" + kind + "', '" +
-         account + "', '11/20/2026') MATCHING (EMP_PAT, TIPO, CONTA)";
-}
-
 TEST_F(CcTest, PostsANewMovement) {
   Desk desk(database_);
   desk.Open("TfmCC");
@@ -76,8 +70,8 @@ TEST_F(CcTest, ConfirmationRefusesInOrder) {
   desk.Open("TfmCC");
   const std::string numero = New(desk);
   Fill(desk, {{"EdtValor", ""}, {"EdtTipo", ""}, {"EdtHis", ""}, {"EdtNumDoc", ""}});
-  Run(Lock("CX", ""));
-  Run(Lock("CT", kConta));
+  Lock("CX", "");
+  Lock("CT", kConta);
 
   struct Step {
     std::string right;  // what puts the rule before in order: a statement or a field
@@ -258,7 +252,7 @@ TEST_F(CcTest, ClosedPeriodAndClearingBarChange) {
   Run("UPDATE CONTACOR_001 SET LANC_CON = '' WHERE LANCAMENTO = 'T00008'");
 
   // The other row's account counts too.
-  Run(Lock("CT", kOutraConta));
+  Lock("CT", kOutraConta);
   Load(desk, "T00008");
   desk.Click("BitBtn3");
   EXPECT_EQ(desk.Messages(), "Período fechado até 20/11/2026 para a conta 20418-7.");
@@ -266,7 +260,7 @@ TEST_F(CcTest, ClosedPeriodAndClearingBarChange) {
   EXPECT_EQ(desk.End(), "idle");
   EXPECT_EQ(desk.Text("EdtLancto"), "T00008");
 
-  Run(Lock("CX", ""));
+  Lock("CX", "");
   Load(desk, "T00006");
   for (const char* button : {"BitBtn2", "BitBtn3"}) {
     desk.Click(button);

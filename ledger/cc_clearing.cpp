@@ -1,0 +1,151 @@
+// The page "Acesso": the selected movement is cleared, or its clearing reversed.
+#include "ledger/cc.h"
+#include "ledger/class_account.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr const char* kNenhum = "Nenhum lançamento selecionado.";
+constexpr const char* kCompensado = "Lançamento já compensado.";
+constexpr const char* kAlterado =
+    "Outro usuário alterou este lançamento depois da consulta. Nada foi gravado.";
+constexpr const char* kIdentidade = "LANCAMENTO;DOCTO;CONTA;OPERACAO";
+
+// The kind of the histories that are cleared with accounting, as cheques are.
+constexpr const char* kTipoCheque = "08";
+
+bool Compensado(const std::string& pendente) { return pendente == "N" || pendente == "C"; }
+
+}  // namespace
+
+void TfmCC::SpeedButton8Click() {
+  if (!Funcoes.ValidaData(DtBaixaComp.Text())) {
+    Recusa("Data de Compensação inválida.", DtBaixaComp);
+    Abort();
+  }
+  if (TbConsulta.IsEmpty()) return Inform(kNenhum);
+  if (Tabela.TbCadConta().Locate("CONTA", TbConsulta.Conta.AsString()) &&
+      Contabil.PeriodoConciliado(DtBaixaComp.Date(), "CT")) {
+    return;
+  }
+  if (Compensado(TbConsulta.Pendente.AsString())) return Inform(kCompensado);
+  const std::string lancamento = TbConsulta.Lancamento.AsString(), docto = TbConsulta.Docto.AsString();
+  const std::vector<Value> proxima = ProximaConsultada();
+
+  // The user isn't asked about what another one has done already.
+  if (!ComoConsultada()) return AvisaMudanca();
+  const std::string numero = Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true);
+  const auto partida = PartidaDaCompensacao(numero);
+  if (partida && !partida->ConfirmaDadosContabilidade(0)) return;
+
+  const std::string data = Funcoes.AspasData(DtBaixaComp.Date());
+  if (!AtualizaConsultada("PENDENTE = 'N', DT_CONT = " + data + ", LANC_CON = " + Funcoes.Aspas(numero)))
+    return AvisaMudanca();
+  if (partida) {
+    partida->GravaContabilidadeFinan();
+    Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) +
+                                " SET STATUS = 'B', DT_BAIXA = " + data + " WHERE " +
+                                Igual("CHAVE", lancamento) + " AND " + Igual("NUMERO", docto));
+  }
+  Funcoes.GeraLog("CONTA CORRENTE", "COMPENSAÇÃO DO LANCAMENTO " + lancamento, TOperacaoLog::Processo,
+                  lancamento);
+  Tabela.CommitRetaining();
+  BitBtn5Click();
+  TbConsulta.Locate(kIdentidade, proxima);
+}
+
+void TfmCC::SpeedButton6Click() {
+  if (TbConsulta.IsEmpty()) return Inform(kNenhum);
+  const std::string lancamento = TbConsulta.Lancamento.AsString(), docto = TbConsulta.Docto.AsString(),
+                    compensacao(Trim(TbConsulta.LancCon.AsString()));
+  if (!compensacao.empty() &&
+      Funcoes.Existe("EXTRATO", "LANC_CON,CONCILIADO", Funcoes.Aspas(compensacao) + ",'S'")) {
+    return Inform("Lançamento conciliado com o extrato. Impossível continuar.");
+  }
+  if (!ValidaLancamento(lancamento, TbConsulta.DtCont.AsDate(), TbConsulta.DtLan.AsDate(), false)) return;
+
+  if (!AtualizaConsultada("PENDENTE = 'S', LANC_CON = ''")) return AvisaMudanca();
+  Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'P' WHERE " +
+                              Igual("CHAVE", lancamento) + " AND " + Igual("NUMERO", docto));
+  if (!compensacao.empty()) Contabil.DeletaContabilidadeFinan(compensacao);
+  Funcoes.GeraLog("CONTA CORRENTE", "ESTORNO DE COMPENSAÇÃO LANC. " + lancamento, TOperacaoLog::Processo,
+                  lancamento);
+  Tabela.CommitRetaining();
+  BitBtn5Click();
+}
+
+std::unique_ptr<TContabil> TfmCC::PartidaDaCompensacao(const std::string& numero) {
+  const std::string docto = TbConsulta.Docto.AsString(), conta = TbConsulta.Conta.AsString(),
+                    operacao = TbConsulta.Operacao.AsString();
+  std::string historico = TbConsulta.Historico.AsString();
+  if (historico.empty()) historico = "0";
+  const bool cheque = TbConsulta.TipoDoc.AsString() == "CH";
+  if (!cheque && Funcoes.Busca_Valor("HISTCP", "HISTORICO", "TIPO", Funcoes.Aspas(historico), true, true) !=
+                     kTipoCheque) {
+    return nullptr;
+  }
+
+  const std::string banco = ContaDoHistorico(Funcoes, Tabela, conta, "0");
+  const std::string contrapartida = ContaDoHistorico(Funcoes, Tabela, conta, historico);
+  const bool saida = cheque && operacao == "-";
+  auto partida = Contabil.Create();
+  partida->SetContabilidadeFinan(numero, docto, docto, saida ? banco : contrapartida,
+                                 saida ? contrapartida : banco, operacao, "CC", "",
+                                 TbConsulta.Historico.AsString(), TbConsulta.Valor.AsCurrency(),
+                                 DtBaixaComp.Date(), "000", "COMPENSAÇÃO DOCTO NR: " + docto + ".");
+  return partida;
+}
+
+// --- The selected row and its neighbour.
+
+std::vector<Value> TfmCC::ProximaConsultada() {
+  // Of the last row it is the row itself.
+  const ControlsHold hold(TbConsulta);
+  const int64_t linha = TbConsulta.RecNo();
+  const bool ha = TbConsulta.MoveBy(1) == 1;
+  std::vector<Value> proxima{TbConsulta.Lancamento.Get(), TbConsulta.Docto.Get(), TbConsulta.Conta.Get(),
+                             TbConsulta.Operacao.Get()};
+  if (ha) TbConsulta.SetRecNo(linha);
+  return proxima;
+}
+
+std::string TfmCC::LinhaConsultada() const {
+  // All that the inquiry showed of what decides, so that nothing is cleared that the user hasn't seen.
+  const auto& linha = TbConsulta;
+  std::string condicao = Identidade(linha.Lancamento.AsString(), linha.Docto.AsString(),
+                                    linha.Conta.AsString(), linha.Operacao.AsString());
+  for (const Field* campo : {&linha.Pendente, &linha.LancCon, &linha.Historico, &linha.TipoDoc}) {
+    condicao += " AND COALESCE(" + campo->Name() + ", '') = " + Funcoes.Aspas(campo->AsString());
+  }
+  return condicao + " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(linha.Valor.AsCurrency());
+}
+
+bool TfmCC::ComoConsultada() const {
+  return !Tabela.IBDatabase()
+              .Rows("SELECT FIRST 1 1 FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+                    LinhaConsultada())
+              .empty();
+}
+
+bool TfmCC::AtualizaConsultada(const std::string& valores) {
+  const std::string altera = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) + " SET " + valores + " WHERE ";
+  // One statement both looks and changes the row, so that of two users only the first one does.
+  if (Tabela.IBDatabase().Execute(altera + LinhaConsultada()) == 0) return false;
+  Tabela.IBDatabase().Execute(altera + Igual("LANCAMENTO", TbConsulta.Lancamento.AsString()) + " AND " +
+                              Igual("DOCTO", TbConsulta.Docto.AsString()));
+  return true;
+}
+
+void TfmCC::AvisaMudanca() {
+  const std::string pendente =
+      Tabela.IBDatabase()
+          .Scalar("SELECT PENDENTE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+                  Identidade(TbConsulta.Lancamento.AsString(), TbConsulta.Docto.AsString(),
+                             TbConsulta.Conta.AsString(), TbConsulta.Operacao.AsString()))
+          .AsString();
+  Inform(!Compensado(TbConsulta.Pendente.AsString()) && Compensado(pendente) ? kCompensado : kAlterado);
+  BitBtn5Click();
+}
+
+}  // namespace orv

@@ -1,0 +1,73 @@
+// The quick entry: one movement with its accounting, posted from within another screen.
+//
+// The caller builds the dialog, fills its fields, shows it modally and reads `Tag`: 1 after a cancel or an
+// accounting that the user refused, else 0. It is hidden on close and stays with the application.
+#pragma once
+
+#include <string>
+
+#include "frame/module.h"
+#include "frame/screen.h"
+
+namespace orv {
+
+class ORV_EXPORT TFmCCLancFluxo : public Dialog {
+ public:
+  explicit TFmCCLancFluxo(Application& application);
+
+  // The movement's number; empty draws a new one at the confirmation. Under the number of a movement on
+  // another account, that one is undone there.
+  std::string Lancamento;
+  // The customer or supplier for whom an accounting account is looked for.
+  std::string CodCliente;
+  // The class is apportioned to cost centres at the confirmation.
+  bool UsaRateioClasse = true;
+
+  Edit EdtConta{*this, "EdtConta", "Conta", 13};
+  TPesquisa PqConta{
+      *this, "PqConta",
+      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit EdtDescConta{*this, "EdtDescConta"};
+  Edit EdtDocto{*this, "EdtDocto", "Documento", 15};
+  Edit EdtTipo{*this, "EdtTipo", "Classe Ger.", 6};
+  TPesquisa wwTipo{*this, "wwTipo",
+                   Search("SUBGRUPO", "CODIGO",
+                          {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}, {"OPERACAO", "Operação"}})};
+  ReadOnlyEdit EdtDesTipo{*this, "EdtDesTipo"};
+  Edit EdtHis{*this, "EdtHis", "Histórico", 5};
+  TPesquisa pqHistorico{
+      *this, "pqHistorico",
+      Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  ReadOnlyEdit EdtDescHist{*this, "EdtDescHist"};
+  ComboBox CbOper{*this, "CbOper", "Operação", {"Débito", "Crédito"}};
+  MoneyEdit EdtValor{*this, "EdtValor", "Valor"};
+  DateEdit DtLancto{*this, "DtLancto", "Data Lancto"};
+  DateEdit DtCont{*this, "DtCont", "Data Cont."};
+  Edit EdtObs{*this, "EdtObs", "Observação", 100};
+  Button BitBtn1{*this, "BitBtn1", "Confirmar"};
+  Button BitBtn2{*this, "BitBtn2", "Cancelar"};
+
+ private:
+  void BitBtn1Click();
+  void BitBtn2Click();
+  void EdtTipoChange();
+
+  bool ValidaCampos();
+  // Tells what is wrong and brings the user there. Always false.
+  bool Recusa(std::string_view message, Control& field);
+  // True when the row of the table is there.
+  bool Existe(std::string_view tabela, std::string_view chave, const Edit& campo);
+  // "-" or "+", and the other one.
+  std::string Operacao(bool oposta = false) const;
+  // The apportionment by class; without `grava` only what it asks the user. Ends the action where it is
+  // refused.
+  void RateiaClasse(bool grava);
+  std::string ContaContabil();
+  // The entries, confirmed by the user. Ends the action where he refuses them.
+  std::unique_ptr<TContabil> Partidas();
+  void LancaMovimento();
+};
+
+extern ORV_EXPORT thread_local TFmCCLancFluxo* FmCCLancFluxo;
+
+}  // namespace orv

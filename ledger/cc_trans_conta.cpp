@@ -1,0 +1,156 @@
+#include "ledger/cc_trans_conta.h"
+
+#include "frame/entry/unit.h"
+#include "ledger/class_account.h"
+#include "toolkit/text.h"
+
+namespace orv {
+
+thread_local TFmCCTransConta* FmCCTransConta = nullptr;
+
+namespace {
+
+const Unit kUnit("Cctransconta", {"TFmCCTransConta", "Transferência de Contas", ScreenKind::Dialog, "",
+                                  [](Application& a) { return std::make_unique<TFmCCTransConta>(a); }});
+
+constexpr const char* kConta = "A conta informada é inválida.";
+constexpr const char* kClasse = "A Classe informada é inválida.";
+constexpr const char* kHistorico = "O histórico informado é inválido.";
+
+// What the text of an accounting entry holds.
+constexpr std::size_t kTexto = 200;
+
+}  // namespace
+
+TFmCCTransConta::TFmCCTransConta(Application& application)
+    : Dialog(application, "TFmCCTransConta", "FmCCTransConta", "Transferência de Contas") {
+  FmCCTransConta = this;
+  Layout(R"(
+    EdtConta PqConta EdtDescConta /
+    EdtContaDest PqContaDest EdtDescContaDest /
+    EdtDocto EdtValor DtLan DtCont /
+    EdtClasseSai PqClasseSai EdtDesClaSai /
+    EdtHisSai pqHistSai EdtDescHistSai /
+    EdtClasseEnt PqClasseEnt EdtDesClaEnt /
+    EdtHisEnt pqHistEnt EdtDescHistEnt /
+    EdtObs CbPendente /
+    BitBtn1 BitBtn2
+  )");
+  LigaPesquisas();
+  TodayOnEnter(DtLan);
+  TodayOnEnter(DtCont);
+  BitBtn1.OnClick = [this] { BitBtn1Click(); };
+  BitBtn2.OnClick = [this] { Close(); };
+}
+
+LookupSettings TFmCCTransConta::Contas() const {
+  return Search("CADCONTA", "CONTA",
+                {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}});
+}
+
+LookupSettings TFmCCTransConta::Classes() const {
+  return Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}});
+}
+
+LookupSettings TFmCCTransConta::Historicos() const {
+  return Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}});
+}
+
+void TFmCCTransConta::LigaPesquisas() {
+  const auto conta = [](Edit& field, TPesquisa& lookup, Edit& into) {
+    return LookupTrio{&field, &lookup, "CADCONTA", "CONTA", {{"EMPRESA", &into}}, kConta, false, nullptr};
+  };
+  const auto classe = [](Edit& field, TPesquisa& lookup, Edit& into) {
+    return LookupTrio{&field, &lookup, "SUBGRUPO", "CODIGO", {{"DESCRICAO", &into}}, kClasse, false, nullptr};
+  };
+  const auto historico = [](Edit& field, TPesquisa& lookup, Edit& into, std::function<void()> change) {
+    return LookupTrio{&field,     &lookup, "HISTCP",         "HISTORICO", {{"DESCRICAO", &into}},
+                      kHistorico, false,   std::move(change)};
+  };
+  Lookups({conta(EdtConta, PqConta, EdtDescConta), conta(EdtContaDest, PqContaDest, EdtDescContaDest),
+           classe(EdtClasseSai, PqClasseSai, EdtDesClaSai), classe(EdtClasseEnt, PqClasseEnt, EdtDesClaEnt),
+           historico(EdtHisSai, pqHistSai, EdtDescHistSai, nullptr),
+           historico(EdtHisEnt, pqHistEnt, EdtDescHistEnt, [this] { EdtHisEntChange(); })});
+
+  // Beside what the fields do by themselves.
+  const auto tambem = [](std::function<void()>& action, std::function<void()> then) {
+    action = [first = std::move(action), then = std::move(then)] {
+      first();
+      then();
+    };
+  };
+  for (std::function<void()>* action :
+       {&EdtConta.OnExit, &EdtContaDest.OnExit, &PqConta.OnFechaPesquisa, &PqContaDest.OnFechaPesquisa}) {
+    tambem(*action, [this] { IncluiObservacao(); });
+  }
+  // The same history chosen again is no change of the field, but takes back what was ticked by hand.
+  tambem(pqHistEnt.OnFechaPesquisa, [this] { EdtHisEntChange(); });
+}
+
+void TFmCCTransConta::EdtHisEntChange() {
+  CbPendente.SetChecked(Funcoes.Busca_Valor("HISTCP", "HISTORICO", "SITUACAO",
+                                            Funcoes.Aspas(EdtHisEnt.Text()), true, true) == "P");
+}
+
+void TFmCCTransConta::IncluiObservacao() {
+  if (EdtConta.Empty() || EdtContaDest.Empty() || !EdtObs.Empty()) return;
+  // A proposal stays: of a code that isn't there none is made.
+  for (const Edit* conta : {&EdtConta, &EdtContaDest}) {
+    if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(conta->Text()))) return;
+  }
+  EdtObs.SetText("Trf. cc - de " + EdtConta.Text() + " para " + EdtContaDest.Text());
+}
+
+void TFmCCTransConta::BitBtn1Click() {
+  const std::string numero = Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true);
+  if (Fechado(EdtConta) || Fechado(EdtContaDest)) return;
+  if (!LancaContabilidade(numero)) return;
+  LancaMovimentos(numero);
+  Funcoes.GeraLog("TRANSFERENCIA ENTRE CONTAS",
+                  "LANCAMENTO:" + numero + " TRASFERENCIA DA CONTA:" + EdtConta.Text() +
+                      " PARA CONTA:" + EdtContaDest.Text(),
+                  TOperacaoLog::Processo, EdtConta.Text());
+  Tabela.CommitRetaining();
+  LimpaTela();
+  Close();
+}
+
+bool TFmCCTransConta::Fechado(const Edit& conta) {
+  return Tabela.TbCadConta().Locate("CONTA", conta.Text()) && Contabil.PeriodoConciliado(DtCont.Date(), "CT");
+}
+
+bool TFmCCTransConta::LancaContabilidade(const std::string& numero) {
+  const std::string texto(CutChars(EdtDesClaSai.Text() + " - " + EdtObs.Text(), kTexto));
+  const std::string destino = ContaDoBanco(Funcoes, Tabela, EdtContaDest.Text(), EdtHisEnt.Text());
+  const std::string origem = ContaDoBanco(Funcoes, Tabela, EdtConta.Text(), EdtHisSai.Text());
+  const auto partida = Contabil.Create();
+  partida->SetContabilidadeFinan(numero, EdtDocto.Text(), EdtDocto.Text(), origem, destino, "-", "CC",
+                                 EdtClasseSai.Text(), EdtHisSai.Text(), EdtValor.Amount(), DtLan.Date(),
+                                 "000-00", texto);
+  if (!partida->ConfirmaDadosContabilidade(0)) return false;
+  partida->GravaContabilidadeFinan();
+  return true;
+}
+
+void TFmCCTransConta::LancaMovimentos(const std::string& numero) {
+  const auto lanca = [&](const Edit& conta, const Edit& classe, const Edit& historico,
+                         std::string_view pendente, std::string_view operacao) {
+    Contabil.LancaContaCorrente(numero, EdtDocto.Text(), "", conta.Text(), classe.Text(), historico.Text(),
+                                "TR", pendente, operacao, EdtObs.Text(), EdtValor.Amount(), DtLan.Date(),
+                                DtCont.Date(), DtCont.Date(), "");
+  };
+  lanca(EdtConta, EdtClasseSai, EdtHisSai, Funcoes.LancamentoPendente(EdtConta.Text(), EdtHisSai.Text()),
+        "-");
+  lanca(EdtContaDest, EdtClasseEnt, EdtHisEnt, CbPendente.Checked() ? "S" : "N", "+");
+}
+
+void TFmCCTransConta::LimpaTela() {
+  for (Edit* campo :
+       std::initializer_list<Edit*>{&EdtConta, &EdtContaDest, &EdtDocto, &EdtValor, &DtLan, &DtCont,
+                                    &EdtClasseSai, &EdtHisSai, &EdtClasseEnt, &EdtHisEnt, &EdtObs}) {
+    campo->Clear();
+  }
+  CbPendente.SetChecked(false);
+}
+
+}  // namespace orv

@@ -1,0 +1,216 @@
+// The ledger's screen, page "Acesso": movements are cleared, and clearings reversed.
+#include "tests/ledger/cc_desk.h"
+
+namespace orv::test {
+namespace {
+
+class ClearingTest : public CcTest {
+ protected:
+  ClearingTest() { Run("DELETE FROM CONTACOR_001"); }
+  std::string Process() { return Audit("CONTA CORRENTE"); }
+  std::string Clearing(const std::string& numero) {
+    return Sql("SELECT DISTINCT LANC_CON FROM CONTACOR_001 WHERE LANCAMENTO = '" + numero + "'");
+  }
+};
+
+TEST_F(ClearingTest, AccountingGoesByKindAndSide) {
+  // Of several rows of an account and history, that of any class counts.
+  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) VALUES ('', "
+      "'3104', '004', '0', '10250-1', '9.9.99.999')");
+  struct Case {
+    const char *numero, *tipo_doc, *operacao, *historico;
+    const char* posting;  // credit|debit, "" for a clearing without accounting
+  };
+  const Case cases[] = {
+      {"A1", "CH", "+", "005", "1.1.04.001|1.1.02.001"},
+      {"A2", "CH", "-", "004", "1.1.02.001|2.1.02.001"},
+      {"A3", "DP", "-", "004", "2.1.02.001|1.1.02.001"},
+      {"A4", "", "+", "005", "1.1.04.001|1.1.02.001"},
+      {"A5", "DP", "-", "019", ""},
+      {"A6", "CH", "+", "", "1.1.02.001|1.1.02.001"},
+      {"A7", "DP", "+", "", ""},
+  };
+  for (const Case& c : cases) {
+    Store({.numero = c.numero,
+           .docto = c.numero,
+           .operacao = c.operacao,
+           .pendente = "S",
+           .historico = c.historico,
+           .tipo_doc = c.tipo_doc});
+  }
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  EXPECT_EQ(Consult(desk), "A1 A2 A3 A4 A5 A6 A7");
+  EXPECT_EQ(desk.Text("DtBaixaComp"), "20/11/2026");
+  desk.Set("DtBaixaComp", "18/11/2026");
+  std::string audit;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.numero);
+    // A run of clearings goes down the list by itself.
+    EXPECT_EQ(Selected(desk), c.numero);
+    desk.Click("SpeedButton8");
+    const std::string text = "COMPENSAÇÃO DOCTO NR: " + std::string(c.numero) + ".";
+    if (*c.posting != 0) {
+      EXPECT_EQ(Posting(desk), c.posting + ("|150,00|" + text));
+      desk.Answer("yes");
+    }
+    EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+    const std::string lanc_con = Clearing(c.numero);
+    EXPECT_EQ(lanc_con.size(), 6U);
+    EXPECT_EQ(Entries(lanc_con), *c.posting != 0 ? c.posting + std::string("|150.0000") : "");
+    EXPECT_EQ(Movement(c.numero), c.numero + std::string("|901|10250-1|2026-11-10|2026-11-12|2026-11-18|") +
+                                      "150.0000|" + c.operacao + "|3104|" + c.historico + "|COMO ESTAVA|L|" +
+                                      c.tipo_doc + "|N|" + lanc_con);
+    audit +=
+        std::string(audit.empty() ? "" : ";") + "COMPENSAÇÃO DO LANCAMENTO " + c.numero + "|3|" + c.numero;
+    EXPECT_EQ(Process(), audit);
+  }
+  EXPECT_EQ(Found(desk), "");
+  EXPECT_EQ(Sql("SELECT DOCTO, DOCTO2, OPERACAO, ORIGEM, CLASSE, HISTORICO, DATA, CODIGO, OBSERVACAO FROM "
+                "CONTABIL_001 WHERE LANCAMENTO = '" +
+                Clearing("A2") + "'"),
+            "A2|A2|-|CC||004|2026-11-18|000|COMPENSAÇÃO DOCTO NR: A2.");
+}
+
+TEST_F(ClearingTest, TheSelectionWalksOn) {
+  for (const char* numero : {"A1", "A2", "A3"}) Store({.numero = numero, .docto = numero, .pendente = "S"});
+  // Both rows of a transfer are cleared together, the settled one too.
+  Store({.numero = "T1", .docto = "A2", .tipo = "TR", .conta = kOutraConta, .pendente = "S"});
+  Store({.numero = "T1", .docto = "A2", .tipo = "TR", .operacao = "+", .pendente = "N"});
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  EXPECT_EQ(Consult(desk), "A1 A2 A3 T1");
+  Select(desk, 1);
+  desk.Click("SpeedButton8");
+  EXPECT_EQ(Found(desk) + " at " + Selected(desk), "A1 A3 T1 at A3");
+  Select(desk, 2);
+  desk.Click("SpeedButton8");
+  EXPECT_EQ(Found(desk) + " at " + Selected(desk), "A1 A3 at A1");
+  EXPECT_EQ(Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON), MIN(PENDENTE), MIN(DT_CONT) FROM CONTACOR_001 "
+                "WHERE LANCAMENTO = 'T1'"),
+            "2|1|N|2026-11-20");
+  // Among all movements the cleared one stays, and the selection goes on as well.
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Todos"}}), "A1 A2 T1 A3 T1");
+  desk.Click("SpeedButton8");
+  EXPECT_EQ(Selected(desk), "A2");
+}
+
+TEST_F(ClearingTest, ChequesFollow) {
+  Store({.numero = "A1", .docto = "77", .pendente = "S", .historico = "004", .tipo_doc = "CH"});
+  Cheque("A1", "77", "P");
+  Cheque("A1", "78", "P");
+  const auto cheques = [&] {
+    return Sql("SELECT NUMERO, STATUS, DT_BAIXA FROM CHEQUE_PRE_001 WHERE CHAVE = 'A1' ORDER BY 1");
+  };
+  const std::string before = Movement("A1");
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  Consult(desk);
+  // A refused entry leaves all as it was.
+  desk.Click("SpeedButton8");
+  desk.Answer("no");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  EXPECT_EQ(Movement("A1") + cheques() + Process(), before + "77|P|-;78|P|-");
+  EXPECT_EQ(Found(desk), "A1");
+
+  desk.Click("SpeedButton8");
+  desk.Answer("yes");
+  EXPECT_EQ(cheques(), "77|B|2026-11-20;78|P|-");
+  const std::string lanc_con = Clearing("A1");
+  EXPECT_NE(Entries(lanc_con), "");
+
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Baixados"}}), "A1");
+  desk.Click("SpeedButton6");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  // The dates stay where the clearing put them.
+  EXPECT_EQ(cheques(), "77|P|2026-11-20;78|P|-");
+  EXPECT_EQ(Entries(lanc_con), "");
+  EXPECT_EQ(Movement("A1"), ReplaceAll(before, "|2026-11-10|150", "|2026-11-20|150"));
+  EXPECT_EQ(Found(desk), "");
+  EXPECT_EQ(Process(), "COMPENSAÇÃO DO LANCAMENTO A1|3|A1;ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1");
+}
+
+TEST_F(ClearingTest, ReversesWhatWasNeverCleared) {
+  Store({.numero = "A1", .docto = "1", .pendente = "S"});
+  Store({.numero = "A2", .docto = "2", .pendente = "N"});
+  Run("INSERT INTO CONTABIL_001 (LANCAMENTO, CONTA_C, CONTA_D, VALOR) VALUES ('', '1', '2', 3)");
+  const std::string pending = Movement("A1"), settled = Movement("A2");
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  Consult(desk, {{"RgBusca", "Todos"}});
+  desk.Click("SpeedButton6");
+  EXPECT_EQ(Movement("A1"), pending);
+  Select(desk, 1);
+  desk.Click("SpeedButton6");
+  EXPECT_EQ(Movement("A2"), ReplaceAll(settled, "|N|", "|S|"));
+  EXPECT_EQ(Process(), "ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1;ESTORNO DE COMPENSAÇÃO LANC. A2|3|A2");
+  EXPECT_EQ(Count("CONTABIL_001", "LANCAMENTO = ''"), "1");
+}
+
+TEST_F(ClearingTest, RefusesInOrder) {
+  Store({.numero = "A1", .docto = "1", .lanc_con = "000321"});
+  Run("INSERT INTO EXTRATO_001 (LANCTO, CONTA, LANC_CON, CONCILIADO) VALUES ('E1', '10250-1', '000321', "
+      "'S')");
+  Lock("CT", kConta);
+  Lock("CX", "");
+  const std::string before = Movement("A1");
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
+  desk.Set("DtBaixaComp", "31/02/2026");
+
+  constexpr const char* kClosed = "Período fechado até 20/11/2026 para a conta 10250-1.";
+  struct Step {
+    const char* button;
+    std::function<void()> right;  // puts the rule before in order
+    const char* message;
+  };
+  const Step steps[] = {
+      {"SpeedButton8", [] {}, "Data de Compensação inválida."},
+      {"SpeedButton8", [&] { desk.Set("DtBaixaComp", ""); }, "Data de Compensação inválida."},
+      {"SpeedButton8", [&] { desk.Set("DtBaixaComp", "20/11/2026"); }, "Nenhum lançamento selecionado."},
+      {"SpeedButton8",
+       [&] {
+         Consult(desk, {{"RgBusca", "Todos"}});
+       },
+       kClosed},
+      {"SpeedButton8", [&] { Unlock("CT"); }, "Lançamento já compensado."},
+      {"SpeedButton8", [&] { Run("UPDATE CONTACOR_001 SET PENDENTE = 'C'"), Consult(desk); },
+       "Lançamento já compensado."},
+      {"SpeedButton6",
+       [&] {
+         Consult(desk, {{"EdtConsLanc", "A9"}});
+       },
+       "Nenhum lançamento selecionado."},
+      {"SpeedButton6",
+       [&] {
+         Run("UPDATE CONTACOR_001 SET PENDENTE = 'N'");
+         Lock("CT", kConta);
+         Consult(desk, {{"EdtConsLanc", "A1"}});
+       },
+       "Lançamento conciliado com o extrato. Impossível continuar."},
+      {"SpeedButton6", [&] { Run("UPDATE EXTRATO_001 SET CONCILIADO = 'N' WHERE LANCTO = 'E1'"); },
+       "Período do caixa fechado até 20/11/2026."},
+      {"SpeedButton6", [&] { Unlock("CX"); }, kClosed},
+  };
+  for (const Step& step : steps) {
+    step.right();
+    desk.Click(step.button);
+    EXPECT_EQ(desk.Messages(), step.message);
+    desk.Answer("ok");
+    // Of a movement in a closed account both periods are told.
+    while (desk.End() != "idle") desk.Answer("ok");
+    if (step.message == steps[0].message) {
+      EXPECT_EQ(desk.FocusName(), "DtBaixaComp");
+    }
+    EXPECT_EQ(ReplaceAll(Movement("A1"), "|C|", "|N|"), before) << step.message;
+  }
+  EXPECT_EQ(Process(), "");
+  Unlock("CT");
+  desk.Click("SpeedButton6");
+  EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(Process(), "ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1");
+}
+
+}  // namespace
+}  // namespace orv::test

@@ -1,0 +1,349 @@
+// The dialogs of the ledger: the transfer between accounts and the quick entry.
+#include "ledger/cc_lanc_fluxo.h"
+#include "tests/ledger/caller.h"
+#include "tests/ledger/cc_desk.h"
+
+namespace orv::test {
+namespace {
+
+class DialogTest : public CcTest {
+ protected:
+  // The number of the movements that bear this document, one a row.
+  std::string NumberOf(const std::string& docto) {
+    return Sql("SELECT DISTINCT LANCAMENTO FROM CONTACOR_001 WHERE DOCTO = '" + docto + "'");
+  }
+  std::string Rows(const std::string& docto) {
+    return Sql(
+        "SELECT CONTA, BANCO, DT_LAN, DT_VENCTO, DT_CONT, VALOR, OPERACAO, GRUPO, HISTORICO, OBSERVACAO, "
+        "TIPO, TIPO_DOC, PENDENTE, LANC_CON FROM CONTACOR_001 WHERE DOCTO = '" +
+        docto + "' ORDER BY CONTA, OPERACAO");
+  }
+  std::string AllMovements() { return Sql("SELECT COUNT(*), SUM(VALOR) FROM CONTACOR_001"); }
+
+  // Opens the transfer from the ledger and fills it.
+  static void Transfer(Desk& desk, const Fields& other = {}) {
+    desk.Open("TfmCC");
+    desk.Click("BitBtn7");
+    Fill(desk, {{"EdtConta", kConta},
+                {"EdtContaDest", kOutraConta},
+                {"EdtDocto", "TRF-12345678901"},
+                {"EdtValor", "1.234,56"},
+                {"DtLan", "18/11/2026"},
+                {"DtCont", "19/11/2026"},
+                {"EdtClasseSai", "4101"},
+                {"EdtHisSai", "006"},
+                {"EdtClasseEnt", "4102"},
+                {"EdtHisEnt", "007"}});
+    Fill(desk, other);
+  }
+  // Fills the quick entry, which stands open.
+  static void Quick(Desk& desk, const Fields& other = {}) {
+    Fill(desk, {{"EdtConta", kConta},
+                {"EdtDocto", "RAPIDO 1"},
+                {"EdtTipo", "2102"},
+                {"EdtHis", "019"},
+                {"EdtValor", "80,00"},
+                {"DtLancto", "18/11/2026"},
+                {"DtCont", "19/11/2026"},
+                {"EdtObs", "D'URGENCIA"}});
+    Fill(desk, other);
+  }
+  static std::string Top(Desk& desk) { return desk.State()["screens"].Items().back()["class"].String(); }
+};
+
+TEST_F(DialogTest, TransferPostsBothSides) {
+  Desk desk(database_);
+  Transfer(desk);
+  EXPECT_EQ(desk.Text("EdtDescConta"), "MALHARIA SERRA AZUL LTDA");
+  EXPECT_EQ(desk.Text("EdtDocto"), "TRF-12345678");
+  EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 20418-7");
+  desk.Click("BitBtn1");
+  EXPECT_EQ(Posting(desk),
+            "1.1.02.001|1.1.02.002|1.234,56|TRANSFERENCIA - SAIDA - Trf. cc - de 10250-1 para 20418-7");
+  desk.Answer("yes");
+  EXPECT_EQ(desk.End() + desk.Messages() + Top(desk), "idleTfmCC");
+
+  const std::string numero = NumberOf("TRF-12345678"), obs = "Trf. cc - de 10250-1 para 20418-7";
+  EXPECT_EQ(Rows("TRF-12345678"),
+            "10250-1|901|2026-11-18|2026-11-19|2026-11-19|1234.5600|-|4101|006|" + obs +
+                "|TR||N|;20418-7|902|2026-11-18|2026-11-19|2026-11-19|1234.5600|+|4102|007|" + obs +
+                "|TR||N|");
+  EXPECT_EQ(Sql("SELECT DOCTO, DOCTO2, CONTA_C, CONTA_D, OPERACAO, ORIGEM, CLASSE, HISTORICO, VALOR, DATA, "
+                "CODIGO, OBSERVACAO FROM CONTABIL_001 WHERE LANCAMENTO = '" +
+                numero + "'"),
+            "TRF-12345678|TRF-12345678|1.1.02.001|1.1.02.002|-|CC|4101|006|1234.5600|2026-11-18|000-00|"
+            "TRANSFERENCIA - SAIDA - " +
+                obs);
+  EXPECT_EQ(Audit("TRANSFERENCIA ENTRE CONTAS"),
+            "LANCAMENTO:" + numero + " TRASFERENCIA DA CONTA:10250-1 PARA CONTA:20418-7|3|10250-1");
+  EXPECT_EQ(Count("CENTRO_RATEIO_001", "LANCAMENTO = '" + numero + "' OR NUMERO = '" + numero + "'"), "0");
+
+  // It begins empty the next time.
+  desk.Click("BitBtn7");
+  EXPECT_EQ(desk.Text("EdtConta") + desk.Text("EdtDescConta") + desk.Text("EdtObs"), "");
+  desk.Click("BitBtn2");
+  EXPECT_EQ(desk.End() + Top(desk), "idleTfmCC");
+}
+
+TEST_F(DialogTest, TransferSituationsAndAccounts) {
+  // The history has an accounting account of its own, on each side.
+  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) VALUES ('', "
+      "'0', '008', '0', '20418-7', '1.1.03.001')");
+  struct Case {
+    const char *out, *in, *tick;
+    const char *posting, *pending;
+  };
+  const Case cases[] = {
+      {"006", "008", "", "1.1.02.001|1.1.03.001", "N|S"},
+      {"004", "008", "", "2.1.02.001|1.1.03.001", "S|S"},
+      {"006", "008", "false", "1.1.02.001|1.1.03.001", "N|N"},
+      {"006", "007", "true", "1.1.02.001|1.1.02.002", "N|S"},
+  };
+  Desk desk(database_);
+  int k = 0;
+  for (const Case& c : cases) {
+    const std::string docto = "S" + std::to_string(++k);
+    Transfer(desk, {{"EdtDocto", docto}, {"EdtHisSai", c.out}, {"EdtHisEnt", c.in}});
+    if (*c.tick != 0)
+      desk.Do({{"do", "check"}, {"control", "CbPendente"}, {"value", c.tick == std::string("true")}});
+    desk.Click("BitBtn1");
+    EXPECT_EQ(Posting(desk).substr(0, 21), c.posting) << docto;
+    desk.Answer("yes");
+    EXPECT_EQ(Sql("SELECT A.PENDENTE, B.PENDENTE FROM CONTACOR_001 A JOIN CONTACOR_001 B ON B.LANCAMENTO = "
+                  "A.LANCAMENTO AND B.OPERACAO = '+' WHERE A.OPERACAO = '-' AND A.DOCTO = '" +
+                  docto + "'"),
+              c.pending)
+        << docto;
+    desk.Do({{"do", "close"}});
+  }
+}
+
+TEST_F(DialogTest, TransferProposesItsText) {
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  desk.Click("BitBtn7");
+  EXPECT_EQ(desk.FocusName(), "EdtConta");
+  desk.Set("EdtConta", "77");
+  desk.Focus("EdtObs");
+  EXPECT_EQ(desk.Messages(), "A conta informada é inválida.");
+  desk.Answer("ok");
+  EXPECT_EQ(desk.FocusName(), "EdtConta");
+  // The list of the empty field gives the account, and with the other one there the text.
+  desk.Set("EdtConta", kConta);
+  desk.Set("EdtContaDest", "");
+  desk.Focus("EdtDocto");
+  EXPECT_EQ(desk.End(), "waiting lookup");
+  desk.Do({{"do", "choose"}, {"key", kOutraConta}});
+  EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 20418-7");
+  // A text that is there stays.
+  desk.Set("EdtContaDest", "CAIXA");
+  desk.Focus("EdtDocto");
+  EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 20418-7");
+  // What was ticked by hand goes with the next choice, of the same history too.
+  desk.Set("EdtHisEnt", "008");
+  EXPECT_TRUE(desk.Property("CbPendente", "checked").Bool());
+  desk.Do({{"do", "check"}, {"control", "CbPendente"}, {"value", false}});
+  desk.Click("pqHistEnt");
+  desk.Do({{"do", "choose"}, {"key", "008"}});
+  EXPECT_TRUE(desk.Property("CbPendente", "checked").Bool());
+}
+
+TEST_F(DialogTest, TransferRefusesInOrder) {
+  const std::string before = AllMovements();
+  Lock("CT", kConta);
+  Lock("CT", kOutraConta);
+  Desk desk(database_);
+  Transfer(desk);
+  struct Step {
+    std::string right, message;
+  };
+  const Step steps[] = {
+      {"", "Período fechado até 20/11/2026 para a conta 10250-1."},
+      {"DELETE FROM BLOQUEIO WHERE CONTA = '10250-1'",
+       "Período fechado até 20/11/2026 para a conta 20418-7."},
+      {"DELETE FROM BLOQUEIO", ""},
+  };
+  for (const Step& step : steps) {
+    if (!step.right.empty()) Run(step.right);
+    desk.Click("BitBtn1");
+    EXPECT_EQ(desk.Messages(), step.message);
+    desk.Answer(step.message.empty() ? "no" : "ok");
+    EXPECT_EQ(desk.End() + Top(desk), "idleTFmCCTransConta");
+    EXPECT_EQ(desk.Text("EdtValor"), "1.234,56");
+    EXPECT_EQ(AllMovements(), before);
+  }
+  EXPECT_EQ(Audit("TRANSFERENCIA ENTRE CONTAS"), "");
+  // An amount of zero and an account to itself pass.
+  Fill(desk, {{"EdtContaDest", kConta}, {"EdtValor", "0,00"}, {"EdtObs", ""}});
+  desk.Click("BitBtn1");
+  desk.Answer("yes");
+  EXPECT_EQ(Count("CONTACOR_001", "DOCTO = 'TRF-12345678' AND VALOR = 0"), "2");
+}
+
+TEST_F(DialogTest, QuickEntryRefusesInOrder) {
+  const std::string before = AllMovements();
+  Run("UPDATE SUBGRUPO_001 SET RATEIO = 'S' WHERE CODIGO = '2102'");
+  Lock("CT", kConta);
+  Desk desk(database_);
+  desk.Open("TFmCCLancFluxo");
+  desk.Set("EdtConta", kConta);
+  struct Step {
+    Fields right;
+    std::string message, focus;
+  };
+  const Step steps[] = {
+      {{{"DtLancto", "20/11/2026"}, {"DtCont", "21/11/2026"}},
+       "Período fechado até 20/11/2026 para a conta 10250-1.",
+       "BitBtn1"},
+      {{{"EdtConta", ""}}, "Valor inválido.", "EdtValor"},
+      {{{"EdtValor", "0,00"}}, "Valor inválido.", "EdtValor"},
+      {{{"EdtValor", "80,00"}}, "Conta inválida.", "EdtConta"},
+      // The period is that of the posting, whatever the accounting's.
+      {{{"EdtConta", kConta}, {"DtLancto", "21/11/2026"}, {"DtCont", "01/11/2026"}},
+       "Histórico inválido.",
+       "EdtHis"},
+      {{{"EdtHis", "019"}}, "Classe gerencial inválida.", "EdtTipo"},
+      {{{"EdtTipo", "2102"}}, "Documento inválido.", "EdtDocto"},
+  };
+  for (const Step& step : steps) {
+    Fill(desk, step.right);
+    desk.Click("BitBtn1");
+    CloseLists(desk);
+    EXPECT_EQ(desk.Messages(), step.message);
+    desk.Answer("ok");
+    CloseLists(desk);
+    EXPECT_EQ(desk.FocusName(), step.focus) << step.message;
+    EXPECT_EQ(AllMovements(), before);
+  }
+  desk.Set("EdtDocto", "RAPIDO 1");
+  const auto left = [&] {
+    return AllMovements() == before && Count("CENTRO_RATEIO_001", "PERC_RAT = 12.5") == "0" &&
+           Top(desk) == "TFmCCLancFluxo";
+  };
+  // The apportionment is refused, then the accounting: neither leaves anything.
+  desk.Click("BitBtn1");
+  EXPECT_EQ(Top(desk), "TfmRateio");
+  desk.Do({{"do", "close"}});
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  EXPECT_TRUE(left());
+  const auto apportion = [&] {
+    desk.Click("BitBtn1");
+    int row = 0;
+    for (const auto& [centre, percent] : Fields{{"0100", "12,5"}, {"0200", "87,5"}}) {
+      desk.Do({{"do", "append"}, {"control", "DbgRateio"}});
+      Cell(desk, "DbgRateio", row, "Codigo", centre);
+      Cell(desk, "DbgRateio", row++, "Perc", percent);
+    }
+    desk.Click("BitBtn1");
+  };
+  apportion();
+  EXPECT_EQ(Posting(desk), "0|0|80,00|");
+  // Nothing is held while the user is asked.
+  EXPECT_EQ(Count("CENTRO_RATEIO_001", "PERC_RAT = 12.5"), "0");
+  desk.Answer("no");
+  EXPECT_TRUE(left());
+  EXPECT_EQ(Audit("CONTA CORRENTE"), "");
+  // And what was answered is asked but once in a confirmation.
+  apportion();
+  desk.Answer("yes");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  const std::string numero = NumberOf("RAPIDO 1");
+  EXPECT_EQ(Sql("SELECT CENTROCUSTO, TIPO, VALOR_RAT FROM CENTRO_RATEIO_001 WHERE NUMERO = '" + numero +
+                "' ORDER BY 1"),
+            "0100|CC|10.0000;0200|CC|70.0000");
+  EXPECT_EQ(Audit("CONTA CORRENTE"), "INCLUSÃO DO LANCAMENTO " + numero + "|3|" + numero);
+}
+
+TEST_F(DialogTest, QuickEntryFollowsItsCaller) {
+  Store({.numero = "Q00001", .docto = "MUDA", .conta = kOutraConta, .classe = "3104"});
+  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) SELECT "
+      "'00050', '0', '0', '0', '10250-1', '2.1.01.001' FROM RDB$DATABASE");
+  struct Case {
+    const char *docto, *numero, *client, *classe, *history;
+    bool apportion;
+    const char* posting;
+  };
+  const Case cases[] = {
+      {"SEM REGRA", "", "", "2102", "019", true, "0|0|80,00|"},
+      {"COM REGRA", "", "", "3103", "012", false,
+       "1.1.02.001|4.1.03.001|52,00|;1.1.02.001|4.1.03.002|28,00|"},
+      {"CLIENTE", "", "00050", "3103", "012", true,
+       "2.1.01.001|4.1.03.001|52,00|;2.1.01.001|4.1.03.002|28,00|"},
+      {"MUDA", "Q00001", "", "2102", "019", true, "0|0|80,00|"},
+      {"OUTRO", "Q00001", "", "2102", "019", true, "0|0|80,00|"},
+  };
+  const CallerScreens callers;
+  Desk desk(database_);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.docto);
+    on_call = [&](Screen& caller) {
+      Screen& made = caller.Owner().CreateScreen("TFmCCLancFluxo");
+      auto& entry = static_cast<TFmCCLancFluxo&>(made);
+      entry.Lancamento = c.numero;
+      entry.CodCliente = c.client;
+      entry.UsaRateioClasse = c.apportion;
+      caller.Owner().Show(entry);
+      static_cast<TfmChamador&>(caller).EdtTag.SetText(std::to_string(entry.Tag) + " " + entry.Lancamento);
+    };
+    desk.Open("TfmChamador");
+    desk.Click("BtChama");
+    Quick(desk, {{"EdtDocto", c.docto}, {"EdtTipo", c.classe}, {"EdtHis", c.history}});
+    EXPECT_EQ(desk.Text("CbOper"), "Débito");
+    desk.Click("BitBtn1");
+    EXPECT_EQ(Posting(desk), c.posting);
+    desk.Answer("yes");
+    const std::string numero = *c.numero != 0 ? c.numero : NumberOf(c.docto);
+    EXPECT_EQ(desk.Text("EdtTag"), "0 " + numero);
+    EXPECT_EQ(
+        Count("CENTRO_RATEIO_001", "NUMERO = '" + numero + "' AND TIPO = 'CC' AND LANCAMENTO = ''") != "0",
+        c.apportion && c.classe == std::string("3103"));
+    desk.Do({{"do", "close"}});
+  }
+  const auto row = [](const char* account, const char* side) {
+    return std::string(account) + "|2026-11-18|2026-11-19|2026-11-19|80.0000|" + side +
+           "|2102|019|D'URGENCIA|L||S|";
+  };
+  EXPECT_EQ(Rows("SEM REGRA"), row("10250-1|901", "-"));
+  // The movement on another account is undone there, and all three rows stand under one number.
+  EXPECT_EQ(Rows("MUDA"), row("10250-1|901", "-") + ";" + row("20418-7|902", "+") +
+                              ";20418-7|902|2026-11-10|2026-11-12|2026-11-10|150.0000|-|3104|019|COMO "
+                              "ESTAVA|L|DP|N|");
+  EXPECT_EQ(NumberOf("MUDA"), "Q00001");
+  // Another document isn't that movement.
+  EXPECT_EQ(Rows("OUTRO"), row("10250-1|901", "-"));
+}
+
+TEST_F(DialogTest, QuickEntryTellsHowItEnded) {
+  const CallerScreens callers;
+  Desk desk(database_);
+  on_call = [&](Screen& caller) {
+    Screen& entry = caller.Owner().CreateScreen("TFmCCLancFluxo");
+    caller.Owner().Show(entry);
+    static_cast<TfmChamador&>(caller).EdtTag.SetText(std::to_string(entry.Tag));
+    // Hidden, not freed: the table beneath it is closed again.
+    EXPECT_EQ(caller.Owner().FindComponent("FmCCLancFluxo"), &entry);
+    EXPECT_FALSE(caller.Owner().Tabela().TbCadConta().Active());
+  };
+  desk.Open("TfmChamador");
+  const auto ended = [&](const std::function<void()>& end) {
+    desk.Click("BtChama");
+    Quick(desk, {{"EdtTipo", "1101"}});
+    EXPECT_EQ(desk.Text("CbOper"), "Crédito");
+    end();
+    return Top(desk) + " " + desk.Text("EdtTag");
+  };
+  EXPECT_EQ(ended([&] { desk.Click("BitBtn2"); }), "TfmChamador 1");
+  EXPECT_EQ(ended([&] { desk.Do({{"do", "close"}}); }), "TfmChamador 0");
+  EXPECT_EQ(ended([&] {
+              desk.Click("BitBtn1");
+              desk.Answer("no");
+              EXPECT_EQ(Top(desk), "TFmCCLancFluxo");
+              desk.Click("BitBtn1");
+              desk.Answer("yes");
+            }),
+            "TfmChamador 1");
+  EXPECT_EQ(Sql("SELECT OPERACAO, VALOR FROM CONTACOR_001 WHERE DOCTO = 'RAPIDO 1'"), "+|80.0000");
+}
+
+}  // namespace
+}  // namespace orv::test
