@@ -130,7 +130,7 @@ void Session::Act(const Json& in) {
   } else if (verb == "file") {
     throw RequestError("Nenhum arquivo foi pedido.");
   } else if (verb == "report") {
-    throw RequestError("O relatório não existe.");
+    RenderReport(in);
   } else {
     throw RequestError("O pedido \"" + verb + "\" não existe.");
   }

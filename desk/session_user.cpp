@@ -293,8 +293,4 @@ void Session::RunModal(Form& form) {
   application_->HandleClosed(screen);
 }
 
-void Session::LaunchReport(const ReportLaunch& report) {
-  throw UserError("O relatório \"" + report.identifier + "\" não está instalado.");
-}
-
 }  // namespace orv

@@ -10,10 +10,11 @@
 namespace orv {
 namespace {
 
-constexpr std::array<std::string_view, 7> kDays{"domingo",      "segunda-feira", "terça-feira", "quarta-feira",
-                                                "quinta-feira", "sexta-feira",   "sábado"};
-constexpr std::array<std::string_view, 12> kMonths{"janeiro", "fevereiro", "março",    "abril",   "maio",     "junho",
-                                                   "julho",   "agosto",    "setembro", "outubro", "novembro", "dezembro"};
+constexpr std::array<std::string_view, 7> kDays{
+    "domingo", "segunda-feira", "terça-feira", "quarta-feira", "quinta-feira", "sexta-feira", "sábado"};
+constexpr std::array<std::string_view, 12> kMonths{"janeiro",  "fevereiro", "março",    "abril",
+                                                   "maio",     "junho",     "julho",    "agosto",
+                                                   "setembro", "outubro",   "novembro", "dezembro"};
 
 std::string Digits(int64_t number, int width) {
   std::string text = std::to_string(number);
@@ -26,7 +27,8 @@ std::string Brazilian(std::string text, bool points) {
   const std::size_t point = text.find('.');
   std::string whole = text.substr(0, point);
   if (points) {
-    for (int at = static_cast<int>(whole.size()) - 3; at > 0; at -= 3) whole.insert(static_cast<std::size_t>(at), ".");
+    for (int at = static_cast<int>(whole.size()) - 3; at > 0; at -= 3)
+      whole.insert(static_cast<std::size_t>(at), ".");
   }
   return point == std::string::npos ? whole : whole + "," + text.substr(point + 1);
 }
@@ -41,7 +43,8 @@ std::string Number(const Value& value, std::string_view format) {
   // Through money wherever it holds the number, so that a half is rounded away from zero.
   const double size = value.AsFloat();
   if (decimals <= 4 && std::isfinite(size) && std::abs(size) < 9e13) {
-    const int64_t raw = value.Kind() == ValueKind::Currency ? value.AsCurrency().Raw() : Currency::FromDouble(size).Raw();
+    const int64_t raw =
+        value.Kind() == ValueKind::Currency ? value.AsCurrency().Raw() : Currency::FromDouble(size).Raw();
     int64_t unit = 1;
     for (int i = decimals; i < 4; ++i) unit *= 10;
     const int64_t rounded = (std::abs(raw) + unit / 2) / unit;

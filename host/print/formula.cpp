@@ -13,7 +13,20 @@ namespace {
 constexpr std::size_t kLongest = 4000;  // bytes
 constexpr int kDeepest = 60;
 
-enum class Op : uint8_t { Constant, Name, Negative, Not, Add, Subtract, Multiply, Divide, Compare, And, Or, Call };
+enum class Op : uint8_t {
+  Constant,
+  Name,
+  Negative,
+  Not,
+  Add,
+  Subtract,
+  Multiply,
+  Divide,
+  Compare,
+  And,
+  Or,
+  Call
+};
 enum class Function : uint8_t { Iif, Copy, Abs, Round, Upper, Trim, Length };
 
 struct Signature {
@@ -54,7 +67,8 @@ Value Sum(const Value& a, const Value& b, bool subtract) {
   RequireNumber(a);
   RequireNumber(b);
   if (a.Kind() == ValueKind::Currency || b.Kind() == ValueKind::Currency) {
-    if (Exact(a) && Exact(b)) return Value(subtract ? a.AsCurrency() - b.AsCurrency() : a.AsCurrency() + b.AsCurrency());
+    if (Exact(a) && Exact(b))
+      return Value(subtract ? a.AsCurrency() - b.AsCurrency() : a.AsCurrency() + b.AsCurrency());
   } else if (Exact(a) && Exact(b)) {
     return Value(subtract ? a.AsInteger() - b.AsInteger() : a.AsInteger() + b.AsInteger());
   }
@@ -276,7 +290,8 @@ class Parser {
       node->name = Known(name);
       return node;
     } else {
-      throw FormulaError(kind_ == Kind::End ? "a fórmula está incompleta" : "não se esperava \"" + token_ + "\"");
+      throw FormulaError(kind_ == Kind::End ? "a fórmula está incompleta"
+                                            : "não se esperava \"" + token_ + "\"");
     }
     Next();
     return node;
@@ -316,8 +331,8 @@ class Parser {
   }
 
   std::size_t Known(const std::string& name) {
-    const auto found =
-        std::find_if(names_.begin(), names_.end(), [&](const std::string& one) { return SameText(one, name); });
+    const auto found = std::find_if(names_.begin(), names_.end(),
+                                    [&](const std::string& one) { return SameText(one, name); });
     const auto at = static_cast<std::size_t>(found - names_.begin());
     if (found == names_.end()) names_.push_back(name);
     return at;

@@ -168,7 +168,7 @@ Screen& FuncoesService::Carrega_Form(std::string_view module, std::string_view s
 }
 
 void FuncoesService::Launch(Form& screen, std::string_view identifier, bool graphic, bool text) {
-  p_.application.User().LaunchReport({std::string(identifier), screen.Sets(), graphic, text});
+  p_.application.User().LaunchReport({std::string(identifier), &screen, graphic, text});
 }
 
 void FuncoesService::Chama_Relatorio(Form& screen, std::string_view identifier) {

@@ -454,16 +454,18 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   private report(out: Extract<Out, { on: "report" }>): void {
     const known = this.boxes.find((box): box is ReportDialog => box instanceof ReportDialog && box.id === out.id);
     if (out.address !== undefined) {
-      known?.ready(out.address);
+      known?.ready(out.address, out.format ?? "");
       return;
     }
     if (known !== undefined) return;
     const box: ReportDialog = new ReportDialog(
       out,
-      (format) => this.send({ do: "report", id: out.id, format }),
+      (format) =>
+        this.send({ do: "report", id: out.id, format }, { done: (outcome) => outcome === "answered" || box.refused() }),
       () => this.closeBox(box),
     );
     this.openBox(box);
+    box.begin();
   }
 
   private failed(text: string): void {

@@ -102,6 +102,8 @@ export class SmallSession {
       }
     } else if (object.do === "read") {
       this.send(this.state(object));
+    } else if (object.do === "report") {
+      this.send({ on: "report", id: object.id, format: object.format, address: `/relatorio/x/saldos.${object.format}` });
     } else if (object.do === "close") {
       this.closeTop();
     } else if (object.do !== "answer") {
@@ -147,6 +149,10 @@ export async function startSmallDesk(folder, { delay = 0 } = {}) {
       if (value === "") desk.preferences.delete(key);
       else desk.preferences.set(key, value);
       json(response, 200, {});
+    },
+    "GET /relatorio/x/saldos.html": (_, response) => {
+      response.writeHead(200, { "Content-Type": "text/html; charset=utf-8", "Content-Security-Policy": "default-src 'none'; frame-ancestors 'self'" });
+      response.end('<!doctype html><html lang="pt-BR"><title>Saldos</title><h1>Saldos das contas</h1></html>');
     },
     "GET /me": (_, response) =>
       desk.logged
