@@ -31,6 +31,7 @@ TfmChequePre::TfmChequePre(Application& application)
   LigaCampos();
   LigaAcoes();
   EnterMovesOn(true);
+  ListaEmpresas();
   Bar_Confirma(false);
   MostraNomes();
   Btincluir.SetFocus();
@@ -68,17 +69,18 @@ void TfmChequePre::Desenha() {
       }
       TabSheet2 {
         PainelDados {
-          EDChave DBEDCodBan PqBanco EDNomeBanco DBEDAgencia DBEDConta /
-          DBEDChequeNro DBEDValor DBEDT_DtEmissao DBEDT_DtVencto DBEDT_DtDevolucao Label12 /
-          DBEDTCodCli PqCliente EDCliente EdtCpf DBEDCodRep PqRepresentante EDRepresentante /
-          EdtCodFor PqForneced EdtNomeFor EdtDup /
-          EdtEmissor EdtCnpjEmi EdtBarra /
-          EdtObs RgTipo RgSituacao
+          EDChave DBEDCodBan PqBanco EDNomeBanco RgSituacao /
+          DBEDAgencia DBEDConta DBEDChequeNro DBEDValor DBEDT_DtEmissao DBEDT_DtVencto
+          DBEDT_DtDevolucao Label12 /
+          DBEDTCodCli PqCliente EDCliente EdtCpf /
+          DBEDCodRep PqRepresentante EDRepresentante EdtCodFor PqForneced EdtNomeFor /
+          EdtDup EdtEmissor EdtCnpjEmi EdtBarra /
+          EdtObs RgTipo
         } /
         DBGrid1 /
         PainelConfirma { Label15 CBEmpresa BtnConfirmar BtnDesistir }
         PainelControle {
-          sbPrimeiro sbAnterior sbProximo sbUltimo Btincluir BtnAltera BtExcluir BtnConsulta PqConsulta
+          sbPrimeiro sbAnterior sbProximo sbUltimo Btincluir BtnAltera BtExcluir BtnConsulta PqConsulta /
           BitBtn3 BitBtn4 BitBtn7 BitBtn2 BitBtn5 BtSaida
         }
       }
@@ -90,6 +92,7 @@ void TfmChequePre::Desenha() {
   DBEDT_DtDevolucao.SetReadOnly(true);
   DBEDT_DtDevolucao.SetEnabled(false);
   Label12.SetEnabled(false);
+  Label12.SetColor("muted");
   RgSituacao.SetEnabled(false);
   CBEmpresa.SetVisible(false);
   Label15.SetVisible(false);

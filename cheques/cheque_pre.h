@@ -80,6 +80,14 @@ class ORV_EXPORT TfmChequePre : public Child {
   DBEdit DBEDCodBan{*this, "DBEDCodBan", "Banco", tbCheque_pre, "BANCO"};
   TPesquisa PqBanco{*this, "PqBanco", Bancos()};
   ReadOnlyEdit EDNomeBanco{*this, "EDNomeBanco"};
+  // Shows the state; only the actions change it.
+  DBRadioGroup RgSituacao{*this,
+                          "RgSituacao",
+                          "Situação",
+                          tbCheque_pre,
+                          "STATUS",
+                          {"Pendente", "Baixado", "Cancelado", "Devolvido"},
+                          {"P", "B", "C", "D"}};
   DBEdit DBEDAgencia{*this, "DBEDAgencia", "Agência", tbCheque_pre, "AGENCIA"};
   DBEdit DBEDConta{*this, "DBEDConta", "Conta", tbCheque_pre, "CONTA"};
   DBEdit DBEDChequeNro{*this, "DBEDChequeNro", "Nro. Cheque", tbCheque_pre, "NUMERO"};
@@ -106,14 +114,6 @@ class ORV_EXPORT TfmChequePre : public Child {
   DBEdit EdtBarra{*this, "EdtBarra", "Código de Barras", tbCheque_pre, "BARRA"};
   DBEdit EdtObs{*this, "EdtObs", "Observação", tbCheque_pre, "OBS"};
   DBRadioGroup RgTipo{*this, "RgTipo", "Tipo", tbCheque_pre, "TIPO", {"Recebido", "Emitido"}, {"R", "P"}};
-  // Shows the state; only the actions change it.
-  DBRadioGroup RgSituacao{*this,
-                          "RgSituacao",
-                          "Situação",
-                          tbCheque_pre,
-                          "STATUS",
-                          {"Pendente", "Baixado", "Cancelado", "Devolvido"},
-                          {"P", "B", "C", "D"}};
 
   TOrvDBGrid DBGrid1{*this,
                      "DBGrid1",
@@ -208,6 +208,7 @@ class ORV_EXPORT TfmChequePre : public Child {
   // True when the movement and the cheque are written.
   bool LancaCheque();
   void Transfere();
+  void ListaEmpresas();
   // The form after a confirmation that the database has.
   void Conclui();
 

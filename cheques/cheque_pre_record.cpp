@@ -90,11 +90,7 @@ void TfmChequePre::BtnDesistirClick() {
 
 void TfmChequePre::BitBtn2Click() {
   if (!Rele()) return;
-  QryEmp.SQL.SetText("SELECT * FROM EMPRESA ORDER BY EMP_PAT");
-  QryEmp.Open();
-  std::vector<std::string> nomes;
-  for (; !QryEmp.Eof(); QryEmp.Next()) nomes.emplace_back(Trim(QryEmp["EMP_NOME"].AsString()));
-  CBEmpresa.SetItems(std::move(nomes));
+  ListaEmpresas();
   CBEmpresa.SetItemIndex(-1);
   CBEmpresa.SetVisible(true);
   Label15.SetVisible(true);
@@ -202,6 +198,14 @@ bool TfmChequePre::LancaCheque() {
   if (!LancaFluxo(Texto("CHAVE"), "", [this] { GravaCheque(); })) return false;
   Tabela.CommitRetaining();
   return true;
+}
+
+void TfmChequePre::ListaEmpresas() {
+  QryEmp.SQL.SetText("SELECT * FROM EMPRESA ORDER BY EMP_PAT");
+  QryEmp.Open();
+  std::vector<std::string> nomes;
+  for (; !QryEmp.Eof(); QryEmp.Next()) nomes.emplace_back(Trim(QryEmp["EMP_NOME"].AsString()));
+  CBEmpresa.SetItems(std::move(nomes));
 }
 
 void TfmChequePre::Transfere() {
