@@ -72,10 +72,9 @@ void TfmChequePre::Desenha() {
           EDChave DBEDCodBan PqBanco EDNomeBanco RgSituacao /
           DBEDAgencia DBEDConta DBEDChequeNro DBEDValor DBEDT_DtEmissao DBEDT_DtVencto
           DBEDT_DtDevolucao Label12 /
-          DBEDTCodCli PqCliente EDCliente EdtCpf /
-          DBEDCodRep PqRepresentante EDRepresentante EdtCodFor PqForneced EdtNomeFor /
-          EdtDup EdtEmissor EdtCnpjEmi EdtBarra /
-          EdtObs RgTipo
+          DBEDTCodCli PqCliente EDCliente EdtCpf DBEDCodRep PqRepresentante EDRepresentante /
+          EdtCodFor PqForneced EdtNomeFor EdtObs RgTipo /
+          EdtDup EdtEmissor EdtCnpjEmi EdtBarra
         } /
         DBGrid1 /
         PainelConfirma { Label15 CBEmpresa BtnConfirmar BtnDesistir }

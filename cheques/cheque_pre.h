@@ -108,12 +108,12 @@ class ORV_EXPORT TfmChequePre : public Child {
   DBEdit EdtCodFor{*this, "EdtCodFor", "Fornecedor", tbCheque_pre, "FORNECEDOR"};
   TPesquisa PqForneced{*this, "PqForneced", Entidades()};
   ReadOnlyEdit EdtNomeFor{*this, "EdtNomeFor"};
+  DBEdit EdtObs{*this, "EdtObs", "Observação", tbCheque_pre, "OBS"};
+  DBRadioGroup RgTipo{*this, "RgTipo", "Tipo", tbCheque_pre, "TIPO", {"Recebido", "Emitido"}, {"R", "P"}};
   DBEdit EdtDup{*this, "EdtDup", "Lote", tbCheque_pre, "LOTE"};
   DBEdit EdtEmissor{*this, "EdtEmissor", "Emissor", tbCheque_pre, "EMISSOR"};
   DBEdit EdtCnpjEmi{*this, "EdtCnpjEmi", "CNPJ/CPF Emissor", tbCheque_pre, "CNPJ_EMI"};
   DBEdit EdtBarra{*this, "EdtBarra", "Código de Barras", tbCheque_pre, "BARRA"};
-  DBEdit EdtObs{*this, "EdtObs", "Observação", tbCheque_pre, "OBS"};
-  DBRadioGroup RgTipo{*this, "RgTipo", "Tipo", tbCheque_pre, "TIPO", {"Recebido", "Emitido"}, {"R", "P"}};
 
   TOrvDBGrid DBGrid1{*this,
                      "DBGrid1",

@@ -127,7 +127,12 @@ std::string TOrvTable::Literal(const Value& value, const Field& field) const {
 }
 
 std::string TOrvTable::Equals(const Field& field, const Value& value) const {
-  if (value.IsNull()) return field.Name() + " IS NULL";
+  if (value.IsNull()) {
+    // The zero date is read as the empty one.
+    if (field.Type() == FieldType::Date)
+      return "(" + field.Name() + " IS NULL OR " + field.Name() + " = " + Quote(Date().Sql()) + ")";
+    return field.Name() + " IS NULL";
+  }
   const std::string literal = Literal(value, field);
   switch (field.Type()) {
     case FieldType::Float:

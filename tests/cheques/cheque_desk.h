@@ -51,6 +51,10 @@ class ChequeTest : public CcTest {
     return set["state"].String() + (Visible(desk, "PainelConfirma") ? " confirm" : "") +
            (Visible(desk, "CBEmpresa") ? " company" : "");
   }
+  static void GiveUp(Desk& desk) {
+    desk.Click("BitBtn2");
+    CloseLists(desk);
+  }
   // Confirms the quick entry that is open over a cheque.
   static void Post(Desk& desk, const char* answer = "yes") {
     Fill(desk, {{"EdtConta", kConta}, {"EdtTipo", "1101"}, {"EdtHis", "005"}});

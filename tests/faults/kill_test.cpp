@@ -100,13 +100,13 @@ TEST_F(ActionsTest, KilledActionsLeaveAllOrNothing) {
   for (const LedgerAction& action : Actions()) {
     SCOPED_TRACE(action.name);
     const auto at_last = [&] {
-      Restore();
+      Restore(action);
       LetGo();
       auto desk = std::make_unique<DriveProcess>(database_);
       for (const Json& in : action.before) desk->Do(in);
       return desk;
     };
-    Restore();
+    Restore(action);
     const std::string none = Left();
     auto desk = at_last();
     const auto begun = steady_clock::now();
