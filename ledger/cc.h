@@ -44,8 +44,8 @@ class ORV_EXPORT TfmCC : public Child {
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Todos", "Duplicatas", "Cheques"}, 0};
   Button BitBtn5{*this, "BitBtn5", "&Consultar"};
   Button BitBtn6{*this, "BitBtn6", "&Fechar"};
-  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through the
-  // filters to the inquiry narrows no period by that.
+  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through
+  // the filters to the inquiry narrows no period by that.
   GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
   MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
   MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
@@ -283,7 +283,8 @@ class ORV_EXPORT TfmCC : public Child {
   // A cheque behind a deleted movement is cancelled. False when there is none.
   bool CancelaCheque(const std::string& numero, const std::string& docto);
   bool ValidaCampos();
-  bool ValidaRateioClasse();
+  // The apportionment by class; without `grava` only what it asks the user. False where he refuses it.
+  bool RateiaClasse(bool grava);
   void GravaLancamento();
   // Raises UserError when another user has changed or deleted the loaded row since.
   void ExigeInalterado() const;
@@ -332,7 +333,8 @@ class ORV_EXPORT TfmCC : public Child {
   void BitBtn7Click();
   void BitBtn8Click();
   void DBGridApagarDblClick();
-  // The statement of the inquiry, without its order; "" where a filter can match nothing.
+  // The statement of the inquiry, without its order and what it reads of other tables; "" where a filter can
+  // match nothing.
   std::string SqlConsulta() const;
   void ConsultaContas();
   Currency ValorConta(const std::string& condicao);

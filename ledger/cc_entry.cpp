@@ -100,10 +100,11 @@ void TfmCC::SpeedButton2Click() {
   if (conta && Contabil.PeriodoConciliado(EdtDtCont.Date(), "CT")) return;
   if (!ValidaCampos()) return;
   if (fin50_ && !ValidaCentroCusto()) return;
-  if (!ValidaRateioClasse()) return;
+  // All that the user may be asked or told comes before the first write.
+  if (!RateiaClasse(false)) return;
+  if (fin30_ && !ValidaContabilidade()) return;
+  if (!RateiaClasse(true)) return;
   if (fin30_) {
-    // What the apportionment by class has stored goes with the refusal.
-    if (!ValidaContabilidade()) Abort();
     // The entries are committed before the movement is written.
     ExigeInalterado();
     Contabil.DeletaContabilidadeFinan(EdtLancto.Text());
@@ -163,10 +164,10 @@ bool TfmCC::ValidaCampos() {
   return true;
 }
 
-bool TfmCC::ValidaRateioClasse() {
+bool TfmCC::RateiaClasse(bool grava) {
   if (!fin80_ || EdtTipoLan.Text() == "TR" || (CbOper.Text() != "-" && !fin100_)) return true;
   return Contabil.SetRateioClasse(EdtLancto.Text(), EdtTipo.Text(), "CC", EdtValor.Amount(), "0", true,
-                                  EdtDtCont.Date(), true);
+                                  EdtDtCont.Date(), grava);
 }
 
 // --- What the fields do to one another.

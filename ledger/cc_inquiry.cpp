@@ -1,7 +1,10 @@
 // The page "Acesso": movements found by any mix of filters. And the balances of the accounts.
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <map>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "ledger/cc.h"
 #include "ledger/cc_trans_conta.h"
@@ -10,13 +13,10 @@
 namespace orv {
 namespace {
 
-// The columns of TbConsulta, in its order.
+// The columns of TbConsulta, in its order, without the description of the class.
 constexpr const char* kColunas =
-    "CONTACOR.LANCAMENTO, CONTACOR.DOCTO, CONTACOR.BANCO, CONTACOR.CONTA, CONTACOR.DT_CONT, "
-    "CONTACOR.DT_LAN, CONTACOR.DT_VENCTO, CONTACOR.VALOR, CONTACOR.OPERACAO, CONTACOR.PENDENTE, "
-    "CONTACOR.OBSERVACAO, CONTACOR.HISTORICO, CONTACOR.GRUPO, CONTACOR.LANC_CON, CONTACOR.TIPO_DOC, "
-    "CONTACOR.TIPO, SUBGRUPO.DESCRICAO AS DESC_GRUPO";
-constexpr const char* kOrdem = "BANCO;CONTA;DOCTO";
+    "LANCAMENTO, DOCTO, BANCO, CONTA, DT_CONT, DT_LAN, DT_VENCTO, VALOR, OPERACAO, PENDENTE, OBSERVACAO, "
+    "HISTORICO, GRUPO, LANC_CON, TIPO_DOC, TIPO";
 
 // The settled balance, what is pending, what is yet to come: conditions on a movement.
 constexpr const char* kBaixado = "PENDENTE IN ('N','C') AND DT_CONT <= ";
@@ -24,29 +24,68 @@ constexpr const char* kPendente = "PENDENTE = 'S' AND DT_CONT <= ";
 constexpr const char* kPrevisto = "DT_CONT > ";
 constexpr const char* kComSinal = "CASE OPERACAO WHEN '+' THEN VALOR WHEN '-' THEN -VALOR END";
 
-// Takes the movements found into the working set and adds them up.
+// A code as the database compares it, which takes trailing blanks for nothing.
+std::string Codigo(const Value& value) {
+  const std::string_view text = value.Text();
+  return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
+}
+
+// Takes the movements found, adds them up and lays them down in the order of the inquiry. A movement is one
+// only where its account is in `contas`, and its class is described by `classes`: looked up in memory, they
+// cost next to nothing beside a join.
 class Achados : public RowSink {
  public:
-  explicit Achados(TfmCC::ConsultaSet& set)
-      : set_(set),
-        valor_(static_cast<std::size_t>(set.Valor.Index())),
-        operacao_(static_cast<std::size_t>(set.Operacao.Index())) {}
-  void Columns(const std::vector<Column>& columns) override {
-    ORV_ASSERT(columns.size() == set_.Fields().size());
+  Achados(TfmCC::ConsultaSet& set, const std::vector<std::vector<Value>>& contas,
+          const std::vector<std::vector<Value>>& classes)
+      : set_(set), columns_(set.Fields().size()) {
+    for (const auto& conta : contas) contas_.insert(Codigo(conta[0]));
+    for (const auto& classe : classes) classes_.emplace(Codigo(classe[0]), classe[1]);
   }
+  void Columns(const std::vector<Column>& columns) override { ORV_ASSERT(columns.size() + 1 == columns_); }
   bool Row(std::span<Value> values) override {
-    const Currency valor = values[valor_].AsCurrency();
-    (values[operacao_].Text() == "-" ? debito : credito) += valor;
-    if (!values[valor_].IsNull()) values[valor_] = valor.ToDouble();
-    set_.AppendRow(values);
+    if (!contas_.contains(Codigo(At(values, set_.Conta)))) return true;
+    Value& amount = At(values, set_.Valor);
+    const Currency valor = amount.AsCurrency();
+    (At(values, set_.Operacao).Text() == "-" ? debito : credito) += valor;
+    if (!amount.IsNull()) amount = valor.ToDouble();
+    const auto classe = classes_.find(Codigo(At(values, set_.Grupo)));
+    cells_.insert(cells_.end(), std::move_iterator(values.begin()), std::move_iterator(values.end()));
+    cells_.push_back(classe == classes_.end() ? Value() : classe->second);
     return true;
+  }
+  // By bank, account and document; rows that agree in them stand as they came.
+  void Lay() {
+    // Accounts are few: within one only the document is compared.
+    using Conta = std::pair<Value, Value>;
+    const auto antes = [](const Conta& a, const Conta& b) {
+      const auto banco = Compare(a.first, b.first);
+      return banco != 0 ? banco < 0 : Compare(a.second, b.second) < 0;
+    };
+    std::map<Conta, std::vector<std::span<Value>>, decltype(antes)> contas(antes);
+    for (std::size_t at = 0; at < cells_.size(); at += columns_) {
+      const std::span<Value> row(cells_.data() + at, columns_);
+      contas[{At(row, set_.Banco), At(row, set_.Conta)}].push_back(row);
+    }
+    for (auto& [conta, rows] : contas) {
+      std::stable_sort(rows.begin(), rows.end(), [&](std::span<Value> a, std::span<Value> b) {
+        return Compare(At(a, set_.Docto), At(b, set_.Docto)) < 0;
+      });
+      for (const std::span<Value> row : rows) set_.AppendRow(row);
+    }
   }
 
   Currency debito, credito;
 
  private:
+  static Value& At(std::span<Value> row, const Field& field) {
+    return row[static_cast<std::size_t>(field.Index())];
+  }
+
   TfmCC::ConsultaSet& set_;
-  std::size_t valor_, operacao_;
+  std::size_t columns_;
+  std::unordered_set<std::string> contas_;
+  std::unordered_map<std::string, Value> classes_;
+  std::vector<Value> cells_;
 };
 
 }  // namespace
@@ -62,18 +101,11 @@ void TfmCC::ConsultaLancamentos() {
   for (MoneyEdit* total : {&EdtDebito, &EdtCredito, &EdtSaldo}) total->SetAmount(Currency());
   const ControlsHold hold(TbConsulta);
   TbConsulta.EmptyDataSet();
-  TbConsulta.SetIndexFieldNames("");
-  Achados achados(TbConsulta);
-  if (const std::string sql = SqlConsulta(); !sql.empty()) {
-    try {
-      Tabela.IBDatabase().Fetch(sql, achados);
-    } catch (...) {
-      TbConsulta.EmptyDataSet();
-      throw;
-    }
-  }
-  // The rows stand as the database would order them, but need no order while they come.
-  TbConsulta.SetIndexFieldNames(kOrdem);
+  TOrvDatabase& db = Tabela.IBDatabase();
+  Achados achados(TbConsulta, db.Rows("SELECT CONTA FROM " + Funcoes.DBLocal("CADCONTA", true)),
+                  db.Rows("SELECT CODIGO, DESCRICAO FROM " + Funcoes.DBLocal("SUBGRUPO", true)));
+  if (const std::string sql = SqlConsulta(); !sql.empty()) db.Fetch(sql, achados);
+  achados.Lay();
   EdtDebito.SetAmount(achados.debito);
   EdtCredito.SetAmount(achados.credito);
   EdtSaldo.SetAmount(achados.credito - achados.debito);
@@ -81,10 +113,7 @@ void TfmCC::ConsultaLancamentos() {
 }
 
 std::string TfmCC::SqlConsulta() const {
-  std::string sql = std::string("SELECT ") + kColunas + " FROM " + Funcoes.DBLocal("CONTACOR", true) +
-                    " CONTACOR INNER JOIN " + Funcoes.DBLocal("CADCONTA", true) +
-                    " CADCONTA ON CADCONTA.CONTA = CONTACOR.CONTA LEFT JOIN " +
-                    Funcoes.DBLocal("SUBGRUPO", true) + " SUBGRUPO ON SUBGRUPO.CODIGO = CONTACOR.GRUPO";
+  std::string sql = std::string("SELECT ") + kColunas + " FROM " + Funcoes.DBLocal("CONTACOR", true);
   const char* liga = " WHERE ";
   const auto filtro = [&](const std::string& condicao) {
     sql += liga + condicao;
@@ -95,37 +124,34 @@ std::string TfmCC::SqlConsulta() const {
     const char* coluna;
     const DateEdit &de, &ate;
   };
-  for (const Periodo& p :
-       {Periodo{"CONTACOR.DT_LAN", dtInicio, dtFim}, Periodo{"CONTACOR.DT_VENCTO", dtVencIni, dtVencFim},
-        Periodo{"CONTACOR.DT_CONT", dtContIni, dtContFim}}) {
+  for (const Periodo& p : {Periodo{"DT_LAN", dtInicio, dtFim}, Periodo{"DT_VENCTO", dtVencIni, dtVencFim},
+                           Periodo{"DT_CONT", dtContIni, dtContFim}}) {
     // No movement has the empty date, and none lies between it and another.
     if (p.de.Date().Empty() || p.ate.Date().Empty()) return "";
     filtro(std::string(p.coluna) + " BETWEEN " + Funcoes.AspasData(p.de.Date()) + " AND " +
            Funcoes.AspasData(p.ate.Date()));
   }
-  if (EdtValorDe.Amount() > Currency())
-    filtro("CONTACOR.VALOR >= " + Funcoes.PermanecePonto(EdtValorDe.Amount()));
-  if (EdtValorAte.Amount() > Currency())
-    filtro("CONTACOR.VALOR <= " + Funcoes.PermanecePonto(EdtValorAte.Amount()));
+  if (EdtValorDe.Amount() > Currency()) filtro("VALOR >= " + Funcoes.PermanecePonto(EdtValorDe.Amount()));
+  if (EdtValorAte.Amount() > Currency()) filtro("VALOR <= " + Funcoes.PermanecePonto(EdtValorAte.Amount()));
 
   const auto igual = [&](const char* coluna, const Edit& campo) {
     if (!campo.Empty()) filtro(Igual(coluna, campo.Text()));
   };
-  igual("CONTACOR.LANCAMENTO", EdtConsLanc);
-  igual("CONTACOR.CONTA", EdtConsConta);
-  igual("CONTACOR.GRUPO", EdtCodGrupo);
-  if (!EdtAObs.Empty()) filtro("CONTACOR.OBSERVACAO LIKE " + Funcoes.Aspas("%" + EdtAObs.Text() + "%"));
-  igual("CONTACOR.HISTORICO", edtCodHist);
+  igual("LANCAMENTO", EdtConsLanc);
+  igual("CONTA", EdtConsConta);
+  igual("GRUPO", EdtCodGrupo);
+  if (!EdtAObs.Empty()) filtro("OBSERVACAO LIKE " + Funcoes.Aspas("%" + EdtAObs.Text() + "%"));
+  igual("HISTORICO", edtCodHist);
 
   constexpr std::array<const char*, 4> kPendentes{"", "S", "N", "C"};
   constexpr std::array<const char*, 3> kTipos{"", "DP", "CH"};
   const auto opcao = [&](const char* coluna, const RadioGroup& grupo, const auto& codigos) {
     const auto escolha = static_cast<std::size_t>(std::max(grupo.ItemIndex(), 0));
-    if (escolha > 0) filtro(Igual(coluna, codigos[escolha]));
+    if (escolha > 0) filtro(Igual(coluna, codigos.at(escolha)));
   };
-  opcao("CONTACOR.PENDENTE", RgBusca, kPendentes);
-  igual("CONTACOR.DOCTO", EdtDocto);
-  opcao("CONTACOR.TIPO_DOC", RgTipo, kTipos);
+  opcao("PENDENTE", RgBusca, kPendentes);
+  igual("DOCTO", EdtDocto);
+  opcao("TIPO_DOC", RgTipo, kTipos);
   return sql;
 }
 
@@ -187,15 +213,18 @@ void TfmCC::BitBtn8Click() {
 }
 
 void TfmCC::ConsultaContas() {
-  // The three values of all accounts in one pass over the movements.
+  // The three values of all accounts in one pass over their movements, account by account as the index of
+  // the movements leads.
   const std::string hoje = Funcoes.AspasData(Today());
   const auto soma = [&](const std::string& condicao) {
     return std::string(", SUM(CASE WHEN ") + condicao + hoje + " THEN " + kComSinal + " END)";
   };
+  const std::string sql = "SELECT CADCONTA.CONTA" + soma(kBaixado) + soma(kPendente) + soma(kPrevisto) +
+                          " FROM " + Funcoes.DBLocal("CADCONTA", true) +
+                          " CADCONTA LEFT JOIN {CONTACOR} CONTACOR ON CONTACOR.CONTA = CADCONTA.CONTA WHERE "
+                          "CADCONTA.IMP_FLUXO = 'S' GROUP BY CADCONTA.CONTA";
   std::unordered_map<std::string, std::array<Currency, 3>> valores;
-  for (const auto& linha :
-       Tabela.IBDatabase().Rows(SqlDoMovimento("SELECT CONTA" + soma(kBaixado) + soma(kPendente) +
-                                               soma(kPrevisto) + " FROM {CONTACOR} GROUP BY CONTA"))) {
+  for (const auto& linha : Tabela.IBDatabase().Rows(SqlDoMovimento(sql))) {
     auto& da_conta = valores[linha[0].AsString()];
     for (std::size_t i = 0; i < da_conta.size(); ++i) da_conta[i] += linha[i + 1].AsCurrency();
   }

@@ -38,7 +38,8 @@ class ORV_EXPORT TFmCCTransConta : public Dialog {
   // The movement of the target starts pending.
   CheckBox CbPendente{*this, "CbPendente", "Pendente"};
   Button BitBtn1{*this, "BitBtn1", "Confirmar"};
-  Button BitBtn2{*this, "BitBtn2", "Cancelar"};
+  // Leaves the focus where it is: giving up opens no lookup of an empty field.
+  SmallButton BitBtn2{*this, "BitBtn2", "Cancelar"};
 
  private:
   LookupSettings Contas() const;
