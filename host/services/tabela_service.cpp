@@ -25,7 +25,8 @@ constexpr std::array<Definition, 10> kDefinitions{{
     {"tbRepresentante", "REPRESEN", "CODREP", true},
     {"TbSituacao", "TABSIT", "CODIGO", true},
     {"tbContaCor", "CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO", true},
-    {"tbCheque_pre", "CHEQUE_PRE", "CHAVE", true},
+    // A cheque handed over by another company brings that company's number.
+    {"tbCheque_pre", "CHEQUE_PRE", "CHAVE;BANCO;CONTA;NUMERO", true},
 }};
 
 }  // namespace
