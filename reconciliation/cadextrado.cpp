@@ -32,9 +32,7 @@ TFmCadExtrato::TFmCadExtrato(Application& application)
   TbExtrato.Open();
   TbExtrato.Last();
   Bar_Confirma(false);
-  dtInicio.SetFocus();
-  // Entering it took today's date.
-  dtInicio.SetDate(Date(2000, 1, 1));
+  EdtCDocto.SetFocus();
 }
 
 LookupSettings TFmCadExtrato::Contas() const {
@@ -51,7 +49,7 @@ void TFmCadExtrato::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        dtInicio dtFim EdtCDocto edtAConta pqAConta RgBusca BitBtn5 BitBtn1 /
+        EdtCDocto edtAConta pqAConta RgBusca BitBtn5 BitBtn1 GbPeriodo { dtInicio dtFim } /
         DBGrid2
       }
       TabSheet2 {

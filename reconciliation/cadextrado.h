@@ -22,14 +22,17 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
-  DateEdit dtInicio{*this, "dtInicio", "De"};
-  DateEdit dtFim{*this, "dtFim", "Até"};
   Edit EdtCDocto{*this, "EdtCDocto", "Documento", 12};
   Edit edtAConta{*this, "edtAConta", "Conta", 13};
   TPesquisa pqAConta{*this, "pqAConta", Contas()};
   RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "A Conciliar", "Conciliados"}, 0};
   Button BitBtn5{*this, "BitBtn5", "&Consultar"};
   Button BitBtn1{*this, "BitBtn1", "&Imprimir"};
+  // After the buttons: a date is overwritten when it is entered, and whoever tabs through the filters to the
+  // query narrows no period by that.
+  GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
+  DateEdit dtInicio{*this, "dtInicio", "De"};
+  DateEdit dtFim{*this, "dtFim", "Até"};
 
   TOrvQuery QryExtrato{Tabela.IBDatabase(), "QryExtrato"};
   TOrvDBGrid DBGrid2{*this, "DBGrid2", QryExtrato, ColunasExtrato()};
