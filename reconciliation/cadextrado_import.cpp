@@ -13,10 +13,6 @@ namespace {
 
 constexpr const char* kFiltros = "bbt|*.bbt|txt|*.txt|ofx|*.ofx|ret|*.ret|Todos(*.*)|*.*";
 constexpr std::size_t kArquivo = 50, kDocto = 10, kObs = 50;
-// Lines sent at once: the engine takes no more than 255 statements in one block.
-constexpr std::size_t kBloco = 250;
-// A text beyond this length isn't kept prepared.
-constexpr std::size_t kTexto = std::size_t{1} << 16;
 
 std::string Conta(std::size_t n, const char* um, const char* varios) {
   return std::to_string(n) + " " + (n == 1 ? um : varios);
@@ -250,37 +246,40 @@ void TFmCadExtrato::BitBtn4Click() {
 
 void TFmCadExtrato::GravaExtrato() {
   const BusyMark busy(Funcoes, *this);
-  const auto linhas = static_cast<std::size_t>(TbImporta.RecordCount());
-  const std::vector<std::string> numeros = Funcoes.Proximos("EXTRATO", "LANCTO", 6, true, linhas);
-  const std::string banco =
+  const int64_t linhas = TbImporta.RecordCount();
+  const std::vector<std::string> numeros =
+      Funcoes.Proximos("EXTRATO", "LANCTO", 6, true, static_cast<std::size_t>(linhas));
+  const Value banco =
       Funcoes.Busca_Valor("CADCONTA", "CONTA", "BANCO", Funcoes.Aspas(EdtIConta.Text()), true, true);
-  const std::string inicio =
-      "INSERT INTO " + Funcoes.DBLocal("EXTRATO", true) +
-      " (BANCO, VALOR, DOCTO, DT_CONT, DT_ARQ, CONCILIADO, ARQUIVO, LANCTO, CONTA, OPERACAO, CHAVE, "
-      "OBSERVACAO) VALUES (";
-  const std::string arquivo = Funcoes.Aspas(CutChars(EdtArq.Text(), kArquivo));
-  const std::string data = Funcoes.AspasData(DtArq.Date()), conta = Funcoes.Aspas(EdtIConta.Text());
-  const std::string do_banco = Funcoes.Aspas(banco);
+  const Value arquivo = CutChars(EdtArq.Text(), kArquivo), conta = EdtIConta.Text();
+  const Value data = DtArq.Date().Empty() ? Date::FromDays(Date::kZeroDays) : DtArq.Date();
 
-  // Many lines in one statement: each alone costs the engine more to read than to store.
-  constexpr std::string_view kAbre = "EXECUTE BLOCK AS BEGIN\n", kFecha = "END";
-  std::string sql(kAbre);
-  std::size_t no_bloco = 0;
-  for (std::size_t i = 0; i < linhas; ++i) {
-    const auto celula = [&](const Field& campo) { return TbImporta.Cell(static_cast<int64_t>(i), campo); };
-    const std::string numero = Funcoes.Aspas(numeros[i]);
-    sql += inicio;
-    sql += do_banco + ", " + Funcoes.PermanecePonto(celula(TbImporta.Valor).AsCurrency()) + ", ";
-    sql += Funcoes.Aspas(CutChars(celula(TbImporta.Docto).Text(), kDocto)) + ", ";
-    sql += Funcoes.AspasData(celula(TbImporta.DtCont).AsDate()) + ", " + data + ", 'N', " + arquivo + ", ";
-    sql += numero + ", " + conta + ", " + Funcoes.Aspas(celula(TbImporta.Operacao).Text()) + ", ";
-    sql += (NotOFX ? Funcoes.Aspas(celula(TbImporta.Chave).Text()) : numero) + ", ";
-    sql += Funcoes.Aspas(CutChars(celula(TbImporta.Obs).Text(), kObs)) + ");\n";
-    if (++no_bloco < kBloco && sql.size() <= kTexto && i + 1 < linhas) continue;
-    Tabela.IBDatabase().Execute(sql += kFecha);
-    sql = kAbre;
-    no_bloco = 0;
-  }
+  int64_t i = 0;
+  Tabela.IBDatabase().InsertRows(Funcoes.DBLocal("EXTRATO", true),
+                                 {"BANCO", "VALOR", "DOCTO", "DT_CONT", "DT_ARQ", "CONCILIADO", "ARQUIVO",
+                                  "LANCTO", "CONTA", "OPERACAO", "CHAVE", "OBSERVACAO"},
+                                 [&](std::span<Value> linha) {
+                                   if (i == linhas) return false;
+                                   const auto celula = [&](const Field& campo) {
+                                     return TbImporta.Cell(i, campo);
+                                   };
+                                   const Value lancto = numeros[static_cast<std::size_t>(i)];
+                                   const Value valores[] = {banco,
+                                                            celula(TbImporta.Valor),
+                                                            CutChars(celula(TbImporta.Docto).Text(), kDocto),
+                                                            celula(TbImporta.DtCont),
+                                                            data,
+                                                            "N",
+                                                            arquivo,
+                                                            lancto,
+                                                            conta,
+                                                            celula(TbImporta.Operacao),
+                                                            NotOFX ? celula(TbImporta.Chave) : lancto,
+                                                            CutChars(celula(TbImporta.Obs).Text(), kObs)};
+                                   std::copy(std::begin(valores), std::end(valores), linha.begin());
+                                   ++i;
+                                   return true;
+                                 });
   Tabela.CommitRetaining();
 }
 
