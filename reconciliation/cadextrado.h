@@ -84,7 +84,7 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   // --- Importação.
   TabSheet TabSheet3{*this, "TabSheet3", "Importação"};
 
-  Edit EdtCam{*this, "EdtCam", "Pasta"};
+  Edit EdtCam{*this, "EdtCam", "Pasta", 1024};
   Button BitBtn3{*this, "BitBtn3", "Procurar..."};
   Edit EdtArq{*this, "EdtArq", "Arquivo"};
   DateEdit DtArq{*this, "DtArq", "Data do Arquivo"};
@@ -111,7 +111,7 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   TOrvDBGrid DBGrid3{*this,
                      "DBGrid3",
                      TbImporta,
-                     {{"Docto", "Documento", 0, true},
+                     {{"Docto", "Documento", 12, true},
                       {"Dt_Cont", "Data", 0, true},
                       {"Valor", "Valor", 0, true},
                       {"Operacao", "Operação", 0, true},

@@ -140,7 +140,7 @@ class Reader {
   bool OfAccount() {
     // Most lines are of one account.
     if (!known_ || conta_ != asked_) {
-      resolved_ = ResolveAccount(conta_, accounts_);
+      resolved_ = accounts_.Resolve(conta_);
       asked_ = conta_;
       known_ = true;
     }
@@ -157,7 +157,7 @@ class Reader {
   }
 
   const PositionLayout& layout_;
-  std::span<const std::string> accounts_;
+  AccountBook accounts_;
   std::string_view account_;
   const StatementSink& sink_;
   BankTextSummary& summary_;

@@ -238,7 +238,8 @@ TEST(BankTextTest, AccountsAndMasks) {
       {" 777 ", "777"},
       {"99999999999999999999999999", ""},
   };
-  for (const auto& [text, account] : resolved) EXPECT_EQ(ResolveAccount(text, accounts), account) << text;
+  for (const auto& [text, account] : resolved)
+    EXPECT_EQ(AccountBook(accounts).Resolve(text), account) << text;
 
   struct Mask {
     const char *text, *mask, *day;
