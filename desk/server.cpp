@@ -144,6 +144,7 @@ class Server::Parts : private HttpHandler {
     network.port = options_.port;
     network.certificate = options_.certificate;
     network.key = options_.key;
+    network.request_time = options_.request_time;
     return network;
   }
 
