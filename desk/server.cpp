@@ -156,6 +156,7 @@ class Server::Parts : private HttpHandler {
     session.clock = options_.clock;
     session.folder = UserFolder(options_.data, login.user);
     session.max_upload = options_.max_upload;
+    session.max_rows = options_.max_rows;
     return session;
   }
 
