@@ -146,6 +146,7 @@ class Server::Parts : private HttpHandler {
     network.port = options_.port;
     network.certificate = options_.certificate;
     network.key = options_.key;
+    network.request_time = options_.request_time;
     return network;
   }
 
@@ -158,6 +159,7 @@ class Server::Parts : private HttpHandler {
     session.folder = UserFolder(options_.data, login.user);
     session.templates = TemplatesFolder(options_.data);
     session.max_upload = options_.max_upload;
+    session.max_rows = options_.max_rows;
     return session;
   }
 

@@ -212,9 +212,10 @@ void ServerSessions::Out(const std::string& id, Said said) {
   }
   if (kind == "ended") {
     if (!window->end_text.empty()) said.text = Json{{"on", "ended"}, {"text", window->end_text}}.Text();
-    if (window->link != nullptr) {
-      window->link->Send(std::move(said.text));
-      window->link->Close();
+    // What is sent may be too much for the link, which then leaves the window.
+    if (const auto link = window->link) {
+      link->Send(std::move(said.text));
+      link->Close();
     }
     windows_.erase(id);
     log_.Write("session ended", {{"user", window->user}, {"session", id.substr(0, 8)}});

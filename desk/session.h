@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,8 @@ struct SessionOptions {
   std::filesystem::path templates;
   // The largest file that may be given, in bytes.
   std::size_t max_upload = std::size_t{64} << 20;
+  // The rows of each set that one read gives at most; none for all.
+  std::optional<int64_t> max_rows;
 };
 
 class Session : private UserInterface, private ApplicationObserver {
