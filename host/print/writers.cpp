@@ -1,8 +1,6 @@
 #include "host/print/writers.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 
 #include "host/print/format.h"
 #include "toolkit/text.h"
@@ -10,7 +8,6 @@
 namespace orv {
 namespace {
 
-constexpr std::array<std::string_view, 5> kFormats{"html", "pdf", "txt", "csv", "xlsx"};
 constexpr std::size_t kTextLines = 60;  // of a page of text, without its head
 constexpr std::size_t kNarrowest = 60;
 
@@ -166,19 +163,6 @@ std::string CsvCell(const Value& value) {
 }
 
 }  // namespace
-
-bool IsReportFormat(std::string_view format) {
-  return std::find(kFormats.begin(), kFormats.end(), format) != kFormats.end();
-}
-
-void WriteReport(const Report& report, std::string_view format, const std::filesystem::path& file) {
-  if (format == "pdf") return WriteReportPdf(report, file);
-  if (format == "xlsx") return WriteReportXlsx(report, file);
-  std::ofstream out(file, std::ios::binary);
-  out << (format == "html" ? ReportHtml(report) : format == "txt" ? ReportText66(report) : ReportCsv(report));
-  out.close();
-  if (!out) throw UserError("O relatório não pôde ser gravado. Verifique o espaço em disco.");
-}
 
 std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns) {
   std::vector<std::size_t> places{0};

@@ -10,10 +10,8 @@
 
 namespace orv {
 
-// The identifiers of the forms: "html", "pdf", "txt", "csv", "xlsx".
-bool IsReportFormat(std::string_view format);
-
-// Writes the report to a file that isn't there yet. Raises UserError when that can't be done.
+// Writes the report in a form, "html", "pdf", "txt", "csv" or "xlsx", to a file that isn't there yet. Raises
+// UserError when that can't be done.
 void WriteReport(const Report& report, std::string_view format, const std::filesystem::path& file);
 
 // A page for a browser, whole in itself.

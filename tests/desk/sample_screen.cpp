@@ -20,7 +20,7 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   Layout(R"(
     EdtTexto EdtValor CbMarca CbLista LbLista TrPrazo PbAnda LbSoma /
     EdtBanco PqBanco EdtNomeBanco PqVarios / Grade / DbeBanco DbeCodigo DbrMarca / Grafico / Menu { ItDetalhe } /
-    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga BtFecha
+    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga BtRelatorio BtFecha
   )");
   PqVarios.Settings().MultiSelecao = true;
   Lookups({{.field = &EdtBanco,
@@ -80,6 +80,7 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
     PbAnda.SetMaximum(200000000);
     for (steps = 0; steps < 200000000; ++steps) PbAnda.SetPosition(steps);
   };
+  BtRelatorio.OnClick = [this] { Funcoes.Chama_Relatorio(*this, EdtTexto.Text()); };
   BtFecha.OnClick = [this] { Close(); };
 }
 

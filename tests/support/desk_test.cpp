@@ -64,6 +64,7 @@ Desk::Desk(const std::filesystem::path& database, const std::string& user, const
   options.company = company;
   options.clock = Clock(Date::ParseNeutral(today));
   options.folder = database.parent_path() / "files" / user;
+  options.templates = database.parent_path() / "relatorios";
   client_ = std::make_unique<DoorClient>(std::move(options), log_);
 }
 

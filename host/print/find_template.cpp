@@ -1,0 +1,35 @@
+// Where templates are found: in the company's folder, else among the desk's own.
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/print/own_templates.h"
+#include "host/print/report_template.h"
+
+namespace orv {
+
+ReportTemplate FindTemplate(const std::string& identifier, const std::string& folder) {
+  // An identifier is made with texts from the database: it names a file of the folder and nothing else.
+  const bool plain = !identifier.empty() && identifier.find_first_of("/\\") == std::string::npos &&
+                     identifier[0] != '.' && identifier.find('\0') == std::string::npos;
+  if (plain && !folder.empty()) {
+    std::ifstream in(std::filesystem::path(folder) / (identifier + ".rel"), std::ios::binary);
+    if (in) {
+      std::ostringstream text;
+      text << in.rdbuf();
+      return ReportTemplate::Parse(identifier, text.str());
+    }
+  }
+  for (const OwnTemplate& own : kOwnTemplates) {
+    if (own.identifier == identifier) return ReportTemplate::Parse(identifier, own.text);
+  }
+  throw UserError("O relatório \"" + identifier + "\" não está instalado.");
+}
+
+std::vector<std::string> OwnTemplates() {
+  std::vector<std::string> identifiers;
+  for (const OwnTemplate& own : kOwnTemplates) identifiers.emplace_back(own.identifier);
+  return identifiers;
+}
+
+}  // namespace orv
