@@ -19,9 +19,9 @@ h1 { font-size: 18px; margin: 0; }
 h2 { font-size: 14px; margin: 18px 0 6px; }
 p { margin: 2px 0; }
 .right { text-align: right; white-space: nowrap; color: #51616c; }
-table { border-collapse: collapse; width: 100%; table-layout: fixed; font-variant-numeric: tabular-nums; }
+table { border-collapse: collapse; width: 100%; font-variant-numeric: tabular-nums; }
 th { text-align: left; border-bottom: 1px solid #51616c; padding: 4px 6px; vertical-align: bottom; }
-td { padding: 3px 6px; vertical-align: top; overflow-wrap: anywhere; border-bottom: 1px solid #e6eaed; }
+td { padding: 3px 6px; vertical-align: top; overflow-wrap: break-word; border-bottom: 1px solid #e6eaed; }
 .d { text-align: right; } td.d { white-space: nowrap; overflow-wrap: normal; } .c { text-align: center; }
 .b td { font-weight: 600; } .i td { font-style: italic; } .a td { color: #9b1c1c; } .s td { background: #eef2f4; }
 .r td { border-top: 1px solid #51616c; }

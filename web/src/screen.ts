@@ -3,7 +3,7 @@ import { el, icon, uniqueId } from "./dom.ts";
 import { insertInto, pressInto, type Press } from "./keys.ts";
 import { isActions, isDescription, isTall, units, type Unit } from "./layout.ts";
 import { plain, readCaption } from "./text/caption.ts";
-import { MenuItemView, MenuView } from "./controls/button.ts";
+import { ButtonView, LookupButtonView, MenuItemView, MenuView } from "./controls/button.ts";
 import { RadioView } from "./controls/choice.ts";
 import { PagesView, PageView, PanelView } from "./controls/container.ts";
 import type { ControlView, ScreenContext } from "./controls/control.ts";
@@ -40,6 +40,7 @@ export class ScreenView implements ScreenContext {
     const body = el("div", { class: "screen-body rows" });
     this.drawRows(body, out.tree.layout);
     this.lendCaptions();
+    this.lendKeys();
     if (this.dialog) {
       const id = uniqueId("title");
       this.close = el("button", { type: "button", class: "dialog-close", tabindex: "-1", "aria-label": "Fechar" }, icon("close"));
@@ -56,10 +57,17 @@ export class ScreenView implements ScreenContext {
 
   // --- Drawing.
 
+  // The page or panel in which each control stands, and the one whose controls are being made.
+  private holders = new Map<ControlView, ControlView>();
+  private holder: ControlView | undefined;
+
   private make(node: TreeNode): ControlView {
     const control = makeControl(this, node);
     this.controls.push(control);
     this.byName.set(control.name, control);
+    const around = this.holder;
+    if (around !== undefined) this.holders.set(control, around);
+    if (control instanceof PanelView || control instanceof PageView) this.holder = control;
     if (control instanceof PanelView || control instanceof PageView) {
       this.drawRows(control.body, node.layout ?? []);
     } else if (control instanceof PagesView) {
@@ -75,6 +83,7 @@ export class ScreenView implements ScreenContext {
         control.items.push(item);
       }
     }
+    this.holder = around;
     return control;
   }
 
@@ -116,16 +125,38 @@ export class ScreenView implements ScreenContext {
     return group;
   }
 
+  // What the page or group around a control is called.
+  private placeOf(control: ControlView): string {
+    const holder = this.holders.get(control);
+    return holder === undefined ? this.caption : holder.caption || this.placeOf(holder);
+  }
+
   // Lookups and descriptions have no caption of their own; who can't see where they stand hears their field's.
+  // A grid is called as what stands around it.
   private lendCaptions(): void {
     let last = "";
     for (const control of this.controls) {
       if (control.caption !== "") {
         last = control.caption;
       } else {
-        control.lent = last;
+        control.lent = control instanceof GridControl ? this.placeOf(control) : last;
         control.render();
       }
+    }
+  }
+
+  // A letter of the caption that is free on the screen, or else in the panel: panels take turns in being seen.
+  private lendKeys(): void {
+    const keysOf = (control: ControlView): string[] =>
+      control instanceof RadioView ? control.list("items").map((item) => readCaption(item).key) : [control.accessKey];
+    const taken = new Set(this.controls.flatMap(keysOf));
+    for (const button of this.controls) {
+      if (!(button instanceof ButtonView) || button instanceof LookupButtonView || button.accessKey !== "") continue;
+      const beside = new Set(this.controls.filter((one) => this.holders.get(one) === this.holders.get(button)).flatMap(keysOf));
+      const letters = [...plain(button.caption)].filter((letter) => /[a-z0-9]/.test(letter));
+      button.lentKey = letters.find((letter) => !taken.has(letter)) ?? letters.find((letter) => !beside.has(letter)) ?? "";
+      taken.add(button.lentKey);
+      button.render();
     }
   }
 
@@ -283,7 +314,7 @@ export class ScreenView implements ScreenContext {
     for (const control of order) {
       const there = control instanceof PageView ? !control.tab.hidden && control.enabled : control.visible && control.enabled;
       if (!there || control instanceof MenuItemView) continue;
-      if (readCaption(control.text("caption")).key === key) {
+      if (control.accessKey === key) {
         control.access();
         return true;
       }

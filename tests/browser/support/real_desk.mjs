@@ -46,7 +46,8 @@ async function startLink(port) {
   return link;
 }
 
-export async function startRealDesk() {
+// `prepare` gets the program on the database before it is served.
+export async function startRealDesk(prepare = () => {}) {
   assert.ok(kProgram, "o programa orvcc não está construído");
   const folder = mkdtempSync(join(tmpdir(), "orvcc-"));
   const database = join(folder, "demo.fdb");
@@ -56,6 +57,7 @@ export async function startRealDesk() {
   run(["user", "add", "leo"], "pao de queijo 7\n");
   run(["user", "grant", "leo", "TfmCC", "E"]);
   run(["lock", "set", "--account", "20418-7", "--until", "2026-11-30"]);
+  prepare(run);
   let process_ = null;
   let link = null;
   const desk = {

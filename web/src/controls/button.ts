@@ -1,6 +1,7 @@
 // What is pressed: buttons, lookups, pop-up menus and their items.
 import { el, icon, writeCaption } from "../dom.ts";
 import { isCharacter, type Press } from "../keys.ts";
+import { readCaption, withKey } from "../text/caption.ts";
 import type { TreeNode } from "../protocol.ts";
 import { ControlView, type ScreenContext } from "./control.ts";
 
@@ -24,10 +25,15 @@ export class ButtonView extends ControlView {
   override get takesFocus(): boolean {
     return this.kind === "button";
   }
+  // The screen lends a key to a button whose caption has none, so that each is reached without a mouse.
+  lentKey = "";
+  override get accessKey(): string {
+    return readCaption(withKey(this.text("caption"), this.lentKey)).key;
+  }
 
   override render(): void {
     this.showState(this.element, this.element);
-    writeCaption(this.element, this.text("caption"));
+    writeCaption(this.element, withKey(this.text("caption"), this.lentKey));
     if (this.caption === "") this.element.setAttribute("aria-label", this.label || "Ação");
   }
 

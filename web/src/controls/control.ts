@@ -57,6 +57,10 @@ export abstract class ControlView {
     const value = this.props[property];
     return Array.isArray(value) ? value : [];
   }
+  // The letter that reaches the control with Alt, "" without one.
+  get accessKey(): string {
+    return readCaption(this.text("caption")).key;
+  }
   get caption(): string {
     return readCaption(this.text("caption")).text;
   }
@@ -131,7 +135,7 @@ export abstract class ControlView {
     } else {
       input.setAttribute("aria-disabled", String(!this.enabled));
     }
-    const key = readCaption(this.text("caption")).key;
+    const key = this.accessKey;
     if (key !== "") input.setAttribute("aria-keyshortcuts", `Alt+${key.toUpperCase()}`);
   }
 }

@@ -2,7 +2,7 @@
 import { el, icon } from "../dom.ts";
 import type { ConfirmOut, DetailOut } from "../protocol.ts";
 import type { Press } from "../keys.ts";
-import { showAmount } from "../text/money.ts";
+import { addAmounts, showAmount } from "../text/money.ts";
 import { GridView, type GridOwner } from "../grid/view.ts";
 import { kBlock } from "../grid/blocks.ts";
 import { columnKind, shownCell } from "./cells.ts";
@@ -37,6 +37,12 @@ export class ConfirmDialog extends Dialog {
       return row;
     });
     const table = el("table", { class: "lines" }, el("thead", {}, el("tr", {}, ...head)), el("tbody", {}, ...rows));
+    const side = (title: string, account: "debit" | "credit"): HTMLElement => {
+      const sum = addAmounts(out.lines.filter((line) => line[account] !== "").map((line) => line.amount));
+      return el("td", {}, title, " ", el("strong", {}, showAmount(sum)));
+    };
+    const total = el("tr", {}, side("Total a débito", "debit"), side("Total a crédito", "credit"), cell(""), cell(""));
+    table.append(el("tfoot", {}, total));
     this.body.append(
       el("p", { class: "lead" }, "Confira os lançamentos contábeis antes de gravar."),
       el("div", { class: "lines-box", tabindex: "0", role: "region", "aria-label": "Lançamentos contábeis" }, table),

@@ -242,6 +242,12 @@ export class GridControl extends ControlView implements GridOwner {
     const column = this.grid.column;
     const check = this.grid.columns[column]?.kind === "check";
     if (key === "Tab") return this.tab(shift, ctrl);
+    // What the mouse does with a double click.
+    if (key === "Enter" && (ctrl || !this.editable)) {
+      const field = this.grid.columns[column]?.field;
+      if (field !== undefined && this.grid.row >= 0) this.send("dblclick", { row: this.row, column: field });
+      return true;
+    }
     if (ctrl) {
       if (key === "Delete" && this.mayAppend && this.grid.row >= 0) this.send("delete", { row: this.row });
       else if (key.toLowerCase() === "a") this.selectAll();

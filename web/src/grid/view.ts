@@ -3,7 +3,7 @@
 import { el, uniqueId } from "../dom.ts";
 import { showCount } from "../text/money.ts";
 import { Blocks, kBlock } from "./blocks.ts";
-import { kNarrowest, naturalWidth, type Column } from "./columns.ts";
+import { fittedWidths, kNarrowest, naturalWidth, type Column } from "./columns.ts";
 import { Scroll } from "./scroll.ts";
 
 export interface GridOwner {
@@ -43,7 +43,11 @@ export class GridView {
   column = 0;
   // The other end of a selection of rows, -1 without one.
   anchor = -1;
+  // As the columns would be, which of them the user has sized, and as they are shown in the room there is.
   private widths: number[] = [];
+  private sized: boolean[] = [];
+  private shown: number[] = [];
+  private room = 0;
   private head: HTMLElement;
   private spacer: HTMLElement;
   private port: HTMLElement;
@@ -110,7 +114,9 @@ export class GridView {
     if (same) return;
     this.columns = columns;
     if (this.column >= columns.length) this.column = Math.max(0, columns.length - 1);
-    this.widths = columns.map((column) => this.owner.storedWidth?.(column) ?? naturalWidth(column));
+    const stored = columns.map((column) => this.owner.storedWidth?.(column) ?? null);
+    this.widths = columns.map((column, at) => stored[at] ?? naturalWidth(column));
+    this.sized = stored.map((width) => width !== null);
     this.scroller.setAttribute("aria-colcount", String(columns.length));
     this.head.replaceChildren(...columns.map((column, at) => this.title(column, at)));
     this.rows.replaceChildren();
@@ -137,6 +143,7 @@ export class GridView {
         event.stopPropagation();
         this.owner.storeWidth?.(column, null);
         this.widths[at] = naturalWidth(column);
+        this.sized[at] = false;
         this.spread();
       });
       cell.append(grip);
@@ -149,10 +156,13 @@ export class GridView {
     event.stopPropagation();
     const grip = event.target as HTMLElement;
     const from = event.clientX;
-    const width = this.widths[at]!;
+    const width = this.shown[at]!;
     grip.setPointerCapture(event.pointerId);
     const move = (now: PointerEvent): void => {
+      // The others stay as they are seen while one is dragged.
+      this.widths = [...this.shown];
       this.widths[at] = Math.max(kNarrowest, Math.round(width + now.clientX - from));
+      this.sized[at] = true;
       this.spread();
     };
     const end = (): void => {
@@ -167,8 +177,9 @@ export class GridView {
   }
 
   private spread(): void {
-    const template = this.widths.map((width) => `${width}px`).join(" ") + " 1fr";
-    const total = this.widths.reduce((sum, width) => sum + width, 0);
+    this.shown = this.room > 0 ? fittedWidths(this.columns, this.widths, this.sized, this.room) : this.widths;
+    const template = this.shown.map((width) => `${width}px`).join(" ") + " 1fr";
+    const total = this.shown.reduce((sum, width) => sum + width, 0);
     this.scroller.style.setProperty("--grid-columns", template);
     this.scroller.style.setProperty("--grid-width", `${total}px`);
   }
@@ -203,8 +214,8 @@ export class GridView {
 
   private revealColumn(): void {
     let left = 0;
-    for (let at = 0; at < this.column; ++at) left += this.widths[at]!;
-    const right = left + (this.widths[this.column] ?? 0);
+    for (let at = 0; at < this.column; ++at) left += this.shown[at]!;
+    const right = left + (this.shown[this.column] ?? 0);
     const box = this.scroller;
     if (left < box.scrollLeft) box.scrollLeft = left;
     else if (right > box.scrollLeft + box.clientWidth) box.scrollLeft = right - box.clientWidth;
@@ -215,6 +226,10 @@ export class GridView {
   private barAt = 0;
 
   private measure(): void {
+    if (this.scroller.clientWidth !== this.room) {
+      this.room = this.scroller.clientWidth;
+      this.spread();
+    }
     const view = Math.max(0, this.scroller.clientHeight - this.head.offsetHeight);
     if (view === this.scroll.view) return;
     const inSight = this.row >= this.scroll.first && this.row <= this.scroll.last;

@@ -27,3 +27,10 @@ export function readCaption(caption: string): Caption {
   }
   return { text, at, key: at < 0 ? "" : plain(text[at]!) };
 }
+
+// The caption with the mark of a key that it has none of itself; as it is, where it has one or lacks the letter.
+export function withKey(caption: string, key: string): string {
+  if (key === "" || readCaption(caption).key !== "") return caption;
+  const at = [...caption].findIndex((letter) => plain(letter) === key);
+  return at < 0 ? caption : `${caption.slice(0, at)}&${caption.slice(at)}`;
+}

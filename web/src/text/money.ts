@@ -20,6 +20,19 @@ export function showAmount(neutral: string, decimals = 2): string {
   return (m[1] && units !== 0n ? "-" : "") + whole + rest;
 }
 
+// The sum of stored amounts, as one.
+export function addAmounts(amounts: string[]): string {
+  let units = 0n;
+  for (const amount of amounts) {
+    const m = /^(-?)(\d+)(?:\.(\d{1,4}))?$/.exec(amount);
+    if (!m) continue;
+    const size = BigInt(m[2]! + (m[3] ?? "").padEnd(4, "0"));
+    units += m[1] ? -size : size;
+  }
+  const digits = (units < 0n ? -units : units).toString().padStart(5, "0");
+  return `${units < 0n ? "-" : ""}${digits.slice(0, -4)}.${digits.slice(-4)}`;
+}
+
 export function showCount(n: number): string {
   return String(n).replace(/\B(?=(\d{3})+$)/g, ".");
 }
