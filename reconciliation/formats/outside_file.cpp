@@ -1,0 +1,163 @@
+#include "reconciliation/formats/outside_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+
+#include "toolkit/error.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr const char* kUnreadable = "O arquivo não pôde ser lido.";
+constexpr const char* kNotText = "O arquivo não é um texto: nenhuma linha foi lida.";
+constexpr const char* kUtf16 =
+    "O arquivo está em UTF-16. Grave-o como UTF-8 ou Windows-1252 e carregue-o de novo.";
+
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+std::string TooLarge() {
+  return "O arquivo é grande demais: o limite é de " + std::to_string(kMaxOutsideFile >> 20) + " MB.";
+}
+
+// What a byte asks for.
+enum : uint8_t { kPlain = 0, kHigh = 1, kControl = 2, kReturn = 4, kZero = 8 };
+
+constexpr std::array<uint8_t, 256> kClasses = [] {
+  std::array<uint8_t, 256> classes{};
+  for (std::size_t c = 0; c < classes.size(); ++c) {
+    if (c >= 0x80) classes[c] = kHigh;
+    if (c < 0x20 || c == 0x7F) classes[c] = kControl;
+  }
+  classes['\n'] = kPlain;
+  classes['\r'] = kReturn;
+  classes[0] = kZero;
+  return classes;
+}();
+
+// The code points of the bytes 0x80 to 0x9F in Windows-1252; the five that it leaves open are blanks.
+constexpr std::array<uint16_t, 32> kWindows = {
+    0x20AC, ' ',    0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, ' ',    0x017D, ' ',    ' ',    0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, ' ',    0x017E, 0x0178};
+
+void AppendWindows(std::string& out, char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  const uint32_t code = byte < 0x80 ? byte : byte < 0xA0 ? kWindows[byte - 0x80] : byte;
+  if (code < 0x80) {
+    out += static_cast<char>(code);
+  } else if (code < 0x800) {
+    out += static_cast<char>(0xC0 | (code >> 6));
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  } else {
+    out += static_cast<char>(0xE0 | (code >> 12));
+    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  }
+}
+
+// Length of a well-formed character of two bytes and more at `i`, 0 for any other byte.
+std::size_t LongCharacter(std::string_view text, std::size_t i) {
+  const auto lead = static_cast<unsigned char>(text[i]);
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
+  return length > 0 && i + length <= text.size() && ValidUtf8(text.substr(i, length)) ? length : 0;
+}
+
+// A text whose bytes beyond ASCII aren't all UTF-8. Where most are, a program cut a field in the midst of a
+// character: only the strays are taken by themselves.
+std::string FromMixed(std::string_view bytes) {
+  std::size_t characters = 0, strays = 0;
+  for (std::size_t i = 0; i < bytes.size();) {
+    const bool ascii = static_cast<unsigned char>(bytes[i]) < 0x80;
+    const std::size_t length = ascii ? 1 : LongCharacter(bytes, i);
+    characters += !ascii && length > 0;
+    strays += length == 0;
+    i += length == 0 ? 1 : length;
+  }
+  const bool utf8 = characters > strays;
+  std::string out;
+  out.reserve(bytes.size() + bytes.size() / 8);
+  for (std::size_t i = 0; i < bytes.size();) {
+    const std::size_t length = utf8 ? LongCharacter(bytes, i) : 0;
+    if (length > 0) {
+      out.append(bytes.substr(i, length));
+      i += length;
+    } else {
+      AppendWindows(out, bytes[i++]);
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+bool OutsideFileExists(const std::string& path) {
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+std::string OutsideFileBytes(const std::string& path) {
+  // A pipe put in the file's place must not hold the session.
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat info {};
+  if (file.Get() < 0 || ::fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode))
+    throw UserError(kUnreadable);
+  if (info.st_size > static_cast<off_t>(kMaxOutsideFile)) throw UserError(TooLarge());
+
+  // One byte more than it had shows a file that grows.
+  std::string bytes(static_cast<std::size_t>(info.st_size) + 1, '\0');
+  std::size_t have = 0;
+  while (have < bytes.size()) {
+    const ssize_t got = ::read(file.Get(), bytes.data() + have, bytes.size() - have);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw UserError(kUnreadable);
+    if (got == 0) break;
+    have += static_cast<std::size_t>(got);
+  }
+  bytes.resize(have < bytes.size() ? have : bytes.size() - 1);
+  return bytes;
+}
+
+std::string OutsideText(std::string bytes) {
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) throw UserError(kUtf16);
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
+  // What old programs put behind the last line.
+  while (!bytes.empty() && (bytes.back() == '\x1A' || bytes.back() == '\0')) bytes.pop_back();
+
+  uint8_t found = kPlain;
+  for (const char c : bytes) found |= kClasses[static_cast<unsigned char>(c)];
+  if (found & kZero) throw UserError(kNotText);
+  if (found & kControl) {
+    for (char& c : bytes) {
+      if (kClasses[static_cast<unsigned char>(c)] == kControl && c != '\t') c = ' ';
+    }
+  }
+  if (found & kReturn) {
+    char* const end = bytes.data() + bytes.size();
+    for (char* at = bytes.data();
+         (at = static_cast<char*>(std::memchr(at, '\r', static_cast<std::size_t>(end - at)))) != nullptr;) {
+      if (++at == end || *at != '\n') at[-1] = '\n';
+    }
+  }
+  return (found & kHigh) && !ValidUtf8(bytes) ? FromMixed(bytes) : bytes;
+}
+
+}  // namespace orv
