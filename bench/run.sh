@@ -8,7 +8,7 @@ build=${ORVCC_BENCH_BUILD:-build/bench}
 export ORVCC_BENCH_DIR=${ORVCC_BENCH_DIR:-$PWD/build/bench-data}
 
 programs=("$@")
-[ $# -gt 0 ] || programs=(working_set query door million ledger)
+[ $# -gt 0 ] || programs=(working_set query door million ledger concilia)
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORV_TESTS=ON >/dev/null
 cmake --build "$build" --target "${programs[@]/#/bench_}" >&2
 

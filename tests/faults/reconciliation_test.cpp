@@ -173,7 +173,8 @@ TEST_F(TieFaultsTest, KilledActionsLeaveAllOrNothing) {
 
 TEST_F(TieFaultsTest, AnOpenChangeElsewhereIsWaitedForAndTold) {
   Desk desk(database_);
-  for (const Json& in : Actions()[1].before) desk.Do(in);
+  const TieAction several = Actions()[1];
+  for (const Json& in : several.before) desk.Do(in);
   const std::string before = Left();
   Db().Execute("UPDATE EXTRATO_001 SET OBSERVACAO = 'ABERTO' WHERE LANCTO = 'E3'");
   desk.Click("BitBtn4");
