@@ -81,7 +81,7 @@ void TFmConcilia::Desenha() {
         RgBusca RgTipo BitBtn1 DtInicio DtFinal /
         GbMov { OrvDBGrid1 / EdtTotMov EdtSaldoMov EdtSaldoMovCon }
         GbArq { OrvDBGrid2 / EdtTotExt EdtSaldoExt EdtSaldoExtCon } /
-        GbSugestao { LbSugestao / GridSugestao } /
+        GbSugestao { GridSugestao } /
         EdtDif EdtPrazo BtSugerir BitBtn4 BitBtn8 BitBtn7 BitBtn5 BitBtn9 BitBtn3
       }
       TabSheet2 {

@@ -101,10 +101,10 @@ class ORV_EXPORT TFmConcilia : public Child {
                         TbMov,
                         {{"Conciliar", "Conc.", 0, false, true, "N", "S"},
                          {"Data", "Data"},
-                         {"Docto", "Documento", 10, true},
+                         {"Docto", "Documento", 12, true},
                          {"Operacao", "D/C", 0, true},
                          {"Valor", "Valor", 0, true},
-                         {"Observacao", "Observação", 26, true},
+                         {"Observacao", "Observação", 25, true},
                          {"Lancto", "Lançamento", 0, true},
                          {"Data_Lancto", "Data Lanç."},
                          {"Data_Vencto", "Vencimento"},
@@ -122,10 +122,10 @@ class ORV_EXPORT TFmConcilia : public Child {
                         TbArq,
                         {{"Concilia", "Conc.", 0, false, true, "S", "N"},
                          {"Data", "Data", 0, true},
-                         {"Docto", "Documento", 10, true},
+                         {"Docto", "Documento", 12, true},
                          {"Operacao", "D/C", 0, true},
                          {"Valor", "Valor", 0, true},
-                         {"Observacao", "Observação", 26, true},
+                         {"Observacao", "Observação", 25, true},
                          {"Lancto", "Lançamento", 0, true},
                          {"Arquivo", "Arquivo", 0, true},
                          {"Lanc_Con", "Conciliação", 0, true}},
@@ -134,19 +134,19 @@ class ORV_EXPORT TFmConcilia : public Child {
   MoneyEdit EdtSaldoExt{*this, "EdtSaldoExt", "Saldo"};
   MoneyEdit EdtSaldoExtCon{*this, "EdtSaldoExtCon", "Saldo Conciliado"};
 
+  // Its caption tells how many there are and why.
   GroupBox GbSugestao{*this, "GbSugestao", "Sugestões"};
-  Label LbSugestao{*this, "LbSugestao"};
   TOrvDBGrid GridSugestao{*this,
                           "GridSugestao",
                           TbSugestao,
-                          {{"Grupo", "Nº", 0, true},
+                          {{"Grupo", "Nº", 5, true},
                            {"Motivo", "Motivo", 30, true},
                            {"Lancto", "Lançamento", 0, true},
-                           {"Docto_Mov", "Documento", 10, true},
+                           {"Docto_Mov", "Documento", 12, true},
                            {"Data_Mov", "Data", 0, true},
                            {"Valor_Mov", "Valor", 0, true},
                            {"Linha", "Linha do Extrato", 0, true},
-                           {"Docto_Arq", "Documento", 0, true},
+                           {"Docto_Arq", "Documento", 12, true},
                            {"Data_Arq", "Data", 0, true},
                            {"Valor_Arq", "Valor", 0, true}}};
 
@@ -196,7 +196,7 @@ class ORV_EXPORT TFmConcilia : public Child {
                         "OrvDBGrid3",
                         TbArquivo,
                         {{"Compensar", "Comp.", 0, false, true, "S", "N"},
-                         {"Dt_Comp", "Compensação"},
+                         {"Dt_Comp", "Compensação", 13},
                          {"Lancto", "Lançamento", 0, true},
                          {"Docto", "Documento", 0, true},
                          {"Dt_lan", "Data", 0, true},

@@ -183,13 +183,12 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
     texto += " " + Plural(cheques, "cheque ficou de fora", "cheques ficaram de fora") +
              ": cada um é conciliado sozinho.";
   }
-  LbSugestao.SetCaption(texto);
+  GbSugestao.SetCaption(texto);
   GbSugestao.SetVisible(true);
 }
 
 void TFmConcilia::EsqueceSugestoes() {
   TbSugestao.EmptyDataSet();
-  LbSugestao.SetCaption("");
   GbSugestao.SetVisible(false);
 }
 

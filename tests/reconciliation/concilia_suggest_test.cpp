@@ -171,7 +171,7 @@ TEST_F(ConciliaTest, ProposesAndTellsWhy) {
             "1 2 3 3/A1 A2 A3 A3/E1 E2 E3 E4");
   EXPECT_EQ(Column(desk, "TbSugestao", 9),
             "Mesmo valor e documento Mesmo valor, 3 dias Soma de 2 linhas, 1 dia Soma de 2 linhas, 1 dia");
-  EXPECT_EQ(desk.Property("LbSugestao", "caption").String(),
+  EXPECT_EQ(desk.Property("GbSugestao", "caption").String(),
             "3 sugestões marcadas: 1 por valor e documento, 1 por valor e data, 1 por soma. Confira antes de "
             "conciliar. 1 cheque ficou de fora: cada um é conciliado sozinho.");
   // The pair that is looked at comes into sight.
