@@ -183,6 +183,13 @@ void Screen(const std::filesystem::path& house) {
   Print("the statements of one against one, and the load", bare_one.Wall() * 1e3, "ms");
   Print("one against one tied (20 ms more)", one.Wall() * 1e3, Bound::AtMost, bare_one.Wall() * 1e3 + 20,
         "ms");
+
+  bench.Click("BitBtn1");
+  bench.Click("BtSugerir");
+  const int64_t proposed = bench.Count("TbSugestao");
+  const Seconds all = Measure([&] { bench.Click("BitBtn4"); });
+  if (bench.Count("TbMov") == kMany) throw UserError("Nothing was tied.");
+  Print("all that was proposed tied at once", all.wall, "s", std::to_string(proposed) + " rows");
 }
 
 // The function alone, where all amounts differ and few add up: nothing is found by its amount.

@@ -341,8 +341,10 @@ class ORV_EXPORT TFmConcilia : public Child {
   std::unique_ptr<TContabil> PartidaDoCheque(const Movimento& cheque, const std::string& numero);
   // The condition that finds a movement as it was loaded, or as the reconciliation `numero` has left it.
   std::string ComoCarregado(const Movimento& movimento, const std::string& numero) const;
-  void ConciliaMovimento(const Movimento& movimento, const std::string& numero, Date data);
+  // Runs changes, many in one statement; how many rows they touched.
+  int64_t Executa(const std::vector<std::string>& comandos);
   // Each raises UserError where a row is no longer as it was loaded.
+  void ConciliaMovimentos(const std::vector<Movimento>& movimentos, const std::string& numero, Date data);
   void ConciliaLinhas(const std::string& numero);
 
   // --- Cheques (concilia_cheques.cpp).

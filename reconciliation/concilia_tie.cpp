@@ -14,6 +14,9 @@ constexpr const char* kSemConciliacao = "Lançamento sem conciliação. Impossí
 
 // A statement takes at most 1500 values in IN (...).
 constexpr std::size_t kLote = 500;
+// Changes sent at once: each alone costs the engine more to read than to do. It takes 255 in one block, and
+// 64 KiB of text.
+constexpr std::size_t kComandos = 200, kTexto = 40000;
 
 [[noreturn]] void Mudou(const std::string& o_que) {
   throw UserError("Outro usuário alterou ou conciliou " + o_que +
@@ -55,7 +58,7 @@ void TFmConcilia::BitBtn4Click() {
 
   const BusyMark busy(Funcoes, *this);
   const Date data = linha < 0 ? TbArq.Data.AsDate() : TbArq.Cell(linha, TbArq.Data).AsDate();
-  for (const Movimento& movimento : movimentos) ConciliaMovimento(movimento, numero, data);
+  ConciliaMovimentos(movimentos, numero, data);
   if (partida) partida->GravaContabilidadeFinan();
   ConciliaLinhas(numero);
   Tabela.CommitRetaining();
@@ -127,42 +130,73 @@ std::string TFmConcilia::ComoCarregado(const Movimento& movimento, const std::st
          ") OR LANC_CON = " + Funcoes.Aspas(numero) + ")";
 }
 
-void TFmConcilia::ConciliaMovimento(const Movimento& movimento, const std::string& numero, Date data) {
-  TOrvDatabase& db = Tabela.IBDatabase();
+int64_t TFmConcilia::Executa(const std::vector<std::string>& comandos) {
+  int64_t linhas = 0;
+  std::string bloco;
+  std::size_t no_bloco = 0;
+  for (std::size_t i = 0; i < comandos.size(); ++i) {
+    bloco += comandos[i] + ";\n";
+    if (++no_bloco < kComandos && bloco.size() < kTexto && i + 1 < comandos.size()) continue;
+    linhas +=
+        Tabela.IBDatabase().Execute(no_bloco == 1 ? comandos[i] : "EXECUTE BLOCK AS BEGIN\n" + bloco + "END");
+    bloco.clear();
+    no_bloco = 0;
+  }
+  return linhas;
+}
+
+void TFmConcilia::ConciliaMovimentos(const std::vector<Movimento>& movimentos, const std::string& numero,
+                                     Date data) {
   const std::string dia = data.Empty() ? "NULL" : Funcoes.AspasData(data);
   const std::string altera = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) +
                              " SET PENDENTE = 'N', LANC_CON = " + Funcoes.Aspas(numero) +
                              (fin110_ && !data.Empty() ? ", DT_CONT = " + dia : "") + " WHERE ";
   // One statement both looks and changes the row, so that of two users only the first one does.
-  if (db.Execute(altera + ComoCarregado(movimento, numero)) == 0) Mudou("o lançamento " + movimento.lancto);
-  db.Execute(altera + "LANCAMENTO = " + Funcoes.Aspas(movimento.lancto) +
-             " AND DOCTO = " + Funcoes.Aspas(movimento.docto) + " AND CONTA = " + Funcoes.Aspas(conta_));
-  if (movimento.cheque) {
-    db.Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'B', DT_BAIXA = " + dia +
-               " WHERE CHAVE = " + Funcoes.Aspas(movimento.lancto) +
-               " AND NUMERO = " + Funcoes.Aspas(movimento.docto) + " AND STATUS = 'P'");
+  std::vector<std::string> comandos;
+  for (const Movimento& movimento : movimentos) comandos.push_back(altera + ComoCarregado(movimento, numero));
+  if (Executa(comandos) != static_cast<int64_t>(movimentos.size())) {
+    for (const Movimento& movimento : movimentos) {
+      if (!Ha("CONTACOR", ComoCarregado(movimento, numero))) Mudou("o lançamento " + movimento.lancto);
+    }
   }
-  Funcoes.GeraLog("CONCILIACAO", "CONCILIACAO DO LANCAMENTO " + movimento.lancto, TOperacaoLog::Processo,
-                  movimento.lancto);
+  comandos.clear();
+  for (const Movimento& movimento : movimentos) {
+    const std::string lancto = Funcoes.Aspas(movimento.lancto), docto = Funcoes.Aspas(movimento.docto);
+    comandos.push_back(altera + "LANCAMENTO = " + lancto + " AND DOCTO = " + docto +
+                       " AND CONTA = " + Funcoes.Aspas(conta_));
+    if (!movimento.cheque) continue;
+    comandos.push_back("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'B', DT_BAIXA = " +
+                       dia + " WHERE CHAVE = " + lancto + " AND NUMERO = " + docto + " AND STATUS = 'P'");
+  }
+  Executa(comandos);
+  for (const Movimento& movimento : movimentos) {
+    Funcoes.GeraLog("CONCILIACAO", "CONCILIACAO DO LANCAMENTO " + movimento.lancto, TOperacaoLog::Processo,
+                    movimento.lancto);
+  }
 }
 
 void TFmConcilia::ConciliaLinhas(const std::string& numero) {
   const std::string altera = "UPDATE " + Funcoes.DBLocal("EXTRATO", true) +
-                             " SET CONCILIADO = 'S', LANC_CON = " + Funcoes.Aspas(numero) +
-                             " WHERE LANCTO = ";
+                             " SET CONCILIADO = 'S', LANC_CON = " + Funcoes.Aspas(numero) + " WHERE ";
+  std::vector<std::string> comandos, como_lidas;
+  std::vector<int64_t> lugares;
   const int64_t linhas = TbArq.RecordCount();
   for (int64_t i = 0; i < linhas; ++i) {
     if (TbArq.Cell(i, TbArq.Concilia).Text() != "S") continue;
     const auto aspas = [&](const Field& campo) { return Funcoes.Aspas(TbArq.Cell(i, campo).Text()); };
-    const std::string lancto = aspas(TbArq.Lancto);
-    if (Tabela.IBDatabase().Execute(
-            altera + lancto + " AND CONTA = " + Funcoes.Aspas(conta_) +
-            " AND OPERACAO = " + aspas(TbArq.Operacao) +
-            " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(TbArq.Cell(i, TbArq.Valor).AsCurrency()) +
-            " AND COALESCE(CONCILIADO, 'N') = 'N' AND COALESCE(LANC_CON, '') = " + aspas(TbArq.LancCon)) !=
-        1) {
-      Mudou("a linha " + TbArq.Cell(i, TbArq.Lancto).AsString() + " do extrato");
-    }
+    como_lidas.push_back(
+        "LANCTO = " + aspas(TbArq.Lancto) + " AND CONTA = " + Funcoes.Aspas(conta_) +
+        " AND OPERACAO = " + aspas(TbArq.Operacao) +
+        " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(TbArq.Cell(i, TbArq.Valor).AsCurrency()) +
+        " AND ((COALESCE(CONCILIADO, 'N') = 'N' AND COALESCE(LANC_CON, '') = " + aspas(TbArq.LancCon) +
+        ") OR LANC_CON = " + Funcoes.Aspas(numero) + ")");
+    comandos.push_back(altera + como_lidas.back());
+    lugares.push_back(i);
+  }
+  if (Executa(comandos) == static_cast<int64_t>(comandos.size())) return;
+  for (std::size_t i = 0; i < como_lidas.size(); ++i) {
+    if (!Ha("EXTRATO", como_lidas[i]))
+      Mudou("a linha " + TbArq.Cell(lugares[i], TbArq.Lancto).AsString() + " do extrato");
   }
 }
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -81,28 +82,36 @@ std::size_t LongCharacter(std::string_view text, std::size_t i) {
   return length > 0 && i + length <= text.size() && ValidUtf8(text.substr(i, length)) ? length : 0;
 }
 
+// The first place from `i` on that isn't ASCII.
+std::size_t AsciiEnd(std::string_view text, std::size_t i) {
+  for (uint64_t eight = 0; i + sizeof eight <= text.size(); i += sizeof eight) {
+    std::memcpy(&eight, text.data() + i, sizeof eight);
+    if (eight & 0x8080808080808080U) break;
+  }
+  while (i < text.size() && static_cast<unsigned char>(text[i]) < 0x80) ++i;
+  return i;
+}
+
 // A text whose bytes beyond ASCII aren't all UTF-8. Where most are, a program cut a field in the midst of a
 // character: only the strays are taken by themselves.
 std::string FromMixed(std::string_view bytes) {
   std::size_t characters = 0, strays = 0;
-  for (std::size_t i = 0; i < bytes.size();) {
-    const bool ascii = static_cast<unsigned char>(bytes[i]) < 0x80;
-    const std::size_t length = ascii ? 1 : LongCharacter(bytes, i);
-    characters += !ascii && length > 0;
-    strays += length == 0;
-    i += length == 0 ? 1 : length;
+  for (std::size_t i = AsciiEnd(bytes, 0); i < bytes.size(); i = AsciiEnd(bytes, i)) {
+    const std::size_t length = LongCharacter(bytes, i);
+    ++(length > 0 ? characters : strays);
+    i += std::max<std::size_t>(length, 1);
   }
   const bool utf8 = characters > strays;
   std::string out;
   out.reserve(bytes.size() + bytes.size() / 8);
   for (std::size_t i = 0; i < bytes.size();) {
+    const std::size_t end = AsciiEnd(bytes, i);
+    out.append(bytes.substr(i, end - i));
+    if ((i = end) == bytes.size()) break;
     const std::size_t length = utf8 ? LongCharacter(bytes, i) : 0;
-    if (length > 0) {
-      out.append(bytes.substr(i, length));
-      i += length;
-    } else {
-      AppendWindows(out, bytes[i++]);
-    }
+    if (length == 0) AppendWindows(out, bytes[i]);
+    out.append(bytes.substr(i, length));
+    i += std::max<std::size_t>(length, 1);
   }
   return out;
 }

@@ -56,7 +56,18 @@ Currency ImpliedAmount(std::string_view text) {
   return Currency::ParseBrazil(amount);
 }
 
-std::string ResolveAccount(std::string_view text, std::span<const std::string> accounts) {
+AccountBook::AccountBook(std::span<const std::string> accounts) {
+  for (const std::string& account : accounts) {
+    for (std::size_t from = 0; from < account.size(); ++from) {
+      for (std::size_t end = from; end < account.size() && account[end] >= '0' && account[end] <= '9';
+           ++end) {
+        if (end + 1 - from > 2) runs_.try_emplace(account.substr(from, end + 1 - from), account);
+      }
+    }
+  }
+}
+
+std::string AccountBook::Resolve(std::string_view text) const {
   // No number is longer, however many zeros and signs stand around it.
   std::string digits = Without(text.substr(0, 4096), "-.");
   try {
@@ -64,11 +75,8 @@ std::string ResolveAccount(std::string_view text, std::span<const std::string> a
   } catch (const ConversionError&) {
     return "";
   }
-  for (std::size_t length = digits.size(); length > 2; --length) {
-    const std::string_view part = std::string_view(digits).substr(0, length);
-    for (const std::string& account : accounts) {
-      if (account.find(part) != std::string::npos) return account;
-    }
+  for (; digits.size() > 2; digits.pop_back()) {
+    if (const auto found = runs_.find(digits); found != runs_.end()) return found->second;
   }
   return "";
 }

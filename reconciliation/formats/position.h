@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "toolkit/currency.h"
@@ -40,8 +41,17 @@ Date DateByMask(std::string_view text, std::string_view mask);
 // already. Raises ConversionError.
 Currency ImpliedAmount(std::string_view text);
 
-// The account of CADCONTA that a bank's account text means, "" for none: the first one that holds the text's
-// digits, without leading zeros and less as many from the right as it takes, but no fewer than three.
-std::string ResolveAccount(std::string_view text, std::span<const std::string> accounts);
+// The accounts of CADCONTA, in the order of the table.
+class AccountBook {
+ public:
+  explicit AccountBook(std::span<const std::string> accounts);
+  // The account that a bank's account text means, "" for none: the first one that holds the text's digits,
+  // without leading zeros and less as many from the right as it takes, but no fewer than three.
+  std::string Resolve(std::string_view text) const;
+
+ private:
+  // Every run of three digits and more in an account, with the first account that holds it.
+  std::unordered_map<std::string, std::string> runs_;
+};
 
 }  // namespace orv
