@@ -14,9 +14,9 @@ constexpr const char* kSemConciliacao = "Lançamento sem conciliação. Impossí
 
 // A statement takes at most 1500 values in IN (...).
 constexpr std::size_t kLote = 500;
-// Changes sent at once: each alone costs the engine more to read than to do. It takes 255 in one block, and
+// Changes sent at once: each alone costs the engine more to read than to do. It takes 127 in one block, and
 // 64 KiB of text.
-constexpr std::size_t kComandos = 200, kTexto = 40000;
+constexpr std::size_t kComandos = 100, kTexto = 40000;
 
 [[noreturn]] void Mudou(const std::string& o_que) {
   throw UserError("Outro usuário alterou ou conciliou " + o_que +

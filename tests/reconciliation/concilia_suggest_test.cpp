@@ -199,5 +199,25 @@ TEST_F(ConciliaTest, ProposesAndTellsWhy) {
   EXPECT_EQ(desk.Messages(), "Nenhuma correspondência encontrada no prazo de 3 dias.");
 }
 
+TEST_F(ConciliaTest, ManyAreTiedAtOnce) {
+  Run("EXECUTE BLOCK AS DECLARE I INTEGER = 0; BEGIN WHILE (I < 300) DO BEGIN I = I + 1; "
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, DT_CONT, VALOR, OPERACAO, PENDENTE) VALUES ('M' "
+      "|| :I, "
+      "'D' || :I, '10250-1', '11/10/2026', :I, '-', 'S'); INSERT INTO EXTRATO_001 (LANCTO, DOCTO, CONTA, "
+      "DT_CONT, "
+      "VALOR, OPERACAO, CONCILIADO) VALUES ('L' || :I, 'D' || :I, '10250-1', '11/10/2026', :I, 'D', 'N'); "
+      "END END");
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  desk.Click("BtSugerir");
+  desk.Click("BitBtn4");
+  EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(Listed(desk), " / ");
+  EXPECT_EQ(Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON) FROM CONTACOR_001 WHERE PENDENTE = 'N'") +
+                Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON) FROM EXTRATO_001 WHERE CONCILIADO = 'S'"),
+            "300|1300|1");
+}
+
 }  // namespace
 }  // namespace orv::test
