@@ -221,6 +221,11 @@ void RunBackup(const std::string& database, const std::string& file) {
   std::cout << "Cópia gravada em " << file << ".\n";
 }
 
+void RunRestore(const std::string& database, const std::string& file) {
+  Restore(file, database);
+  std::cout << "Banco criado em " << database << ".\n";
+}
+
 void AuditTail(const std::string& database, int count) {
   House house(database);
   auto rows = house.db->Rows(

@@ -69,6 +69,7 @@ void CompanyAdd(const std::string& database, const std::string& suffix, const st
 std::size_t Check(const std::string& database);
 void Upgrade(const std::string& database);
 void RunBackup(const std::string& database, const std::string& file);
+void RunRestore(const std::string& database, const std::string& file);
 // The latest lines of the audit table, the oldest first.
 void AuditTail(const std::string& database, int count);
 

@@ -22,6 +22,7 @@ int RunDrive(const Drive& options) {
   session.company = options.company;
   if (!options.today.empty()) session.clock = Clock(Date::ParseNeutral(options.today));
   session.folder = UserFolder(DataFolder(options.data), options.user);
+  session.templates = TemplatesFolder(DataFolder(options.data));
   DoorClient client(std::move(session), log);
 
   int status = 0;

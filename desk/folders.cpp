@@ -31,4 +31,6 @@ std::filesystem::path UserFolder(const std::filesystem::path& data, std::string_
   return data / "users" / name;
 }
 
+std::filesystem::path TemplatesFolder(const std::filesystem::path& data) { return data / "relatorios"; }
+
 }  // namespace orv

@@ -15,4 +15,7 @@ std::filesystem::path DataFolder(const std::string& given);
 // folder.
 std::filesystem::path UserFolder(const std::filesystem::path& data, std::string_view login);
 
+// Where templates of reports stand that take precedence over the desk's own.
+std::filesystem::path TemplatesFolder(const std::filesystem::path& data);
+
 }  // namespace orv

@@ -14,7 +14,8 @@ namespace {
 
 constexpr std::string_view kPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; font-src 'self'; "
-    "connect-src 'self'; base-uri 'none'; object-src 'none'; frame-ancestors 'none'; form-action 'self'";
+    "connect-src 'self'; frame-src 'self'; base-uri 'none'; object-src 'none'; frame-ancestors 'none'; "
+    "form-action 'self'";
 
 bool Number(const std::string& host) {
   std::array<unsigned char, sizeof(in6_addr)> bytes{};
@@ -95,10 +96,12 @@ std::string HttpGuard::SetCookie(std::string_view token) const { return Cookie(t
 std::string HttpGuard::ClearCookie() const { return Cookie("") + "; Max-Age=0"; }
 
 void HttpGuard::Finish(HttpResponse& response) const {
-  const bool cached = std::any_of(response.headers.begin(), response.headers.end(),
-                                  [](const auto& header) { return header.first == "Cache-Control"; });
-  if (!cached) response.headers.emplace_back("Cache-Control", "no-store");
-  response.headers.emplace_back("Content-Security-Policy", kPolicy);
+  const auto has = [&](std::string_view name) {
+    return std::any_of(response.headers.begin(), response.headers.end(),
+                       [&](const auto& header) { return header.first == name; });
+  };
+  if (!has("Cache-Control")) response.headers.emplace_back("Cache-Control", "no-store");
+  if (!has("Content-Security-Policy")) response.headers.emplace_back("Content-Security-Policy", kPolicy);
   response.headers.emplace_back("X-Content-Type-Options", "nosniff");
   response.headers.emplace_back("Referrer-Policy", "no-referrer");
   response.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");

@@ -282,6 +282,11 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
         Answer(std::move(answer));
         return;
       }
+      // A browser says nothing before the door is open, and what was read with the request would be lost.
+      if (buffer_.size() > 0) {
+        Refuse(400);
+        return;
+      }
       auto link = std::make_shared<SocketLink>(counted_, network_, std::move(stream_));
       link->Accept(std::move(message_), std::move(request));
       return;

@@ -196,6 +196,11 @@ int Run(int argc, char** argv) {
   command->add_option("arquivo", first, "Arquivo da cópia; não pode existir")->required();
   command->callback([&] { RunBackup(database, first); });
 
+  command = app.add_subcommand("restore", "Faz um banco novo de uma cópia; não toca em um que já existe");
+  Database(command, database);
+  command->add_option("arquivo", first, "Arquivo da cópia")->required();
+  command->callback([&] { RunRestore(database, first); });
+
   int count = 20;
   command = app.add_subcommand("audit", "Mostra as últimas linhas de auditoria");
   Database(command, database);

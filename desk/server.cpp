@@ -10,6 +10,7 @@
 #include "desk/folders.h"
 #include "desk/http_files.h"
 #include "desk/http_guard.h"
+#include "desk/http_report.h"
 #include "desk/http_server.h"
 #include "desk/server_control.h"
 #include "desk/server_house.h"
@@ -25,6 +26,7 @@ constexpr std::chrono::seconds kCompaniesFor{30};
 constexpr int kPasswordThreads = 2;
 constexpr std::size_t kMostAttempts = 32;
 constexpr std::size_t kMostJobs = 256;
+constexpr std::string_view kReports = "/relatorio/";
 constexpr std::size_t kMaxUser = 200, kMaxPassword = 1024;  // bytes
 
 HttpResponse Told(int status, std::string_view text) {
@@ -144,6 +146,7 @@ class Server::Parts : private HttpHandler {
     network.port = options_.port;
     network.certificate = options_.certificate;
     network.key = options_.key;
+    network.request_time = options_.request_time;
     return network;
   }
 
@@ -154,7 +157,9 @@ class Server::Parts : private HttpHandler {
     session.company = login.company;
     session.clock = options_.clock;
     session.folder = UserFolder(options_.data, login.user);
+    session.templates = TemplatesFolder(options_.data);
     session.max_upload = options_.max_upload;
+    session.max_rows = options_.max_rows;
     return session;
   }
 
@@ -189,6 +194,10 @@ class Server::Parts : private HttpHandler {
       } else {
         (this->*route.handle)(request, respond);
       }
+      return;
+    }
+    if (request.method == "GET" && request.path.starts_with(kReports)) {
+      FetchReport(request, respond);
       return;
     }
     if (allowed.empty()) allowed = "GET, HEAD";
@@ -384,6 +393,23 @@ class Server::Parts : private HttpHandler {
       }
       return Given(Json::Object());
     });
+  }
+
+  void FetchReport(const HttpRequest& request, const Respond& respond) {
+    const Login* login = LoginOf(request);
+    if (login == nullptr) {
+      respond(NotLoggedIn());
+      return;
+    }
+    const std::string_view rest = std::string_view(request.path).substr(kReports.size());
+    const std::size_t slash = rest.find('/');
+    const std::filesystem::path file = sessions_.ReportOf(login->id, rest.substr(0, slash));
+    const std::string name(slash == std::string_view::npos ? "" : rest.substr(slash + 1));
+    if (file.empty()) {
+      respond(Told(404, "O relatório não está mais aberto."));
+      return;
+    }
+    Job(respond, [file, name] { return ReportResponse(file, name); });
   }
 
   // --- The door.

@@ -1,6 +1,7 @@
 #include "desk/server_sessions.h"
 
 #include <algorithm>
+#include <deque>
 
 #include "toolkit/text.h"
 
@@ -12,6 +13,8 @@ constexpr std::size_t kSmallMessage = 1 << 20;
 constexpr std::size_t kLongMessage = 64 << 10;
 // Objects that a link may send ahead of their answers.
 constexpr int kMostUnanswered = 32;
+// Files of reports that a window keeps.
+constexpr std::size_t kMostReports = 20;
 
 Json ParseOrNull(const std::string& text) {
   try {
@@ -27,11 +30,15 @@ Json ParseOrNull(const std::string& text) {
 // An object of a session, as far as it matters here.
 struct ServerSessions::Said {
   explicit Said(const Json& out)
-      : kind(out["on"].String()), file(out["for"] == Json("file")), text(out.Text()) {}
+      : kind(out["on"].String()), file(out["for"] == Json("file")), text(out.Text()) {
+    if (kind == "report" && out["file"].IsString()) report = out;
+  }
 
   std::string kind;
   bool file;
   std::string text;
+  // A report that was written to a file; the display is told an address instead.
+  Json report;
 };
 
 struct ServerSessions::Window {
@@ -50,6 +57,16 @@ struct ServerSessions::Window {
   RateLimit rate;
   bool ending = false;
   std::string end_text;
+  // The reports that may be fetched, by the secret part of their address; the oldest goes first.
+  std::deque<std::pair<std::string, std::filesystem::path>> reports;
+
+  ~Window() {
+    for (const auto& [secret, file] : reports) Remove(file);
+  }
+  static void Remove(const std::filesystem::path& file) {
+    std::error_code error;
+    std::filesystem::remove(file, error);
+  }
 };
 
 ServerSessions::ServerSessions(Limits limits, Hooks hooks, Log& log, HttpServer& network, Workers& workers)
@@ -195,15 +212,17 @@ void ServerSessions::Out(const std::string& id, Said said) {
   }
   if (kind == "ended") {
     if (!window->end_text.empty()) said.text = Json{{"on", "ended"}, {"text", window->end_text}}.Text();
-    if (window->link != nullptr) {
-      window->link->Send(std::move(said.text));
-      window->link->Close();
+    // What is sent may be too much for the link, which then leaves the window.
+    if (const auto link = window->link) {
+      link->Send(std::move(said.text));
+      link->Close();
     }
     windows_.erase(id);
     log_.Write("session ended", {{"user", window->user}, {"session", id.substr(0, 8)}});
     if (gone_) gone_();
     return;
   }
+  if (said.report.IsObject()) said.text = Addressed(*window, said.report).Text();
   const bool settled = kind == "idle" || kind == "waiting";
   if (settled && window->unanswered > 0) --window->unanswered;
   if (window->link != nullptr) {
@@ -214,6 +233,33 @@ void ServerSessions::Out(const std::string& id, Said said) {
     if (window->refreshing == 0 || kind == "progress") window->link->Send(std::move(said.text));
   }
   if (window->next && window->unanswered < kMostUnanswered) std::exchange(window->next, nullptr)();
+}
+
+Json ServerSessions::Addressed(Window& window, const Json& report) {
+  const std::filesystem::path file = report["file"].String();
+  const std::string secret = RandomHex(128);
+  window.reports.emplace_back(secret, file);
+  if (window.reports.size() > kMostReports) {
+    Window::Remove(window.reports.front().second);
+    window.reports.pop_front();
+  }
+  // Under the name that the user keeps it by.
+  const std::string name = file.stem().string();
+  return {{"on", "report"},
+          {"id", report["id"]},
+          {"format", report["format"]},
+          {"address",
+           "/relatorio/" + secret + "/" + name.substr(0, name.rfind('-')) + file.extension().string()}};
+}
+
+std::filesystem::path ServerSessions::ReportOf(const std::string& login, std::string_view secret) const {
+  for (const auto& [id, window] : windows_) {
+    if (window->login != login) continue;
+    for (const auto& [known, file] : window->reports) {
+      if (known == secret) return file;
+    }
+  }
+  return {};
 }
 
 void ServerSessions::End(Window& window, const std::string& text) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -51,6 +52,9 @@ class ServerSessions {
   // Ends the sessions whose browser has been away for the grace time.
   void Sweep();
 
+  // The file of a report of that login by the secret of its address, empty for none.
+  std::filesystem::path ReportOf(const std::string& login, std::string_view secret) const;
+
   std::size_t Count() const { return windows_.size(); }
   std::size_t CountOf(const std::string& login) const;
   // Called whenever a session has ended and is gone.
@@ -70,6 +74,8 @@ class ServerSessions {
   struct Said;
   void Out(const std::string& id, Said said);
   void End(Window& window, const std::string& text);
+  // A report's file becomes an address of the window's.
+  static Json Addressed(Window& window, const Json& report);
 
   Limits limits_;
   Hooks hooks_;

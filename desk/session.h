@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@
 #include "desk/log.h"
 #include "frame/application.h"
 #include "host/data/attachment.h"
+#include "host/print/report.h"
 #include "host/services/session_services.h"
 #include "toolkit/control.h"
 
@@ -32,8 +34,12 @@ struct SessionOptions {
   Clock clock;
   // The user's own folder, for the files that are given to the desk.
   std::filesystem::path folder;
+  // Templates of reports that take precedence over the desk's own.
+  std::filesystem::path templates;
   // The largest file that may be given, in bytes.
   std::size_t max_upload = std::size_t{64} << 20;
+  // The rows of each set that one read gives at most; none for all.
+  std::optional<int64_t> max_rows;
 };
 
 class Session : private UserInterface, private ApplicationObserver {
@@ -89,6 +95,9 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // --- Working on an object (session_actions.cpp).
   void Handle(const Json& in);
+  // Takes back what the action has written, also from what the shared tables hold.
+  void Undo();
+  void LogFailure(const Json& verb, const std::exception& e);
   void Act(const Json& in);
   // Takes the screens that closed off the desk.
   void ReleaseClosed();
@@ -120,7 +129,9 @@ class Session : private UserInterface, private ApplicationObserver {
   void Progress(int64_t value, int64_t of, std::string_view text) override;
   void Busy(bool on) override;
   void RunModal(Form& form) override;
-  void LaunchReport(const ReportLaunch& report) override;
+  // --- Reports (session_report.cpp).
+  void LaunchReport(const ReportLaunch& launch) override;
+  void RenderReport(const Json& in);
 
   // Sends a question and waits until `answer` takes an object as its answer; other objects are refused.
   void Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer);
@@ -153,6 +164,14 @@ class Session : private UserInterface, private ApplicationObserver {
   std::unique_ptr<SessionServices> services_;
   std::map<const Screen*, Shown> shown_;
   int64_t next_id_ = 1;
+  // The latest reports, each in the forms in which it can be had.
+  struct Launched {
+    int64_t id = 0;
+    std::vector<std::string> formats;
+    Report report;
+  };
+  std::deque<Launched> reports_;
+  int64_t last_report_ = 0;
   // The screen that the display takes to be on top; another one is told.
   int64_t front_ = 0;
   // What a display that comes back must be told: the open question, what ended the latest answer, the busy

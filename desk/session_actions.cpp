@@ -35,22 +35,38 @@ void Session::Handle(const Json& in) {
     if (Screen* top = application_->Top()) top->RepairFocus();
     attachment_->EndAction();
   } catch (const SilentAbort&) {
-    attachment_->RollbackAction();
+    Undo();
   } catch (const RequestError& e) {
-    attachment_->RollbackAction();
+    Undo();
     SendError(e.what());
   } catch (const std::exception& e) {
-    attachment_->RollbackAction();
-    // What the user may read can hold what he typed: the log takes the engine's detail and our own faults.
-    Json::Object line{{"user", options_.user}, {"do", in["do"].IsString() ? in["do"] : Json()}};
-    if (const auto* database = dynamic_cast<const DatabaseError*>(&e); database != nullptr) {
-      line.emplace_back("code", int64_t{database->Code()});
-      line.emplace_back("detail", Masked(database->Detail()));
-    } else if (dynamic_cast<const UserError*>(&e) == nullptr) {
-      line.emplace_back("text", Masked(e.what()));
-    }
-    log_.Write("action failed", std::move(line));
+    Undo();
+    LogFailure(in["do"], e);
     SendError(e.what());
+  }
+}
+
+void Session::LogFailure(const Json& verb, const std::exception& e) {
+  // What the user may read can hold what he typed: the log takes the engine's detail and our own faults.
+  Json::Object line{{"user", options_.user}, {"do", verb.IsString() ? verb : Json()}};
+  if (const auto* database = dynamic_cast<const DatabaseError*>(&e); database != nullptr) {
+    line.emplace_back("code", int64_t{database->Code()});
+    line.emplace_back("detail", Masked(database->Detail()));
+  } else if (dynamic_cast<const UserError*>(&e) == nullptr) {
+    line.emplace_back("text", Masked(e.what()));
+  }
+  log_.Write("action failed", std::move(line));
+}
+
+void Session::Undo() {
+  const bool wrote = attachment_->HasPendingWrites();
+  attachment_->RollbackAction();
+  if (!wrote) return;
+  try {
+    services_->Undone();
+  } catch (const std::exception& e) {
+    // The user is told of the failure itself.
+    LogFailure("reread", e);
   }
 }
 
@@ -114,7 +130,7 @@ void Session::Act(const Json& in) {
   } else if (verb == "file") {
     throw RequestError("Nenhum arquivo foi pedido.");
   } else if (verb == "report") {
-    throw RequestError("O relatório não existe.");
+    RenderReport(in);
   } else {
     throw RequestError("O pedido \"" + verb + "\" não existe.");
   }

@@ -137,7 +137,8 @@ Json Session::Rows(DataSet& set, int64_t from, int64_t count) {
 Json Session::State(const Json& in) const {
   const std::string only = in["control"].IsNull() ? "" : in["control"].String();
   const int64_t from = in["from"].IsNull() ? 0 : in["from"].Integer();
-  const int64_t count = in["count"].IsNull() ? -1 : in["count"].Integer();
+  int64_t count = in["count"].IsNull() ? -1 : in["count"].Integer();
+  if (options_.max_rows && (count < 0 || count > *options_.max_rows)) count = *options_.max_rows;
   Json::Array screens;
   for (Screen* screen : application_->Shown()) {
     Json::Object controls;

@@ -204,10 +204,10 @@ std::optional<std::string> Session::OpenFile(std::string_view control, std::stri
 
 std::string Session::StoreFile(const std::string& name, const std::string& content) {
   // A name is one file in the user's own folder: no path, no hidden file, no control character.
-  const bool bad =
-      name.empty() || name.size() > 200 || name[0] == '.' || !ValidUtf8(name) ||
-      name.find_first_of("/\\:*?\"<>|") != std::string::npos ||
-      std::any_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 32; });
+  const bool bad = name.empty() || name.size() > 200 || name[0] == '.' || !ValidUtf8(name) ||
+                   name.find_first_of("/\\:*?\"<>|") != std::string::npos ||
+                   std::any_of(name.begin(), name.end(),
+                               [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; });
   if (bad) throw RequestError("O nome do arquivo não é aceito.");
   if (content.size() / 4 * 3 > options_.max_upload) {
     throw RequestError("O arquivo é grande demais: o limite é de " +
@@ -291,10 +291,6 @@ void Session::RunModal(Form& form) {
     Handle(Take());
   }
   application_->HandleClosed(screen);
-}
-
-void Session::LaunchReport(const ReportLaunch& report) {
-  throw UserError("O relatório \"" + report.identifier + "\" não está instalado.");
 }
 
 }  // namespace orv

@@ -30,7 +30,8 @@ void Screen::FormClose() {
   for (const std::string& name : tables_) Tabela.FechaTabela(name);
   tables_.clear();
   for (DataSet* set : Sets()) {
-    if (set->Active()) set->Close();
+    // A shared table is closed by its count, above.
+    if (set->Active() && dynamic_cast<TOrvTable*>(set) == nullptr) set->Close();
   }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -55,6 +56,9 @@ class IFuncoes {
   virtual bool Existe(std::string_view table, std::string_view keys, std::string_view values) = 0;
   // The next free number of a column, padded with zeros to `width`.
   virtual std::string Proximo(std::string_view table, std::string_view column, int width, bool local) = 0;
+  // As many of them as asked for, ascending.
+  virtual std::vector<std::string> Proximos(std::string_view table, std::string_view column, int width,
+                                            bool local, std::size_t count) = 0;
   // The text of a parameter, "" when it isn't set.
   virtual std::string BuscaParametro(std::string_view group, int number) = 0;
 

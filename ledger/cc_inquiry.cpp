@@ -116,7 +116,7 @@ std::string TfmCC::SqlConsulta() const {
   std::string sql = std::string("SELECT ") + kColunas + " FROM " + Funcoes.DBLocal("CONTACOR", true);
   const char* liga = " WHERE ";
   const auto filtro = [&](const std::string& condicao) {
-    sql += liga + condicao;
+    sql.append(liga).append(condicao);
     liga = " AND ";
   };
 

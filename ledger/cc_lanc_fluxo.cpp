@@ -81,7 +81,9 @@ void TFmCCLancFluxo::BitBtn1Click() {
   LancaMovimento();
   Funcoes.GeraLog("CONTA CORRENTE", "INCLUSÃO DO LANCAMENTO " + Lancamento, TOperacaoLog::Processo,
                   Lancamento);
+  if (AoGravar) AoGravar();
   Tabela.CommitRetaining();
+  Gravado = true;
   Close();
 }
 

@@ -4,6 +4,7 @@
 // accounting that the user refused, else 0. It is hidden on close and stays with the application.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "frame/module.h"
@@ -22,6 +23,11 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
   std::string CodCliente;
   // The class is apportioned to cost centres at the confirmation.
   bool UsaRateioClasse = true;
+  // What the caller writes along with the movement, last before the commit that both share. It may run again
+  // after a failure.
+  std::function<void()> AoGravar;
+  // The movement is posted and committed.
+  bool Gravado = false;
 
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa PqConta{

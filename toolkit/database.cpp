@@ -31,6 +31,22 @@ Value TOrvDatabase::Scalar(std::string_view sql) {
   return gather.rows.empty() ? Value() : std::move(gather.rows[0][0]);
 }
 
+void TOrvDatabase::InsertRows(const std::string& table, const std::vector<std::string>& columns,
+                              const RowSource& next) {
+  const std::string begin = "INSERT INTO " + table + " (" + Join(columns, ", ") + ") VALUES (";
+  for (std::vector<Value> row(columns.size()); next(row);) {
+    std::vector<std::string> literals;
+    for (const Value& value : row) {
+      literals.push_back(value.IsNull()   ? "NULL"
+                         : value.IsText() ? Quote(value.Text())
+                         : value.Kind() == ValueKind::Date || value.Kind() == ValueKind::DateTime
+                             ? Quote(value.Neutral())
+                             : value.Neutral());
+    }
+    Execute(begin + Join(literals, ", ") + ")");
+  }
+}
+
 std::string Quote(std::string_view text) {
   std::string literal = "'";
   literal += ReplaceAll(CleanUtf8(text), "'", "''");

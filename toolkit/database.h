@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -47,6 +48,9 @@ class RowSink {
   virtual bool Row(std::span<Value> values) = 0;
 };
 
+// Gives the next row by filling its values; false when there are no more.
+using RowSource = std::function<bool(std::span<Value> row)>;
+
 class TOrvDatabase {
  public:
   virtual ~TOrvDatabase() = default;
@@ -56,6 +60,12 @@ class TOrvDatabase {
 
   // Runs any other statement; the number of rows that it touched.
   virtual int64_t Execute(std::string_view sql) = 0;
+
+  // Inserts rows into a table, by its physical name, with a value for each column: what an INSERT of each row
+  // would write, for the many rows that would take their time one by one. Raises DatabaseError at the row
+  // that is refused; those before it stand until the caller's rollback.
+  virtual void InsertRows(const std::string& table, const std::vector<std::string>& columns,
+                          const RowSource& next);
 
   // Ends an action: everything written since the last commit stays.
   virtual void CommitRetaining() = 0;

@@ -127,7 +127,12 @@ std::string TOrvTable::Literal(const Value& value, const Field& field) const {
 }
 
 std::string TOrvTable::Equals(const Field& field, const Value& value) const {
-  if (value.IsNull()) return field.Name() + " IS NULL";
+  if (value.IsNull()) {
+    // The zero date is read as the empty one.
+    if (field.Type() == FieldType::Date)
+      return "(" + field.Name() + " IS NULL OR " + field.Name() + " = " + Quote(Date().Sql()) + ")";
+    return field.Name() + " IS NULL";
+  }
   const std::string literal = Literal(value, field);
   switch (field.Type()) {
     case FieldType::Float:
@@ -399,9 +404,9 @@ void TOrvTable::DoEdit() {
 }
 
 void TOrvTable::DoCancel() {
-  buffer_.clear();
   // The user sees what the other one made of the row.
   if (std::exchange(stale_, false) && at_ >= 0) Reread();
+  buffer_.clear();
 }
 
 // Exactly one row is to be touched, the one that was read.
@@ -412,7 +417,7 @@ void TOrvTable::Write(const std::string& sql) {
   throw UserError(kChanged);
 }
 
-void TOrvTable::DoPost() {
+bool TOrvTable::WriteRow(bool even_unchanged) {
   const bool insert = State() == DataSetState::Insert;
   std::vector<std::string> names, values;
   for (const Field* field : Fields()) {
@@ -425,19 +430,36 @@ void TOrvTable::DoPost() {
     if (names.empty()) throw UserError("A linha nova está vazia.");
     database_.Execute("INSERT INTO " + physical_ + " (" + Join(names, ", ") + ") VALUES (" +
                       Join(values, ", ") + ")");
-  } else if (names.empty()) {
-    return;
+  } else if (names.empty() && !even_unchanged) {
+    return false;
   } else {
     std::vector<std::string> assignments;
+    if (names.empty()) assignments.push_back(Fields()[0]->Name() + " = " + Fields()[0]->Name());
     for (std::size_t i = 0; i < names.size(); ++i) assignments.push_back(names[i] + " = " + values[i]);
     Write("UPDATE " + physical_ + " SET " + Join(assignments, ", ") + " WHERE " + AsRead(Current()));
   }
+  return true;
+}
+
+void TOrvTable::DoPost() {
+  if (!WriteRow(false)) return;
   // The row as the database has it now, defaults included.
   Rows stored = Select(KeyCondition(buffer_), false, 0, 1);
   if (stored.empty()) stored.push_back(std::move(buffer_));
   buffer_.clear();
   StandOn(std::move(stored), 0, std::nullopt);
   Forget();
+}
+
+void TOrvTable::Store() {
+  if (!Editing()) throw UserError("A tabela \"" + Name() + "\" não está em edição.");
+  WriteRow(true);
+}
+
+void TOrvTable::Remove() {
+  CheckBrowse();
+  if (!HasRow()) throw UserError("A tabela \"" + Name() + "\" está vazia.");
+  Write("DELETE FROM " + physical_ + " WHERE " + AsRead(Current()));
 }
 
 bool TOrvTable::DoDelete() {

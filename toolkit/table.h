@@ -38,6 +38,11 @@ class TOrvTable : public DataSet {
   // Asks the database for the row's place when that isn't known.
   int64_t RecNo() const override;
   int64_t RecordCount() const override;
+  // Write the row in edit, or remove the current one, and leave the set as it stands: when the transaction
+  // fails afterwards, nothing typed is lost and the cursor is where it was. After the commit, Cancel and
+  // Refresh show what is stored. A row that another user changed is refused even where nothing was typed.
+  void Store();
+  void Remove();
   using DataSet::Locate;
   bool Locate(std::string_view fields, std::span<const Value> values) override;
   bool IsEmpty() const override { return !HasRow(); }
@@ -90,6 +95,8 @@ class TOrvTable : public DataSet {
   // Reads the present row anew, or goes to a neighbour where it is gone.
   void Reread();
   void Write(const std::string& sql);
+  // Writes the row in edit; false when there was nothing to write.
+  bool WriteRow(bool even_unchanged);
 
   TOrvDatabase& database_;
   std::string table_, physical_, key_, order_names_, condition_;

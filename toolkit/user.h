@@ -40,7 +40,7 @@ struct ShareLine {
 // A report that was launched over the working sets of a screen.
 struct ReportLaunch {
   std::string identifier;
-  std::vector<DataSet*> sets;
+  const Form* screen = nullptr;
   bool graphic = true;
   bool text = true;
 };

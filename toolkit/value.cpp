@@ -43,7 +43,8 @@ void Value::SetText(std::string_view text) {
   kind_ = ValueKind::Text;
   if (text.size() <= kInline) {
     length_ = static_cast<uint8_t>(text.size());
-    std::memcpy(data_, text.data(), text.size());
+    // A view of nothing may have no address.
+    if (!text.empty()) std::memcpy(data_, text.data(), text.size());
     return;
   }
   // Length, then the bytes.

@@ -1,8 +1,9 @@
 // Builds the page into dist/, or its unit tests into dist-test/.
 import { build } from "esbuild";
-import { cpSync, mkdirSync, readdirSync, rmSync } from "node:fs";
+import { cpSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { dirname, join } from "node:path";
 import { fileURLToPath } from "node:url";
+import { gzipSync } from "node:zlib";
 
 const here = dirname(fileURLToPath(import.meta.url));
 
@@ -34,4 +35,8 @@ if (process.argv.includes("--tests")) {
     charset: "utf8",
     logLevel: "warning",
   });
+  // The desk sends what stands compressed beside a file to browsers that take it.
+  for (const name of readdirSync(out).filter((one) => /\.(html|js|css|svg)$/.test(one))) {
+    writeFileSync(join(out, `${name}.gz`), gzipSync(readFileSync(join(out, name)), { level: 9 }));
+  }
 }

@@ -4,6 +4,7 @@
 
 #include "host/data/core.h"
 #include "host/data/new_file.h"
+#include "host/data/statement.h"
 
 namespace orv {
 namespace {
@@ -82,6 +83,13 @@ void Attachment::Fetch(std::string_view sql, RowSink& sink) {
 int64_t Attachment::Execute(std::string_view sql) {
   const std::shared_ptr<fb::Prepared> statement = core_->Prepare(sql);
   return core_->Execute(*statement, {});
+}
+
+void Attachment::InsertRows(const std::string& table, const std::vector<std::string>& columns,
+                            const RowSource& next) {
+  BulkInsert insert(*this, table, columns);
+  for (std::vector<Value> row(columns.size()); next(row);) insert.Add(row);
+  insert.Finish();
 }
 
 void Attachment::ExecuteDdl(std::string_view sql) { core_->ExecuteDdl(sql); }

@@ -36,6 +36,9 @@ class Attachment : public TOrvDatabase {
   void Fetch(std::string_view sql, RowSink& sink) override;
   // Refuses a change of schema and statements that end a transaction.
   int64_t Execute(std::string_view sql) override;
+  // By one prepared statement.
+  void InsertRows(const std::string& table, const std::vector<std::string>& columns,
+                  const RowSource& next) override;
   // A change of schema: commits what was written, runs the statement, commits it. Prepared statements are
   // forgotten.
   void ExecuteDdl(std::string_view sql);

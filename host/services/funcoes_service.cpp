@@ -87,6 +87,11 @@ std::string FuncoesService::Proximo(std::string_view table, std::string_view col
   return p_.numbering.Next(table, column, width, local ? p_.tabela.Standing() : "");
 }
 
+std::vector<std::string> FuncoesService::Proximos(std::string_view table, std::string_view column, int width,
+                                                  bool local, std::size_t count) {
+  return p_.numbering.Next(table, column, width, local ? p_.tabela.Standing() : "", count);
+}
+
 std::string FuncoesService::BuscaParametro(std::string_view group, int number) {
   return p_.parameters.Get(p_.company, group, number);
 }
@@ -168,7 +173,7 @@ Screen& FuncoesService::Carrega_Form(std::string_view module, std::string_view s
 }
 
 void FuncoesService::Launch(Form& screen, std::string_view identifier, bool graphic, bool text) {
-  p_.application.User().LaunchReport({std::string(identifier), screen.Sets(), graphic, text});
+  p_.application.User().LaunchReport({std::string(identifier), &screen, graphic, text});
 }
 
 void FuncoesService::Chama_Relatorio(Form& screen, std::string_view identifier) {

@@ -53,6 +53,8 @@ class FuncoesService : public IFuncoes {
                           std::string_view values, bool local, bool trim) override;
   bool Existe(std::string_view table, std::string_view keys, std::string_view values) override;
   std::string Proximo(std::string_view table, std::string_view column, int width, bool local) override;
+  std::vector<std::string> Proximos(std::string_view table, std::string_view column, int width, bool local,
+                                    std::size_t count) override;
   std::string BuscaParametro(std::string_view group, int number) override;
 
   bool Acessa(std::string_view screen_class, char kind, std::string_view option,

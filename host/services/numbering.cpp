@@ -58,17 +58,23 @@ void Numbering::NeedSequence(const std::string& sequence) {
   known_.insert(sequence);
 }
 
-std::string Numbering::Next(std::string_view table, std::string_view column, int width,
-                            std::string_view company) {
+Numbering::Place Numbering::Find(std::string_view table, std::string_view column, int width,
+                                 std::string_view company) const {
   const std::string table_name = Upper(table), column_name = Upper(column);
   const TableDef* def = FindTable(table_name);
   const ColumnDef* column_def = def ? def->Find(column_name) : nullptr;
+  const std::string numbers = "A numeração de " + table_name + "." + column_name;
   if (column_def == nullptr || column_def->type != ColumnType::Text || width < 1 || width > kMaxDigits) {
-    throw UserError("A numeração de " + table_name + "." + column_name + " não existe.");
+    throw UserError(numbers + " não existe.");
   }
-  const std::string suffix = companies_.SuffixOf(table_name, company);
-  const std::string physical = companies_.Physical(table_name, company);
-  const std::string sequence = NameOf(table_name, column_name, suffix);
+  return {column_name, companies_.Physical(table_name, company),
+          NameOf(table_name, column_name, companies_.SuffixOf(table_name, company)),
+          numbers + " chegou ao fim.", static_cast<std::size_t>(column_def->width)};
+}
+
+std::string Numbering::Next(std::string_view table, std::string_view column, int width,
+                            std::string_view company) {
+  const auto [column_name, physical, sequence, end, room] = Find(table, column, width, company);
   NeedSequence(sequence);
 
   int64_t number = Draw(sequence, 1);
@@ -84,14 +90,43 @@ std::string Numbering::Next(std::string_view table, std::string_view column, int
   // Ever longer steps leave a block of taken numbers behind without looking at each.
   for (int64_t step = 1;; step *= 2) {
     const std::string text = Padded(number, width);
-    if (text.size() > static_cast<std::size_t>(column_def->width)) {
-      throw UserError("A numeração de " + table_name + "." + column_name + " chegou ao fim.");
-    }
+    if (text.size() > room) throw UserError(end);
     const auto taken =
         db_.Rows("SELECT FIRST 1 1 FROM " + physical + " WHERE " + column_name + " = " + SqlLiteral(text));
     if (taken.empty()) return text;
     number = Draw(sequence, step);
   }
+}
+
+std::vector<std::string> Numbering::Next(std::string_view table, std::string_view column, int width,
+                                         std::string_view company, std::size_t count) {
+  std::vector<std::string> numbers;
+  if (count == 0) return numbers;
+  numbers.reserve(count);
+  // The first one finds where a sequence that was never used begins.
+  numbers.push_back(Next(table, column, width, company));
+  const Place place = Find(table, column, width, company);
+  while (numbers.size() < count) {
+    const auto missing = static_cast<int64_t>(count - numbers.size());
+    const int64_t last = Draw(place.sequence, missing);
+    // Numbers of one length stand as texts in their own order.
+    for (int64_t from = last - missing + 1; from <= last;) {
+      const std::string first = Padded(from, width);
+      const int64_t to = std::min(last, PowerOfTen(static_cast<int>(first.size())) - 1);
+      if (first.size() > place.width) throw UserError(place.end);
+      std::unordered_set<std::string> taken;
+      for (const auto& row :
+           db_.Rows("SELECT " + place.column + " FROM " + place.physical + " WHERE " + place.column +
+                    " BETWEEN " + SqlLiteral(first) + " AND " + SqlLiteral(Padded(to, width)))) {
+        taken.insert(row[0].AsString());
+      }
+      for (; from <= to; ++from) {
+        std::string text = Padded(from, width);
+        if (!taken.contains(text)) numbers.push_back(std::move(text));
+      }
+    }
+  }
+  return numbers;
 }
 
 }  // namespace orv

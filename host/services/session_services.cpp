@@ -93,6 +93,8 @@ const orv::Companies& SessionServices::Companies() const { return parts_->tabela
 const std::string& SessionServices::Login() const { return parts_->login; }
 const std::string& SessionServices::Company() const { return parts_->company; }
 
+void SessionServices::Undone() { parts_->tabela.Reread(); }
+
 void SessionServices::AfterAction() {
   parts_->funcoes.EndBusy();
   parts_->tabela.StandAtHome();

@@ -41,6 +41,8 @@ class SessionServices {
   const std::string& Login() const;
   const std::string& Company() const;
 
+  // After an action's writes were undone.
+  void Undone();
   // What an action that was cut short may have left: the busy mark goes, tables stand where they stood.
   void AfterAction();
 

@@ -25,7 +25,8 @@ constexpr std::array<Definition, 10> kDefinitions{{
     {"tbRepresentante", "REPRESEN", "CODREP", true},
     {"TbSituacao", "TABSIT", "CODIGO", true},
     {"tbContaCor", "CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO", true},
-    {"tbCheque_pre", "CHEQUE_PRE", "CHAVE", true},
+    // A cheque handed over by another company brings that company's number.
+    {"tbCheque_pre", "CHEQUE_PRE", "CHAVE;BANCO;CONTA;NUMERO", true},
 }};
 
 }  // namespace
@@ -67,6 +68,12 @@ std::string TabelaService::Standing() {
 
 void TabelaService::StandAtHome() {
   if (Standing() != company_) tbEmpresa().Locate("EMP_PAT", Value(company_));
+}
+
+void TabelaService::Reread() {
+  for (const auto& shared : tables_) {
+    if (shared->table.Active() && !shared->table.Editing()) shared->table.Refresh();
+  }
 }
 
 void TabelaService::AbreTabela(std::string_view name, bool reread) {

@@ -31,6 +31,8 @@ class TabelaService : public ITabela {
   std::string Standing();
   // Puts tbEmpresa back on the session's company, wherever an action that was cut short left it.
   void StandAtHome();
+  // Reads the open tables anew after writes were undone, save one in which the user is typing.
+  void Reread();
 
  private:
   struct Shared;

@@ -1,7 +1,7 @@
 // The page against a small desk: typing over a slow link, questions, lost connections, every kind of control.
 import assert from "node:assert/strict";
 import { after, afterEach, before, beforeEach, describe, test } from "node:test";
-import { dist, findings, launch, logIn, openPage, openScreen, picture } from "./support/browser.mjs";
+import { dist, findings, focusIs, keys, launch, logIn, openPage, openScreen, picture, until } from "./support/browser.mjs";
 import { startSmallDesk } from "./support/small_desk.mjs";
 
 let browser;
@@ -32,23 +32,6 @@ async function enter(options = {}) {
 
 const field = (page, name) => page.getByRole("textbox", { name, exact: true });
 const sentSets = () => desk.session().log.filter((one) => one.do === "set").map((one) => [one.control, one.value]);
-// Waits for what the desk or the page comes to.
-async function until(what, check) {
-  const end = Date.now() + 30_000;
-  for (;;) {
-    if (await check()) return;
-    if (Date.now() > end) assert.fail(`nunca: ${what}`);
-    await new Promise((resolve) => setTimeout(resolve, 10));
-  }
-}
-const focusIs = (page, name) => until(`foco em ${name}`, () => page.evaluate((label) => document.activeElement?.getAttribute("aria-label") === label || document.activeElement?.labels?.[0]?.textContent === label || document.activeElement?.textContent === label, name));
-async function keys(page, ...list) {
-  for (const key of list) {
-    if (key.length > 1 && /^(Tab|Enter|Escape|F\d+|Arrow\w+|Page\w+|Home|End|Delete|Shift\+\w+|Alt\+\w+|Control\+\w+)$/.test(key)) await page.keyboard.press(key);
-    else await page.keyboard.type(key);
-  }
-}
-
 describe("login", () => {
   test("a wrong password is refused, then slowed down; the right one opens the menu", async () => {
     const page = await openPage(browser, desk.url);

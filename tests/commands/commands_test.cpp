@@ -80,6 +80,7 @@ TEST_F(CommandsTest, HelpIsInPortuguese) {
       {"check"},
       {"upgrade"},
       {"backup"},
+      {"restore"},
       {"audit"},
   };
   for (Words words : commands) {
@@ -328,7 +329,9 @@ TEST_F(CommandsTest, BackupComesBackWhole) {
   EXPECT_NE(Bad({"backup", copy.string()}).find("já existe e não é substituído"), std::string::npos);
   EXPECT_NE(Bad({"backup", (folder_.Path() / "no" / "x.fbk").string()}), "");
   const fs::path restored = folder_.Path() / "restored.fdb";
-  Restore(copy.string(), restored.string());
+  const Words restore = {"restore", copy.string(), "--database", restored.string()};
+  EXPECT_EQ(Good(restore), "Banco criado em " + restored.string() + ".\n");
+  EXPECT_NE(Bad(restore).find("já existe"), std::string::npos);
   const std::string rows = Sql("SELECT COUNT(*), SUM(VALOR) FROM CONTACOR_001");
   LetGo();
   database_ = restored;

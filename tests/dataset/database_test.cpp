@@ -368,5 +368,48 @@ TEST_F(Tables, AnotherUsersChangeIsTold) {
   EXPECT_EQ(Keys(mine), "000000 000001 ");
 }
 
+// What a transaction that fails takes back was never shown as done.
+TEST_F(Tables, StoredRowsWaitForTheCommit) {
+  Fill(3);
+  TOrvTable table(*attachment_, "tbCheque", "CHEQUE");
+  table.SetKey("CHAVE");
+  table.Open();
+  table.First();
+  table.Edit();
+  table["OBS"] = "nova";
+  table.Store();
+  attachment_->Rollback();
+  EXPECT_EQ(std::string(StateName(table.State())) + table["OBS"].AsString(), "editnova");
+  table.Store();
+  attachment_->CommitRetaining();
+  table.Cancel();
+  table.Refresh();
+  EXPECT_EQ(table["OBS"].AsString(), "nova");
+
+  table.Remove();
+  attachment_->Rollback();
+  EXPECT_EQ(table["CHAVE"].AsString(), "000000");
+  table.Remove();
+  attachment_->CommitRetaining();
+  table.Refresh();
+  EXPECT_EQ(table["CHAVE"].AsString(), "000001");
+  EXPECT_EQ(Keys(table), "000001 000002 ");
+
+  // Unchanged it is looked at all the same; the zero date, read as none, is no change.
+  table.First();
+  attachment_->Execute("UPDATE CHEQUE_001 SET VENCIMENTO = '12/30/1899' WHERE CHAVE = '000001'");
+  table.Edit();
+  EXPECT_THROW(table.Store(), UserError);
+  table.Cancel();
+  EXPECT_TRUE(table["VENCIMENTO"].IsNull());
+  table.Edit();
+  table.Store();
+  table.Cancel();
+  table.Remove();
+  EXPECT_THROW(table.Store(), UserError);
+  table.Refresh();
+  EXPECT_EQ(Keys(table), "000002 ");
+}
+
 }  // namespace
 }  // namespace orv

@@ -210,6 +210,7 @@ TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
   desk_.Click("BtDesiste");
   EXPECT_EQ(desk_.Messages(), "");
   EXPECT_EQ(Banks("'A01','F01','D01'"), "A01");
+  EXPECT_NE(desk_.Text("DbeBanco"), "D01") << "the table shows a row that isn't there";
 
   // In a dialog: its failed action goes alone, what stands around it is kept until the end.
   desk_.Click("BtDialogo");

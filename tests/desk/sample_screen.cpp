@@ -19,7 +19,7 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   AddSet(Linhas);
   Layout(R"(
     EdtTexto EdtValor CbMarca CbLista LbLista TrPrazo PbAnda LbSoma /
-    EdtBanco PqBanco EdtNomeBanco PqVarios / Grade / DbeCodigo DbrMarca / Grafico / Menu { ItDetalhe } /
+    EdtBanco PqBanco EdtNomeBanco PqVarios / Grade / DbeBanco DbeCodigo DbrMarca / Grafico / Menu { ItDetalhe } /
     BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga BtFecha
   )");
   PqVarios.Settings().MultiSelecao = true;
@@ -69,7 +69,10 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
     Tabela.IBDatabase().Execute("INSERT INTO NAO_EXISTE (A) VALUES (1)");
   };
   BtDesiste.OnClick = [this] {
-    Grava("D01");
+    TOrvTable& bancos = Tabela.tbBanco();
+    bancos.Append();
+    bancos["BANCO"] = Value("D01");
+    bancos.Post();
     Abort();
   };
   BtLonga.OnClick = [this] {

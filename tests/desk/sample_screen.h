@@ -35,6 +35,8 @@ class TfmAmostra : public Child {
                    Linhas,
                    {{"Codigo", "Código"}, {"Valor", "Valor"}, {"Marca", "Marca", 0, false, true, "S", "N"}},
                    false};
+  // A shared table as the database holds it.
+  DBEdit DbeBanco{*this, "DbeBanco", "Banco", Tabela.tbBanco(), "BANCO"};
   DBEdit DbeCodigo{*this, "DbeCodigo", "Código", Linhas, "Codigo"};
   DBRadioGroup DbrMarca{*this, "DbrMarca", "Marca", Linhas, "Marca", {"Sim", "Não"}, {"S", "N"}};
   Chart Grafico{*this, "Grafico", "Gráfico", Linhas, "Codigo", {{"Valor", "Valor", false}}, 15};

@@ -1,5 +1,5 @@
-// The actions of the ledger that change more than one row, as far as the object that carries each of them
-// out.
+// The actions of the ledger and of the cheques that change more than one row, as far as the object that
+// carries each of them out.
 #pragma once
 
 #include <functional>
@@ -15,6 +15,8 @@ struct LedgerAction {
   // What a person does before, and the object that confirms.
   std::vector<Json> before;
   Json last;
+  // Stands on the page of the cheques, with cheques of its own in every state.
+  bool cheques = false;
 };
 
 inline Json DoSet(std::string_view control, std::string_view value) {
@@ -43,15 +45,51 @@ class ActionsTest : public CcTest {
     Cheque("A2", "72", "B");
     Run("INSERT INTO CONTABIL_001 (LANCAMENTO, CONTA_C, CONTA_D, VALOR) VALUES ('L2', '1', '2', 150)");
   }
+  void Restore(const LedgerAction& action) {
+    Restore();
+    if (!action.cheques) return;
+    for (const char* table : {"CHEQUE_PRE_002", "CHEQUE_DUP_001", "PAGTO_001", "PAGTO1_001"})
+      Run("DELETE FROM " + std::string(table));
+    // Of the first two one is pending, one cleared; then the company's own one that paid two bills, and one
+    // that came back.
+    Cheque("A3", "73", "P");
+    Cheque("A4", "74", "D");
+    Run("UPDATE CHEQUE_PRE_001 SET TIPO = 'R', CLIENTE = '00001', EMISSAO = '11/10/2026', VENCIMENTO = "
+        "'11/12/2026'");
+    Store({.numero = "A3", .docto = "73", .tipo = "P", .pendente = "S", .tipo_doc = "CH"});
+    Run("INSERT INTO CHEQUE_DUP_001 (BANCO, CONTA, NUMERO, DUPLI) VALUES ('901', '10250-1', '74', 'X')");
+    for (const char* bill : {"B1", "B2"}) {
+      Run("INSERT INTO PAGTO_001 (NUM_AP, VAL_PAG) VALUES ('" + std::string(bill) + "', 75)");
+      Run("INSERT INTO PAGTO1_001 (NUM_AP, LANCAMENTO, VAL_PAG) VALUES ('" + std::string(bill) +
+          "', 'A3', 75)");
+    }
+  }
   // All rows that the actions write, without the numbers that are drawn.
   std::string Left() {
     return Sql("SELECT LANCAMENTO, CONTA, PENDENTE, DT_CONT, OPERACAO, CHAR_LENGTH(LANC_CON) FROM "
                "CONTACOR_001 WHERE LANCAMENTO STARTING WITH 'A' ORDER BY 1, 2") +
            "/" + Sql("SELECT CONTA, OPERACAO, VALOR FROM CONTACOR_001 WHERE DOCTO = 'NOVO' ORDER BY 1") +
            "/" + Sql("SELECT CONTA_C, CONTA_D, VALOR FROM CONTABIL_001 ORDER BY 1, 2") + "/" +
-           Sql("SELECT NUMERO, STATUS FROM CHEQUE_PRE_001 ORDER BY 1") + "/" +
+           Sql("SELECT NUMERO, STATUS, OBS FROM CHEQUE_PRE_001 ORDER BY 1") + "/" +
+           Sql("SELECT CHAVE FROM CHEQUE_PRE_002 WHERE CHAVE STARTING WITH 'A'") + "/" +
+           Sql("SELECT COUNT(*) FROM CHEQUE_DUP_001") + "/" + Sql("SELECT COUNT(*) FROM PAGTO1_001") + "/" +
+           Sql("SELECT SUM(VAL_PAG) FROM PAGTO_001") + "/" +
            Sql("SELECT COUNT(*), SUM(VALOR_RAT) FROM CENTRO_RATEIO_001") + "/" +
            Sql("SELECT COUNT(*) FROM AUDITORIA");
+  }
+
+  // What a person does at the cheque of a row; with `entry` up to the quick entry's confirmation.
+  static std::vector<Json> AtCheque(int row, std::vector<Json> steps, bool entry) {
+    std::vector<Json> all = {Json{{"do", "open"}, {"class", "TfmChequePre"}},
+                             Json{{"do", "row"}, {"control", "DBGrid1"}, {"row", row}}};
+    all.insert(all.end(), steps.begin(), steps.end());
+    if (entry) {
+      for (Json& step : std::vector<Json>{DoSet("EdtConta", kConta), DoSet("EdtTipo", "1101"),
+                                          DoSet("EdtHis", "005"), DoClick("BitBtn1")}) {
+        all.push_back(std::move(step));
+      }
+    }
+    return all;
   }
 
   static const std::vector<LedgerAction>& Actions() {
@@ -71,6 +109,20 @@ class ActionsTest : public CcTest {
           DoSet("EdtDocto", "NOVO"), DoSet("EdtTipo", "3103"), DoSet("EdtHis", "012"),
           DoSet("EdtValor", "100,00"), DoClick("BitBtn1")},
          yes},
+        {"cheque captured",
+         AtCheque(0,
+                  {DoClick("Btincluir"), DoSet("DBEDCodBan", "903"), DoSet("DBEDChequeNro", "NOVO"),
+                   DoSet("DBEDValor", "10,00"), DoClick("BtnConfirmar")},
+                  true),
+         yes, true},
+        {"cheque altered", AtCheque(1, {DoClick("BtnAltera"), DoSet("EdtObs", "OUTRA")}, false),
+         DoClick("BtnConfirmar"), true},
+        {"cheque cancelled", AtCheque(2, {DoClick("BitBtn3")}, false), yes, true},
+        {"cheque returned", AtCheque(1, {DoClick("BitBtn4"), yes}, true), yes, true},
+        {"cheque presented again", AtCheque(3, {DoClick("BitBtn7"), yes}, true), yes, true},
+        {"cheque deleted", AtCheque(3, {DoClick("BtExcluir")}, false), yes, true},
+        {"cheque transferred", AtCheque(0, {DoClick("BitBtn2"), DoSet("CBEmpresa", "1")}, false),
+         DoClick("BtnConfirmar"), true},
     };
     return actions;
   }

@@ -14,8 +14,8 @@ TEST_F(ActionsTest, EveryStatementCanFail) {
   Ddl("CREATE SEQUENCE G_PARADA");
   Ddl("CREATE TABLE PARADA (ALVO BIGINT)");
   Ddl("CREATE EXCEPTION E_PARADA 'stop here'");
-  for (const char* table :
-       {"CONTACOR_001", "CHEQUE_PRE_001", "CONTABIL_001", "CENTRO_RATEIO_001", "AUDITORIA"}) {
+  for (const char* table : {"CONTACOR_001", "CHEQUE_PRE_001", "CONTABIL_001", "CENTRO_RATEIO_001",
+                            "AUDITORIA", "CHEQUE_PRE_002", "CHEQUE_DUP_001", "PAGTO_001", "PAGTO1_001"}) {
     Ddl("CREATE TRIGGER T_" + std::string(table) + " FOR " + table +
         " AFTER INSERT OR UPDATE OR DELETE AS BEGIN IF (GEN_ID(G_PARADA, 1) = (SELECT ALVO FROM PARADA)) "
         "THEN EXCEPTION E_PARADA; END");
@@ -27,7 +27,7 @@ TEST_F(ActionsTest, EveryStatementCanFail) {
     int rows = 0;
     for (bool whole = false; !whole && rows < 40; ++rows) {
       Run("UPDATE PARADA SET ALVO = -1");
-      Restore();
+      Restore(action);
       const std::string before = Left();
       for (const Json& in : action.before) desk.Do(in);
       Run("UPDATE PARADA SET ALVO = GEN_ID(G_PARADA, 0) + 1 + " + std::to_string(rows));
@@ -45,10 +45,16 @@ TEST_F(ActionsTest, EveryStatementCanFail) {
         if (name == "transfer" || name == "quick entry") {
           EXPECT_EQ(desk.Text("EdtDocto"), "NOVO");
         }
+        // And the same step goes through once nothing stands in its way.
+        Run("UPDATE PARADA SET ALVO = -1");
+        if (action.last["do"] == Json("answer")) desk.Do(action.before.back());
+        desk.Do(action.last);
+        EXPECT_EQ(desk.End() + desk.Messages(), "idle") << rows;
+        EXPECT_NE(Left(), before) << rows;
       }
       while (!desk.State()["screens"].Items().empty()) desk.Do({{"do", "close"}});
     }
-    EXPECT_GT(rows, 4);
+    EXPECT_GT(rows, 2);
   }
 }
 

@@ -1,15 +1,21 @@
 #include "tests/server/client.h"
 
+#include <arpa/inet.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <array>
 #include <boost/asio.hpp>
 #include <boost/asio/ssl.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 #include <cstdio>
+#include <stdexcept>
 
 #include "toolkit/text.h"
 
@@ -117,10 +123,11 @@ std::string Door::Session() {
   return hello["on"] == Json("hello") ? hello["session"].String() : "";
 }
 
-void Door::Send(const std::string& text, bool binary) {
+bool Door::Send(const std::string& text, bool binary) {
   parts_->socket.binary(binary);
   beast::error_code error;
   parts_->socket.write(asio::buffer(text), error);
+  return !error;
 }
 
 Json Door::Next() {
@@ -142,6 +149,79 @@ std::vector<Json> Door::Await() {
 void Door::Close() {
   beast::error_code error;
   parts_->socket.close(websocket::close_code::normal, error);
+}
+
+Raw::Raw(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    close(socket_);
+    throw std::runtime_error("no connection");
+  }
+}
+
+Raw::~Raw() { close(socket_); }
+
+bool Raw::Send(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t sent = send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (sent <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+  return true;
+}
+
+void Raw::Done() { shutdown(socket_, SHUT_WR); }
+
+bool Raw::Ready(int milliseconds) {
+  pollfd one{socket_, POLLIN, 0};
+  return poll(&one, 1, milliseconds) > 0;
+}
+
+bool Raw::Open(std::string_view request) {
+  std::string said;
+  char byte = 0;
+  Send(request);
+  while (!said.ends_with("\r\n\r\n") && Ready(30000) && recv(socket_, &byte, 1, 0) == 1) said += byte;
+  return said.starts_with("HTTP/1.1 101") && said.ends_with("\r\n\r\n");
+}
+
+std::string Raw::Rest() {
+  std::string all;
+  std::array<char, 4096> bytes{};
+  for (;;) {
+    if (!Ready(30000)) throw std::runtime_error("the desk keeps the connection");
+    const ssize_t size = recv(socket_, bytes.data(), bytes.size(), 0);
+    if (size <= 0) return all;
+    all.append(bytes.data(), static_cast<std::size_t>(size));
+  }
+}
+
+std::string DoorRequest(const Browser& browser, const std::string& session, bool deflate) {
+  const std::string host = "127.0.0.1:" + std::to_string(browser.port_);
+  return "GET /door" + (session.empty() ? "" : "?session=" + session) + " HTTP/1.1\r\nHost: " + host +
+         "\r\nOrigin: http://" + host + "\r\nCookie: " + browser.cookie +
+         "\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
+         "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n" +
+         (deflate ? "Sec-WebSocket-Extensions: permessage-deflate\r\n" : "") + "\r\n";
+}
+
+std::string Frame(int first, std::string_view content) {
+  const std::size_t size = content.size();
+  std::string frame{static_cast<char>(first)};
+  if (size < 126) {
+    frame += static_cast<char>(0x80 | size);
+  } else if (size < 65536) {
+    frame += {static_cast<char>(0xFE), static_cast<char>(size >> 8), static_cast<char>(size)};
+  } else {
+    frame += static_cast<char>(0xFF);
+    for (int shift = 56; shift >= 0; shift -= 8) frame += static_cast<char>(size >> shift);
+  }
+  // A mask of zeros leaves the content as it is.
+  frame.append(4, '\0');
+  return frame.append(content);
 }
 
 std::vector<Json> Only(const std::vector<Json>& all, std::string_view kind) {

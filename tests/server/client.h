@@ -40,6 +40,7 @@ class Browser {
 
  private:
   friend class Door;
+  friend std::string DoorRequest(const Browser&, const std::string&, bool);
   int port_;
   bool tls_;
 };
@@ -55,7 +56,8 @@ class Door {
   // Greeted by the desk: the session's name.
   std::string Session();
 
-  void Send(const std::string& text, bool binary = false);
+  // False when the link has been closed.
+  bool Send(const std::string& text, bool binary = false);
   // The next object; null when the link has been closed.
   Json Next();
   // What comes up to the "idle", "waiting" or "ended" that ends an answer.
@@ -71,6 +73,34 @@ class Door {
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };
+
+// A connection that says what it likes, byte by byte.
+class Raw {
+ public:
+  explicit Raw(int port);
+  ~Raw();
+  Raw(const Raw&) = delete;
+  Raw& operator=(const Raw&) = delete;
+
+  // False when the desk has hung up.
+  bool Send(std::string_view bytes);
+  // Nothing more will be sent.
+  void Done();
+  // Sends a request that opens the door and waits for the desk's consent; false when it isn't given.
+  bool Open(std::string_view request);
+  // What the desk says until it hangs up. Raises an error when it doesn't within half a minute.
+  std::string Rest();
+  // Waits for something to read, or for the end; false when neither came in time.
+  bool Ready(int milliseconds);
+
+ private:
+  int socket_;
+};
+
+// A request to open the door with the browser's cookie, as sent.
+std::string DoorRequest(const Browser& browser, const std::string& session = "", bool deflate = false);
+// A frame as a browser sends it: `first` holds the flags and the kind, 0x81 for a whole text.
+std::string Frame(int first, std::string_view content);
 
 // The objects of one kind.
 std::vector<Json> Only(const std::vector<Json>& all, std::string_view kind);

@@ -82,10 +82,10 @@ TEST_F(ServerTest, OnlyFilesOfThePage) {
   const Answer page = visitor.Get("/");
   EXPECT_EQ(page.status, 200);
   EXPECT_EQ(page.body, "<!doctype html>");
-  EXPECT_EQ(
-      page.Header("content-security-policy"),
-      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; font-src 'self'; "
-      "connect-src 'self'; base-uri 'none'; object-src 'none'; frame-ancestors 'none'; form-action 'self'");
+  EXPECT_EQ(page.Header("content-security-policy"),
+            "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; font-src 'self'; "
+            "connect-src 'self'; frame-src 'self'; base-uri 'none'; object-src 'none'; frame-ancestors "
+            "'none'; form-action 'self'");
   EXPECT_EQ(page.Header("x-content-type-options"), "nosniff");
   EXPECT_EQ(page.Header("referrer-policy"), "no-referrer");
 

@@ -272,7 +272,7 @@ TEST_F(ContabilTest, ScreensReportsAndTheBusyMark) {
   Funcoes().Chama_RelatorioTxt(screen, "WX");
   Funcoes().Chama_Relatorio(screen, "WY");
   ASSERT_EQ(User().reports.size(), 2U);
-  EXPECT_EQ(User().reports[0].sets.size(), 1U);
+  EXPECT_EQ(User().reports[0].screen->Sets().size(), 1U);
   EXPECT_TRUE(!User().reports[0].graphic && User().reports[0].text);
   EXPECT_TRUE(User().reports[1].graphic && User().reports[1].text);
 

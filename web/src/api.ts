@@ -31,6 +31,25 @@ export async function me(): Promise<Me | null> {
   return (await response.json()) as Me;
 }
 
+// What the user has set for his own display. Nothing of it is worth a message when it can't be had.
+export async function preferences(): Promise<Map<string, string>> {
+  try {
+    const response = await fetch("/preferences", { cache: "no-store" });
+    return new Map(response.ok ? Object.entries((await response.json()) as Record<string, string>) : []);
+  } catch {
+    return new Map();
+  }
+}
+
+// An empty value forgets it.
+export async function setPreference(key: string, value: string): Promise<void> {
+  await fetch("/preferences", {
+    method: "PUT",
+    headers: { "Content-Type": "application/json" },
+    body: JSON.stringify({ key, value }),
+  }).catch(() => {});
+}
+
 export async function login(user: string, password: string, company: string): Promise<LoginResult> {
   let response: Response;
   try {

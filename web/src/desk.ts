@@ -1,6 +1,6 @@
 // The desk's page: it shows what the desk tells, sends what the user does, keeps the focus where the desk has
 // it, and keeps what is typed ahead.
-import { me as askMe } from "./api.ts";
+import { me as askMe, setPreference } from "./api.ts";
 import type { DeskContext } from "./context.ts";
 import { Dialog } from "./dialogs/dialog.ts";
 import { FileDialog } from "./dialogs/file.ts";
@@ -22,6 +22,7 @@ const kMostAhead = 2000;
 export interface DeskOptions {
   // The session to come back to, null for a new one.
   session: string | null;
+  preferences: Map<string, string>;
   loggedOut: (notice: string) => void;
   leave: () => void;
 }
@@ -105,12 +106,12 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     return (this.me.today !== undefined ? fromNeutral(this.me.today) : null) ?? localToday();
   }
   remember(key: string, value: string | null): void {
-    const full = `orv:${this.me.user}:${key}`;
-    if (value === null) localStorage.removeItem(full);
-    else localStorage.setItem(full, value);
+    if (value === null) this.options.preferences.delete(key);
+    else this.options.preferences.set(key, value);
+    void setPreference(key, value ?? "");
   }
   remembered(key: string): string | null {
-    return localStorage.getItem(`orv:${this.me.user}:${key}`);
+    return this.options.preferences.get(key) ?? null;
   }
 
   private answer(object: In): void {
@@ -453,16 +454,18 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   private report(out: Extract<Out, { on: "report" }>): void {
     const known = this.boxes.find((box): box is ReportDialog => box instanceof ReportDialog && box.id === out.id);
     if (out.address !== undefined) {
-      known?.ready(out.address);
+      known?.ready(out.address, out.format ?? "");
       return;
     }
     if (known !== undefined) return;
     const box: ReportDialog = new ReportDialog(
       out,
-      (format) => this.send({ do: "report", id: out.id, format }),
+      (format) =>
+        this.send({ do: "report", id: out.id, format }, { done: (outcome) => outcome === "answered" || box.refused() }),
       () => this.closeBox(box),
     );
     this.openBox(box);
+    box.begin();
   }
 
   private failed(text: string): void {

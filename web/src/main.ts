@@ -1,5 +1,5 @@
 // The page begins: either someone is logged in, or the login page stands here.
-import { logout, me } from "./api.ts";
+import { logout, me, preferences } from "./api.ts";
 import { Desk } from "./desk.ts";
 import { el } from "./dom.ts";
 import { LoginPage } from "./login.ts";
@@ -48,9 +48,11 @@ async function start(): Promise<void> {
   }
   let session = sessionStorage.getItem(kSession);
   if (session !== null && !(await hold(session))) session = null;
+  const set = await preferences();
   desk?.destroy();
   desk = new Desk(root, who, {
     session,
+    preferences: set,
     loggedOut: (notice) => showLogin(notice),
     leave: () => void logout().then(() => showLogin()),
   });

@@ -98,7 +98,10 @@ export interface ReportOut {
   on: "report";
   id: number | string;
   identifier?: string;
+  title?: string;
   formats?: string[];
+  // Of an answer to a form that was asked for.
+  format?: string;
   address?: string;
 }
 

@@ -1,4 +1,5 @@
 // The system's Chromium, and a page at a desk.
+import assert from "node:assert/strict";
 import { existsSync, mkdirSync } from "node:fs";
 import { createRequire } from "node:module";
 import { dirname, join } from "node:path";
@@ -43,6 +44,27 @@ export async function openScreen(page, letters, caption) {
   await page.keyboard.press("Enter");
   await page.getByRole("tab", { name: caption }).first().waitFor();
 }
+
+// Keys by name, other texts typed letter by letter.
+export async function keys(page, ...list) {
+  for (const key of list) {
+    if (key.length > 1 && /^(Tab|Enter|Escape|F\d+|Arrow\w+|Page\w+|Home|End|Delete|Shift\+\w+|Alt\+\w+|Control\+\w+)$/.test(key)) await page.keyboard.press(key);
+    else await page.keyboard.type(key);
+  }
+}
+
+// Waits for what the desk or the page comes to.
+export async function until(what, check) {
+  const end = Date.now() + 30_000;
+  for (;;) {
+    if (await check()) return;
+    if (Date.now() > end) assert.fail(`nunca: ${what}`);
+    await new Promise((resolve) => setTimeout(resolve, 10));
+  }
+}
+
+// The field, button or grid that has the browser's focus, by what a person reads on it.
+export const focusIs = (page, name) => until(`foco em ${name}`, () => page.evaluate((label) => document.activeElement?.getAttribute("aria-label") === label || document.activeElement?.labels?.[0]?.textContent === label || document.activeElement?.textContent === label, name));
 
 // Where the page's pictures go, if anywhere.
 export async function picture(page, name) {

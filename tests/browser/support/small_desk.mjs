@@ -102,6 +102,8 @@ export class SmallSession {
       }
     } else if (object.do === "read") {
       this.send(this.state(object));
+    } else if (object.do === "report") {
+      this.send({ on: "report", id: object.id, format: object.format, address: `/relatorio/x/saldos.${object.format}` });
     } else if (object.do === "close") {
       this.closeTop();
     } else if (object.do !== "answer") {
@@ -134,13 +136,24 @@ export class SmallSession {
 export async function startSmallDesk(folder, { delay = 0 } = {}) {
   const sessions = new Map();
   const links = new Set();
-  const desk = { delay, sessions, logged: false, failures: 0, reachable: true };
+  const desk = { delay, sessions, logged: false, failures: 0, reachable: true, preferences: new Map() };
   const json = (response, status, body) => {
     response.writeHead(status, { "Content-Type": "application/json", "Cache-Control": "no-store" });
     response.end(JSON.stringify(body));
   };
   const routes = {
     "GET /companies": (_, response) => json(response, 200, [{ suffix: "_001", name: "Comercial Aroeira Ltda." }, { suffix: "_002", name: "Aroeira Transportes" }]),
+    "GET /preferences": (_, response) => json(response, 200, Object.fromEntries(desk.preferences)),
+    "PUT /preferences": (body, response) => {
+      const { key, value } = JSON.parse(body);
+      if (value === "") desk.preferences.delete(key);
+      else desk.preferences.set(key, value);
+      json(response, 200, {});
+    },
+    "GET /relatorio/x/saldos.html": (_, response) => {
+      response.writeHead(200, { "Content-Type": "text/html; charset=utf-8", "Content-Security-Policy": "default-src 'none'; frame-ancestors 'self'" });
+      response.end('<!doctype html><html lang="pt-BR"><title>Saldos</title><h1>Saldos das contas</h1></html>');
+    },
     "GET /me": (_, response) =>
       desk.logged
         ? json(response, 200, { user: "ana", company: "_001", companyName: "Comercial Aroeira Ltda.", menu: kMenu, today: "2026-11-23" })

@@ -407,7 +407,7 @@ function controls(session, id) {
     if (session.cancelled) throw new Error("Operação cancelada.");
   });
   button("Dialogo", "Diálo&go", () => session.show("Dialogo"));
-  button("Relatorio", "&Relatório", () => session.send({ on: "report", id: 7, identifier: "0112001", formats: ["pdf", "html", "csv", "xlsx"] }));
+  button("Relatorio", "&Relatório", () => session.send({ on: "report", id: 7, identifier: "0112001", title: "Saldos", formats: ["html", "pdf", "csv", "xlsx"] }));
   s.rows = [
     ["Texto", "Aviso", "Erro", "Bom"],
     ["Contas", "PqContas", "DescContas"],

@@ -1,50 +1,73 @@
-// A launched report: in which form it is wanted.
+// A launched report beside its screen: read at once, printed, and taken away in each form.
 import { el } from "../dom.ts";
 import type { ReportOut } from "../protocol.ts";
 import { Dialog } from "./dialog.ts";
 
-const kFormats: Record<string, string> = {
-  pdf: "&PDF",
-  html: "&Tela (HTML)",
-  txt: "Te&xto",
-  csv: "&CSV",
-  xlsx: "&Excel (XLSX)",
-};
+const kCaptions: Record<string, string> = { pdf: "&PDF", txt: "&Texto", csv: "&CSV", xlsx: "&Excel" };
+// The forms that the pane itself shows, the best first.
+const kShown = ["html", "txt"];
 
 export class ReportDialog extends Dialog {
-  private first: HTMLButtonElement | null = null;
-  private links: HTMLElement;
+  private frame = el("iframe", { class: "report-frame", title: "Relatório", sandbox: "allow-same-origin allow-modals", tabindex: "0" });
+  private status = el("p", { class: "report-status", role: "status" }, "Preparando o relatório…");
+  private shown: string;
+  private print: HTMLButtonElement;
 
   constructor(
     private out: ReportOut,
-    render: (format: string) => void,
+    private render: (format: string) => void,
     close: () => void,
   ) {
-    super({ title: "Relatório", className: "dialog-report", cancel: close });
-    this.links = el("div", { class: "report-links", role: "status" });
-    this.body.append(el("p", { class: "lead" }, "Como deseja o relatório?"), this.links);
-    for (const format of out.formats ?? ["pdf"]) {
-      const button = this.addButton({ caption: kFormats[format] ?? format.toUpperCase(), primary: this.first === null, run: () => render(format) });
-      this.first ??= button;
+    super({ title: out.title ?? "Relatório", className: "dialog-report", cancel: close });
+    const formats = out.formats ?? [];
+    this.shown = kShown.find((format) => formats.includes(format)) ?? "";
+    this.frame.hidden = true;
+    this.body.append(this.status, this.frame);
+    this.print = this.addButton({ caption: "&Imprimir", primary: true, run: () => this.frame.contentWindow?.print() });
+    this.print.disabled = true;
+    for (const format of formats) {
+      const caption = kCaptions[format];
+      if (caption !== undefined) this.addButton({ caption, run: () => this.ask(format) });
     }
     this.addButton({ caption: "&Fechar", run: close });
+  }
+
+  // Asks for what the pane shows; once it stands on the page.
+  begin(): void {
+    if (this.shown !== "") this.render(this.shown);
+  }
+
+  private ask(format: string): void {
+    this.status.hidden = false;
+    this.status.textContent = "Preparando o arquivo…";
+    this.render(format);
   }
 
   get id(): number | string {
     return this.out.id;
   }
 
-  // Where it is to be had; opened at once where the browser lets us.
-  ready(address: string): void {
+  // Where a form is to be had.
+  ready(address: string, format: string): void {
     // Only what the desk itself serves.
     const url = new URL(address, location.href);
     if (url.origin !== location.origin) return;
-    const link = el("a", { class: "link", href: url.pathname + url.search, target: "_blank", rel: "noopener" }, "Abrir o relatório");
-    this.links.replaceChildren(link);
+    this.status.hidden = true;
+    if (format === this.shown && this.frame.hidden) {
+      this.frame.hidden = false;
+      this.frame.src = url.pathname;
+      this.print.disabled = false;
+      if (document.activeElement === null || this.box.contains(document.activeElement)) this.print.focus();
+      return;
+    }
+    const link = el("a", { href: url.pathname, download: url.pathname.split("/").pop() ?? "" });
     link.click();
+    this.status.hidden = false;
+    this.status.textContent = `O arquivo ${link.download} foi entregue ao navegador.`;
   }
 
-  override focusFirst(): void {
-    this.first?.focus();
+  // What was asked for couldn't be made.
+  refused(): void {
+    this.status.textContent = "O relatório não pôde ser preparado.";
   }
 }

@@ -28,10 +28,12 @@ export function readColumn(text: string): Column {
 const kCharacter = 7.6;
 const kTitleCharacter = 8.6;
 const kPadding = 18;
+// Beside its padding a title has the grip by which the column is made wider.
+const kTitlePadding = 28;
 export const kNarrowest = 36;
 
 export function naturalWidth(column: Column): number {
-  const title = column.title.length * kTitleCharacter + kPadding;
+  const title = column.title.length * kTitleCharacter + kTitlePadding;
   let characters = column.width;
   if (column.kind === "date") characters = Math.max(characters, 10);
   if (column.kind === "number") characters = Math.max(Math.min(characters, 18), 13);

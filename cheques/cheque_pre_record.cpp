@@ -1,0 +1,239 @@
+// The page "Cadastro": a cheque is captured, altered, deleted, or handed over to another company.
+#include "cheques/cheque_pre.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr const char* kIdentidade = "CHAVE;BANCO;CONTA;NUMERO";
+constexpr const char* kNenhum = "Nenhum cheque selecionado.";
+constexpr const char* kExcluido = "Outro usuário alterou ou excluiu este cheque. Consulte-o novamente.";
+
+}  // namespace
+
+// --- Buttons.
+
+void TfmChequePre::BtincluirClick() {
+  if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return;
+  const std::string chave = Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true);
+  tbCheque_pre.Append();
+  tbCheque_pre["CHAVE"] = chave;
+  tbCheque_pre["EMISSAO"] = Today();
+  tbCheque_pre["VENCIMENTO"] = Today();
+  tbCheque_pre["STATUS"] = "P";
+  tbCheque_pre["TIPO"] = "R";
+  DBGrid1.SetEnabled(false);
+  Bar_Confirma(true);
+  DBEDCodBan.SetFocus();
+}
+
+void TfmChequePre::BtnAlteraClick() {
+  if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return;
+  if (!Rele()) return;
+  tbCheque_pre.Edit();
+  Bar_Confirma(true);
+  DBGrid1.SetEnabled(false);
+  EDChave.SetEnabled(false);
+  DBEDT_DtEmissao.SetEnabled(false);
+  RgTipo.SetEnabled(false);
+  DBEDCodBan.SetFocus();
+}
+
+void TfmChequePre::BtExcluirClick() {
+  if (!Funcoes.Acessa(ClassName(), 'E', "0", "")) return;
+  if (!Rele()) return;
+  const auto relacionados = Tabela.IBDatabase().Rows(
+      "SELECT FIRST 1 1 FROM " + Funcoes.DBLocal("CONTACOR", true) +
+      " WHERE LANCAMENTO = " + Funcoes.Aspas(Texto("CHAVE")) + " AND COALESCE(TIPO, '') <> 'L'");
+  if (!relacionados.empty()) return Inform("Cheque relacionado a Duplicatas. Impossível Excluir.");
+  if (!Ask("Deseja eliminar este Registro?")) return;
+  Tabela.IBDatabase().Execute("DELETE FROM " + Funcoes.DBLocal("CHEQUE_DUP", true) +
+                              " WHERE BANCO = " + Funcoes.Aspas(DBEDCodBan.Text()) +
+                              " AND CONTA = " + Funcoes.Aspas(DBEDConta.Text()) +
+                              " AND NUMERO = " + Funcoes.Aspas(DBEDChequeNro.Text()));
+  tbCheque_pre.Remove();
+  Tabela.CommitRetaining();
+  tbCheque_pre.Refresh();
+}
+
+void TfmChequePre::BtnConfirmarClick() {
+  if (tbCheque_pre.Editing()) {
+    if (!Valida()) return;
+    if (Vazio("CLIENTE")) tbCheque_pre["CLIENTE"] = "00000";
+    if (Vazio("REPRESENTANTE")) tbCheque_pre["REPRESENTANTE"] = "0000";
+    if (tbCheque_pre.State() == DataSetState::Insert) {
+      if (!LancaCheque()) return;
+    } else {
+      GravaCheque();
+      if (Texto("STATUS") == "B") BaixaMovimento();
+      Tabela.CommitRetaining();
+    }
+  } else {
+    if (!Transferindo() || !Rele()) return;
+    Transfere();
+  }
+  Conclui();
+}
+
+void TfmChequePre::BtnDesistirClick() {
+  DBGrid1.SetEnabled(true);
+  RgTipo.SetEnabled(true);
+  Bar_Confirma(false);
+  DBEDT_DtDevolucao.SetEnabled(false);
+  Label12.SetEnabled(false);
+  CBEmpresa.SetVisible(false);
+  Label15.SetVisible(false);
+  tbCheque_pre.Cancel();
+  tbCheque_pre.Refresh();
+  tbCheque_pre.Prior();
+}
+
+void TfmChequePre::BitBtn2Click() {
+  if (!Rele()) return;
+  ListaEmpresas();
+  CBEmpresa.SetItemIndex(-1);
+  CBEmpresa.SetVisible(true);
+  Label15.SetVisible(true);
+  Bar_Confirma(true);
+  CBEmpresa.SetFocus();
+}
+
+void TfmChequePre::PqConsultaFechaPesquisa() {
+  std::vector<Value> identidade;
+  for (const std::string& campo : Split(kIdentidade, ";"))
+    identidade.emplace_back(PqConsulta.RetornoPesquisa(campo));
+  Localiza(identidade);
+}
+
+// --- The form.
+
+void TfmChequePre::Bar_Confirma(bool confirma) {
+  PainelDados.SetEnabled(confirma);
+  PainelConfirma.SetVisible(confirma);
+  PainelControle.SetVisible(!confirma);
+}
+
+void TfmChequePre::Conclui() {
+  Bar_Confirma(false);
+  DBGrid1.SetEnabled(true);
+  DBEDT_DtEmissao.SetEnabled(true);
+  RgTipo.SetEnabled(true);
+  DBEDT_DtDevolucao.SetEnabled(false);
+  Label12.SetEnabled(false);
+  CBEmpresa.SetVisible(false);
+  Label15.SetVisible(false);
+  MostraGravado();
+}
+
+bool TfmChequePre::Recusa(std::string_view message, Control& field) {
+  Inform(message);
+  field.SetFocus();
+  return false;
+}
+
+bool TfmChequePre::Vazio(const char* campo) { return Trim(Texto(campo)).empty(); }
+
+bool TfmChequePre::Valida() {
+  const Date emissao = tbCheque_pre["EMISSAO"].AsDate();
+  if (emissao > tbCheque_pre["VENCIMENTO"].AsDate())
+    return Recusa("A data de Vencimento não pode ser menor que a data de Emissão.", DBEDCodBan);
+  if (Vazio("BANCO"))
+    return Recusa("O Código do Banco não pode ser vazio, por favor informe um Banco.", DBEDCodBan);
+  if (Vazio("NUMERO")) return Recusa("É necessário informar um Nro. Cheque.", DBEDChequeNro);
+  if (Vazio("VALOR")) return Recusa("É necessário informar um Valor para o Cheque.", DBEDValor);
+  if (tbCheque_pre.State() == DataSetState::Insert && (emissao.Empty() || emissao > Today())) {
+    return Recusa("É necessário informar uma Data de Emissão válida para o Cheque.", DBEDT_DtEmissao);
+  }
+  return true;
+}
+
+// --- The row.
+
+std::vector<Value> TfmChequePre::Identidade() {
+  std::vector<Value> identidade;
+  for (const std::string& campo : Split(kIdentidade, ";")) identidade.push_back(tbCheque_pre[campo].Get());
+  return identidade;
+}
+
+bool TfmChequePre::Localiza(const std::vector<Value>& identidade) {
+  return tbCheque_pre.Locate(kIdentidade, identidade) || tbCheque_pre.Locate("CHAVE", identidade[0]);
+}
+
+bool TfmChequePre::Rele() {
+  tbCheque_pre.Cancel();
+  if (tbCheque_pre.IsEmpty()) {
+    Inform(kNenhum);
+    return false;
+  }
+  const std::vector<Value> identidade = Identidade();
+  tbCheque_pre.Refresh();
+  if (Identidade() != identidade) throw UserError(kExcluido);
+  return true;
+}
+
+void TfmChequePre::MostraGravado() {
+  const std::vector<Value> identidade = Identidade();
+  const bool edicao = tbCheque_pre.Editing();
+  tbCheque_pre.Cancel();
+  tbCheque_pre.Refresh();
+  if (edicao) Localiza(identidade);
+}
+
+void TfmChequePre::GravaCheque() {
+  const std::string numero = Texto("NUMERO");
+  Funcoes.GeraLog("CONTACOR", "CHEQUE PRE NR.: " + numero, TOperacaoLog::Processo, numero);
+  tbCheque_pre.Store();
+}
+
+void TfmChequePre::BaixaMovimento() {
+  const Date baixa = tbCheque_pre["DT_BAIXA"].AsDate();
+  // A movement is never without its date.
+  const std::string data = baixa.Empty() ? "" : "DT_CONT = " + Funcoes.AspasData(baixa) + ", ";
+  Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CONTACOR", true) + " SET " + data +
+                              "PENDENTE = 'N' WHERE LANCAMENTO = " + Funcoes.Aspas(Texto("CHAVE")) +
+                              " AND DOCTO = " + Funcoes.Aspas(Texto("NUMERO")));
+}
+
+bool TfmChequePre::LancaCheque() {
+  if (!LancaFluxo(Texto("CHAVE"), "", [this] { GravaCheque(); })) return false;
+  Tabela.CommitRetaining();
+  return true;
+}
+
+void TfmChequePre::ListaEmpresas() {
+  QryEmp.SQL.SetText("SELECT * FROM EMPRESA ORDER BY EMP_PAT");
+  QryEmp.Open();
+  std::vector<std::string> nomes;
+  for (; !QryEmp.Eof(); QryEmp.Next()) nomes.emplace_back(Trim(QryEmp["EMP_NOME"].AsString()));
+  CBEmpresa.SetItems(std::move(nomes));
+}
+
+void TfmChequePre::Transfere() {
+  const std::string numero = Texto("NUMERO");
+  std::string empresa;
+  if (CBEmpresa.ItemIndex() >= 0) {
+    QryEmp.SetRecNo(CBEmpresa.ItemIndex() + 1);
+    empresa = Trim(QryEmp["EMP_PAT"].AsString());
+  }
+  constexpr const char* kColunas[] = {
+      "AGENCIA", "BANCO", "CHAVE",      "CLIENTE", "CONTA",         "DT_BAIXA", "DUPLICATA",  "LOTE",
+      "EMISSAO", "TIPO",  "FORNECEDOR", "NUMERO",  "REPRESENTANTE", "VALOR",    "VENCIMENTO", "OBS"};
+  std::vector<std::string> colunas, valores;
+  for (const char* coluna : kColunas) {
+    Field& campo = tbCheque_pre[coluna];
+    colunas.emplace_back(coluna);
+    valores.push_back(campo.Type() == FieldType::Date     ? Funcoes.AspasData(campo.AsDate())
+                      : campo.Type() == FieldType::String ? Funcoes.Aspas(campo.AsString())
+                                                          : Funcoes.PermanecePonto(campo.AsCurrency()));
+  }
+  QryGrava.SQL.Clear();
+  QryGrava.SQL.Add(" INSERT INTO CHEQUE_PRE" + empresa);
+  QryGrava.SQL.Add("(" + Join(colunas, ", ") + ")");
+  QryGrava.SQL.Add("VALUES (" + Join(valores, ", ") + ")");
+  QryGrava.ExecSQL();
+  tbCheque_pre.Remove();
+  Funcoes.GeraLog("CONTACOR", "CHEQUE PRE NR.: " + numero, TOperacaoLog::Processo, numero);
+  Tabela.CommitRetaining();
+}
+
+}  // namespace orv

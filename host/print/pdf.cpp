@@ -1,0 +1,338 @@
+#include <cairo-ft.h>
+#include <cairo-pdf.h>
+#include <ft2build.h>
+
+#include FT_FREETYPE_H
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+#include "host/print/format.h"
+#include "host/print/writers.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr double kLong = 841.89, kShort = 595.28, kMargin = 34;  // points
+constexpr double kLargest = 8.5, kSmallest = 4.5;
+constexpr double kHead = 44;
+
+template <auto destroy>
+struct Destroy {
+  template <class T>
+  void operator()(T* object) const {
+    destroy(object);
+  }
+};
+
+std::string FontFile(const std::string& name) {
+  for (const char* folder :
+       {"/usr/share/fonts/truetype/dejavu/", "/usr/share/fonts/dejavu/", "/usr/local/share/fonts/"}) {
+    const std::string file = folder + name;
+    if (std::filesystem::exists(file)) return file;
+  }
+  // Without its fonts the library writes an empty page and says nothing.
+  throw UserError("Falta a fonte " + name + ". Instale o pacote fonts-dejavu-core.");
+}
+
+// The library keeps what was made with a face beyond its last use: faces stay for the life of the program,
+// and one report is written at a time.
+class Faces {
+ public:
+  struct Face {
+    FT_Face face = nullptr;
+    cairo_font_face_t* drawn = nullptr;
+  };
+
+  static Faces& Instance() {
+    static Faces faces;
+    return faces;
+  }
+  Face Plain() { return Get("DejaVuSans.ttf"); }
+  Face Bold() { return Get("DejaVuSans-Bold.ttf"); }
+
+  std::mutex mutex;
+
+ private:
+  Face Get(const std::string& name) {
+    Face& face = faces_[name];
+    if (face.drawn != nullptr) return face;
+    if (library_ == nullptr && FT_Init_FreeType(&library_) != 0) {
+      throw UserError("As fontes não puderam ser preparadas.");
+    }
+    if (FT_New_Face(library_, FontFile(name).c_str(), 0, &face.face) != 0) {
+      throw UserError("A fonte " + name + " não pôde ser lida.");
+    }
+    face.drawn = cairo_ft_font_face_create_for_ft_face(face.face, FT_LOAD_NO_HINTING);
+    return face;
+  }
+
+  FT_Library library_ = nullptr;
+  std::map<std::string, Face> faces_;
+};
+
+// A font at one size, with the places of its characters kept.
+class Font {
+ public:
+  Font(Faces::Face face, double size) : size_(size), face_(face.face) {
+    cairo_matrix_t scale, same;
+    cairo_matrix_init_scale(&scale, size, size);
+    cairo_matrix_init_identity(&same);
+    std::unique_ptr<cairo_font_options_t, Destroy<cairo_font_options_destroy>> options(
+        cairo_font_options_create());
+    cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+    scaled_.reset(cairo_scaled_font_create(face.drawn, &scale, &same, options.get()));
+    if (cairo_scaled_font_status(scaled_.get()) != CAIRO_STATUS_SUCCESS) {
+      throw UserError("As fontes não puderam ser usadas.");
+    }
+  }
+
+  cairo_scaled_font_t* Get() const { return scaled_.get(); }
+
+  double Width(std::string_view text) {
+    double width = 0;
+    Each(text, [&](std::string_view, const Glyph& glyph) { width += glyph.advance; });
+    return width;
+  }
+
+  // Shows as much of the text as the width holds.
+  void Show(cairo_t* context, std::string_view text, double x, double y, double width) {
+    glyphs_.clear();
+    clusters_.clear();
+    std::size_t bytes = 0;
+    double at = x;
+    Each(text, [&](std::string_view character, const Glyph& glyph) {
+      if (at + glyph.advance > x + width + 0.01) at = x + 2 * width;
+      if (at >= x + 2 * width) return;
+      glyphs_.push_back({glyph.index, at, y});
+      clusters_.push_back({static_cast<int>(character.size()), 1});
+      bytes += character.size();
+      at += glyph.advance;
+    });
+    if (glyphs_.empty()) return;
+    cairo_show_text_glyphs(context, text.data(), static_cast<int>(bytes), glyphs_.data(),
+                           static_cast<int>(glyphs_.size()), clusters_.data(),
+                           static_cast<int>(clusters_.size()), cairo_text_cluster_flags_t(0));
+  }
+
+ private:
+  struct Glyph {
+    unsigned long index = 0;
+    double advance = 0;
+  };
+
+  template <class Do>
+  void Each(std::string_view text, Do act) {
+    while (!text.empty()) {
+      const std::string_view character = CutChars(text, 1);
+      act(character, Of(character));
+      text.remove_prefix(character.size());
+    }
+  }
+
+  const Glyph& Of(std::string_view character) {
+    if (character.size() == 1) {
+      auto& [known, glyph] = plain_[static_cast<unsigned char>(character[0])];
+      if (!known) glyph = Find(static_cast<unsigned char>(character[0])), known = true;
+      return glyph;
+    }
+    const auto [found, fresh] = others_.try_emplace(std::string(character));
+    if (fresh) {
+      // The bits after the mark of the first byte, then six of each other one.
+      const auto first = static_cast<unsigned char>(character[0]);
+      FT_ULong code = first & (0xFFU >> (character.size() + 1));
+      for (const char c : character.substr(1)) code = (code << 6) | (static_cast<unsigned char>(c) & 0x3F);
+      found->second = Find(code);
+    }
+    return found->second;
+  }
+
+  Glyph Find(FT_ULong code) {
+    const FT_UInt index = FT_Get_Char_Index(face_, code);
+    if (FT_Load_Glyph(face_, index, FT_LOAD_NO_SCALE) != 0) return {index, size_ / 2};
+    return {index, static_cast<double>(face_->glyph->advance.x) * size_ / face_->units_per_EM};
+  }
+
+  double size_;
+  FT_Face face_;
+  std::unique_ptr<cairo_scaled_font_t, Destroy<cairo_scaled_font_destroy>> scaled_;
+  struct Known {
+    bool known = false;
+    Glyph glyph;
+  };
+  std::array<Known, 256> plain_;
+  std::unordered_map<std::string, Glyph> others_;
+  std::vector<cairo_glyph_t> glyphs_;
+  std::vector<cairo_text_cluster_t> clusters_;
+};
+
+void Check(cairo_status_t status) {
+  if (status != CAIRO_STATUS_SUCCESS) {
+    throw UserError("O PDF não pôde ser gravado: " + std::string(cairo_status_to_string(status)) + ".");
+  }
+}
+
+class Pdf {
+ public:
+  Pdf(const Report& report, const std::filesystem::path& file)
+      : report_(report),
+        width_(report.landscape ? kLong : kShort),
+        height_(report.landscape ? kShort : kLong),
+        size_(Size()),
+        step_(size_ * 1.45),
+        plain_(Faces::Instance().Plain(), size_),
+        bold_(Faces::Instance().Bold(), size_),
+        large_(Faces::Instance().Bold(), 11),
+        surface_(cairo_pdf_surface_create(file.c_str(), width_, height_)),
+        context_(cairo_create(surface_.get())) {
+    Check(cairo_surface_status(surface_.get()));
+    for (const auto& columns : report.columns) places_.push_back(ColumnPlaces(columns));
+    cairo_pdf_surface_set_metadata(surface_.get(), CAIRO_PDF_METADATA_TITLE, report.title.c_str());
+  }
+
+  void Draw() {
+    const double head = kHead + 11 * static_cast<double>(report_.subtitles.size());
+    const auto fits = static_cast<std::size_t>((height_ - 2 * kMargin - head) / step_);
+    const auto pages = Pages(report_, std::max<std::size_t>(fits, 10));
+    for (std::size_t page = 0; page < pages.size(); ++page) {
+      Head(page + 1, pages.size());
+      double y = kMargin + head + size_;
+      for (const PageLine& line : pages[page]) {
+        Line(line, y);
+        y += step_;
+      }
+      cairo_show_page(context_.get());
+      Check(cairo_status(context_.get()));
+    }
+    cairo_surface_finish(surface_.get());
+    Check(cairo_surface_status(surface_.get()));
+  }
+
+ private:
+  // So that the widest section fits.
+  double Size() const {
+    std::size_t widest = 1;
+    for (const auto& columns : report_.columns) widest = std::max(widest, ColumnPlaces(columns).back());
+    return std::clamp((width_ - 2 * kMargin) / (static_cast<double>(widest) * 0.62), kSmallest, kLargest);
+  }
+
+  double X(std::size_t section, std::size_t column) const {
+    const auto& places = places_[section];
+    return kMargin +
+           (width_ - 2 * kMargin) * static_cast<double>(places[column]) / static_cast<double>(places.back());
+  }
+
+  void Ink(bool alert) {
+    if (alert) {
+      cairo_set_source_rgb(context_.get(), 0.61, 0.11, 0.11);
+    } else {
+      cairo_set_source_rgb(context_.get(), 0.05, 0.1, 0.13);
+    }
+  }
+
+  void Rule(double y, double thickness) {
+    cairo_set_line_width(context_.get(), thickness);
+    cairo_move_to(context_.get(), kMargin, y);
+    cairo_line_to(context_.get(), width_ - kMargin, y);
+    cairo_stroke(context_.get());
+  }
+
+  void Text(Font& font, std::string_view text, double x, double y, double width, Align align) {
+    cairo_set_scaled_font(context_.get(), font.Get());
+    if (align != Align::Left) {
+      const double wanted = font.Width(text);
+      if (wanted > width && align == Align::Right) {
+        // An amount that doesn't fit is never cut.
+        const auto marks = static_cast<std::size_t>(std::max(1.0, width / font.Width("#")));
+        font.Show(context_.get(), std::string(marks, '#'), x, y, width);
+        return;
+      }
+      if (wanted < width) x += align == Align::Right ? width - wanted : (width - wanted) / 2;
+      width = std::max(width, wanted);
+    }
+    font.Show(context_.get(), text, x, y, width);
+  }
+
+  void Head(std::size_t page, std::size_t pages) {
+    Ink(false);
+    const double whole = width_ - 2 * kMargin;
+    Text(large_, report_.title, kMargin, kMargin + 11, whole * 0.7, Align::Left);
+    Text(plain_, "Página " + std::to_string(page) + " de " + std::to_string(pages), kMargin, kMargin + 11,
+         whole, Align::Right);
+    Text(plain_, report_.company, kMargin, kMargin + 24, whole * 0.6, Align::Left);
+    Text(plain_, FormatValue(Value(report_.when), "dd/mm/yyyy hh:nn") + "  " + report_.user, kMargin,
+         kMargin + 24, whole, Align::Right);
+    double y = kMargin + 24;
+    for (const std::string& subtitle : report_.subtitles)
+      Text(plain_, subtitle, kMargin, y += 11, whole, Align::Left);
+    Rule(y + 6, 0.8);
+  }
+
+  void Line(const PageLine& line, double y) {
+    const double whole = width_ - 2 * kMargin;
+    switch (line.kind) {
+      case PageLine::Kind::Line:
+        Cells(report_.lines[line.index], y);
+        break;
+      case PageLine::Kind::Titles:
+        Ink(false);
+        for (std::size_t at = 0; at < report_.columns[line.index].size(); ++at) {
+          const ReportColumn& column = report_.columns[line.index][at];
+          const double x = X(line.index, at);
+          const double room = X(line.index, at + 1) - x - size_ * 0.4;
+          const bool cut = bold_.Width(column.title) > room;
+          Text(bold_, column.title, x, y, room, cut ? Align::Left : column.align);
+        }
+        Rule(y + step_ * 0.28, 0.4);
+        break;
+      case PageLine::Kind::Heading:
+        Ink(false);
+        Text(bold_, report_.headings[line.index], kMargin, y, whole, Align::Left);
+        break;
+      case PageLine::Kind::Note:
+        Ink(true);
+        Text(plain_, "* " + report_.notes[line.index], kMargin, y, whole, Align::Left);
+        break;
+      case PageLine::Kind::Blank:
+        break;
+    }
+  }
+
+  void Cells(const ReportLine& line, double y) {
+    if ((line.style & kShade) != 0) {
+      cairo_set_source_rgb(context_.get(), 0.93, 0.95, 0.955);
+      cairo_rectangle(context_.get(), kMargin, y - step_ * 0.75, width_ - 2 * kMargin, step_);
+      cairo_fill(context_.get());
+    }
+    Ink((line.style & kAlert) != 0);
+    if ((line.style & kRule) != 0) Rule(y - step_ * 0.75, 0.4);
+    Font& font = (line.style & kBold) != 0 ? bold_ : plain_;
+    for (const ReportCell& cell : line.cells) {
+      const double x = X(line.section, cell.column);
+      const double room = X(line.section, cell.column + cell.span) - x - size_ * 0.4;
+      Text(font, cell.text, x, y, room, report_.columns[line.section][cell.column].align);
+    }
+  }
+
+  const Report& report_;
+  double width_, height_, size_, step_;
+  Font plain_, bold_, large_;
+  std::unique_ptr<cairo_surface_t, Destroy<cairo_surface_destroy>> surface_;
+  std::unique_ptr<cairo_t, Destroy<cairo_destroy>> context_;
+  std::vector<std::vector<std::size_t>> places_;
+};
+
+}  // namespace
+
+void WriteReportPdf(const Report& report, const std::filesystem::path& file) {
+  const std::lock_guard lock(Faces::Instance().mutex);
+  Pdf(report, file).Draw();
+}
+
+}  // namespace orv

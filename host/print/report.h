@@ -1,0 +1,70 @@
+// A report laid out from the rows of a screen: lines of texts in columns, which any of the forms writes down.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/print/report_template.h"
+#include "toolkit/dataset.h"
+
+namespace orv {
+
+struct ReportInput {
+  std::string company;
+  std::string user;
+  DateTime now;
+  // A data set by its name, null for none.
+  std::function<DataSet*(std::string_view)> set;
+  // What a control of the screen holds, by its name.
+  std::function<std::optional<Value>(std::string_view)> control;
+};
+
+struct ReportCell {
+  std::string text;
+  uint16_t column = 0;
+  uint16_t span = 1;
+};
+
+struct ReportLine {
+  uint16_t section = 0;
+  uint8_t style = kPlain;
+  bool new_page = false;  // begins one
+  std::vector<ReportCell> cells;
+};
+
+// The rows of a data set as they were, for a spreadsheet.
+struct ReportRows {
+  std::string set;
+  std::vector<std::string> fields;
+  std::vector<FieldType> types;
+  std::vector<std::vector<Value>> rows;
+};
+
+struct Report {
+  std::string identifier, title, company, user;
+  DateTime when;
+  std::vector<std::string> subtitles;
+  bool landscape = false;
+  // The columns of each section, and what stands above them.
+  std::vector<std::vector<ReportColumn>> columns;
+  std::vector<std::string> headings;
+  std::vector<ReportLine> lines;
+  std::vector<ReportRows> sets;
+  // What couldn't be read or worked out, each once.
+  std::vector<std::string> notes;
+
+  // Values kept, as a measure of memory.
+  std::size_t Size() const;
+};
+
+// What a value that couldn't be worked out prints.
+inline constexpr std::string_view kFault = "#ERRO";
+
+// Walks the data sets without moving their cursors. Faults of the template are in the report's notes; what
+// they don't touch is printed.
+Report LayOut(const ReportTemplate& form, const ReportInput& input);
+
+}  // namespace orv

@@ -1,0 +1,356 @@
+#include "host/print/report_template.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/print/own_templates.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr std::size_t kLongestFile = 1 << 20;  // bytes
+constexpr std::size_t kMostLines = 5000;
+constexpr std::size_t kMostColumns = 60;
+constexpr std::size_t kMostErrors = 50;
+constexpr int kWidest = 200;
+
+[[noreturn]] void Wrong(const std::string& text) { throw FormulaError(text); }
+
+// Takes the first word off.
+std::string TakeWord(std::string_view& rest) {
+  rest = Trim(rest);
+  const std::size_t end = std::min(rest.find_first_of(" \t"), rest.size());
+  const std::string word(rest.substr(0, end));
+  rest = Trim(rest.substr(end));
+  return word;
+}
+
+// The place of " word " outside quotes, npos without one.
+std::size_t FindWord(std::string_view text, std::string_view word) {
+  char quote = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const char c = text[at];
+    if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if ((at == 0 || text[at - 1] == ' ') && text.substr(at, word.size()) == word &&
+               (at + word.size() == text.size() || text[at + word.size()] == ' ')) {
+      return at;
+    }
+  }
+  return std::string_view::npos;
+}
+
+uint8_t ReadStyle(std::string_view text) {
+  uint8_t style = kPlain;
+  for (const std::string& part : Split(text, "+")) {
+    const std::string_view name = Trim(part);
+    if (name == "normal") continue;
+    if (name == "negrito") {
+      style |= kBold;
+    } else if (name == "italico") {
+      style |= kItalic;
+    } else if (name == "alerta") {
+      style |= kAlert;
+    } else if (name == "sombra") {
+      style |= kShade;
+    } else if (name == "linha") {
+      style |= kRule;
+    } else {
+      Wrong("o estilo \"" + std::string(name) + "\" não existe");
+    }
+  }
+  return style;
+}
+
+class Reader {
+ public:
+  explicit Reader(ReportTemplate& result) : result_(result) {}
+
+  void Read(std::string_view text) {
+    std::size_t from = 0;
+    while (from <= text.size()) {
+      const std::size_t end = std::min(text.find('\n', from), text.size());
+      std::string_view line = text.substr(from, end - from);
+      if (line.ends_with('\r')) line.remove_suffix(1);
+      from = end + 1;
+      if (++line_ > static_cast<int>(kMostLines)) {
+        Note("o modelo tem linhas demais");
+        return;
+      }
+      try {
+        Line(Trim(line));
+      } catch (const FormulaError& e) {
+        Note(e.what());
+      }
+    }
+  }
+
+ private:
+  void Note(const std::string& text) {
+    if (result_.errors.size() >= kMostErrors) return;
+    result_.errors.push_back("modelo " + result_.identifier + ", linha " + std::to_string(line_) + ": " +
+                             text + ".");
+  }
+
+  void Line(std::string_view line) {
+    if (line.empty() || line[0] == '#') return;
+    if (line[0] == '|') {
+      if (band_ == nullptr) Wrong("uma linha de células vem depois de cabecalho, detalhe ou rodape");
+      band_->lines.push_back({Cells(line), line_});
+      return;
+    }
+    band_ = nullptr;
+    std::string_view rest = line;
+    const std::string word = TakeWord(rest);
+    if (word == "relatorio") {
+      result_.title = rest;
+    } else if (word == "subtitulo") {
+      result_.subtitles.push_back(ReportText::Parse(rest));
+    } else if (word == "pagina") {
+      if (rest != "retrato" && rest != "paisagem") Wrong("a página é retrato ou paisagem");
+      result_.landscape = rest == "paisagem";
+    } else if (word == "dados") {
+      ReportSection section;
+      section.line = line_;
+      section.set = TakeWord(rest);
+      section.heading = rest;
+      if (section.set.empty()) Wrong("falta o nome do conjunto de dados");
+      result_.sections.push_back(std::move(section));
+    } else if (word == "valor") {
+      ReadValue(rest);
+    } else if (word == "grupo") {
+      ReadGroup(rest);
+    } else if (word == "coluna") {
+      ReadColumn(rest);
+    } else if (word == "cabecalho" || word == "detalhe" || word == "rodape") {
+      ReadBand(word, rest);
+    } else {
+      Wrong("não se conhece \"" + word + "\"");
+    }
+  }
+
+  ReportSection& Section() {
+    if (result_.sections.empty()) Wrong("falta antes a linha \"dados\"");
+    return result_.sections.back();
+  }
+
+  // valor NOME [de CONJUNTO] [por GRUPO] = FÓRMULA
+  void ReadValue(std::string_view rest) {
+    const std::size_t sign = rest.find('=');
+    if (sign == std::string_view::npos) Wrong("falta o \"=\" do valor");
+    std::string_view head = rest.substr(0, sign);
+    ReportValue value{TakeWord(head), "", "", Formula::Parse(rest.substr(sign + 1)), line_};
+    if (value.name.empty()) Wrong("falta o nome do valor");
+    if (std::any_of(result_.values.begin(), result_.values.end(),
+                    [&](const ReportValue& other) { return SameText(other.name, value.name); })) {
+      Wrong("o valor " + value.name + " já existe");
+    }
+    while (!head.empty()) {
+      const std::string word = TakeWord(head);
+      const std::string name = TakeWord(head);
+      if (name.empty() || (word != "de" && word != "por"))
+        Wrong("esperava-se \"de CONJUNTO\" ou \"por GRUPO\"");
+      (word == "de" ? value.set : value.group) = name;
+    }
+    if (SameText(value.group, "relatorio")) value.group.clear();
+    if (value.set.empty()) value.set = Section().set;
+    if (!value.group.empty()) GroupIndex(value.group);
+    result_.values.push_back(std::move(value));
+  }
+
+  std::size_t GroupIndex(const std::string& name) {
+    const auto& groups = Section().groups;
+    const auto found = std::find_if(groups.begin(), groups.end(),
+                                    [&](const ReportGroup& one) { return SameText(one.name, name); });
+    if (found == groups.end()) Wrong("o grupo " + name + " não existe");
+    return static_cast<std::size_t>(found - groups.begin());
+  }
+
+  // grupo NOME [pagina] = FÓRMULA
+  void ReadGroup(std::string_view rest) {
+    const std::size_t sign = rest.find('=');
+    if (sign == std::string_view::npos) Wrong("falta o \"=\" do grupo");
+    std::string_view head = rest.substr(0, sign);
+    ReportGroup group{TakeWord(head), Formula::Parse(rest.substr(sign + 1)), head == "pagina", line_};
+    if (group.name.empty()) Wrong("falta o nome do grupo");
+    if (!head.empty() && !group.new_page) Wrong("depois do nome do grupo só vem \"pagina\"");
+    Section().groups.push_back(std::move(group));
+  }
+
+  // coluna LARGURA [esquerda|centro|direita] TÍTULO
+  void ReadColumn(std::string_view rest) {
+    ReportColumn column;
+    const std::string width = TakeWord(rest);
+    const auto read = std::from_chars(width.data(), width.data() + width.size(), column.width);
+    if (read.ec != std::errc() || read.ptr != width.data() + width.size() || column.width < 1 ||
+        column.width > kWidest) {
+      Wrong("a largura da coluna vai de 1 a " + std::to_string(kWidest));
+    }
+    std::string_view title = rest;
+    const std::string align = TakeWord(title);
+    if (align == "direita") {
+      column.align = Align::Right;
+    } else if (align == "centro") {
+      column.align = Align::Center;
+    } else if (align != "esquerda") {
+      title = rest;
+    }
+    column.title = title;
+    if (Section().columns.size() >= kMostColumns) Wrong("há colunas demais");
+    Section().columns.push_back(std::move(column));
+  }
+
+  // cabecalho|rodape [GRUPO] | detalhe, [se FÓRMULA] [estilo A | estilo FÓRMULA ? A : B]
+  void ReadBand(const std::string& word, std::string_view rest) {
+    Band band;
+    band.line = line_;
+    std::string_view look;
+    if (const std::size_t at = FindWord(rest, "estilo"); at != std::string_view::npos) {
+      look = Trim(rest.substr(at + 6));
+      rest = Trim(rest.substr(0, at));
+    }
+    if (const std::size_t at = FindWord(rest, "se"); at != std::string_view::npos) {
+      band.when = Formula::Parse(rest.substr(at + 2));
+      rest = Trim(rest.substr(0, at));
+    }
+    if (word == "detalhe") {
+      if (!rest.empty()) Wrong("não se esperava \"" + std::string(rest) + "\"");
+    } else {
+      band.kind = word == "cabecalho" ? BandKind::Head : BandKind::Foot;
+      if (!rest.empty()) {
+        band.group = GroupIndex(std::string(rest));
+        band.kind = word == "cabecalho" ? BandKind::GroupHead : BandKind::GroupFoot;
+      }
+    }
+    if (const std::size_t mark = look.find('?'); mark != std::string_view::npos) {
+      const std::size_t other = look.find(':', mark);
+      if (other == std::string_view::npos) Wrong("falta o \":\" do estilo");
+      band.style_when = Formula::Parse(look.substr(0, mark));
+      band.style = ReadStyle(look.substr(mark + 1, other - mark - 1));
+      band.style_else = ReadStyle(look.substr(other + 1));
+    } else if (!look.empty()) {
+      band.style = ReadStyle(look);
+    }
+    Section().bands.push_back(std::move(band));
+    band_ = &Section().bands.back();
+  }
+
+  // | texto | [Conjunto.Campo] | < |     A cell with "<" is joined to the one before it.
+  std::vector<BandCell> Cells(std::string_view line) {
+    std::vector<std::string> texts(1);
+    for (std::size_t at = 1; at < line.size(); ++at) {
+      if (line[at] == '\\' && at + 1 < line.size() && line[at + 1] == '|') {
+        texts.back() += line[++at];
+      } else if (line[at] == '|') {
+        texts.emplace_back();
+      } else {
+        texts.back() += line[at];
+      }
+    }
+    if (Trim(texts.back()).empty()) texts.pop_back();
+    if (texts.size() > Section().columns.size()) Wrong("há mais células do que colunas");
+    std::vector<BandCell> cells;
+    for (std::size_t column = 0; column < texts.size(); ++column) {
+      const std::string_view text = Trim(texts[column]);
+      if (text == "<" && !cells.empty()) {
+        ++cells.back().span;
+      } else {
+        cells.push_back({ReportText::Parse(text), column, 1});
+      }
+    }
+    return cells;
+  }
+
+  ReportTemplate& result_;
+  int line_ = 0;
+  Band* band_ = nullptr;
+};
+
+}  // namespace
+
+ReportText ReportText::Parse(std::string_view text) {
+  ReportText result;
+  Piece piece;
+  for (std::size_t at = 0; at < text.size();) {
+    if (text[at] != '[') {
+      piece.text += text[at++];
+      continue;
+    }
+    if (text.substr(at, 2) == "[[") {
+      piece.text += '[';
+      at += 2;
+      continue;
+    }
+    char quote = 0;
+    std::size_t end = at + 1;
+    for (; end < text.size() && (quote != 0 || text[end] != ']'); ++end) {
+      if (quote != 0) {
+        if (text[end] == quote) quote = 0;
+      } else if (text[end] == '"' || text[end] == '\'') {
+        quote = text[end];
+      }
+    }
+    if (end == text.size()) Wrong("falta o \"]\"");
+    std::string_view inner = Trim(text.substr(at + 1, end - at - 1));
+    if (inner.starts_with(":<")) {
+      const std::size_t close = inner.find('>');
+      if (close == std::string_view::npos) Wrong("falta o \">\" do formato");
+      piece.format = inner.substr(2, close - 2);
+      inner = inner.substr(close + 1);
+    }
+    piece.formula = Formula::Parse(inner);
+    result.pieces_.push_back(std::move(piece));
+    piece = Piece();
+    at = end + 1;
+  }
+  if (!piece.text.empty()) result.pieces_.push_back(std::move(piece));
+  return result;
+}
+
+ReportTemplate ReportTemplate::Parse(const std::string& identifier, std::string_view text) {
+  ReportTemplate result;
+  result.identifier = identifier;
+  if (text.size() > kLongestFile)
+    throw UserError("O modelo do relatório \"" + identifier + "\" é grande demais.");
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  if (!ValidUtf8(text)) throw UserError("O modelo do relatório \"" + identifier + "\" não está em UTF-8.");
+  Reader(result).Read(text);
+  if (result.sections.empty()) {
+    throw UserError("O modelo do relatório \"" + identifier + "\" não tem a linha \"dados\"." +
+                    (result.errors.empty() ? "" : "\n" + result.errors[0]));
+  }
+  if (result.title.empty()) result.title = identifier;
+  return result;
+}
+
+ReportTemplate FindTemplate(const std::string& identifier, const std::string& folder) {
+  // An identifier is made with texts from the database: it names a file of the folder and nothing else.
+  const bool plain = !identifier.empty() && identifier.find_first_of("/\\") == std::string::npos &&
+                     identifier[0] != '.' && identifier.find('\0') == std::string::npos;
+  if (plain && !folder.empty()) {
+    std::ifstream in(std::filesystem::path(folder) / (identifier + ".rel"), std::ios::binary);
+    if (in) {
+      std::ostringstream text;
+      text << in.rdbuf();
+      return ReportTemplate::Parse(identifier, text.str());
+    }
+  }
+  for (const OwnTemplate& own : kOwnTemplates) {
+    if (own.identifier == identifier) return ReportTemplate::Parse(identifier, own.text);
+  }
+  throw UserError("O relatório \"" + identifier + "\" não está instalado.");
+}
+
+std::vector<std::string> OwnTemplates() {
+  std::vector<std::string> identifiers;
+  for (const OwnTemplate& own : kOwnTemplates) identifiers.emplace_back(own.identifier);
+  return identifiers;
+}
+
+}  // namespace orv

@@ -1,0 +1,116 @@
+// A report's template: what a person writes in a text file, read into data sets, values, groups, columns and
+// bands. docs/relatorios.md tells the language.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/print/formula.h"
+
+namespace orv {
+
+enum class Align : uint8_t { Left, Center, Right };
+
+// Bits of a line's look.
+enum Style : uint8_t { kPlain = 0, kBold = 1, kItalic = 2, kAlert = 4, kShade = 8, kRule = 16 };
+
+// A text with values in brackets: "Período de [TbRelatorio.Data_ini] até [:<dd/mm/yy>TbRelatorio.Data_fim]".
+// "[[" is a bracket.
+class ReportText {
+ public:
+  struct Piece {
+    std::string text;                // before the value
+    std::string format;              // of the value
+    std::optional<Formula> formula;  // nothing at the end of the text
+  };
+  // Raises FormulaError.
+  static ReportText Parse(std::string_view text);
+  const std::vector<Piece>& Pieces() const { return pieces_; }
+
+ private:
+  std::vector<Piece> pieces_;
+};
+
+struct ReportColumn {
+  std::string title;
+  int width = 10;  // in characters
+  Align align = Align::Left;
+};
+
+struct BandCell {
+  ReportText text;
+  std::size_t column = 0;
+  std::size_t span = 1;
+};
+
+struct BandLine {
+  std::vector<BandCell> cells;
+  int line = 0;  // of the file
+};
+
+enum class BandKind : uint8_t { Head, GroupHead, Detail, GroupFoot, Foot };
+
+// Lines that are printed together, where the condition holds.
+struct Band {
+  BandKind kind = BandKind::Detail;
+  std::size_t group = 0;  // of the section's groups
+  std::optional<Formula> when;
+  // The look where the condition holds, and where it doesn't; without a condition the first one.
+  std::optional<Formula> style_when;
+  uint8_t style = kPlain, style_else = kPlain;
+  std::vector<BandLine> lines;
+  int line = 0;  // of the file
+};
+
+struct ReportGroup {
+  std::string name;
+  Formula by;
+  bool new_page = false;
+  int line = 0;
+};
+
+// A sum over the rows of a data set.
+struct ReportValue {
+  std::string name;
+  std::string set;
+  // The group with which it begins anew; empty for the whole report.
+  std::string group;
+  Formula formula;
+  int line = 0;
+};
+
+// The rows of one data set, one after the other.
+struct ReportSection {
+  std::string set;
+  std::string heading;
+  std::vector<ReportColumn> columns;
+  std::vector<ReportGroup> groups;
+  std::vector<Band> bands;
+  int line = 0;
+};
+
+struct ReportTemplate {
+  // Reads a template. A line that can't be read is left out and told in `errors`, "modelo X, linha 12: …".
+  // Raises UserError for a text that isn't a template at all.
+  static ReportTemplate Parse(const std::string& identifier, std::string_view text);
+
+  std::string identifier;
+  std::string title;
+  std::vector<ReportText> subtitles;
+  bool landscape = false;
+  std::vector<ReportValue> values;
+  std::vector<ReportSection> sections;
+  std::vector<std::string> errors;
+};
+
+// The template of an identifier: the file "<identifier>.rel" of the folder where there is one, else the
+// desk's own. Names are compared exactly. Raises UserError when there is none.
+ReportTemplate FindTemplate(const std::string& identifier, const std::string& folder);
+
+// The identifiers of the desk's own templates.
+std::vector<std::string> OwnTemplates();
+
+}  // namespace orv

@@ -1,0 +1,307 @@
+#include "host/print/writers.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include "host/print/format.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr std::array<std::string_view, 5> kFormats{"html", "pdf", "txt", "csv", "xlsx"};
+constexpr std::size_t kTextLines = 60;  // of a page of text, without its head
+constexpr std::size_t kNarrowest = 60;
+
+constexpr std::string_view kStyle = R"css(
+:root { color-scheme: light; }
+body { font: 13px/1.4 system-ui, sans-serif; margin: 24px; color: #16212a; background: #fff; }
+header { display: flex; justify-content: space-between; gap: 24px; border-bottom: 2px solid #0f5a66; margin-bottom: 12px; padding-bottom: 8px; }
+h1 { font-size: 18px; margin: 0; }
+h2 { font-size: 14px; margin: 18px 0 6px; }
+p { margin: 2px 0; }
+.right { text-align: right; white-space: nowrap; color: #51616c; }
+table { border-collapse: collapse; width: 100%; table-layout: fixed; font-variant-numeric: tabular-nums; }
+th { text-align: left; border-bottom: 1px solid #51616c; padding: 4px 6px; vertical-align: bottom; }
+td { padding: 3px 6px; vertical-align: top; overflow-wrap: anywhere; border-bottom: 1px solid #e6eaed; }
+.d { text-align: right; } td.d { white-space: nowrap; overflow-wrap: normal; } .c { text-align: center; }
+.b td { font-weight: 600; } .i td { font-style: italic; } .a td { color: #9b1c1c; } .s td { background: #eef2f4; }
+.r td { border-top: 1px solid #51616c; }
+.notes { margin-top: 18px; border-left: 3px solid #a15c00; padding-left: 10px; color: #5f3b00; }
+@media print {
+  @page { margin: 12mm; }
+  body { margin: 0; font-size: 9px; }
+  thead { display: table-header-group; }
+  tr { break-inside: avoid; }
+  .np { break-before: page; }
+}
+)css";
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '\'':
+        escaped += "&#39;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+std::string_view AlignClass(Align align) {
+  return align == Align::Right ? " class=\"d\"" : align == Align::Center ? " class=\"c\"" : "";
+}
+
+std::string LineClasses(const ReportLine& line) {
+  std::string classes;
+  const auto add = [&](bool on, const char* name) {
+    if (on) classes += (classes.empty() ? "" : " ") + std::string(name);
+  };
+  add((line.style & kBold) != 0, "b");
+  add((line.style & kItalic) != 0, "i");
+  add((line.style & kAlert) != 0, "a");
+  add((line.style & kShade) != 0, "s");
+  add((line.style & kRule) != 0, "r");
+  add(line.new_page, "np");
+  return classes.empty() ? "" : " class=\"" + classes + "\"";
+}
+
+void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std::string& html) {
+  const auto& columns = report.columns[section];
+  int whole = 0;
+  for (const ReportColumn& column : columns) whole += column.width;
+  html += "<table><colgroup>";
+  for (const ReportColumn& column : columns) {
+    html += "<col width=\"" + std::to_string(column.width * 100 / std::max(whole, 1)) + "%\">";
+  }
+  html += "</colgroup><thead><tr>";
+  for (const ReportColumn& column : columns) {
+    html +=
+        "<th scope=\"col\"" + std::string(AlignClass(column.align)) + ">" + Escaped(column.title) + "</th>";
+  }
+  html += "</tr></thead><tbody>\n";
+  for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
+    const ReportLine& one = report.lines[line];
+    html += "<tr" + LineClasses(one) + ">";
+    std::size_t at = 0;
+    const auto blank = [&](std::size_t to) {
+      if (to > at)
+        html += to - at == 1 ? "<td></td>" : "<td colspan=\"" + std::to_string(to - at) + "\"></td>";
+    };
+    for (const ReportCell& cell : one.cells) {
+      blank(cell.column);
+      html += "<td" + std::string(AlignClass(columns[cell.column].align));
+      if (cell.span > 1) html += " colspan=\"" + std::to_string(cell.span) + "\"";
+      html += ">" + Escaped(cell.text) + "</td>";
+      at = cell.column + cell.span;
+    }
+    blank(columns.size());
+    html += "</tr>\n";
+  }
+  html += "</tbody></table>\n";
+}
+
+// A text in so many characters. An amount that doesn't fit is never cut.
+std::string Fitted(const std::string& text, std::size_t width, Align align) {
+  const std::size_t count = CharCount(text);
+  if (count > width)
+    return align == Align::Right ? std::string(width, '#') : std::string(CutChars(text, width));
+  const std::size_t before = align == Align::Right    ? width - count
+                             : align == Align::Center ? (width - count) / 2
+                                                      : 0;
+  return std::string(before, ' ') + text + std::string(width - count - before, ' ');
+}
+
+std::string Spread(const std::string& left, const std::string& right, std::size_t width) {
+  const std::size_t taken = CharCount(left) + CharCount(right);
+  return left + std::string(width > taken ? width - taken : 1, ' ') + right + "\n";
+}
+
+std::string TrimmedRight(std::string line) {
+  line.erase(line.find_last_not_of(' ') + 1);
+  return line;
+}
+
+std::string TextCells(const ReportLine& line, const std::vector<ReportColumn>& columns,
+                      const std::vector<std::size_t>& places) {
+  std::string text;
+  for (const ReportCell& cell : line.cells) {
+    text = TrimmedRight(text);
+    const std::size_t from = places[cell.column];
+    const std::size_t count = CharCount(text);
+    if (count < from) text += std::string(from - count, ' ');
+    text += Fitted(cell.text, places[cell.column + cell.span] - 1 - from, columns[cell.column].align);
+  }
+  return TrimmedRight(text);
+}
+
+std::string CsvCell(const Value& value) {
+  std::string text =
+      value.Kind() == ValueKind::Currency || value.Kind() == ValueKind::Float
+          ? ReplaceAll(FormatValue(value, value.Kind() == ValueKind::Float ? "0.00######" : "0.0000"), ".",
+                       ",")
+          : value.AsString();
+  if (value.Kind() == ValueKind::Currency && text.ends_with("00")) text.resize(text.size() - 2);
+  if (value.IsText() && text.size() > 1 && text.find_first_of("=+-@\t\r") == 0)
+    text.insert(text.begin(), '\'');
+  if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
+  return "\"" + ReplaceAll(text, "\"", "\"\"") + "\"";
+}
+
+}  // namespace
+
+bool IsReportFormat(std::string_view format) {
+  return std::find(kFormats.begin(), kFormats.end(), format) != kFormats.end();
+}
+
+void WriteReport(const Report& report, std::string_view format, const std::filesystem::path& file) {
+  if (format == "pdf") return WriteReportPdf(report, file);
+  if (format == "xlsx") return WriteReportXlsx(report, file);
+  std::ofstream out(file, std::ios::binary);
+  out << (format == "html" ? ReportHtml(report) : format == "txt" ? ReportText66(report) : ReportCsv(report));
+  out.close();
+  if (!out) throw UserError("O relatório não pôde ser gravado. Verifique o espaço em disco.");
+}
+
+std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns) {
+  std::vector<std::size_t> places{0};
+  for (const ReportColumn& column : columns)
+    places.push_back(places.back() + static_cast<std::size_t>(column.width) + 1);
+  return places;
+}
+
+std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page) {
+  using Kind = PageLine::Kind;
+  std::vector<std::vector<PageLine>> pages(1);
+  const auto put = [&](PageLine line) { pages.back().push_back(line); };
+  std::size_t line = 0;
+  for (std::size_t section = 0; section < report.columns.size(); ++section) {
+    const bool heading = !report.headings[section].empty();
+    if (pages.back().size() + 5 > lines_a_page) pages.emplace_back();
+    if (!pages.back().empty()) put({Kind::Blank, 0});
+    if (heading) put({Kind::Heading, section});
+    put({Kind::Titles, section});
+    for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
+      if (pages.back().size() >= lines_a_page || report.lines[line].new_page) {
+        pages.emplace_back();
+        put({Kind::Titles, section});
+      }
+      put({Kind::Line, line});
+    }
+  }
+  for (std::size_t note = 0; note < report.notes.size(); ++note) {
+    if (pages.back().size() >= lines_a_page) pages.emplace_back();
+    if (note == 0 && !pages.back().empty()) put({Kind::Blank, 0});
+    put({Kind::Note, note});
+  }
+  return pages;
+}
+
+std::string_view ReportHtmlStyle() { return kStyle; }
+
+std::string ReportHtml(const Report& report) {
+  std::string html = "<!doctype html>\n<html lang=\"pt-BR\"><head><meta charset=\"utf-8\"><title>" +
+                     Escaped(report.title) + "</title><style>" + std::string(kStyle) +
+                     "</style></head>\n<body><header><div><h1>" + Escaped(report.title) + "</h1>";
+  for (const std::string& subtitle : report.subtitles) html += "<p>" + Escaped(subtitle) + "</p>";
+  html += "</div><div class=\"right\"><p>" + Escaped(report.company) + "</p><p>" +
+          FormatValue(Value(report.when), "dd/mm/yyyy hh:nn") + "</p><p>" + Escaped(report.user) +
+          "</p></div></header>\n";
+  std::size_t line = 0;
+  for (std::size_t section = 0; section < report.columns.size(); ++section) {
+    if (!report.headings[section].empty()) html += "<h2>" + Escaped(report.headings[section]) + "</h2>\n";
+    HtmlTable(report, section, line, html);
+  }
+  if (!report.notes.empty()) {
+    html += "<div class=\"notes\" role=\"note\"><p>Nem tudo pôde ser impresso:</p>";
+    for (const std::string& note : report.notes) html += "<p>" + Escaped(note) + "</p>";
+    html += "</div>";
+  }
+  return html + "</body></html>\n";
+}
+
+std::string ReportText66(const Report& report) {
+  std::size_t width = kNarrowest;
+  std::vector<std::vector<std::size_t>> places;
+  for (const auto& columns : report.columns) {
+    places.push_back(ColumnPlaces(columns));
+    width = std::max(width, places.back().back());
+  }
+  const auto pages = Pages(report, kTextLines);
+  std::string text;
+  for (std::size_t page = 0; page < pages.size(); ++page) {
+    if (page > 0) text += '\f';
+    text += Spread(report.company, FormatValue(Value(report.when), "dd/mm/yyyy hh:nn"), width);
+    text += Spread(report.title, "Página " + std::to_string(page + 1) + " de " + std::to_string(pages.size()),
+                   width);
+    for (const std::string& subtitle : report.subtitles) text += subtitle + "\n";
+    text += std::string(width, '=') + "\n";
+    for (const auto& [kind, index] : pages[page]) {
+      switch (kind) {
+        case PageLine::Kind::Line: {
+          const ReportLine& line = report.lines[index];
+          if ((line.style & kRule) != 0) text += std::string(width, '-') + "\n";
+          text += TextCells(line, report.columns[line.section], places[line.section]) + "\n";
+          break;
+        }
+        case PageLine::Kind::Titles: {
+          ReportLine titles;
+          const auto& columns = report.columns[index];
+          for (std::size_t at = 0; at < columns.size(); ++at) {
+            titles.cells.push_back(
+                {std::string(CutChars(columns[at].title, static_cast<std::size_t>(columns[at].width))),
+                 static_cast<uint16_t>(at), 1});
+          }
+          text += TextCells(titles, columns, places[index]) + "\n" + std::string(width, '-') + "\n";
+          break;
+        }
+        case PageLine::Kind::Heading:
+          text += report.headings[index] + "\n";
+          break;
+        case PageLine::Kind::Note:
+          text += "* " + report.notes[index] + "\n";
+          break;
+        case PageLine::Kind::Blank:
+          text += "\n";
+      }
+    }
+  }
+  return text;
+}
+
+std::string ReportCsv(const Report& report) {
+  std::string csv = "\xEF\xBB\xBF";
+  for (const ReportRows& set : report.sets) {
+    if (&set != report.sets.data()) csv += "\r\n";
+    for (std::size_t at = 0; at < set.fields.size(); ++at)
+      csv += (at > 0 ? ";" : "") + CsvCell(Value(set.fields[at]));
+    csv += "\r\n";
+    for (const auto& row : set.rows) {
+      for (std::size_t at = 0; at < row.size(); ++at) {
+        if (at > 0) csv += ';';
+        csv += CsvCell(row[at]);
+      }
+      csv += "\r\n";
+    }
+  }
+  return csv;
+}
+
+}  // namespace orv

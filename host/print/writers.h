@@ -1,0 +1,50 @@
+// The forms in which a report is written down.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/print/report.h"
+
+namespace orv {
+
+// The identifiers of the forms: "html", "pdf", "txt", "csv", "xlsx".
+bool IsReportFormat(std::string_view format);
+
+// Writes the report to a file that isn't there yet. Raises UserError when that can't be done.
+void WriteReport(const Report& report, std::string_view format, const std::filesystem::path& file);
+
+// A page for a browser, whole in itself.
+std::string ReportHtml(const Report& report);
+// The style that stands in it, for those who allow it by its digest.
+std::string_view ReportHtmlStyle();
+
+// Fixed columns, a form feed between pages.
+std::string ReportText66(const Report& report);
+
+// The rows of the data sets, parted by ";", with their mark of UTF-8. A text that a spreadsheet would take
+// for a formula is led by an apostrophe.
+std::string ReportCsv(const Report& report);
+
+void WriteReportXlsx(const Report& report, const std::filesystem::path& file);
+
+// A4. Raises UserError when the fonts aren't installed.
+void WriteReportPdf(const Report& report, const std::filesystem::path& file);
+
+// --- Shared by the forms that have pages.
+
+// A line of a page: of the report, or what stands around it.
+struct PageLine {
+  enum class Kind : uint8_t { Line, Titles, Heading, Blank, Note } kind = Kind::Line;
+  std::size_t index = 0;  // of the line, of the section, or of the note
+};
+
+// The report's lines on pages of so many, with the columns' titles at the head of each.
+std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page);
+
+// Where each column begins, in characters, with one blank between two; the last number is the whole width.
+std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns);
+
+}  // namespace orv

@@ -1,0 +1,128 @@
+// How the screen of the statement lines is made, and its page "Acesso".
+#include "reconciliation/cadextrado.h"
+
+#include "frame/entry/unit.h"
+
+namespace orv {
+
+thread_local TFmCadExtrato* FmCadExtrato = nullptr;
+
+namespace {
+
+const Unit kUnit("Cadextrado",
+                 {"TFmCadExtrato", "Cadastro de Extrato Bancário", ScreenKind::Child, "Conciliação",
+                  [](Application& a) { return std::make_unique<TFmCadExtrato>(a); }});
+
+}  // namespace
+
+TFmCadExtrato::TFmCadExtrato(Application& application)
+    : Child(application, "TFmCadExtrato", "FmCadExtrato", "Cadastro de Extrato Bancário") {
+  TbImporta.CreateDataSet();
+  AddSet(QryExtrato);
+  AddSet(TbExtrato);
+  AddSet(TbImporta);
+
+  Desenha();
+  LigaAcesso();
+  LigaCadastro();
+  LigaImportacao();
+
+  TbExtrato.SetKey("LANCTO");
+  TbExtrato.SetIndexFieldNames("LANCTO");
+  TbExtrato.Open();
+  TbExtrato.Last();
+  Bar_Confirma(false);
+  EdtCDocto.SetFocus();
+}
+
+LookupSettings TFmCadExtrato::Contas() const {
+  return Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"BANCO", "Banco"}, {"DESCRICAO", "Descrição"}});
+}
+
+std::vector<GridColumn> TFmCadExtrato::ColunasExtrato() {
+  return {{"LANCTO", "Lançamento"}, {"CONTA", "Conta"},           {"DOCTO", "Documento"},
+          {"DT_CONT", "Data"},      {"OBSERVACAO", "Observação"}, {"OPERACAO", "Operação"},
+          {"VALOR", "Valor"},       {"CONCILIADO", "Conciliado"}};
+}
+
+void TFmCadExtrato::Desenha() {
+  Layout(R"(
+    PageControl1 {
+      TabSheet1 {
+        EdtCDocto edtAConta pqAConta RgBusca BitBtn5 BitBtn1 GbPeriodo { dtInicio dtFim } /
+        DBGrid2
+      }
+      TabSheet2 {
+        PainelDados {
+          EdtLancamento EdtConta PqConta EdtData EdtDocto CbOperacao EdtValor /
+          EdtObs CbConciliado EdtSaldo
+        } /
+        DBGrid1 /
+        PainelConfirma { SbConfirmar SbDesistir }
+        PainelControle {
+          btnincluir BtnAltera BtExcluir sbPrimeiro sbAnterior sbProximo sbUltimo SbConsulta PqExtrato
+          BitBtn2 BtSaida
+        }
+      }
+      TabSheet3 {
+        EdtCam BitBtn3 EdtArq DtArq /
+        EdtIConta PqIConta EdtINomeConta EdtISaldo BitBtn6 /
+        LbCarga /
+        DBGrid3 /
+        EdtSaldoFinal BitBtn4
+      }
+    })");
+
+  // The list opens by a button of its own.
+  PqExtrato.SetVisible(false);
+  for (DBEdit* campo : {&EdtLancamento, &CbConciliado}) campo->SetReadOnly(true);
+  for (MoneyEdit* saldo : {&EdtSaldo, &EdtISaldo, &EdtSaldoFinal}) saldo->SetReadOnly(true);
+}
+
+void TFmCadExtrato::LigaAcesso() {
+  dtInicio.SetDate(Date(2000, 1, 1));
+  dtFim.SetDate(Date(2050, 1, 1));
+  TodayOnEnter(dtInicio);
+  SameOnEnter(dtFim, dtInicio);
+  Lookups({{&edtAConta, &pqAConta, "CADCONTA", "CONTA", {}, "", true, nullptr}});
+  edtAConta.OnExit = [this] { ContaExit(edtAConta); };
+
+  BitBtn5.OnClick = [this] { BitBtn5Click(); };
+  BitBtn1.OnClick = [this] { Funcoes.Chama_RelatorioWin(*this, "WCCDigExtrato"); };
+  DBGrid2.OnDblClick = [this] { DBGrid2DblClick(); };
+  DBGrid2.OnTitleClick = [this](const std::string& coluna) { ConsultaExtrato(coluna); };
+}
+
+void TFmCadExtrato::BitBtn5Click() { ConsultaExtrato("DT_CONT "); }
+
+void TFmCadExtrato::ConsultaExtrato(const std::string& ordem) {
+  const BusyMark busy(Funcoes, *this);
+  QryExtrato.Close();
+  QryExtrato.SQL.Clear();
+  QryExtrato.SQL.Add("SELECT * FROM " + Funcoes.DBLocal("EXTRATO", true));
+  QryExtrato.SQL.Add("WHERE DT_CONT >= " + Funcoes.AspasData(dtInicio.Date()));
+  QryExtrato.SQL.Add("AND DT_CONT <= " + Funcoes.AspasData(dtFim.Date()));
+  if (!EdtCDocto.Empty()) QryExtrato.SQL.Add("AND DOCTO = " + Funcoes.Aspas(EdtCDocto.Text()));
+  if (!edtAConta.Empty()) QryExtrato.SQL.Add("AND CONTA = " + Funcoes.Aspas(edtAConta.Text()));
+  if (RgBusca.ItemIndex() == 1) QryExtrato.SQL.Add("AND CONCILIADO = 'N'");
+  if (RgBusca.ItemIndex() == 2) QryExtrato.SQL.Add("AND CONCILIADO = 'S'");
+  QryExtrato.SQL.Add("ORDER BY " + ordem);
+  QryExtrato.Open();
+}
+
+void TFmCadExtrato::DBGrid2DblClick() {
+  if (QryExtrato.IsEmpty()) return;
+  PageControl1.SetActivePage(TabSheet2);
+  if (TbExtrato.Editing()) {
+    // What is being typed there isn't thrown away.
+    Inform("Confirme ou desista primeiro do lançamento em edição.");
+    return;
+  }
+  if (!TbExtrato.Locate("LANCTO", QryExtrato["LANCTO"].Get())) {
+    Inform("O lançamento não existe mais. Consulte de novo.");
+    return;
+  }
+  btnincluir.SetFocus();
+}
+
+}  // namespace orv

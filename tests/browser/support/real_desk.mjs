@@ -1,0 +1,88 @@
+// The desk itself on a demo company of its own, behind a link that can be slow or cut.
+import assert from "node:assert/strict";
+import { execFileSync, spawn } from "node:child_process";
+import { existsSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { connect, createServer } from "node:net";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { createInterface } from "node:readline";
+import { dist, root } from "./browser.mjs";
+
+const kProgram = process.env.ORVCC ?? ["debug", "release"].map((build) => join(root, "build", build, "bin", "orvcc")).find((path) => existsSync(path));
+
+// A link to `port` that holds what passes for `delay` milliseconds, and can be broken.
+async function startLink(port) {
+  const link = { delay: 0, open: true, port: 0 };
+  const sockets = new Set();
+  const carry = (from, to) => {
+    from.on("data", (bytes) => (link.delay === 0 ? to.write(bytes) : setTimeout(() => to.destroyed || to.write(bytes), link.delay)));
+    from.on("close", () => to.destroy());
+    from.on("error", () => to.destroy());
+  };
+  const server = createServer((near) => {
+    if (!link.open) {
+      near.destroy();
+      return;
+    }
+    const far = connect(port, "127.0.0.1");
+    for (const one of [near, far]) {
+      sockets.add(one);
+      one.on("close", () => sockets.delete(one));
+    }
+    carry(near, far);
+    carry(far, near);
+  });
+  await new Promise((resolve) => server.listen(0, "127.0.0.1", resolve));
+  link.port = server.address().port;
+  link.cut = () => {
+    link.open = false;
+    for (const one of sockets) one.destroy();
+  };
+  link.mend = () => (link.open = true);
+  link.stop = () => {
+    link.cut();
+    server.close();
+  };
+  return link;
+}
+
+export async function startRealDesk() {
+  assert.ok(kProgram, "o programa orvcc não está construído");
+  const folder = mkdtempSync(join(tmpdir(), "orvcc-"));
+  const database = join(folder, "demo.fdb");
+  const run = (args, input = "") => execFileSync(kProgram, [...args, "--database", database], { input, encoding: "utf8" });
+  run(["init", "--demo"]);
+  run(["user", "add", "ana", "--admin"], "cafe com acucar\n");
+  run(["user", "add", "leo"], "pao de queijo 7\n");
+  run(["user", "grant", "leo", "TfmCC", "E"]);
+  run(["lock", "set", "--account", "20418-7", "--until", "2026-11-30"]);
+  let process_ = null;
+  let link = null;
+  const desk = {
+    run,
+    async start() {
+      process_ = spawn(kProgram, ["serve", "--database", database, "--listen", "127.0.0.1:0", "--data", join(folder, "data"), "--web", dist, "--log", join(folder, "log"), "--today", "2026-11-20"], { stdio: ["ignore", "pipe", "inherit"] });
+      const lines = createInterface({ input: process_.stdout });
+      const [line] = await new Promise((resolve, reject) => {
+        lines.once("line", (text) => resolve([text]));
+        process_.once("exit", (code) => reject(new Error(`orvcc serve: ${code}`)));
+      });
+      link = await startLink(Number(/:(\d+) /.exec(line)[1]));
+      desk.link = link;
+      desk.url = `http://127.0.0.1:${link.port}`;
+    },
+    log: () => readFileSync(join(folder, "log"), "utf8"),
+    // A clean end; the result is the exit code.
+    async stop() {
+      link?.stop();
+      if (process_ === null) return 0;
+      const ended = new Promise((resolve) => process_.once("exit", resolve));
+      process_.kill("SIGTERM");
+      process_ = null;
+      return await ended;
+    },
+    remove: () => rmSync(folder, { recursive: true, force: true }),
+  };
+  await desk.start();
+  return desk;
+}

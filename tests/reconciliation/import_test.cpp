@@ -1,0 +1,239 @@
+// The page "Importação": files loaded for review, confirmed, refused; what is left after a fault.
+#include <set>
+#include <thread>
+
+#include "tests/reconciliation/extrato_desk.h"
+#include "tests/support/process.h"
+
+namespace orv::test {
+namespace {
+
+constexpr const char* kLoaded = "Arquivo carregado com sucesso.";
+constexpr const char* kStored = "Arquivo importado com sucesso.";
+constexpr const char* kOtherBank = "Banco do Arquivo diferente do Selecionado. Continuar?";
+
+TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
+  Run("DELETE FROM EXTRATO_001 WHERE CONTA = '33021-5'");
+  Run("INSERT INTO EXTRATO_001 (LANCTO, BANCO, CONTA, DOCTO, DT_CONT, VALOR, OPERACAO, CONCILIADO) VALUES "
+      "('T00001', '903', '33021-5', '000123', '11/18/2026', 10.50, 'D', 'N')");
+  Desk desk(database_);
+  Import(desk);
+  EXPECT_EQ(desk.Text("DtArq"), "20/11/2026");
+
+  // Chosen as in a browser: the file is put in the user's own folder.
+  desk.Click("BitBtn3");
+  EXPECT_EQ(desk.End(), "waiting file");
+  desk.Do({{"do", "file"}, {"name", "novo.ofx"}, {"content", "PE9GWD4="}});
+  EXPECT_EQ(desk.Text("EdtArq"), "novo.ofx");
+  EXPECT_TRUE(desk.Text("EdtCam").ends_with("/files/ana"));
+
+  EXPECT_EQ(Load(desk, File("open_tags.ofx", "NOVEMBRO.OFX"), kOfx), kLoaded);
+  EXPECT_EQ(desk.Text("EdtArq"), "NOVEMBRO.OFX");
+  EXPECT_EQ(desk.Text("EdtCam"), folder_.Path().string() + "/");
+  EXPECT_EQ(desk.Text("DtArq"), "19/11/2026");
+  EXPECT_EQ(desk.Rows("TbImporta"),
+            "33021-5|000123|2026-11-18|10.5000|D|TARIFA|\n"
+            "33021-5|000124|2026-11-19|1500.0000|C|DEPÓSITO EM DINHEIRO|\n");
+  EXPECT_EQ(desk.Text("EdtISaldo"), "-10,50");
+  EXPECT_EQ(desk.Text("EdtSaldoFinal"), "1.479,00");
+  EXPECT_EQ(Told(desk),
+            "2 linhas carregadas. 1 já está no extrato com a mesma conta, data, valor e documento.");
+
+  // Only the text changes; rows go but don't come.
+  const auto cell = [&](const char* column, const char* value) {
+    desk.Do({{"do", "cell"}, {"control", "DBGrid3"}, {"row", 1}, {"column", column}, {"value", value}});
+    return desk.Messages();
+  };
+  for (const char* column : {"Docto", "Dt_Cont", "Valor", "Operacao"})
+    EXPECT_EQ(cell(column, "1"), "error: Esta coluna é só de leitura.") << column;
+  EXPECT_EQ(cell("Obs", "D'AGUA E UM TEXTO QUE PASSA DE CINQUENTA CARACTERES AO TODO"), "");
+  desk.Do({{"do", "append"}, {"control", "DBGrid3"}});
+  EXPECT_EQ(desk.Messages(), "error: Aqui não se incluem linhas.");
+  desk.Do({{"do", "delete"}, {"control", "DBGrid3"}, {"row", 0}});
+
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(desk.Rows("TbImporta"), "");
+  EXPECT_EQ(Stored("NOVEMBRO.OFX"),
+            "903|33021-5|000124|2026-11-19|1500.0000|C|D'AGUA E UM TEXTO QUE PASSA DE CINQUENTA CARACTERE|N|"
+            "2026-11-19|-");
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'NOVEMBRO.OFX' AND CHAVE = LANCTO"), "1");
+
+  // The name counts, not the folder nor the contents; another name is loaded, and its lines are counted.
+  std::filesystem::create_directory(folder_.Path() / "copia");
+  EXPECT_EQ(Load(desk, File("closed_tags.ofx", "copia/NOVEMBRO.OFX"), kColunas), "Arquivo Já Carregado.");
+  EXPECT_EQ(desk.Rows("TbImporta"), "");
+  EXPECT_EQ(Load(desk, File("open_tags.ofx", "outro.ofx"), kOfx), kLoaded);
+  EXPECT_EQ(Told(desk),
+            "2 linhas carregadas. 2 já estão no extrato com a mesma conta, data, valor e documento.");
+  EXPECT_EQ(desk.Text("EdtISaldo"), "1.489,50");
+}
+
+TEST_F(ExtratoTest, AsksBeforeAFileOfAnotherBank) {
+  const std::string before = Lines();
+  Desk desk(database_);
+  Import(desk);
+  for (const char* name : {"other_bank.ofx", "no_bank.ofx"}) {
+    EXPECT_EQ(Load(desk, File(name), kOfx, "no"), kOtherBank) << name;
+    EXPECT_EQ(desk.Rows("TbImporta"), "");
+    EXPECT_EQ(Load(desk, File(name), kOfx, "yes"), std::string(kOtherBank) + "\n" + kLoaded) << name;
+    EXPECT_EQ(desk.Rows("TbImporta"), "33021-5|000123|2026-11-18|10.5000|D|TARIFA|\n");
+  }
+  EXPECT_EQ(Load(desk, File("several_accounts.ofx"), kOfx), kLoaded);
+  EXPECT_EQ(Told(desk),
+            "2 linhas carregadas. O arquivo é de várias contas (330215, 998877): todas as linhas entram na "
+            "conta 33021-5.");
+  EXPECT_EQ(Load(desk, File("bad_server_date.ofx"), kOfx), kLoaded);
+  EXPECT_EQ(desk.Text("DtArq"), "20/11/2026");
+  EXPECT_EQ(Lines(), before);
+}
+
+TEST_F(ExtratoTest, LoadsTextByItsLayout) {
+  Desk desk(database_);
+  Import(desk);
+  EXPECT_EQ(Load(desk, File("fixed_columns.ret"), kColunas), kLoaded);
+  EXPECT_EQ(Told(desk),
+            "3 linhas carregadas; 4 deixadas de fora (1 de outra conta, 3 sem chave ou marcadas para não "
+            "importar).");
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(Stored("fixed_columns.ret"),
+            "901|10250-1|DOC1|2026-11-18|123.4500|C|DEPOSITO. AGENCIA 12|N|2026-11-20|-;"
+            "901|10250-1|DOC2|2026-11-18|0.9900|D|DEPOSITO. |N|2026-11-20|-;"
+            "901|10250-1|DOC3|2026-11-18|123.4500|D|DEPOSITO. AGENCIA 12|N|2026-11-20|-");
+  EXPECT_EQ(Sql("SELECT CHAVE FROM EXTRATO_001 WHERE ARQUIVO = 'fixed_columns.ret' ORDER BY LANCTO"),
+            "CH00000001;CH00000002;CH3");
+
+  EXPECT_EQ(Load(desk, File("separated_quote.txt"), kSeparado), kLoaded);
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(Stored("separated_quote.txt"),
+            "902|20418-7|D'1|2026-11-18|1.0000|C|D'AGUA: ') DROP TABLE X --|N|2026-11-20|-");
+  // Nothing to confirm is confirmed as well.
+  EXPECT_EQ(Confirm(desk), kStored);
+
+  // Of no account and of an account without a layout there are no lines.
+  EXPECT_EQ(Load(desk, File("separated.txt"), ""), kLoaded);
+  EXPECT_EQ(desk.Rows("TbImporta"), "");
+  EXPECT_EQ(Load(desk, File("separated.txt"), kOfx), kLoaded);
+  EXPECT_EQ(desk.Rows("TbImporta"), "");
+
+  // A fault stops the load; what came before stays and can be confirmed.
+  EXPECT_EQ(Load(desk, File("separated_bad_date.txt"), kSeparado),
+            "error: Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.");
+  EXPECT_EQ(Told(desk), "1 linha carregada.");
+  EXPECT_EQ(desk.Rows("TbImporta"), "20418-7|D1|2026-11-18|1.0000|C|X|\n");
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt'"), "1");
+}
+
+TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
+  const std::string before = Lines();
+  Desk desk(database_);
+  Import(desk);
+  std::filesystem::create_directory(folder_.Path() / "pasta");
+  Written("grande.ofx", "");
+  std::filesystem::resize_file(folder_.Path() / "grande.ofx", std::uintmax_t{2} << 30);
+  std::string hostile = "<STMTTRN>\n<DTPOSTED>20261118\n<MEMO>";
+  hostile.append(1 << 20, '<').append("\n<TRNAMT>").append(1 << 20, '9').append("\n</STMTTRN>\n");
+  const std::pair<std::string, std::string> cases[] = {
+      {(folder_.Path() / "falta.ofx").string(), "Arquivo não encontrado."},
+      {(folder_.Path() / "pasta").string() + "/", "Arquivo não encontrado."},
+      {"/dev/zero", "Arquivo não encontrado."},
+      {(folder_.Path() / "grande.ofx").string(), "O arquivo é grande demais: o limite é de 64 MB."},
+      {File("a_picture.ofx"), "O arquivo não é um texto: nenhuma linha foi lida."},
+      {File("utf16.ofx"),
+       "O arquivo está em UTF-16. Grave-o como UTF-8 ou Windows-1252 e carregue-o de novo."},
+      {File("empty.ofx"), kOtherBank},
+      {File("truncated.ofx"), kLoaded},
+      {File("no_date.ofx"), "error: Linha 41 do arquivo: \"\" não é uma data válida."},
+      {Written("hostil.ofx", hostile), kOtherBank},
+  };
+  for (const auto& [path, said] : cases) {
+    EXPECT_EQ(Load(desk, path, kOfx), said) << path;
+    EXPECT_EQ(desk.End(), "idle");
+  }
+  EXPECT_EQ(Load(desk, folder_.Path() / "hostil.ofx", kOfx, "yes"), std::string(kOtherBank) + "\n" + kLoaded);
+  EXPECT_EQ(Told(desk), "1 linha carregada. 1 valor ilegível entrou com 0,00.");
+  EXPECT_EQ(Lines(), before);
+
+  desk.Set("EdtIConta", "99999");
+  desk.Focus("EdtCam");
+  EXPECT_EQ(desk.Messages(), "Conta não cadastrada.");
+}
+
+// An OFX file of so many lines, each with its own document.
+std::string Many(int lines) {
+  std::string text = "<BANKID>0903\n";
+  for (int i = 0; i < lines; ++i) {
+    text += "<STMTTRN>\n<DTPOSTED>20261118\n<TRNAMT>-1.00\n<CHECKNUM>" + std::to_string(i) + "\n</STMTTRN>\n";
+  }
+  return text;
+}
+
+TEST_F(ExtratoTest, ManyLinesOneAfterTheOther) {
+  // Numbers that are taken in the midst of the block are passed over.
+  Run("INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO) SELECT LPAD(CAST(MAX(LANCTO) AS INTEGER) + "
+      "400, "
+      "6, '0'), 'X', 1, 'C' FROM EXTRATO_001");
+  Desk desk(database_);
+  Import(desk);
+  EXPECT_EQ(Load(desk, Written("muitas.ofx", Many(1203)), kOfx), kLoaded);
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(
+      Sql("SELECT COUNT(*), COUNT(DISTINCT LANCTO), COUNT(DISTINCT DOCTO), MAX(CHAR_LENGTH(LANCTO)) FROM "
+          "EXTRATO_001 WHERE ARQUIVO = 'muitas.ofx'"),
+      "1203|1203|1203|6");
+  // In the order of the file.
+  EXPECT_EQ(
+      Sql("SELECT COUNT(*) FROM EXTRATO_001 A JOIN EXTRATO_001 B ON B.ARQUIVO = A.ARQUIVO AND "
+          "B.DOCTO = CAST(CAST(A.DOCTO AS INTEGER) + 1 AS VARCHAR(12)) WHERE A.ARQUIVO = 'muitas.ofx' AND "
+          "A.LANCTO > B.LANCTO"),
+      "0");
+}
+
+TEST_F(ExtratoTest, AKilledConfirmationLeavesAllOrNone) {
+  using std::chrono::microseconds;
+  using std::chrono::steady_clock;
+  constexpr int kKills = 12;
+  std::set<std::string> left;
+  microseconds whole{};
+  for (int kill = -1; kill < kKills; ++kill) {
+    const std::string name = "kill" + std::to_string(kill) + ".ofx";
+    LetGo();
+    DriveProcess desk(database_);
+    for (const char* screen : {"TFmCadExtrato"}) desk.Do({{"do", "open"}, {"class", screen}});
+    desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
+    desk.Do({{"do", "set"}, {"control", "EdtCam"}, {"value", Written(name, Many(1000))}});
+    desk.Do({{"do", "set"}, {"control", "EdtIConta"}, {"value", kOfx}});
+    desk.Do({{"do", "click"}, {"control", "BitBtn6"}});
+    desk.Do({{"do", "answer"}, {"value", "ok"}});
+    const auto begun = steady_clock::now();
+    if (kill < 0) {
+      desk.Do({{"do", "click"}, {"control", "BitBtn4"}});
+      whole = std::chrono::duration_cast<microseconds>(steady_clock::now() - begun);
+    } else {
+      desk.Send({{"do", "click"}, {"control", "BitBtn4"}});
+      std::this_thread::sleep_until(begun + whole * kill * 5 / (kKills * 4));
+    }
+    desk.Kill();
+    left.insert(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = '" + name + "'"));
+  }
+  for (const std::string& lines : left) EXPECT_TRUE(lines == "0" || lines == "1000") << lines;
+  EXPECT_EQ(left.size(), 2U);
+}
+
+// What the database refuses at the last line takes the others back.
+TEST_F(ExtratoTest, AFailedConfirmationLeavesNone) {
+  const std::string before = Lines();
+  Ddl("ALTER TABLE EXTRATO_001 ADD CONSTRAINT C_REGRA CHECK (DOCTO <> '599')");
+  Desk desk(database_);
+  Import(desk);
+  EXPECT_EQ(Load(desk, Written("falha.ofx", Many(600)), kOfx), kLoaded);
+  EXPECT_EQ(Confirm(desk), "error: Um valor não obedece a uma regra da tabela. Nada foi gravado.");
+  EXPECT_EQ(Lines(), before);
+  // The lines are still there to be reviewed; without the refused one they go in.
+  desk.Do({{"do", "delete"}, {"control", "DBGrid3"}, {"row", 599}});
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'falha.ofx'"), "599");
+}
+
+}  // namespace
+}  // namespace orv::test
