@@ -1,0 +1,269 @@
+// How the workbench is made, and what its pages open.
+#include "reconciliation/concilia.h"
+
+#include "frame/entry/unit.h"
+#include "ledger/cc_lanc_fluxo.h"
+#include "toolkit/error.h"
+
+namespace orv {
+
+thread_local TFmConcilia* FmConcilia = nullptr;
+
+namespace {
+
+const Unit kUnit("Concilia", {"TFmConcilia", "Conciliação", ScreenKind::Child, "Conciliação",
+                              [](Application& a) { return std::make_unique<TFmConcilia>(a); }});
+
+constexpr const char* kRelatorio = "WCCExtConc";
+constexpr const char* kPrazo = "3";
+
+enum Operadora { kGetnet, kStone, kCielo, kPagarMe, kYapay, kRede };
+enum TipoConcilia { kVenda, kContaCorrente, kPedido };
+
+// Narrows a set for a block.
+class Filtrado {
+ public:
+  Filtrado(TClientDataSet& set, std::string_view filtro) : set_(set) {
+    set_.SetFilter(filtro);
+    set_.SetFiltered(true);
+  }
+  ~Filtrado() {
+    set_.SetFiltered(false);
+    set_.SetFilter("");
+  }
+  Filtrado(const Filtrado&) = delete;
+  Filtrado& operator=(const Filtrado&) = delete;
+
+ private:
+  TClientDataSet& set_;
+};
+
+}  // namespace
+
+TFmConcilia::TFmConcilia(Application& application)
+    : Child(application, "TFmConcilia", "FmConcilia", "Conciliação") {
+  AbreTabelas({"TbCadConta"});
+  fin110_ = Funcoes.BuscaParametro("FIN", 110) == "S";
+  for (TClientDataSet* set :
+       std::initializer_list<TClientDataSet*>{&TbMov, &TbArq, &TbArquivo, &TbVendas, &TbSugestao}) {
+    set->CreateDataSet();
+    AddSet(*set);
+  }
+  AddSet(TbCartao_Arq);
+  // Until a reader lays its own down.
+  TbCartao_Arq.FieldDefs.Add("SEL", FieldType::Integer);
+  TbCartao_Arq.FieldDefs.Add("REC", FieldType::Integer);
+  TbCartao_Arq.FieldDefs.Add("CARTAO", FieldType::String, 18);
+  TbCartao_Arq.FieldDefs.Add("DATA", FieldType::DateTime);
+  TbCartao_Arq.FieldDefs.Add("COMPROVANTE_VENDA", FieldType::String, 40);
+  TbCartao_Arq.FieldDefs.Add("VALOR_TOTAL", FieldType::Float);
+  TbCartao_Arq.FieldDefs.Add("VALOR_PARCELA", FieldType::Float);
+  TbCartao_Arq.FieldDefs.Add("TAXA", FieldType::Float);
+  TbCartao_Arq.FieldDefs.Add("PARCELA", FieldType::String, 5);
+
+  Desenha();
+  LigaExtrato();
+  LigaCheques();
+  LigaCartoes();
+  LigaGrades();
+  EdtConta.SetFocus();
+}
+
+LookupSettings TFmConcilia::Contas() const {
+  return Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"BANCO", "Banco"}, {"DESCRICAO", "Descrição"}});
+}
+
+void TFmConcilia::Desenha() {
+  Layout(R"(
+    PageControl1 {
+      TabSheet1 {
+        EdtConta PqConta EdtDescConta EdtCodBan EdtBanco EdtDocto EdtConcilia /
+        RgBusca RgTipo BitBtn1 DtInicio DtFinal /
+        GbMov { OrvDBGrid1 / EdtTotMov EdtSaldoMov EdtSaldoMovCon }
+        GbArq { OrvDBGrid2 / EdtTotExt EdtSaldoExt EdtSaldoExtCon } /
+        GbSugestao { GridSugestao } /
+        EdtDif EdtPrazo BtSugerir BitBtn4 BitBtn8 BitBtn7 BitBtn5 BitBtn9 BitBtn3
+      }
+      TabSheet2 {
+        EdtCam SpeedButton1 EdtArq /
+        EdtContaArq PqContaArq EdtDescContaArq EdtBancoArq /
+        CbDias BitBtn6 DtIniArq DtFimArq /
+        OrvDBGrid3 /
+        BitBtn10 BitBtn11 BitBtn12
+      }
+      TabSheet3 {
+        cbCartao_Operadora CbCartao_TipoConcilia EdCartao_Arquivo SpeedButton2 /
+        EdtCodBanco PqBanco EdtDescBanco EdtContaMoeda PqContaMoeda EdtDescContaMoeda /
+        EdCartao_Conciliacao RgCartao_Busca CbTodasEmpresas BtCartao_Consultar
+        DtCartao_Ini DtCartao_Fim /
+        GridCC /
+        GridArq /
+        BitBtn13 BitBtn2
+      }
+    })");
+
+  for (MoneyEdit* total :
+       {&EdtTotMov, &EdtSaldoMov, &EdtSaldoMovCon, &EdtTotExt, &EdtSaldoExt, &EdtSaldoExtCon, &EdtDif}) {
+    total->SetAmount(Currency());
+    total->SetReadOnly(true);
+  }
+  GbSugestao.SetVisible(false);
+}
+
+void TFmConcilia::LigaExtrato() {
+  DtInicio.SetDate(Date(2000, 1, 1));
+  DtFinal.SetDate(Today());
+  TodayOnEnter(DtInicio);
+  SameOnEnter(DtFinal, DtInicio);
+  EdtPrazo.SetText(kPrazo);
+  Lookups({{&EdtConta, &PqConta, "CADCONTA", "CONTA", {}, "", false, [this] { EdtContaChange(); }}});
+  EdtCodBan.OnChange = [this] { EdtCodBanChange(); };
+
+  BitBtn1.OnClick = [this] { BitBtn1Click(); };
+  BitBtn4.OnClick = [this] { BitBtn4Click(); };
+  BitBtn8.OnClick = [this] { BitBtn8Click(); };
+  BitBtn7.OnClick = [this] { BitBtn7Click(); };
+  BitBtn5.OnClick = [this] { BitBtn5Click(); };
+  BitBtn9.OnClick = [this] { Funcoes.Carrega_Form("orvCC", "TFmCadExtrato", "", false, true); };
+  BitBtn3.OnClick = [this] { Close(); };
+  BtSugerir.OnClick = [this] { BtSugerirClick(); };
+}
+
+void TFmConcilia::LigaCheques() {
+  DtIniArq.SetDate(Date(2000, 1, 1));
+  DtFimArq.SetDate(Today());
+  TodayOnEnter(DtIniArq);
+  SameOnEnter(DtFimArq, DtIniArq);
+  Lookups({{&EdtContaArq,
+            &PqContaArq,
+            "CADCONTA",
+            "CONTA",
+            {{"DESCRICAO", &EdtDescContaArq}, {"BANCO", &EdtBancoArq}},
+            "",
+            false,
+            nullptr}});
+  EdtBancoArq.OnChange = [this] { EdtCodBanChange(); };
+
+  SpeedButton1.OnClick = [this] { SpeedButton1Click(); };
+  BitBtn6.OnClick = [this] { BitBtn6Click(); };
+  BitBtn10.OnClick = [this] { BitBtn10Click(); };
+  BitBtn11.OnClick = [this] { Funcoes.Chama_Relatorio(*this, kRelatorio); };
+  BitBtn12.OnClick = [this] { Close(); };
+}
+
+void TFmConcilia::LigaCartoes() {
+  DtCartao_Ini.SetDate(Date(2000, 1, 1));
+  DtCartao_Fim.SetDate(Date(2050, 1, 1));
+  TodayOnEnter(DtCartao_Ini);
+  SameOnEnter(DtCartao_Fim, DtCartao_Ini);
+  CbCartao_TipoConcilia.SetEnabled(false);
+  Lookups({
+      {&EdtCodBanco, &PqBanco, "CADBAN", "BANCO", {{"NOME_BANCO", &EdtDescBanco}}, "", false, nullptr},
+      {&EdtContaMoeda,
+       &PqContaMoeda,
+       "CADCONTA",
+       "CONTA",
+       {{"DESCRICAO", &EdtDescContaMoeda}},
+       "",
+       false,
+       nullptr},
+  });
+
+  cbCartao_Operadora.OnChange = [this] { cbCartao_OperadoraChange(); };
+  SpeedButton2.OnClick = [this] {
+    if (const auto arquivo = User().OpenFile("SpeedButton2", "csv|*.csv|txt|*.txt|xlsx|*.xlsx|Todos|*.*"))
+      EdCartao_Arquivo.SetText(*arquivo);
+  };
+  BtCartao_Consultar.OnClick = [this] { BtCartao_ConsultarClick(); };
+  BitBtn13.OnClick = [this] { BitBtn13Click(); };
+  BitBtn2.OnClick = [this] { Close(); };
+}
+
+void TFmConcilia::LigaGrades() {
+  struct Lado {
+    TOrvDBGrid& grade;
+    TClientDataSet& set;
+    Field& marca;
+    void (TFmConcilia::*muda)();
+  };
+  for (const Lado& lado : {Lado{OrvDBGrid1, TbMov, TbMov.Conciliar, &TFmConcilia::TbMovConciliarChange},
+                           Lado{OrvDBGrid2, TbArq, TbArq.Concilia, &TFmConcilia::TbArqConciliaChange}}) {
+    TClientDataSet& set = lado.set;
+    lado.marca.OnChange = [this, muda = lado.muda] { (this->*muda)(); };
+    set.AfterPost = [this, &set] {
+      if (set.Tag < 2) CalculaTotais();
+    };
+    // A click on a title and a click on a cell.
+    lado.grade.OnTitleClick = [&set](const std::string&) { set.Tag = 1; };
+    set.BeforeEdit = [&set] {
+      if (set.Tag == 1) set.Tag = 0;
+    };
+  }
+  TbArquivo.AfterPost = [this] {
+    if (TbArq.Tag < 2) CalculaTotais();
+  };
+  TbSugestao.AfterScroll = [this] { TbSugestaoAfterScroll(); };
+  for (TOrvDBGrid* grade : {&OrvDBGrid1, &OrvDBGrid2, &OrvDBGrid3}) {
+    grade->OnExit = [set = &grade->Set()] { set->PostIfEditing(); };
+  }
+  for (TOrvDBGrid* grade : {&OrvDBGrid1, &OrvDBGrid2, &OrvDBGrid3, &GridCC, &GridArq})
+    grade->SetRowsFixed(true);
+}
+
+void TFmConcilia::Recusa(std::string_view message, Control& field) {
+  Inform(message);
+  field.SetFocus();
+}
+
+void TFmConcilia::EdtCodBanChange() {
+  const std::string banco = Funcoes.Aspas(EdtCodBan.Text());
+  EdtBanco.SetText(Funcoes.Busca_Valor("CADBAN", "BANCO", "NOME_BANCO", banco, true, true));
+  EdtArq.SetText(Funcoes.Busca_Valor("CADBAN", "BANCO", "ENTRADA", banco, true, true));
+}
+
+void TFmConcilia::BitBtn5Click() {
+  auto& fluxo = static_cast<TFmCCLancFluxo&>(Owner().Adopt(std::make_unique<TFmCCLancFluxo>(Owner())));
+  fluxo.EdtConta.SetText(EdtConta.Text());
+  fluxo.ShowModal();
+  BitBtn1Click();
+}
+
+void TFmConcilia::BitBtn7Click() {
+  const Filtrado movimentos(TbMov, "Conciliar = 'N'"), linhas(TbArq, "Concilia = 'S'");
+  Funcoes.Chama_Relatorio(*this, kRelatorio);
+}
+
+// --- Conciliação de Cartões.
+
+void TFmConcilia::cbCartao_OperadoraChange() {
+  switch (cbCartao_Operadora.ItemIndex()) {
+    case kGetnet:
+    case kCielo:
+    case kRede:
+      CbCartao_TipoConcilia.SetEnabled(true);
+      return;
+    case kStone:
+      CbCartao_TipoConcilia.SetEnabled(false);
+      CbCartao_TipoConcilia.SetItemIndex(kVenda);
+      return;
+    case kPagarMe:
+    case kYapay:
+      CbCartao_TipoConcilia.SetEnabled(false);
+      CbCartao_TipoConcilia.SetItemIndex(kPedido);
+      return;
+    default:
+      return;
+  }
+}
+
+void TFmConcilia::BtCartao_ConsultarClick() {
+  if (cbCartao_Operadora.ItemIndex() < 0) return Recusa("Selecione uma operadora.", cbCartao_Operadora);
+  Inform("Os arquivos da operadora " + cbCartao_Operadora.Text() +
+         " não são lidos. Operadoras cujos arquivos são lidos: nenhuma.");
+}
+
+void TFmConcilia::BitBtn13Click() {
+  if (TbVendas.IsEmpty()) return Inform("Não há conciliação de cartões a gravar.");
+}
+
+}  // namespace orv

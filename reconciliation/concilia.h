@@ -1,0 +1,378 @@
+// The reconciliation workbench: movements of the ledger are ticked against lines of the bank's statement and
+// tied to them, cleared by a bank's return of cheques, or by the files of the card acquirers.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/module.h"
+#include "frame/screen.h"
+#include "toolkit/client_dataset.h"
+
+namespace orv {
+
+struct Suggestion;
+
+class ORV_EXPORT TFmConcilia : public Child {
+ public:
+  explicit TFmConcilia(Application& application);
+
+  PageControl PageControl1{*this, "PageControl1", 0};
+
+  // --- Conciliação de Extrato.
+  TabSheet TabSheet1{*this, "TabSheet1", "Conciliação de Extrato"};
+
+  Edit EdtConta{*this, "EdtConta", "Conta", 13};
+  TPesquisa PqConta{*this, "PqConta", Contas()};
+  ReadOnlyEdit EdtDescConta{*this, "EdtDescConta"};
+  ReadOnlyEdit EdtCodBan{*this, "EdtCodBan", "Banco"};
+  ReadOnlyEdit EdtBanco{*this, "EdtBanco"};
+  Edit EdtDocto{*this, "EdtDocto", "Documento", 15};
+  Edit EdtConcilia{*this, "EdtConcilia", "Conciliação", 10};
+  RadioGroup RgBusca{*this, "RgBusca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
+  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Pagamentos", "Recebimentos", "Todos"}, 2};
+  Button BitBtn1{*this, "BitBtn1", "&Consultar"};
+  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through
+  // the filters to the inquiry narrows no period by that.
+  DateEdit DtInicio{*this, "DtInicio", "De"};
+  DateEdit DtFinal{*this, "DtFinal", "Até"};
+
+  // The movements, ticked by "N": no longer pending.
+  struct MovSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Conciliar{*this, "Conciliar", FieldType::String, 1};
+    Field Operacao{*this, "Operacao", FieldType::String, 1};
+    Field Lancto{*this, "Lancto", FieldType::String, 7};
+    Field Docto{*this, "Docto", FieldType::String, 15};
+    Field DataLancto{*this, "Data_Lancto", FieldType::Date};
+    Field Data{*this, "Data", FieldType::Date};
+    Field DataVencto{*this, "Data_Vencto", FieldType::Date};
+    Field Classe{*this, "Classe", FieldType::String, 6};
+    Field DescClasse{*this, "DescClasse", FieldType::String, 30};
+    Field Valor{*this, "Valor", FieldType::Currency};
+    Field Historico{*this, "Historico", FieldType::String, 4};
+    Field Observacao{*this, "Observacao", FieldType::String, 100};
+    Field LancCon{*this, "Lanc_Con", FieldType::String, 7};
+    Field SaldoIni{*this, "Saldo_Ini", FieldType::Currency};
+  } TbMov{"TbMov"};
+
+  // The lines of the statement, ticked by "S".
+  struct ArqSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Concilia{*this, "Concilia", FieldType::String, 1};
+    Field Operacao{*this, "Operacao", FieldType::String, 1};
+    Field Lancto{*this, "Lancto", FieldType::String, 7};
+    Field Docto{*this, "Docto", FieldType::String, 10};
+    Field Data{*this, "Data", FieldType::Date};
+    Field Classe{*this, "Classe", FieldType::String, 6};
+    Field Valor{*this, "Valor", FieldType::Currency};
+    Field Historico{*this, "Historico", FieldType::String, 4};
+    Field Observacao{*this, "Observacao", FieldType::String, 100};
+    Field Arquivo{*this, "Arquivo", FieldType::String, 8};
+    Field LancCon{*this, "Lanc_Con", FieldType::String, 7};
+    Field SaldoIni{*this, "Saldo_Ini", FieldType::Currency};
+  } TbArq{"TbArq"};
+
+  // What was proposed: a row for each movement and line that stand against one another.
+  struct SugestaoSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Grupo{*this, "Grupo", FieldType::Integer};
+    Field Lancto{*this, "Lancto", FieldType::String, 7};
+    Field DoctoMov{*this, "Docto_Mov", FieldType::String, 15};
+    Field DataMov{*this, "Data_Mov", FieldType::Date};
+    Field ValorMov{*this, "Valor_Mov", FieldType::Currency};
+    Field Linha{*this, "Linha", FieldType::String, 7};
+    Field DoctoArq{*this, "Docto_Arq", FieldType::String, 10};
+    Field DataArq{*this, "Data_Arq", FieldType::Date};
+    Field ValorArq{*this, "Valor_Arq", FieldType::Currency};
+    Field Motivo{*this, "Motivo", FieldType::String, 60};
+    // Places in TbMov and TbArq, from 1.
+    Field LugarMov{*this, "Lugar_Mov", FieldType::Integer};
+    Field LugarArq{*this, "Lugar_Arq", FieldType::Integer};
+  } TbSugestao{"TbSugestao"};
+
+  GroupBox GbMov{*this, "GbMov", "Movimento"};
+  TOrvDBGrid OrvDBGrid1{*this,
+                        "OrvDBGrid1",
+                        TbMov,
+                        {{"Conciliar", "Conc.", 0, false, true, "N", "S"},
+                         {"Data", "Data"},
+                         {"Docto", "Documento", 12, true},
+                         {"Operacao", "D/C", 0, true},
+                         {"Valor", "Valor", 0, true},
+                         {"Observacao", "Observação", 25, true},
+                         {"Lancto", "Lançamento", 0, true},
+                         {"Data_Lancto", "Data Lanç."},
+                         {"Data_Vencto", "Vencimento"},
+                         {"Historico", "Histórico", 0, true},
+                         {"Classe", "Classe Ger.", 0, true},
+                         {"DescClasse", "Descrição", 0, true},
+                         {"Lanc_Con", "Conciliação", 0, true}},
+                        false};
+  MoneyEdit EdtTotMov{*this, "EdtTotMov", "Total"};
+  MoneyEdit EdtSaldoMov{*this, "EdtSaldoMov", "Saldo"};
+  MoneyEdit EdtSaldoMovCon{*this, "EdtSaldoMovCon", "Saldo Conciliado"};
+  GroupBox GbArq{*this, "GbArq", "Extrato"};
+  TOrvDBGrid OrvDBGrid2{*this,
+                        "OrvDBGrid2",
+                        TbArq,
+                        {{"Concilia", "Conc.", 0, false, true, "S", "N"},
+                         {"Data", "Data", 0, true},
+                         {"Docto", "Documento", 12, true},
+                         {"Operacao", "D/C", 0, true},
+                         {"Valor", "Valor", 0, true},
+                         {"Observacao", "Observação", 25, true},
+                         {"Lancto", "Lançamento", 0, true},
+                         {"Arquivo", "Arquivo", 0, true},
+                         {"Lanc_Con", "Conciliação", 0, true}},
+                        false};
+  MoneyEdit EdtTotExt{*this, "EdtTotExt", "Total"};
+  MoneyEdit EdtSaldoExt{*this, "EdtSaldoExt", "Saldo"};
+  MoneyEdit EdtSaldoExtCon{*this, "EdtSaldoExtCon", "Saldo Conciliado"};
+
+  // Its caption tells how many there are and why.
+  GroupBox GbSugestao{*this, "GbSugestao", "Sugestões"};
+  TOrvDBGrid GridSugestao{*this,
+                          "GridSugestao",
+                          TbSugestao,
+                          {{"Grupo", "Nº", 5, true},
+                           {"Motivo", "Motivo", 30, true},
+                           {"Lancto", "Lançamento", 0, true},
+                           {"Docto_Mov", "Documento", 12, true},
+                           {"Data_Mov", "Data", 0, true},
+                           {"Valor_Mov", "Valor", 0, true},
+                           {"Linha", "Linha do Extrato", 0, true},
+                           {"Docto_Arq", "Documento", 12, true},
+                           {"Data_Arq", "Data", 0, true},
+                           {"Valor_Arq", "Valor", 0, true}}};
+
+  MoneyEdit EdtDif{*this, "EdtDif", "Diferença"};
+  // How many days a line may lie from the movement that it is proposed for.
+  Edit EdtPrazo{*this, "EdtPrazo", "Prazo (dias)", 3};
+  Button BtSugerir{*this, "BtSugerir", "Su&gerir"};
+  Button BitBtn4{*this, "BitBtn4", "&Conciliar"};
+  Button BitBtn8{*this, "BitBtn8", "&Voltar Conciliação"};
+  Button BitBtn7{*this, "BitBtn7", "&Imprimir"};
+  Button BitBtn5{*this, "BitBtn5", "&Lançar Caixa"};
+  Button BitBtn9{*this, "BitBtn9", "&Lançar Extrato"};
+  Button BitBtn3{*this, "BitBtn3", "&Fechar"};
+
+  // --- Conciliação de Cheques.
+  TabSheet TabSheet2{*this, "TabSheet2", "Conciliação de Cheques"};
+
+  Edit EdtCam{*this, "EdtCam", "Caminho"};
+  SmallButton SpeedButton1{*this, "SpeedButton1", "Procurar..."};
+  Edit EdtArq{*this, "EdtArq", "Arquivo", 15};
+  Edit EdtContaArq{*this, "EdtContaArq", "Conta", 13};
+  TPesquisa PqContaArq{*this, "PqContaArq", Contas()};
+  ReadOnlyEdit EdtDescContaArq{*this, "EdtDescContaArq"};
+  ReadOnlyEdit EdtBancoArq{*this, "EdtBancoArq", "Banco"};
+  CheckBox CbDias{*this, "CbDias", "Float Bancário"};
+  Button BitBtn6{*this, "BitBtn6", "Ca&rregar"};
+  DateEdit DtIniArq{*this, "DtIniArq", "De"};
+  DateEdit DtFimArq{*this, "DtFimArq", "Até"};
+
+  // The pending movements of an account, ticked by "S" where the file names their cheque.
+  struct ArquivoSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Compensar{*this, "Compensar", FieldType::String, 1};
+    Field DtComp{*this, "Dt_Comp", FieldType::Date};
+    Field Lancto{*this, "Lancto", FieldType::String, 7};
+    Field Classe{*this, "Classe", FieldType::String, 5};
+    Field DescClasse{*this, "DescClasse", FieldType::String, 30};
+    Field Docto{*this, "Docto", FieldType::String, 15};
+    Field DtLan{*this, "Dt_lan", FieldType::Date};
+    Field Historico{*this, "Historico", FieldType::String, 4};
+    Field DescHist{*this, "DescHist", FieldType::String, 30};
+    Field Operacao{*this, "Operacao", FieldType::String, 1};
+    Field Valor{*this, "Valor", FieldType::Currency};
+  } TbArquivo{"TbArquivo"};
+
+  TOrvDBGrid OrvDBGrid3{*this,
+                        "OrvDBGrid3",
+                        TbArquivo,
+                        {{"Compensar", "Comp.", 0, false, true, "S", "N"},
+                         {"Dt_Comp", "Compensação", 13},
+                         {"Lancto", "Lançamento", 0, true},
+                         {"Docto", "Documento", 0, true},
+                         {"Dt_lan", "Data", 0, true},
+                         {"Operacao", "Operação", 0, true},
+                         {"Valor", "Valor", 0, true},
+                         {"Historico", "Histórico", 0, true},
+                         {"DescHist", "Descrição", 0, true},
+                         {"Classe", "Classe Ger.", 0, true},
+                         {"DescClasse", "Descrição", 0, true}},
+                        false};
+  Button BitBtn10{*this, "BitBtn10", "&Confirmar"};
+  Button BitBtn11{*this, "BitBtn11", "&Imprimir"};
+  Button BitBtn12{*this, "BitBtn12", "&Fechar"};
+
+  // --- Conciliação de Cartões.
+  TabSheet TabSheet3{*this, "TabSheet3", "Conciliação de Cartões"};
+
+  ComboBox cbCartao_Operadora{
+      *this, "cbCartao_Operadora", "Operadora", {"Getnet", "Stone", "Cielo", "Pagar.me", "Yapay", "Rede"}};
+  ComboBox CbCartao_TipoConcilia{
+      *this, "CbCartao_TipoConcilia", "Tipo", {"Venda", "Conta Corrente", "Pedido"}};
+  Edit EdCartao_Arquivo{*this, "EdCartao_Arquivo", "Arquivo"};
+  SmallButton SpeedButton2{*this, "SpeedButton2", "Procurar..."};
+  Edit EdtCodBanco{*this, "EdtCodBanco", "Banco", 3};
+  TPesquisa PqBanco{*this, "PqBanco",
+                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  ReadOnlyEdit EdtDescBanco{*this, "EdtDescBanco"};
+  Edit EdtContaMoeda{*this, "EdtContaMoeda", "Conta", 13};
+  TPesquisa PqContaMoeda{*this, "PqContaMoeda", Contas()};
+  ReadOnlyEdit EdtDescContaMoeda{*this, "EdtDescContaMoeda"};
+  Edit EdCartao_Conciliacao{*this, "EdCartao_Conciliacao", "Transação", 40};
+  RadioGroup RgCartao_Busca{*this, "RgCartao_Busca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
+  CheckBox CbTodasEmpresas{*this, "CbTodasEmpresas", "Todas empresas"};
+  Button BtCartao_Consultar{*this, "BtCartao_Consultar", "Consultar"};
+  DateEdit DtCartao_Ini{*this, "DtCartao_Ini", "De"};
+  DateEdit DtCartao_Fim{*this, "DtCartao_Fim", "Até"};
+
+  // The system's side: instalments of sales, movements or orders.
+  struct VendasSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Sel{*this, "SEL", FieldType::String, 1};
+    Field SelOrig{*this, "SEL_ORIG", FieldType::String, 1};
+    Field Cditcondivenda{*this, "CDITCONDIVENDA", FieldType::Integer};
+    Field Transacao{*this, "TRANSACAO", FieldType::String, 40};
+    Field Codven{*this, "CODVEN", FieldType::String, 12};
+    Field Data{*this, "DATA", FieldType::Date};
+    Field Valor{*this, "VALOR", FieldType::Float};
+    Field ValorParcela{*this, "VALOR_PARCELA", FieldType::Float};
+    Field Parcela{*this, "PARCELA", FieldType::String, 5};
+    Field Txoperadora{*this, "TXOPERADORA", FieldType::Float};
+    Field StatusPag{*this, "STATUS_PAG", FieldType::String, 2};
+    Field DataConc{*this, "DATA_CONC", FieldType::Date};
+    Field Lancamento{*this, "LANCAMENTO", FieldType::String, 7};
+    Field Emp{*this, "EMP", FieldType::String, 4};
+    Field Conta{*this, "CONTA", FieldType::String, 13};
+    Field Codcli{*this, "CODCLI", FieldType::String, 5};
+    Field Titulo{*this, "TITULO", FieldType::String, 12};
+    Field Pedcli{*this, "PEDCLI", FieldType::String, 30};
+  } TbVendas{"TbVendas"};
+
+  // The acquirer's side: the lines of its file, whose fields each reader lays down.
+  TClientDataSet TbCartao_Arq{"TbCartao_Arq"};
+
+  TOrvDBGrid GridCC{*this,
+                    "GridCC",
+                    TbVendas,
+                    {{"SEL", "Sel.", 0, false, true, "1", "0"},
+                     {"TRANSACAO", "Nº Transação", 20, true},
+                     {"CODVEN", "Venda", 0, true},
+                     {"DATA", "Emissão", 0, true},
+                     {"VALOR", "Valor Total", 0, true},
+                     {"VALOR_PARCELA", "Valor Parcela", 0, true},
+                     {"TXOPERADORA", "Taxa", 0, true},
+                     {"PARCELA", "Parcela", 0, true},
+                     {"EMP", "Empresa", 0, true},
+                     {"CONTA", "Conta", 0, true}},
+                    false};
+  TOrvDBGrid GridArq{*this,
+                     "GridArq",
+                     TbCartao_Arq,
+                     {{"SEL", "Sel.", 0, false, true, "1", "0"},
+                      {"CARTAO", "Bandeira", 0, true},
+                      {"DATA", "Data", 0, true},
+                      {"COMPROVANTE_VENDA", "Nº Transação", 20, true},
+                      {"VALOR_TOTAL", "Vl. Total", 0, true},
+                      {"PARCELA", "Nº Parcela", 0, true},
+                      {"VALOR_PARCELA", "Vl. Parcela", 0, true},
+                      {"TAXA", "Taxa", 0, true}},
+                     false};
+  Button BitBtn13{*this, "BitBtn13", "&Gravar"};
+  Button BitBtn2{*this, "BitBtn2", "&Fechar"};
+
+  // --- Marks (concilia_marks.cpp).
+  // Fills TbMov and TbArq by the filters of the page.
+  void CarregaMovimentos();
+  // The totals of what is ticked. Posts what is in edit.
+  void CalculaTotais();
+
+ private:
+  // --- Creation (concilia.cpp).
+  LookupSettings Contas() const;
+  void Desenha();
+  void LigaExtrato();
+  void LigaCheques();
+  void LigaCartoes();
+  void LigaGrades();
+  // Tells what is wrong and brings the user there.
+  void Recusa(std::string_view message, Control& field);
+  void EdtCodBanChange();
+  void BitBtn5Click();
+  void BitBtn7Click();
+  void cbCartao_OperadoraChange();
+  void BtCartao_ConsultarClick();
+  void BitBtn13Click();
+
+  // --- Marks (concilia_marks.cpp).
+  void EdtContaChange();
+  void BitBtn1Click();
+  void TbMovConciliarChange();
+  void TbArqConciliaChange();
+  // The filters of the page, in the terms of the ledger or of the statement.
+  std::string Filtros(const char* operacao, const char* debito, const char* credito, const char* situacao,
+                      const char* feito, const char* aberto) const;
+
+  // --- Reconciliation (concilia_tie.cpp).
+  // A ticked movement, as it was loaded.
+  struct Movimento {
+    std::string lancto, docto, operacao, historico, lanc_con;
+    Currency valor;
+    bool cheque = false;
+  };
+  void BitBtn4Click();
+  void BitBtn8Click();
+  std::vector<Movimento> Marcados();
+  // The place of the first ticked line, -1 without one.
+  int64_t PrimeiraLinha();
+  // Finds out which of them hold a cheque.
+  void ProcuraCheques(std::vector<Movimento>& movimentos);
+  // True when the table has the row that the condition finds.
+  bool Ha(const char* tabela, const std::string& condicao);
+  // The accounting of a cheque, confirmed by the user; null where he refuses it.
+  std::unique_ptr<TContabil> PartidaDoCheque(const Movimento& cheque, const std::string& numero);
+  // The condition that finds a movement as it was loaded, or as the reconciliation `numero` has left it.
+  std::string ComoCarregado(const Movimento& movimento, const std::string& numero) const;
+  // Runs changes, many in one statement; how many rows they touched.
+  int64_t Executa(const std::vector<std::string>& comandos);
+  // Each raises UserError where a row is no longer as it was loaded.
+  void ConciliaMovimentos(const std::vector<Movimento>& movimentos, const std::string& numero, Date data);
+  void ConciliaLinhas(const std::string& numero);
+
+  // --- Cheques (concilia_cheques.cpp).
+  void SpeedButton1Click();
+  void BitBtn6Click();
+  void BitBtn10Click();
+  void CarregaPendentes();
+  void CarregaArquivo(const std::string& texto);
+  // The text of the return file; nothing where it is refused, after telling why.
+  std::optional<std::string> LeArquivo();
+
+  // --- Proposals (concilia_suggest.cpp).
+  void BtSugerirClick();
+  // A cheque is reconciled by itself: takes those out that would stand among others, and tells how many.
+  std::size_t RetiraCheques(std::vector<Suggestion>& sugestoes, const std::vector<int64_t>& lugares);
+  // Ticks what is proposed and lists it. The places are those of the open rows in their sets.
+  void MostraSugestoes(const std::vector<Suggestion>& sugestoes, const std::vector<int64_t>& lugares_mov,
+                       const std::vector<int64_t>& lugares_arq, std::size_t cheques);
+  void EsqueceSugestoes();
+  void TbSugestaoAfterScroll();
+
+  // Parameter: a reconciled movement takes the date of the statement.
+  bool fin110_ = false;
+  // The accounts of what TbMov and TbArquivo hold.
+  std::string conta_, conta_arq_;
+  Currency tot_mov_, tot_ext_;
+};
+
+extern ORV_EXPORT thread_local TFmConcilia* FmConcilia;
+
+}  // namespace orv

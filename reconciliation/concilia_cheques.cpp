@@ -1,0 +1,258 @@
+// The page "Conciliação de Cheques": the bank's return file names the cheques that were cleared.
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "reconciliation/concilia.h"
+#include "reconciliation/formats/outside_file.h"
+#include "reconciliation/formats/position.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+constexpr const char* kFiltros = "ret|*.ret|txt|*.txt|Todos(*.*)|*.*";
+// A return file of cheques has a line for each cheque.
+constexpr std::ptrdiff_t kMaxLinhas = 200'000;
+// A statement takes at most 1500 values in IN (...).
+constexpr std::size_t kLote = 500;
+// No column of a cheque is longer.
+constexpr std::size_t kMaxNumero = 8;
+
+constexpr const char* kMuitasLinhas = "O arquivo tem linhas demais: o limite é de 200.000.";
+
+// What a line names of a cheque, in the order of the columns of RECEBER: bank, branch, account, number.
+constexpr std::array<const char*, 4> kCamposCheque{"BANCO_CH", "AGENCIA_CH", "CONTA_CH", "NUMERO_CH"};
+using Cheque = std::array<std::string, 4>;
+
+struct ChequeHash {
+  std::size_t operator()(const Cheque& cheque) const {
+    std::size_t hash = 0;
+    for (const std::string& parte : cheque) hash = hash * 1000003U ^ std::hash<std::string>()(parte);
+    return hash;
+  }
+};
+
+struct Retorno {
+  Cheque cheque;
+  std::string data;
+};
+
+// "YYYYMMDD". Raises ConversionError.
+Date DataDoRetorno(const std::string& texto) {
+  const auto recusa = [&] {
+    return ConversionError(std::string(CutChars(texto, 20)), "uma data no formato AAAAMMDD");
+  };
+  if (texto.size() != 8) throw recusa();
+  Date data;
+  try {
+    data = DateByMask(texto, "AAAAMMDD");
+  } catch (const UserError&) {
+    throw recusa();
+  }
+  if (data.Year() < 1900 || data.Year() > 2100) throw recusa();
+  return data;
+}
+
+// The days until a cheque's money is there.
+int Float(Date data) {
+  constexpr int kSexta = 5, kSabado = 6;
+  return data.WeekDay() == kSexta ? 3 : data.WeekDay() == kSabado ? 2 : 1;
+}
+
+// The first line and the last one are the file's own.
+std::vector<Retorno> Retornos(const std::string& texto, const PositionLayout& posicoes) {
+  std::vector<std::string_view> linhas;
+  TextLines todas(texto);
+  for (std::string_view linha; todas.Next(linha);) linhas.push_back(linha);
+  std::vector<Retorno> retornos;
+  for (std::size_t i = 1; i + 1 < linhas.size(); ++i) {
+    const auto campo = [&](const char* nome) {
+      return std::string(FixedText(linhas[i], posicoes.Find(nome)));
+    };
+    Retorno retorno;
+    for (std::size_t c = 0; c < kCamposCheque.size(); ++c) retorno.cheque[c] = campo(kCamposCheque[c]);
+    retorno.data = campo("DATA_CONT");
+    retornos.push_back(std::move(retorno));
+  }
+  return retornos;
+}
+
+}  // namespace
+
+void TFmConcilia::SpeedButton1Click() {
+  const auto arquivo = User().OpenFile("SpeedButton1", kFiltros);
+  if (!arquivo) return;
+  // The path is whole.
+  EdtCam.SetText(*arquivo);
+  EdtArq.Clear();
+}
+
+void TFmConcilia::BitBtn6Click() {
+  const BusyMark busy(Funcoes, *this);
+  const std::optional<std::string> texto = LeArquivo();
+  if (!texto) return;
+  CarregaPendentes();
+  CarregaArquivo(*texto);
+  TbArquivo.SetFilter("Compensar = 'S'");
+  TbArquivo.SetFiltered(true);
+}
+
+std::optional<std::string> TFmConcilia::LeArquivo() {
+  const std::string caminho = EdtCam.Text() + EdtArq.Text();
+  if (!OutsideFileExists(caminho)) {
+    Inform("Arquivo não encontrado.");
+    return std::nullopt;
+  }
+  if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(EdtContaArq.Text()))) {
+    Recusa("Conta não encontrada.", EdtContaArq);
+    return std::nullopt;
+  }
+  try {
+    std::string texto = OutsideText(OutsideFileBytes(caminho));
+    if (std::count(texto.begin(), texto.end(), '\n') <= kMaxLinhas) return texto;
+    Inform(kMuitasLinhas);
+  } catch (const UserError& e) {
+    Inform(e.what());
+  }
+  return std::nullopt;
+}
+
+void TFmConcilia::CarregaPendentes() {
+  const ControlsHold hold(TbArquivo);
+  TbArquivo.Cancel();
+  TbArquivo.SetFiltered(false);
+  TbArquivo.EmptyDataSet();
+  conta_arq_ = EdtContaArq.Text();
+  struct Pendentes : RowSink {
+    explicit Pendentes(ArquivoSet& s) : set(s) {}
+    void Columns(const std::vector<Column>&) override {}
+    bool Row(std::span<Value> v) override {
+      const Field* const campos[] = {&set.Lancto, &set.Docto,    &set.DtLan,    &set.Historico, &set.Classe,
+                                     &set.Valor,  &set.Operacao, &set.DescHist, &set.DescClasse};
+      for (std::size_t i = 0; i < std::size(campos); ++i)
+        linha[static_cast<std::size_t>(campos[i]->Index())] = campos[i]->Convert(std::move(v[i]));
+      linha[static_cast<std::size_t>(set.Compensar.Index())] = "N";
+      set.AppendRow(linha);
+      return true;
+    }
+    ArquivoSet& set;
+    std::vector<Value> linha = std::vector<Value>(set.Fields().size());
+  } pendentes(TbArquivo);
+  Tabela.IBDatabase().Fetch(
+      "SELECT C.LANCAMENTO, C.DOCTO, C.DT_LAN, C.HISTORICO, C.GRUPO, C.VALOR, C.OPERACAO, H.DESCRICAO AS "
+      "DESCHIST, CL.DESCRICAO AS DESCCLASSE FROM " +
+          Funcoes.DBLocal("CONTACOR", true) + " C LEFT OUTER JOIN " + Funcoes.DBLocal("HISTCP", true) +
+          " H ON C.HISTORICO = H.HISTORICO LEFT OUTER JOIN " + Funcoes.DBLocal("SUBGRUPO", true) +
+          " CL ON C.GRUPO = CL.CODIGO WHERE C.DT_LAN BETWEEN " + Funcoes.AspasData(DtIniArq.Date()) +
+          " AND " + Funcoes.AspasData(DtFimArq.Date()) +
+          " AND C.PENDENTE = 'S' AND C.CONTA = " + Funcoes.Aspas(conta_arq_),
+      pendentes);
+}
+
+void TFmConcilia::CarregaArquivo(const std::string& texto) {
+  PositionLayout posicoes;
+  for (const auto& linha :
+       Tabela.IBDatabase().Rows("SELECT CAMPO, INICIO, TAMANHO FROM " + Funcoes.DBLocal("POSICAO", true) +
+                                " WHERE BANCO = " + Funcoes.Aspas(EdtBancoArq.Text()) + " AND TIPO = 'EX'")) {
+    posicoes.campos.push_back({std::string(Trim(linha[0].AsString())), static_cast<int>(linha[1].AsInteger()),
+                               static_cast<int>(linha[2].AsInteger()), ""});
+  }
+  const std::vector<Retorno> retornos = Retornos(texto, posicoes);
+
+  // The numbers of the cheques are asked for together; of several rows of a cheque the first one counts.
+  std::vector<std::string> numeros;
+  std::unordered_set<std::string> vistos;
+  for (const Retorno& retorno : retornos) {
+    const std::string& numero = retorno.cheque.back();
+    const bool nada = std::all_of(retorno.cheque.begin(), retorno.cheque.end(),
+                                  [](const std::string& parte) { return parte.empty(); });
+    if (!nada && CharCount(numero) <= kMaxNumero && vistos.insert(numero).second)
+      numeros.push_back(Funcoes.Aspas(numero));
+  }
+  std::unordered_map<Cheque, std::string, ChequeHash> lancamentos;
+  for (std::size_t de = 0; de < numeros.size(); de += kLote) {
+    const std::vector<std::string> lote(
+        numeros.begin() + static_cast<std::ptrdiff_t>(de),
+        numeros.begin() + static_cast<std::ptrdiff_t>(std::min(de + kLote, numeros.size())));
+    for (const auto& linha : Tabela.IBDatabase().Rows(
+             "SELECT RB.LANCAMENTO, R.BANCO_CH, R.AGENCIA_CH, R.CONTA_CH, R.NUMERO_CH FROM " +
+             Funcoes.DBLocal("RECEBER", true) + " R JOIN " + Funcoes.DBLocal("RECEBERB", true) +
+             " RB ON RB.NUMERO = R.NUMERO WHERE R.NUMERO_CH IN (" + Join(lote, ",") + ")")) {
+      // A comparison in the database takes a null for no text, and trailing blanks for nothing.
+      if (std::any_of(linha.begin() + 1, linha.end(), [](const Value& v) { return v.IsNull(); })) continue;
+      Cheque cheque;
+      for (std::size_t c = 0; c < cheque.size(); ++c) {
+        const std::string_view parte = linha[c + 1].Text();
+        cheque[c] = parte.substr(0, parte.find_last_not_of(' ') + 1);
+      }
+      lancamentos.try_emplace(std::move(cheque), linha[0].AsString());
+    }
+  }
+
+  // The totals of the other page don't change by this: they are spared for every line.
+  struct Carga {
+    explicit Carga(DataSet& s) : set(s), modo(s.Tag) { set.Tag = 2; }
+    ~Carga() { set.Tag = modo; }
+    DataSet& set;
+    int modo;
+  } const carga(TbArq);
+  const ControlsHold hold(TbArquivo);
+  for (const Retorno& retorno : retornos) {
+    const auto achado = lancamentos.find(retorno.cheque);
+    if (achado == lancamentos.end() || !TbArquivo.Locate("Lancto", achado->second)) continue;
+    const Date data = DataDoRetorno(retorno.data);
+    TbArquivo.Edit();
+    TbArquivo.Compensar = "S";
+    TbArquivo.DtComp = data.AddDays(CbDias.Checked() ? Float(data) : 0);
+    TbArquivo.Post();
+  }
+  Inform("Arquivo Carregado Com Sucesso.");
+}
+
+void TFmConcilia::BitBtn10Click() {
+  TbArquivo.PostIfEditing();
+  struct Linha {
+    std::string lancto, docto, operacao;
+    Currency valor;
+    Date data;
+  };
+  std::vector<Linha> linhas;
+  const int64_t total = TbArquivo.RecordCount();
+  for (int64_t i = 0; i < total; ++i) {
+    const auto celula = [&](const Field& campo) { return TbArquivo.Cell(i, campo); };
+    if (celula(TbArquivo.Compensar).Text() != "S") continue;
+    linhas.push_back({celula(TbArquivo.Lancto).AsString(), celula(TbArquivo.Docto).AsString(),
+                      celula(TbArquivo.Operacao).AsString(), celula(TbArquivo.Valor).AsCurrency(),
+                      celula(TbArquivo.DtComp).AsDate()});
+    if (!linhas.back().data.Empty()) continue;
+    TbArquivo.SetRecNo(i + 1);
+    return Recusa("Informe a data de compensação do lançamento " + linhas.back().lancto + ".", OrvDBGrid3);
+  }
+
+  const BusyMark busy(Funcoes, *this);
+  std::unordered_set<std::string> gravados;
+  for (const Linha& linha : linhas) {
+    const std::string dia = Funcoes.AspasData(linha.data), numero = Funcoes.Aspas(linha.lancto);
+    const std::string altera = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) +
+                               " SET PENDENTE = 'N', DT_CONT = " + dia + " WHERE LANCAMENTO = " + numero;
+    // A movement that isn't as the load found it was taken by another user; one that stands as this would
+    // leave it was confirmed before.
+    if (gravados.insert(linha.lancto).second &&
+        Tabela.IBDatabase().Execute(altera + " AND DOCTO = " + Funcoes.Aspas(linha.docto) +
+                                    " AND CONTA = " + Funcoes.Aspas(conta_arq_) +
+                                    " AND OPERACAO = " + Funcoes.Aspas(linha.operacao) +
+                                    " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(linha.valor) +
+                                    " AND (PENDENTE = 'S' OR (PENDENTE = 'N' AND DT_CONT = " + dia +
+                                    " AND COALESCE(LANC_CON, '') = ''))") == 0) {
+      throw UserError("Outro usuário alterou ou conciliou o lançamento " + linha.lancto +
+                      " depois da carga. Nada foi gravado, e as marcações continuam na tela.");
+    }
+    Tabela.IBDatabase().Execute(altera);
+  }
+  Tabela.CommitRetaining();
+  Inform("Conciliação concluída com sucesso!");
+}
+
+}  // namespace orv

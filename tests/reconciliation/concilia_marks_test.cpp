@@ -1,0 +1,213 @@
+// The workbench: what is loaded, balances, ticks and their totals.
+#include "tests/reconciliation/concilia_desk.h"
+
+namespace orv::test {
+namespace {
+
+TEST_F(ConciliaTest, LoadsByTheFilters) {
+  Store(Mov{.numero = "A1", .docto = "7'7"});
+  Store(Mov{.numero = "A2", .operacao = "+", .dt_cont = "11/20/2026", .grupo = "X"});
+  Store(Mov{.numero = "A3", .pendente = "N", .lanc_con = "000009"});
+  Store(Mov{.numero = "A4", .pendente = "C"});
+  Store(Mov{.numero = "A5", .dt_cont = "11/21/2026"});
+  Store(Mov{.numero = "A6", .dt_cont = "12/31/1999"});
+  Store(Mov{.numero = "A7", .conta = kOutra});
+  Store(Line{.lancto = "E1", .docto = "7'7"});
+  Store(Line{.lancto = "E2", .operacao = "C", .dt_cont = "11/20/2026"});
+  Store(Line{.lancto = "E3", .conciliado = "S", .lanc_con = "000009"});
+  Store(Line{.lancto = "E4", .conta = kOutra});
+  Desk desk(database_);
+  desk.Open("TFmConcilia");
+  desk.Click("BitBtn1");
+  EXPECT_EQ(desk.Messages(), "Selecione uma Conta.");
+  desk.Answer("ok");
+  EXPECT_EQ(desk.FocusName(), "EdtConta");
+  desk.Set("EdtConta", kConta);
+
+  struct Case {
+    Entries fields;
+    const char* listed;
+    // Whether what is listed can be tied, proposed, undone.
+    const char* buttons;
+  };
+  const Case cases[] = {
+      {{}, "A1 A2 / E1 E2", "110"},
+      {{{"RgTipo", "Pagamentos"}}, "A1 / E1", "110"},
+      {{{"RgTipo", "Recebimentos"}}, "A2 / E2", "110"},
+      {{{"RgTipo", "Todos"}, {"RgBusca", "Conciliados"}}, "A3 / E3", "001"},
+      {{{"RgBusca", "Todos"}}, "A1 A2 A3 A4 / E1 E2 E3", "000"},
+      {{{"EdtConcilia", "000009"}}, "A3 / E3", "000"},
+      {{{"EdtConcilia", ""}, {"EdtDocto", "7'7"}}, "A1 / E1", "000"},
+      {{{"EdtDocto", ""}, {"DtInicio", "01/01/1990"}, {"DtFinal", "19/11/2026"}},
+       "A1 A3 A4 A6 / E1 E3",
+       "000"},
+      {{{"DtFinal", ""}}, " / ", "000"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.listed);
+    EXPECT_EQ(Consult(desk, c.fields), c.listed);
+    EXPECT_EQ(desk.Messages(), "");
+    std::string buttons;
+    for (const char* button : {"BitBtn4", "BtSugerir", "BitBtn8"})
+      buttons += desk.Enabled(button) ? "1" : "0";
+    EXPECT_EQ(buttons, c.buttons);
+  }
+  Consult(desk, {{"DtInicio", "01/01/2000"}, {"DtFinal", "20/11/2026"}, {"RgBusca", "A conciliar"}});
+  EXPECT_EQ(desk.Rows("TbMov"),
+            "S|D|A1|7'7|2026-11-09|2026-11-10|2026-11-12|3104|MATERIAL DE CONSUMO|100.0000|019|OBS||-\n"
+            "S|C|A2|1|2026-11-09|2026-11-20|2026-11-12|X|-|100.0000|019|OBS||-\n");
+  EXPECT_EQ(desk.Rows("TbArq"),
+            "N|D|E1|7'7|2026-11-11|-|100.0000|-|LINHA|EXTRATO_||-\n"
+            "N|C|E2|1|2026-11-20|-|100.0000|-|LINHA|EXTRATO_||-\n");
+}
+
+TEST_F(ConciliaTest, BalancesUpToTheLastDay) {
+  Store(Mov{.numero = "A1", .valor = "10.05", .pendente = "N"});
+  Store(Mov{.numero = "A2", .valor = "1000.10", .operacao = "+", .pendente = "N"});
+  Store(Mov{.numero = "A3", .valor = "7", .operacao = "+", .dt_cont = "01/01/1990"});
+  Store(Mov{.numero = "A4", .valor = "2", .pendente = "C"});
+  Store(Mov{.numero = "A5", .valor = "500", .dt_cont = "11/21/2026"});
+  Store(Line{.lancto = "E1", .valor = "3.33"});
+  Store(Line{.lancto = "E2", .valor = "1000", .operacao = "C", .conciliado = "S"});
+  Desk desk(database_);
+  Open(desk);
+  const auto shown = [&] {
+    std::string text;
+    for (const char* edit :
+         {"EdtSaldoMov", "EdtSaldoMovCon", "EdtSaldoExt", "EdtSaldoExtCon", "EdtCodBan", "EdtBanco"}) {
+      text += desk.Text(edit) + "|";
+    }
+    return text;
+  };
+  const std::string bank = Sql("SELECT NOME_BANCO FROM CADBAN_001 WHERE BANCO = '901'");
+  EXPECT_EQ(shown(), "995,05|990,05|996,67|1.000,00|901|" + bank + "|");
+  EXPECT_NE(desk.Text("EdtDescConta"), "");
+  // An account without movements shows nothing, whatever the master says.
+  desk.Set("EdtConta", kOutra);
+  EXPECT_EQ(shown(), "0,00|0,00|0,00|0,00|||");
+  EXPECT_EQ(desk.Text("EdtDescConta"), "");
+  desk.Set("EdtConta", "no such");
+  EXPECT_EQ(shown(), "0,00|0,00|0,00|0,00|||");
+}
+
+TEST_F(ConciliaTest, ATickIsPostedAndMovesOn) {
+  Store(Mov{.numero = "A1", .valor = "0.10", .operacao = "+"});
+  Store(Mov{.numero = "A2", .valor = "0.20", .operacao = "+"});
+  Store(Mov{.numero = "A3", .valor = "100"});
+  Store(Line{.lancto = "E1", .valor = "0.30", .operacao = "C"});
+  Store(Line{.lancto = "E2", .valor = "40"});
+  const std::string before = All();
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  EXPECT_EQ(Totals(desk), "0,00 0,00 0,00");
+  TickMov(desk, 0);
+  EXPECT_EQ(RowOf(desk, "TbMov"), 1);
+  TickMov(desk, 1);
+  // Both sets end in a debit.
+  EXPECT_EQ(Totals(desk), "0,30 0,00 0,30");
+  TickArq(desk, 0);
+  EXPECT_EQ(Totals(desk), "0,30 0,30 0,00");
+  TickMov(desk, 2);
+  EXPECT_EQ(Totals(desk), "-99,70 0,30 -100,00");
+  EXPECT_EQ(RowOf(desk, "TbMov"), 2);
+  EXPECT_EQ(RowOf(desk, "TbArq"), 1);
+  TickMov(desk, 1, false);
+  EXPECT_EQ(Totals(desk), "-99,90 0,30 -100,20");
+  EXPECT_EQ(Ticked(desk), "A1 A3 / E1");
+
+  // Ends of different sides show no difference, whatever the totals.
+  Run("UPDATE EXTRATO_001 SET OPERACAO = 'C' WHERE LANCTO = 'E2'");
+  EXPECT_EQ(Consult(desk), "A1 A2 A3 / E1 E2");
+  TickMov(desk, 2);
+  EXPECT_EQ(Totals(desk), "-100,00 0,00 0,00");
+
+  // A click on a title changes nothing; the tick after it moves on again.
+  desk.Do({{"do", "title"}, {"control", "OrvDBGrid1"}, {"column", "Valor"}});
+  TickMov(desk, 0);
+  EXPECT_EQ(RowOf(desk, "TbMov"), 1);
+  EXPECT_EQ(Ticked(desk), "A1 A3 / ");
+
+  // Dates can be edited on the side of the movements, and nowhere else; nothing reaches the tables.
+  const auto cell = [&](const char* grid, const char* column, const char* value) {
+    desk.Do({{"do", "cell"}, {"control", grid}, {"row", 0}, {"column", column}, {"value", value}});
+    return desk.Messages();
+  };
+  EXPECT_EQ(cell("OrvDBGrid1", "Data", "01/02/2026"), "");
+  EXPECT_EQ(cell("OrvDBGrid1", "Data_Vencto", "02/02/2026"), "");
+  for (const char* column : {"Valor", "Operacao", "Docto"})
+    EXPECT_EQ(cell("OrvDBGrid1", column, "1"), "error: Esta coluna é só de leitura.");
+  EXPECT_EQ(cell("OrvDBGrid2", "Data", "01/02/2026"), "error: Esta coluna é só de leitura.");
+  desk.Focus("OrvDBGrid1");
+  cell("OrvDBGrid1", "Data", "03/02/2026");
+  desk.Focus("EdtDocto");
+  EXPECT_EQ(desk.State("TbMov")["screens"].Items().back()["sets"]["TbMov"]["state"].String(), "browse");
+  EXPECT_TRUE(desk.Rows("TbMov").starts_with("N|C|A1|1|2026-11-09|2026-02-03|2026-02-02|"))
+      << desk.Rows("TbMov");
+  for (const char* what : {"append", "delete"}) {
+    desk.Do({{"do", what}, {"control", "OrvDBGrid1"}, {"row", 0}});
+    EXPECT_TRUE(desk.Messages().starts_with("error: Aqui não se")) << desk.Messages();
+  }
+  EXPECT_EQ(All(), before);
+}
+
+TEST_F(ConciliaTest, WhatIsClearedOutsideIsNoTick) {
+  Store(Mov{.numero = "A1", .valor = "5", .pendente = "C"});
+  Store(Mov{.numero = "A2", .valor = "7", .pendente = "N"});
+  Desk desk(database_);
+  Open(desk);
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Todos"}}), "A1 A2 / ");
+  EXPECT_EQ(Totals(desk), "-7,00 0,00 0,00");
+}
+
+TEST_F(ConciliaTest, PrintsWhatIsTickedAndShowsAllAgain) {
+  Store(Mov{.numero = "A1"});
+  Store(Mov{.numero = "A2"});
+  Store(Line{.lancto = "E1"});
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  TickMov(desk, 1);
+  desk.Click("BitBtn7");
+  EXPECT_EQ(Listed(desk), "A1 A2 / E1");
+  EXPECT_EQ(Ticked(desk), "A2 / ");
+}
+
+TEST_F(ConciliaTest, PostsFromWithin) {
+  Store(Mov{.numero = "A1"});
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  desk.Click("BitBtn5");
+  EXPECT_EQ(desk.State()["screens"].Items().back()["class"].String(), "TFmCCLancFluxo");
+  EXPECT_EQ(desk.Text("EdtConta"), kConta);
+  EXPECT_NE(desk.Text("EdtDescConta"), "");
+  Store(Mov{.numero = "A2"});
+  desk.Click("BitBtn2");
+  EXPECT_EQ(desk.State()["screens"].Items().back()["class"].String(), "TFmConcilia");
+  EXPECT_EQ(Listed(desk), "A1 A2 / ");
+}
+
+TEST_F(ConciliaTest, TheKindFollowsTheAcquirer) {
+  Desk desk(database_);
+  desk.Open("TFmConcilia");
+  Page(desk, "TabSheet3");
+  desk.Click("BtCartao_Consultar");
+  EXPECT_EQ(desk.Messages(), "Selecione uma operadora.");
+  desk.Answer("ok");
+  EXPECT_FALSE(desk.Enabled("CbCartao_TipoConcilia"));
+  struct Case {
+    const char *acquirer, *kind;
+    bool open;
+  };
+  for (const Case& c : {Case{"Getnet", "", true}, Case{"Stone", "Venda", false}, Case{"Cielo", "Venda", true},
+                        Case{"Yapay", "Pedido", false}, Case{"Rede", "Pedido", true}}) {
+    SCOPED_TRACE(c.acquirer);
+    desk.Set("cbCartao_Operadora", c.acquirer);
+    EXPECT_EQ(desk.Text("CbCartao_TipoConcilia"), c.kind);
+    EXPECT_EQ(desk.Enabled("CbCartao_TipoConcilia"), c.open);
+  }
+}
+
+}  // namespace
+}  // namespace orv::test

@@ -1,0 +1,223 @@
+// Proposals of matches: the function by itself, and the ticks that the workbench makes of it.
+#include <chrono>
+#include <random>
+
+#include "reconciliation/suggest.h"
+#include "tests/reconciliation/concilia_desk.h"
+
+namespace orv::test {
+namespace {
+
+SuggestItem Item(char side, int64_t cents, std::string_view document, int day) {
+  return {side, Currency::FromCents(cents), document, Date(2026, 11, 1).AddDays(day)};
+}
+
+// "0-1,2 Sum 3": movements, lines, why, days.
+std::string Text(const std::vector<Suggestion>& suggestions) {
+  const auto list = [](const std::vector<uint32_t>& indexes) {
+    std::string text;
+    for (const uint32_t i : indexes) text += (text.empty() ? "" : ",") + std::to_string(i);
+    return text;
+  };
+  constexpr const char* kWhy[] = {"doc", "day", "sum"};
+  std::string text;
+  for (const Suggestion& s : suggestions) {
+    text += (text.empty() ? "" : "; ") + list(s.movements) + "-" + list(s.lines) + " " +
+            kWhy[static_cast<std::size_t>(s.reason)] + " " + std::to_string(s.days);
+  }
+  return text;
+}
+
+TEST(SuggestTest, SurestFirst) {
+  using Items = std::vector<SuggestItem>;
+  struct Case {
+    const char* what;
+    Items movements, lines;
+    const char* found;
+  };
+  const Case cases[] = {
+      {"nothing", {}, {}, ""},
+      {"another side", {Item('C', 100, "7", 1)}, {Item('D', 100, "7", 1)}, ""},
+      {"another amount", {Item('C', 100, "7", 1)}, {Item('C', 101, "7", 1)}, ""},
+      {"no amount",
+       {Item('C', 0, "7", 1), Item('C', -5, "7", 1)},
+       {Item('C', 0, "7", 1), Item('C', -5, "7", 1)},
+       ""},
+      {"the document before the day",
+       {Item('C', 100, "7", 1), Item('C', 100, "8", 2)},
+       {Item('C', 100, "00-8", 1), Item('C', 100, "7", 20)},
+       "0-1 doc 19; 1-0 doc 1"},
+      {"documents of nothing",
+       {Item('C', 100, "", 1), Item('C', 100, "000", 9)},
+       {Item('C', 100, "0", 9)},
+       "1-0 day 0"},
+      {"a statement cuts documents",
+       {Item('D', 1, "123456789012345", 1)},
+       {Item('D', 1, "1234567890", 30)},
+       "0-0 doc 29"},
+      {"the nearest day, each used once",
+       {Item('C', 100, "", 1), Item('C', 100, "", 5)},
+       {Item('C', 100, "", 4), Item('C', 100, "", 3)},
+       "1-0 day 1; 0-1 day 2"},
+      {"the span", {Item('C', 100, "", 1)}, {Item('C', 100, "", 5)}, ""},
+      {"one against several, in the span",
+       {Item('D', 10000, "", 3)},
+       {Item('D', 4000, "", 1), Item('D', 6000, "", 6), Item('D', 6000, "", 7), Item('C', 6000, "", 3)},
+       "0-0,1 sum 3"},
+      {"several against one",
+       {Item('C', 1, "", 1), Item('C', 2, "", 1), Item('C', 4, "", 1), Item('C', 8, "", 1)},
+       {Item('C', 13, "", 2)},
+       "0,2,3-0 sum 1"},
+      {"parts of the same document before fewer parts",
+       {Item('D', 100, "9", 1)},
+       {Item('D', 50, "", 1), Item('D', 50, "", 1), Item('D', 20, "9", 1), Item('D', 30, "9", 1),
+        Item('D', 50, "9", 1)},
+       "0-2,3,4 sum 0"},
+      {"what is paired is no part",
+       {Item('D', 100, "", 1), Item('D', 60, "", 1)},
+       {Item('D', 60, "", 1), Item('D', 40, "", 1)},
+       "1-0 day 0"},
+      {"no day", {{'D', Currency(1), "7", Date()}}, {{'D', Currency(1), "7", Date()}}, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(Text(Suggest(c.movements, c.lines, 3)), c.found);
+  }
+}
+
+// Whatever the items: sums agree, sides agree, nothing is used twice, days lie in the span.
+TEST(SuggestTest, WhatIsProposedAddsUp) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 300; ++round) {
+    std::vector<SuggestItem> sides[2];
+    const auto draw = [&](unsigned below) { return static_cast<int>(random() % below); };
+    constexpr std::string_view kDocuments[] = {"", "1", "22", "0"};
+    for (auto& items : sides) {
+      for (int i = draw(40); i > 0; --i)
+        items.push_back(Item(draw(2) == 0 ? 'C' : 'D', draw(60), kDocuments[draw(4)], draw(20)));
+    }
+    const auto found = Suggest(sides[0], sides[1], 4);
+    EXPECT_EQ(Text(found), Text(Suggest(sides[0], sides[1], 4)));
+    std::vector<int> used[2] = {std::vector<int>(sides[0].size()), std::vector<int>(sides[1].size())};
+    for (const Suggestion& s : found) {
+      Currency sums[2];
+      const std::vector<uint32_t>* indexes[] = {&s.movements, &s.lines};
+      EXPECT_EQ(std::min(s.movements.size(), s.lines.size()), 1U);
+      for (int side = 0; side < 2; ++side) {
+        for (const uint32_t i : *indexes[side]) {
+          const SuggestItem& item = sides[side][i];
+          sums[side] += item.amount;
+          EXPECT_EQ(++used[side][i], 1);
+          EXPECT_EQ(item.side, sides[0][s.movements[0]].side);
+        }
+      }
+      EXPECT_EQ(sums[0], sums[1]);
+      EXPECT_TRUE(s.reason == SuggestReason::Document || s.days <= 4);
+    }
+  }
+}
+
+// The worst that there can be: all alike, and all alike but never adding up.
+TEST(SuggestTest, LargeListsEnd) {
+  constexpr int kMany = 4000;
+  for (const int odd : {0, 1}) {
+    std::vector<SuggestItem> movements, lines;
+    for (int i = 0; i < kMany; ++i) {
+      movements.push_back(Item('D', 1000 + odd, "", i % 3));
+      lines.push_back(Item('D', odd == 0 ? 1000 : 2 * (i % 250 + 1), "", i % 3));
+    }
+    EXPECT_EQ(Suggest(movements, lines, 3).size(), odd == 0 ? kMany : 0U);
+  }
+}
+
+TEST_F(ConciliaTest, ProposesAndTellsWhy) {
+  Store(Mov{.numero = "A1", .docto = "71", .valor = "10"});
+  Store(Mov{.numero = "A2", .docto = "72", .valor = "20"});
+  Store(Mov{.numero = "A3", .docto = "73", .valor = "30"});
+  Store(Mov{.numero = "A4", .docto = "74", .valor = "40"});
+  Store(Mov{.numero = "A5", .docto = "75", .valor = "50"});
+  Store(Mov{.numero = "A6", .docto = "76", .valor = "60", .lanc_con = "000001"});
+  Cheque("A4", "74");
+  Store(Line{.lancto = "E1", .docto = "71", .valor = "10", .dt_cont = "12/20/2026"});
+  Store(Line{.lancto = "E2", .docto = "", .valor = "20", .dt_cont = "11/13/2026"});
+  Store(Line{.lancto = "E3", .docto = "", .valor = "12"});
+  Store(Line{.lancto = "E4", .docto = "", .valor = "18"});
+  Store(Line{.lancto = "E5", .docto = "74", .valor = "40"});
+  Store(Line{.lancto = "E6", .docto = "75", .valor = "50"});
+  Store(Line{.lancto = "E7", .docto = "76", .valor = "60"});
+  Desk desk(database_);
+  Open(desk);
+  EXPECT_EQ(Consult(desk, {{"DtFinal", "31/12/2026"}}), "A1 A2 A3 A4 A5 A6 / E1 E2 E3 E4 E5 E6 E7");
+  EXPECT_FALSE(desk.Property("GbSugestao", "visible").Bool());
+  EXPECT_EQ(Ticked(desk), " / ");
+  const std::string before = All();
+  // What the user ticked himself isn't used.
+  TickMov(desk, 4);
+  TickArq(desk, 5);
+  for (const char* days : {"", "-1", "91", "x", "99999"}) {
+    desk.Set("EdtPrazo", days);
+    desk.Click("BtSugerir");
+    EXPECT_EQ(desk.Messages(), "Prazo inválido: informe de 0 a 90 dias.");
+    desk.Answer("ok");
+    EXPECT_EQ(desk.FocusName(), "EdtPrazo");
+  }
+  desk.Set("EdtPrazo", "3");
+  desk.Click("BtSugerir");
+  EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(Ticked(desk), "A1 A2 A3 A5 / E1 E2 E3 E4 E6");
+  EXPECT_EQ(Totals(desk), "-110,00 -110,00 0,00");
+  EXPECT_EQ(Column(desk, "TbSugestao", 0) + "/" + Column(desk, "TbSugestao", 1) + "/" +
+                Column(desk, "TbSugestao", 5),
+            "1 2 3 3/A1 A2 A3 A3/E1 E2 E3 E4");
+  EXPECT_EQ(Column(desk, "TbSugestao", 9),
+            "Mesmo valor e documento Mesmo valor, 3 dias Soma de 2 linhas, 1 dia Soma de 2 linhas, 1 dia");
+  EXPECT_EQ(desk.Property("GbSugestao", "caption").String(),
+            "3 sugestões marcadas: 1 por valor e documento, 1 por valor e data, 1 por soma. Confira antes de "
+            "conciliar. 1 cheque ficou de fora: cada um é conciliado sozinho.");
+  // The pair that is looked at comes into sight.
+  desk.Do({{"do", "row"}, {"control", "GridSugestao"}, {"row", 3}});
+  EXPECT_EQ(RowOf(desk, "TbMov"), 2);
+  EXPECT_EQ(RowOf(desk, "TbArq"), 3);
+  // A tick works as before, and nothing was written.
+  TickMov(desk, 0, false);
+  EXPECT_EQ(RowOf(desk, "TbMov"), 1);
+  EXPECT_EQ(All(), before);
+  TickMov(desk, 0);
+  desk.Click("BitBtn4");
+  EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(Listed(desk), "A4 A6 / E5 E7");
+  EXPECT_FALSE(desk.Property("GbSugestao", "visible").Bool());
+  EXPECT_EQ(desk.Rows("TbSugestao"), "");
+  // A cheque alone is proposed.
+  desk.Click("BtSugerir");
+  EXPECT_EQ(Ticked(desk), "A4 / E5");
+  TickMov(desk, 0, false);
+  TickArq(desk, 0, false);
+  Run("DELETE FROM EXTRATO_001");
+  Consult(desk);
+  desk.Click("BtSugerir");
+  EXPECT_EQ(desk.Messages(), "Nenhuma correspondência encontrada no prazo de 3 dias.");
+}
+
+TEST_F(ConciliaTest, ManyAreTiedAtOnce) {
+  Run("EXECUTE BLOCK AS DECLARE I INTEGER = 0; BEGIN WHILE (I < 300) DO BEGIN I = I + 1; "
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, DT_CONT, VALOR, OPERACAO, PENDENTE) VALUES ('M' "
+      "|| :I, "
+      "'D' || :I, '10250-1', '11/10/2026', :I, '-', 'S'); INSERT INTO EXTRATO_001 (LANCTO, DOCTO, CONTA, "
+      "DT_CONT, "
+      "VALOR, OPERACAO, CONCILIADO) VALUES ('L' || :I, 'D' || :I, '10250-1', '11/10/2026', :I, 'D', 'N'); "
+      "END END");
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  desk.Click("BtSugerir");
+  desk.Click("BitBtn4");
+  EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(Listed(desk), " / ");
+  EXPECT_EQ(Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON) FROM CONTACOR_001 WHERE PENDENTE = 'N'") +
+                Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON) FROM EXTRATO_001 WHERE CONCILIADO = 'S'"),
+            "300|1300|1");
+}
+
+}  // namespace
+}  // namespace orv::test

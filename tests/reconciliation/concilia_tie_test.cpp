@@ -1,0 +1,301 @@
+// The workbench: what is ticked is tied under one number, and untied.
+#include "tests/reconciliation/concilia_desk.h"
+
+namespace orv::test {
+namespace {
+
+constexpr const char* kChanged = "depois da consulta. Nada foi gravado, e as marcações continuam na tela.";
+
+class TieTest : public ConciliaTest {
+ protected:
+  // The number under which a movement was tied.
+  std::string Tie(const std::string& numero) {
+    return Sql("SELECT DISTINCT LANC_CON FROM CONTACOR_001 WHERE LANCAMENTO = '" + numero + "'");
+  }
+};
+
+TEST_F(TieTest, SeveralLinesOneNumber) {
+  for (const bool dated : {false, true}) {
+    SCOPED_TRACE(dated);
+    if (dated) Fin110();
+    Run("DELETE FROM CONTACOR_001");
+    Run("DELETE FROM EXTRATO_001");
+    Run("DELETE FROM AUDITORIA");
+    Store(Mov{.numero = "A1", .docto = "77"});
+    // The same number and document on the other side is settled along, on another account not.
+    Store(Mov{.numero = "A1", .docto = "77", .operacao = "+", .dt_cont = "11/22/2026"});
+    Store(Mov{.numero = "A1", .docto = "77", .conta = kOutra});
+    Store(Mov{.numero = "A2"});
+    Store(Line{.lancto = "E1", .valor = "1"});
+    Store(Line{.lancto = "E2", .valor = "40", .dt_cont = "11/12/2026"});
+    Store(Line{.lancto = "E3", .valor = "60", .dt_cont = "11/13/2026"});
+    Desk desk(database_);
+    Open(desk);
+    EXPECT_EQ(Consult(desk), "A1 A2 / E1 E2 E3");
+    TickMov(desk, 0);
+    // The last ticked one stands before in the set.
+    TickArq(desk, 2);
+    TickArq(desk, 1);
+    EXPECT_EQ(Totals(desk), "-100,00 -100,00 0,00");
+    desk.Click("BitBtn4");
+    EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+    EXPECT_EQ(Listed(desk), "A2 / E1");
+    EXPECT_EQ(Totals(desk), "0,00 0,00 0,00");
+    const std::string n = Sql("SELECT LANC_CON FROM EXTRATO_001 WHERE LANCTO = 'E3'");
+    EXPECT_EQ(n.size(), 6U);
+    EXPECT_EQ(Lines(), "E1|N|;E2|S|" + n + ";E3|S|" + n);
+    EXPECT_EQ(Movements(),
+              dated
+                  ? "A1|N|" + n + "|2026-11-12;A1|N|" + n + "|2026-11-12;A1|S||2026-11-10;A2|S||2026-11-10"
+                  : "A1|N|" + n + "|2026-11-22;A1|N|" + n + "|2026-11-10;A1|S||2026-11-10;A2|S||2026-11-10");
+    EXPECT_EQ(Audit(), "CONCILIACAO DO LANCAMENTO A1|3|A1");
+    EXPECT_EQ(Posted(), "");
+  }
+}
+
+TEST_F(TieTest, NothingTickedDrawsANumberAndReloads) {
+  Store(Mov{.numero = "A1"});
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  Run("UPDATE CONTACOR_001 SET LANCAMENTO = 'A2'");
+  desk.Click("BitBtn4");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  EXPECT_EQ(Listed(desk), "A2 / ");
+  EXPECT_EQ(Lines() + Audit(), "");
+}
+
+TEST_F(TieTest, MovementsThatCancelOutNeedNoLine) {
+  Fin110();
+  Store(Mov{.numero = "A1"});
+  Store(Mov{.numero = "A2", .operacao = "+"});
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  TickMov(desk, 0);
+  TickMov(desk, 1);
+  desk.Click("BitBtn4");
+  EXPECT_EQ(desk.Messages(), "");
+  const std::string n = Tie("A1");
+  EXPECT_EQ(Movements(), "A1|N|" + n + "|2026-11-10;A2|N|" + n + "|2026-11-10");
+}
+
+TEST_F(TieTest, Refusals) {
+  struct Case {
+    const char* what;
+    std::vector<int> movs, arqs;
+    const char* account;
+    const char* message;
+    const char* focus;
+  };
+  Store(Mov{.numero = "A1", .valor = "100"});
+  Store(Mov{.numero = "A2", .docto = "50", .valor = "50"});
+  Store(Mov{.numero = "A3", .valor = "0.01"});
+  Cheque("A2", "50");
+  Store(Line{.lancto = "E1", .valor = "100"});
+  Store(Line{.lancto = "E2", .valor = "50"});
+  Store(Line{.lancto = "E3", .valor = "100", .operacao = "C"});
+  const std::string before = All();
+  const Case cases[] = {
+      {"a cent", {0, 2}, {0}, kConta, "Valores diferentes no Extrato. Impossível conciliar.", "BitBtn4"},
+      {"the side", {0}, {2}, kConta, "Valores diferentes no Extrato. Impossível conciliar.", "BitBtn4"},
+      {"no movement", {}, {1}, kOutra, "Valores diferentes no Extrato. Impossível conciliar.", "BitBtn4"},
+      {"the account",
+       {0, 1},
+       {0, 1},
+       kOutra,
+       "A conta foi trocada depois da consulta. Consulte novamente.",
+       "EdtConta"},
+      {"cheques",
+       {0, 1},
+       {0, 1},
+       kConta,
+       "Impossível fazer a conciliação de múltiplos cheques ao mesmo tempo.",
+       "BitBtn4"},
+  };
+  Desk desk(database_);
+  Open(desk);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Consult(desk, {{"EdtConta", kConta}});
+    for (const int row : c.movs) TickMov(desk, row);
+    for (const int row : c.arqs) TickArq(desk, row);
+    desk.Set("EdtConta", c.account);
+    const std::string ticked = Ticked(desk);
+    desk.Click("BitBtn4");
+    EXPECT_EQ(desk.Messages(), c.message);
+    desk.Answer("ok");
+    EXPECT_EQ(desk.FocusName(), c.focus);
+    EXPECT_EQ(Ticked(desk), ticked);
+    EXPECT_EQ(All(), before);
+  }
+}
+
+TEST_F(TieTest, AChequeIsAccountedForAndUndone) {
+  Store(Mov{.numero = "A1", .docto = "77", .historico = "004"});
+  Cheque("A1", "77");
+  Store(Line{.lancto = "E1", .dt_cont = "11/12/2026"});
+  Store(Line{.lancto = "E2", .valor = "9", .dt_cont = "11/13/2026"});
+  Run("UPDATE CLASSE_CONTA_001 SET CODCLI = '9' WHERE HISTORICO = '004'");
+  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) VALUES ('', "
+      "'0', "
+      "'004', '0', 'X', '2.2')");
+  const std::string before = All();
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  TickMov(desk, 0);
+  TickArq(desk, 0);
+  desk.Click("BitBtn4");
+  EXPECT_EQ(desk.End(), "waiting answer");
+  // While the user thinks, others go on.
+  Run("UPDATE CONTACOR_001 SET OBSERVACAO = 'SOLTO'");
+  Run("UPDATE EXTRATO_001 SET OBSERVACAO = 'SOLTO'");
+  desk.Answer("no");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  EXPECT_EQ(All(), before);
+  EXPECT_EQ(Ticked(desk), "A1 / E1");
+
+  desk.Click("BitBtn4");
+  desk.Answer("yes");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  const std::string n = Tie("A1");
+  EXPECT_EQ(Movements(), "A1|N|" + n + "|2026-11-10");
+  EXPECT_EQ(Cheques(), "A1|B|2026-11-12");
+  // Dated by the line at which the user stood, which is the one after the ticked one.
+  EXPECT_EQ(Posted(),
+            n + "|77|2.2|2.1.02.001|-|CC|004|100.0000|2026-11-13|000-00|COMPENSACAO DO CHEQUE NR: 77");
+
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Conciliados"}}), "A1 / E1");
+  desk.Click("BitBtn8");
+  EXPECT_EQ(desk.Messages(), "Tem certeza que deseja voltar conciliação?");
+  EXPECT_EQ(desk.Text("EdtConcilia"), n);
+  const std::string tied = All();
+  desk.Answer("no");
+  EXPECT_EQ(All(), tied);
+  desk.Click("BitBtn8");
+  desk.Answer("yes");
+  EXPECT_EQ(desk.End() + desk.Messages(), "idle");
+  EXPECT_EQ(Movements() + Lines(), "A1|S||2026-11-10E1|N|;E2|N|");
+  EXPECT_EQ(Cheques(), "A1|P|2026-11-12");
+  EXPECT_EQ(Posted(), "");
+  EXPECT_EQ(Audit(), "CONCILIACAO DO LANCAMENTO A1|3|A1;VOLTA CONCILIACAO DO LANCAMENTO A1|3|A1");
+  EXPECT_EQ(desk.Text("EdtConcilia"), "");
+}
+
+TEST_F(TieTest, TheUndoTakesTheWholeNumber) {
+  for (const char* numero : {"A1", "A2"}) Store(Mov{.numero = numero, .pendente = "N", .lanc_con = "000009"});
+  Store(Mov{.numero = "A3", .pendente = "N"});
+  Store(Line{.lancto = "E1", .conciliado = "S", .lanc_con = "000009"});
+  Run("INSERT INTO CONTABIL_001 (LANCAMENTO, CONTA_C, CONTA_D, VALOR) VALUES ('000009', '1', '2', 3)");
+  Desk desk(database_);
+  Open(desk);
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Conciliados"}}), "A1 A2 A3 / E1");
+  // Cleared without a number: by the file of the other page, or by the ledger.
+  desk.Do({{"do", "row"}, {"control", "OrvDBGrid1"}, {"row", 2}});
+  desk.Click("BitBtn8");
+  EXPECT_EQ(desk.Messages(), "Lançamento sem conciliação. Impossível continuar.");
+  desk.Answer("ok");
+  desk.Do({{"do", "row"}, {"control", "OrvDBGrid1"}, {"row", 1}});
+  desk.Click("BitBtn8");
+  EXPECT_EQ(Listed(desk), "A1 A2 / E1");
+  desk.Answer("yes");
+  EXPECT_EQ(Movements(), "A1|S||2026-11-10;A2|S||2026-11-10;A3|N||2026-11-10");
+  EXPECT_EQ(Lines(), "E1|N|");
+  EXPECT_EQ(Audit(), "VOLTA CONCILIACAO DO LANCAMENTO A1|3|A1");
+  // Without a cheque the entries under the number are another's matter.
+  EXPECT_NE(Posted(), "");
+  EXPECT_EQ(Listed(desk), "A3 / ");
+}
+
+// Two users with the same rows on the screen.
+TEST_F(TieTest, OneOfTwoTies) {
+  Store(Mov{.numero = "A1", .docto = "77", .historico = "004"});
+  Cheque("A1", "77");
+  Store(Mov{.numero = "A2"});
+  Store(Line{.lancto = "E1"});
+  Store(Line{.lancto = "E2"});
+  Desk first(database_), second(database_);
+  for (Desk* desk : {&first, &second}) {
+    Open(*desk);
+    Consult(*desk);
+  }
+  // The same line for another movement.
+  TickMov(first, 1);
+  TickArq(first, 0);
+  TickMov(second, 0);
+  TickArq(second, 0);
+  second.Click("BitBtn4");
+  EXPECT_EQ(second.End(), "waiting answer");
+  first.Click("BitBtn4");
+  EXPECT_EQ(first.Messages(), "");
+  const std::string tied = All();
+  second.Answer("yes");
+  EXPECT_EQ(second.Messages(),
+            std::string("error: Outro usuário alterou ou conciliou a linha E1 do extrato ") + kChanged);
+  EXPECT_EQ(All(), tied);
+  EXPECT_EQ(Ticked(second), "A1 / E1");
+  // With another line it goes.
+  TickArq(second, 0, false);
+  TickArq(second, 1);
+  second.Click("BitBtn4");
+  second.Answer("yes");
+  EXPECT_EQ(second.Messages(), "");
+  EXPECT_EQ(Sql("SELECT COUNT(DISTINCT LANC_CON) FROM EXTRATO_001 WHERE CONCILIADO = 'S'"), "2");
+
+  // Both undo the same one.
+  for (Desk* desk : {&first, &second}) {
+    Consult(*desk, {{"RgBusca", "Conciliados"}});
+    desk->Click("BitBtn8");
+  }
+  second.Answer("yes");
+  EXPECT_EQ(second.Messages(), "");
+  const std::string untied = All();
+  first.Answer("yes");
+  EXPECT_TRUE(first.Messages().starts_with("error: Outro usuário já voltou a conciliação "))
+      << first.Messages();
+  EXPECT_EQ(All(), untied);
+}
+
+TEST_F(TieTest, WhatChangedSinceTheLoadIsntTied) {
+  struct Case {
+    const char *change, *what;
+  };
+  const Case cases[] = {
+      {"UPDATE CONTACOR_001 SET VALOR = 100.01", "o lançamento A1"},
+      {"UPDATE CONTACOR_001 SET PENDENTE = 'N'", "o lançamento A1"},
+      {"UPDATE CONTACOR_001 SET OPERACAO = '+'", "o lançamento A1"},
+      {"DELETE FROM CONTACOR_001", "o lançamento A1"},
+      {"UPDATE EXTRATO_001 SET VALOR = 99", "a linha E1 do extrato"},
+      {"UPDATE EXTRATO_001 SET CONTA = '20418-7'", "a linha E1 do extrato"},
+      {"UPDATE EXTRATO_001 SET CONCILIADO = 'S', LANC_CON = '000001'", "a linha E1 do extrato"},
+      {"DELETE FROM EXTRATO_001", "a linha E1 do extrato"},
+  };
+  Desk desk(database_);
+  Open(desk);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.change);
+    Run("DELETE FROM CONTACOR_001");
+    Run("DELETE FROM EXTRATO_001");
+    // Others beside them are sent along.
+    Store(Mov{.numero = "A1"});
+    Store(Line{.lancto = "E1"});
+    Store(Mov{.numero = "Z1", .docto = "2", .conta = kConta});
+    Store(Line{.lancto = "Z2"});
+    Consult(desk);
+    for (const int row : {0, 1}) TickMov(desk, row);
+    for (const int row : {0, 1}) TickArq(desk, row);
+    Run(std::string(c.change) + (std::string_view(c.change).find("CONTACOR") != std::string_view::npos
+                                     ? " WHERE LANCAMENTO = 'A1'"
+                                     : " WHERE LANCTO = 'E1'"));
+    const std::string before = All();
+    desk.Click("BitBtn4");
+    EXPECT_EQ(desk.Messages(),
+              "error: Outro usuário alterou ou conciliou " + std::string(c.what) + " " + kChanged);
+    EXPECT_EQ(All(), before);
+    EXPECT_TRUE(Ticked(desk) == "A1 Z1 / E1 Z2" || Ticked(desk) == "Z1 A1 / Z2 E1") << Ticked(desk);
+  }
+}
+
+}  // namespace
+}  // namespace orv::test
