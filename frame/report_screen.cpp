@@ -32,16 +32,19 @@ class SetsHold {
 class InCompany {
  public:
   InCompany(TOrvTable& companies, const std::string& suffix)
-      : companies_(companies), before_(companies["EMP_PAT"].AsString()) {
-    companies_.Locate("EMP_PAT", suffix);
+      : companies_(companies), before_(companies["EMP_PAT"].AsString()), moved_(suffix != before_) {
+    if (moved_) companies_.Locate("EMP_PAT", suffix);
   }
-  ~InCompany() { companies_.Locate("EMP_PAT", before_); }
+  ~InCompany() {
+    if (moved_) companies_.Locate("EMP_PAT", before_);
+  }
   InCompany(const InCompany&) = delete;
   InCompany& operator=(const InCompany&) = delete;
 
  private:
   TOrvTable& companies_;
-  std::string before_;
+  const std::string before_;
+  const bool moved_;
 };
 
 class EachRow : public RowSink {
@@ -103,7 +106,7 @@ void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
   }
 }
 
-void ReportScreen::ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) {
+void ReportScreen::ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const {
   EachRow sink(row);
   Tabela.IBDatabase().Fetch(sql, sink);
 }

@@ -75,7 +75,7 @@ class ReportScreen : public Child {
   // taken for a whole one.
   void Gather(std::initializer_list<TClientDataSet*> sets, const std::function<void(Gathering&)>& work);
   // Runs a statement and hands on each row, whose values may be moved out. Nothing is kept.
-  void ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row);
+  void ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const;
   // Appends a row in the bulk manner, each value as its field holds it. The values are moved out.
   static void AppendFitted(MemoryDataSet& set, std::span<Value> values);
 
