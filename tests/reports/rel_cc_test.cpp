@@ -35,6 +35,8 @@ class StatementTest : public RelCcTest {
   void Paid(const std::string& number, const std::string& movement, const std::string& paid = "70") {
     Store("PAGTO1_001", {{"NUM_AP", number}, {"LANCAMENTO", movement}, {"VAL_PAG", paid}});
   }
+  // The other company has the account, too.
+  void AccountOfBoth() { Store("CADCONTA_002", {{"CONTA", kConta}, {"BANCO", "901"}, {"IMP_FLUXO", "S"}}); }
   std::string Name(const std::string& code) {
     return Sql(
         "SELECT CAST(SUBSTRING(NOME FROM 1 FOR 40) AS VARCHAR(40)) FROM ENTIDADE_001 WHERE CODCLI = '" +
@@ -89,7 +91,7 @@ TEST_F(StatementTest, FiltersNarrowRowsAndBalance) {
   Movement("J", {{"CONTA", "33021-5"}});
   Movement("K", {{"CONTA", "99"}});
   // The other company.
-  Run("UPDATE CADCONTA_002 SET IMP_FLUXO = 'S'");
+  AccountOfBoth();
   Movement("L", {{"VALOR", "500"}, {"OPERACAO", "+"}}, "_002");
 
   const Fields all = {{"RgTipo", "1"}, {"RelConta", ""}};
@@ -104,7 +106,9 @@ TEST_F(StatementTest, FiltersNarrowRowsAndBalance) {
   const Case cases[] = {
       {{}, "C|70|68.75\nD|70|66.75\nF|70|63.75\nE|70|73.75\n"},
       {{{"RgBusca", "1"}}, "C|100|98.75\nF|100|95.75\nE|100|105.75\n"},
-      {{{"RgData", "0"}}, "B|0|-30\nA|0|70\nX|0|70\nD|0|68\nE|0|78\nF|0|75\nG|0|65\n"},
+      {{{"RgData", "0"}},
+       "A|-1.25|98.75\nB|-1.25|68.75\nD|-1.25|66.75\nE|-1.25|76.75\nF|-1.25|73.75\nG|-1.25|63.75\nX|-1.25|63."
+       "75\n"},
       {{{"RgData", "2"}}, "A|0|100\nB|0|70\nC|0|68.75\nD|0|66.75\nF|0|63.75\nG|0|53.75\nX|0|53.75\n"},
       // The document narrows the rows only.
       {{{"EdtDocto", "D'ÁGUA {X}"}}, "F|70|67\n"},
@@ -231,7 +235,7 @@ TEST_F(StatementTest, AMovementIsItsPersons) {
   Movement("7", {{"DOCTO", "000088/1"}, {"TIPO", "P"}});  // nothing was settled
   // The other company has titles under the same numbers.
   Movement("3", {{"DT_CONT", "11/20/2026"}}, "_002");
-  Run("UPDATE CADCONTA_002 SET IMP_FLUXO = 'S'");
+  AccountOfBoth();
   Store("RECEBER_002", {{"NUMERO", "T9"}, {"CODCLI", "00002"}});
   Received("T9", "3", "1", "_002");
   const std::string local = "1|" + Name("00002") + "\n2|-\n3|" + Name("00004") + "\n4|" + Name("00005") +
@@ -276,8 +280,8 @@ TEST_F(StatementTest, TitlesComeAlong) {
   title("R|1|T1|T1|30.0000|1.7500", "00002");
   title("R|1|T2|T2|50.0000|1.7500", "00003");
   title("R|1|T2|T2|50.0000|1.7500", "00003");
-  title("P|2|000077|NF000077|30.0000|-", "00004");
-  title("P|2|000088|NF000088|70.0000|-", "00005");
+  title("P|2|000077|NF000077|30.0000|0.0000", "00004");
+  title("P|2|000088|NF000088|70.0000|0.0000", "00005");
   std::stable_sort(lines.begin(), lines.end(), [](const std::string& a, const std::string& b) {
     return a.substr(0, a.find('|')) < b.substr(0, b.find('|'));
   });
@@ -328,7 +332,7 @@ TEST_F(StatementTest, ARowShowsItsSource) {
   Store("CONTABIL_001", {{"LANCAMENTO", "1"}, {"CONTA_C", "C1"}, {"CONTA_D", "D1"}, {"VALOR", "50"}});
   Store("CONTABIL_001", {{"LANCAMENTO", "77"}, {"CONTA_C", "C2"}, {"CONTA_D", "D2"}, {"VALOR", "51"}});
   Movement("1", {{"VALOR", "999"}, {"DT_CONT", "11/11/2026"}}, "_002");
-  Run("UPDATE CADCONTA_002 SET IMP_FLUXO = 'S'");
+  AccountOfBoth();
   Desk desk(database_);
   Open(desk, {{"RgTipo", "2"}, {"CbFinanceiro", "true"}, {"RgAgrupar", "5"}});
   const auto detail = [&](const char* grid, int row) {
