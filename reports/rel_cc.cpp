@@ -71,22 +71,20 @@ TfmRelCC::TfmRelCC(Application& application)
       DBGrid2(*this, "DBGrid2", TbFinan, ColunasFinan(), true, "Financeiro") {
   Layout(R"(
     GbFiltros {
-      RelConta wwrelConta Edit1 /
-      RelCodBan PqBanco RelDesBan /
-      EdtHistHistorico pqHistorico EdtDesHistorico /
-      EdtDocto
+      RelConta wwrelConta Edit1 RelCodBan PqBanco RelDesBan /
+      EdtHistHistorico pqHistorico EdtDesHistorico EdtDocto
     }
-    RgTipo RgBusca RgData
+    GbClasse { EdtClasseIni PqClasseIni / EdtClasseFim PqClasseFim }
+    GbPeriodo { EdtDataDe / edtDataAte }
+    GbOpcoes { CbZeradas / CbFinanceiro / cbAgpPendente } /
+    RgTipo RgBusca RgData BitBtn29 BitBtn33 BitBtn5 /
     RgAgrupar /
-    GbClasse { EdtClasseIni PqClasseIni EdtClasseFim PqClasseFim }
-    GbPeriodo { EdtDataDe edtDataAte }
-    GbOpcoes { CbZeradas CbFinanceiro cbAgpPendente }
-    BitBtn29 BitBtn33 BitBtn5 /
     DBGrid1 / DBGrid2
   )");
   AddSet(TbRelatorio);
   AddSet(TbFinan);
   AbreTabelas({"tbSubgrupo", "tbBanco", "tbCadConta", "tbContaCor", "tbHistorico"});
+  CriaRelatorio();
   TbFinan.CreateDataSet();
   Period(EdtDataDe, edtDataAte);
 

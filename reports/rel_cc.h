@@ -127,6 +127,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
 
   // --- The gathering (rel_cc_gather.cpp).
   void Monta_Rel(Gathering& gathering);
+  void CriaRelatorio();
   Consulta LeFiltros() const;
   std::string Indice() const;
   Currency SaldoAnterior() const;

@@ -241,10 +241,12 @@ std::string TfmRelCC::Movimentos(Date de, Date ate, std::string_view mais) const
          consulta_.filtro_linhas + WhereBetween(consulta_.data, de, ate);
 }
 
+void TfmRelCC::CriaRelatorio() { LayDown(TbRelatorio, kRelatorio); }
+
 void TfmRelCC::Monta_Rel(Gathering& gathering) {
   TbFinan.EmptyDataSet();
   TbFinan.SetIndexFieldNames("");
-  LayDown(TbRelatorio, kRelatorio);
+  CriaRelatorio();
   consulta_ = LeFiltros();
   empresas_.clear();
   empresa_da_linha_.clear();
