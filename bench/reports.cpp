@@ -186,7 +186,7 @@ void Growth(const std::filesystem::path& house) {
   Statement statement(house);
   statement.Set("RgTipo", "1");
   statement.Set("CbFinanceiro", "true");
-  double least = 0;
+  double each_of_many = 0;
   for (const int64_t wanted : {10'000, 30'000, 100'000, 300'000, 1'000'000}) {
     const Value day =
         db->Scalar("SELECT FIRST 1 SKIP " + std::to_string(wanted) +
@@ -197,9 +197,15 @@ void Growth(const std::filesystem::path& house) {
     for (int i = 0; i < (wanted > 100'000 ? 1 : 2); ++i) best.Take(Measure([&] { statement.Gather(); }));
     const auto rows = static_cast<double>(statement.Count("TbRelatorio"));
     const double each = best.Cpu() / rows * 1e6;
-    if (least == 0) least = each;
-    Print("the statement of " + Number(rows) + " movements (2 x the first)", each, Bound::AtMost, 2 * least,
-          "us/row", Number(best.Wall()) + " s by the clock");
+    const std::string what = "the statement of " + Number(rows) + " movements";
+    const std::string clock = Number(best.Wall()) + " s by the clock";
+    // The balance before a short period is of many movements, which a short report has to bear.
+    if (each_of_many == 0) {
+      Print(what, each, "us/row", clock);
+    } else {
+      Print(what + " (1.3 x above)", each, Bound::AtMost, 1.3 * each_of_many, "us/row", clock);
+    }
+    if (wanted >= 100'000) each_of_many = each;
   }
 }
 
