@@ -75,10 +75,11 @@ TfmRelCC::TfmRelCC(Application& application)
       EdtHistHistorico pqHistorico EdtDesHistorico EdtDocto
     }
     GbClasse { EdtClasseIni PqClasseIni / EdtClasseFim PqClasseFim }
-    GbPeriodo { EdtDataDe / edtDataAte }
-    GbOpcoes { CbZeradas / CbFinanceiro / cbAgpPendente } /
-    RgTipo RgBusca RgData BitBtn29 BitBtn33 BitBtn5 /
-    RgAgrupar /
+    GbOpcoes { CbZeradas / CbFinanceiro / cbAgpPendente }
+    RgBusca /
+    RgTipo RgData BitBtn29 BitBtn33 BitBtn5 /
+    RgAgrupar
+    GbPeriodo { EdtDataDe edtDataAte } /
     DBGrid1 / DBGrid2
   )");
   AddSet(TbRelatorio);

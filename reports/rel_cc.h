@@ -41,22 +41,22 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   Edit EdtClasseFim{*this, "EdtClasseFim", "Até", 6};
   TPesquisa PqClasseFim{*this, "PqClasseFim",
                         Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
-  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização", "Vencimento"}, 1};
-  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Por Conta", "Todas Contas", "Todas Contas/Empresas"}, 0};
+  GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
+  CheckBox CbZeradas{*this, "CbZeradas", "Contas Zeradas"};
+  CheckBox CbFinanceiro{*this, "CbFinanceiro", "Buscar Financeiro"};
+  CheckBox cbAgpPendente{*this, "cbAgpPendente", "Agrupa Pendente"};
   RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Baixados"}, 0};
+  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Por Conta", "Todas Contas", "Todas Contas/Empresas"}, 0};
+  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização", "Vencimento"}, 1};
+  Button BitBtn29{*this, "BitBtn29", "&Consultar"};
+  Button BitBtn33{*this, "BitBtn33", "&Imprimir"};
+  Button BitBtn5{*this, "BitBtn5", "&Fechar"};
   RadioGroup RgAgrupar{*this,
                        "RgAgrupar",
                        "Agrupar por",
                        {"Data", "Clas. Gerencial", "Histórico", "Classe /Hist. /Analítico",
                         "Classe /Hist. /Sintético", "Documento", "Data/Operação", "Conta/Data"},
                        0};
-  GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
-  CheckBox CbZeradas{*this, "CbZeradas", "Contas Zeradas"};
-  CheckBox CbFinanceiro{*this, "CbFinanceiro", "Buscar Financeiro"};
-  CheckBox cbAgpPendente{*this, "cbAgpPendente", "Agrupa Pendente"};
-  Button BitBtn29{*this, "BitBtn29", "&Consultar"};
-  Button BitBtn33{*this, "BitBtn33", "&Imprimir"};
-  Button BitBtn5{*this, "BitBtn5", "&Fechar"};
   // The period comes after the buttons: a date is overwritten when it is entered, and whoever tabs through
   // the filters narrows no period by that.
   GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
