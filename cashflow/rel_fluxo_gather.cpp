@@ -195,8 +195,9 @@ void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
 
 uint16_t TfmRelFluxo::Empresa(std::string_view sufixo) {
   const auto found = std::find(empresas_.begin(), empresas_.end(), sufixo);
+  const auto empresa = static_cast<uint16_t>(found - empresas_.begin());
   if (found == empresas_.end()) empresas_.emplace_back(sufixo);
-  return static_cast<uint16_t>(found - empresas_.begin());
+  return empresa;
 }
 
 std::string TfmRelFluxo::FiltroPeriodo(const char* coluna, const Consulta& consulta) const {

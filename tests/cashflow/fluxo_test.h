@@ -25,9 +25,10 @@ class FluxoTest : public DeskTest {
     }
     Db().CommitRetaining();
   }
+  // Of a column that is named twice the later value counts.
   void Store(const std::string& table, const Fields& fields) {
     std::string names, values;
-    for (const auto& [name, value] : fields) {
+    for (const auto& [name, value] : Row(fields.rbegin(), fields.rend())) {
       names += (names.empty() ? "" : ", ") + name;
       values += (values.empty() ? "'" : ", '") + value + "'";
     }

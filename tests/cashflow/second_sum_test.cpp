@@ -29,6 +29,11 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
   const Date from(2026, 10, 1), to(2027, 3, 31);
   const std::string until = "'" + to.Sql() + "'",
                     range = " BETWEEN '" + from.AddDays(-3).Sql() + "' AND " + until;
+  // The demo may expect no cheque of one kind in the period.
+  Store("CHEQUE_PRE_001",
+        {{"CHAVE", "KX"}, {"VENCIMENTO", "11/28/2026"}, {"STATUS", "P"}, {"TIPO", "P"}, {"VALOR", "12.34"}});
+  Store("RECEBER_001",
+        {{"NUMERO", "CHX"}, {"DT_VENCTO", "11/28/2026"}, {"STATUS", "CH"}, {"VALOR2", "5.67"}});
   for (const bool all : {false, true}) {
     std::map<std::string, Currency> expected;
     for (const std::string company : {"_001", "_002"}) {
