@@ -132,9 +132,8 @@ void ServerSessions::Connect(const WindowPointer& window, const std::shared_ptr<
   if (window->link != nullptr) window->link->Close();
   window->link = link;
   window->next = nullptr;
-  ++window->refreshing;
   link->Send(Json{{"on", "hello"}, {"session", window->id}, {"received", window->received}}.Text());
-  window->session->Refresh();
+  if (window->session->Refresh()) ++window->refreshing;
 }
 
 bool ServerSessions::MakeRoom(const std::string& user) {

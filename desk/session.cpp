@@ -43,12 +43,14 @@ void Session::Post(Json in) {
   arrived_.notify_one();
 }
 
-void Session::Refresh() {
+bool Session::Refresh() {
   {
     const std::lock_guard lock(mutex_);
+    if (!queue_.empty() && queue_.back().refresh) return false;
     queue_.push_back({Json(), true});
   }
   arrived_.notify_one();
+  return true;
 }
 
 void Session::End() {

@@ -59,8 +59,8 @@ class Session : private UserInterface, private ApplicationObserver {
   void Post(Json in);
   // From any thread, for a display that comes back: after the objects queued so far, sends "refresh", then
   // all that is open as if it were new: the screens from the bottom with their sets and focus, the question,
-  // and the "idle" or "waiting" that stands.
-  void Refresh();
+  // and the "idle" or "waiting" that stands. False if that is to come already, with nothing queued behind it.
+  bool Refresh();
   // From any thread: the session ends as soon as it waits for the next object, and a statement that runs is
   // cancelled; an open action is unwound and rolled back.
   void End();

@@ -217,11 +217,13 @@ export class GridView {
   private measure(): void {
     const view = Math.max(0, this.scroller.clientHeight - this.head.offsetHeight);
     if (view === this.scroll.view) return;
+    const inSight = this.row >= this.scroll.first && this.row <= this.scroll.last;
     this.scroll.view = view;
     this.port.style.height = `${view}px`;
     this.element.classList.toggle("is-tall", view >= 6 * kRowHeight);
     this.bar = this.scroll.moveTo(this.scroll.top);
-    if (this.row >= 0 && document.activeElement === this.scroller) this.bar = this.scroll.reveal(this.row);
+    // The current row stays in sight when the grid grows or shrinks around it.
+    if (this.row >= 0 && (inSight || document.activeElement === this.scroller)) this.bar = this.scroll.reveal(this.row);
     this.barAt = -1;
     this.draw();
   }
