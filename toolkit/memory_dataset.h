@@ -45,6 +45,9 @@ class MemoryDataSet : public DataSet {
   // Appends a row as it stands, without events, behind the others; for filling a set in bulk. The values are
   // moved out and must be as many as the fields. The cursor stays.
   void AppendRow(std::span<Value> values);
+  // The current row whatever the order: while none is removed, how many were added before it. kNoRow without
+  // rows.
+  RowId CurrentRow() const { return current_; }
 
  protected:
   // Makes the set ready for rows of its present fields, without events.

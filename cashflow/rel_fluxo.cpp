@@ -1,0 +1,141 @@
+#include "cashflow/rel_fluxo.h"
+
+#include "frame/entry/unit.h"
+
+namespace orv {
+
+thread_local TfmRelFluxo* fmRelFluxo = nullptr;
+
+namespace {
+
+const Unit kUnit("Relfluxo",
+                 {"TfmRelFluxo", "Relatóro de Estatística de Caixa", ScreenKind::Child, "Fluxo de Caixa",
+                  [](Application& a) { return std::make_unique<TfmRelFluxo>(a); }});
+
+// The period that a new screen opens with.
+const Date kDe(1980, 1, 1), kAte(2030, 12, 31);
+
+std::vector<GridColumn> ColunasRelatorio() {
+  return {{"DtLanc", "Data"},
+          {"Numero", "Número"},
+          {"Documento", "Documento"},
+          {"Vlr_receb", "A Receber"},
+          {"Vlr_pagar", "A Pagar"},
+          {"Vlr_Compra", "Compras"},
+          {"Vlr_Venda", "Vendas"},
+          {"Vlr_ChequeRec", "Ch. Recebido"},
+          {"Vlr_ChequePag", "Ch. Emitido"},
+          {"Cod_Pessoa", "Código", 8},
+          {"Desc_Pessoa", "Cliente/Fornecedor", 30},
+          {"Operacao", "Op."},
+          {"Historico", "Histórico", 30},
+          {"Data_ini", "De", 10},
+          {"data_fim", "Até", 10},
+          {"Vlr_Deb", "Débito"},
+          {"Vlr_Cre", "Crédito"},
+          {"Saldo", "Saldo"},
+          {"Lim_Credito", "Limite de Crédito"},
+          {"Banco", "Banco"},
+          {"Nome_Banco", "Nome do Banco", 20},
+          {"Grupo_Dias", "Dias"},
+          {"SaldoCorr", "Saldo Corrente"},
+          {"ClasseGer", "Classe Ger."},
+          {"DescClasse", "Descrição da Classe", 30},
+          {"Obs", "Observação", 40},
+          {"Conta", "Conta"},
+          {"Data", "Data Conta"}};
+}
+
+std::vector<GridColumn> ColunasSaldo() {
+  return {{"Sel", "Sel", 4, false, true, "S", "N"},
+          {"Conta", "Conta", 13, true},
+          {"Empresa", "Empresa", 30, true},
+          {"Valor", "Valor", 14, true}};
+}
+
+}  // namespace
+
+TfmRelFluxo::TfmRelFluxo(Application& application)
+    : Child(application, "TfmRelFluxo", "fmRelFluxo", "Relatóro de Estatística de Caixa"),
+      DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio()),
+      OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false) {
+  Layout(R"(
+    GbConta { EdtConta PqConta EdtEmp / dtSaldo CbSaldo EdtSaldo }
+    GbPeriodo { EdtDataDe edtDataAte }
+    RgTipo rgOrdem /
+    GbSituacao { EdtSit PqSituacaoRP SpeedButton1 }
+    GbDesconsiderar {
+      EdtSitDesc PqSituacaoRec SpeedButton2 EdtSitDescPag PqSituacaoPag SpeedButton3
+    }
+    GbBancos { edtBanco pqBanco SpeedButton4 } /
+    GbOpcoes { CbEmp CbCheque CbOrcPagar CbOrcReceber CbVenCom CBCond CbContBanc CbProgramacao }
+    BitBtn29 BitBtn33 BitBtn5 /
+    DBGrid1 / OrvDBGrid1
+  )");
+  AddSet(TbRelatorio);
+  AddSet(TbSaldo);
+  AbreTabelas({"TbCadConta", "TbSituacao"});
+  dtSaldo.SetDate(Today());
+  EdtDataDe.SetDate(kDe);
+  edtDataAte.SetDate(kAte);
+  EdtSaldo.SetVisible(false);
+
+  Lookups({{&EdtConta, &PqConta, "CADCONTA", "CONTA", {{"EMPRESA", &EdtEmp}}, "", true, nullptr}});
+  EdtConta.OnExit = [this] { EdtContaExit(); };
+  LigaLista(EdtSit, PqSituacaoRP, SpeedButton1, "CODIGO");
+  LigaLista(EdtSitDesc, PqSituacaoRec, SpeedButton2, "CODIGO");
+  LigaLista(EdtSitDescPag, PqSituacaoPag, SpeedButton3, "CODIGO");
+  LigaLista(edtBanco, pqBanco, SpeedButton4, "BANCO");
+  TodayOnEnter(EdtDataDe);
+  SameOnEnter(edtDataAte, EdtDataDe);
+  for (CheckBox* box : {&CbSaldo, &CbEmp, &CbCheque}) box->OnChange = [this] { CbSaldoClick(); };
+  BitBtn29.OnClick = [this] { BitBtn29Click(); };
+  BitBtn33.OnClick = [this] { BitBtn33Click(); };
+  BitBtn5.OnClick = [this] { Close(); };
+  DBGrid1.OnDblClick = [this] { DBGrid1DblClick(); };
+  OrvDBGrid1.OnDblClick = [this] { OrvDBGrid1DblClick(); };
+  OrvDBGrid1.SetRowsFixed(true);
+  OrvDBGrid1.OnKey = [this](KeyPress& key) { OrvDBGrid1KeyDown(key); };
+}
+
+LookupSettings TfmRelFluxo::Situacoes() const {
+  return Search("TABSIT", "CODIGO", {{"CODIGO", "Situação"}, {"DESCRICAO", "Descrição"}});
+}
+
+void TfmRelFluxo::LigaLista(Edit& lista, TPesquisa& pesquisa, SmallButton& limpa, const char* chave) {
+  pesquisa.OnFechaPesquisa = [this, &lista, &pesquisa, chave] {
+    AcrescentaNaLista(Funcoes, lista, pesquisa.RetornoPesquisa(chave));
+  };
+  lista.OnKey = [&pesquisa](KeyPress& key) {
+    if (key.key != "F4") return;
+    key.handled = true;
+    pesquisa.AbrePesquisa();
+  };
+  limpa.OnClick = [&lista] { lista.Clear(); };
+}
+
+void TfmRelFluxo::EdtContaExit() {
+  if (EdtConta.Empty() || Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(EdtConta.Text()))) return;
+  Inform("Conta inválida.");
+  EdtConta.Clear();
+  EdtConta.SetFocus();
+}
+
+void TfmRelFluxo::CbSaldoClick() { EdtSaldo.SetVisible(CbSaldo.Checked()); }
+
+void TfmRelFluxo::OrvDBGrid1KeyDown(KeyPress& key) {
+  if (key.key == "Delete") key.handled = true;
+}
+
+void TfmRelFluxo::BitBtn33Click() {
+  const bool geral = RgTipo.ItemIndex() == 0;
+  if (CbVenCom.Checked()) {
+    Funcoes.Chama_Relatorio(*this, geral ? "WCCEstCompraVenda" : "WCCEstCompraVendaR");
+  } else if (rgOrdem.ItemIndex() == 1) {
+    Funcoes.Chama_Relatorio(*this, "WCCEstatistClasGer");
+  } else {
+    Funcoes.Chama_Relatorio(*this, geral ? "WCCEstatistica" : "TCCEstResum");
+  }
+}
+
+}  // namespace orv

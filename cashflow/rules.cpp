@@ -1,0 +1,82 @@
+#include "cashflow/rules.h"
+
+#include <cstdlib>
+
+#include "toolkit/text.h"
+
+namespace orv {
+
+std::string PorEmpresa(const IFuncoes& funcoes, std::string_view sql, std::string_view tabela, bool todas,
+                       std::string_view ordem) {
+  std::string text = todas ? funcoes.UnionTodasEmpresas(sql, tabela, true) : funcoes.DBLocal_SQL(sql, "");
+  if (!ordem.empty()) text.append("\n").append(ordem);
+  return text;
+}
+
+void AcrescentaNaLista(const IFuncoes& funcoes, Edit& lista, std::string_view codigo) {
+  lista.SetText(lista.Text() + (lista.Empty() ? "" : ",") + funcoes.Aspas(codigo));
+}
+
+std::string FiltroLista(const IFuncoes& funcoes, std::string_view coluna, const Edit& lista, bool dentro) {
+  const std::string codigos = funcoes.ListaSQL(lista.Text());
+  if (codigos.empty()) return "";
+  return " AND " + std::string(coluna) + (dentro ? " IN (" : " NOT IN (") + codigos + ")";
+}
+
+Date DiasEfetivos::DiaUtil(Date dia) {
+  const auto [found, added] = uteis_.try_emplace(dia.Days());
+  if (added) found->second = funcoes_.VerificaDiaUtil(dia, false);
+  return found->second;
+}
+
+Date DiasEfetivos::Credito(Date dia, std::string_view situacao) {
+  const auto [found, added] = creditos_[std::string(situacao)].try_emplace(dia.Days());
+  if (added) found->second = contabil_.DataContabilizacaoBancaria(dia, situacao, true);
+  return found->second;
+}
+
+std::string_view CondicaoPagamento::Vaga(int parcela) const {
+  const auto from = static_cast<std::size_t>((parcela - 1) * kLargura);
+  const std::string_view before = CutChars(texto_, from);
+  return Trim(CutChars(std::string_view(texto_).substr(before.size()), kLargura));
+}
+
+int CondicaoPagamento::Parcelas() const {
+  int count = 0;
+  for (int i = 1; i <= kVagas; ++i) count += Vaga(i).empty() ? 0 : 1;
+  return count;
+}
+
+int CondicaoPagamento::Dias(int parcela) const {
+  const std::string_view vaga = Vaga(parcela);
+  return vaga.empty() ? 0 : static_cast<int>(ParseInteger(vaga));
+}
+
+Currency ValorParcela(Currency total, int parcelas, int parcela) {
+  if (parcela < parcelas) {
+    // The exact quotient, rounded to cents at once.
+    const int64_t raw = total.Raw(), part = int64_t{parcelas} * (Currency::kScale / 100);
+    const int64_t cents = raw / part, rest = raw % part;
+    return Currency::FromCents(cents + (2 * std::abs(rest) >= part ? (raw < 0 ? -1 : 1) : 0));
+  }
+  // The share that the last one goes by is rounded to four places first.
+  const Currency share = (total / parcelas).Round2();
+  return total - share * (parcelas - 1);
+}
+
+std::string NumeroParcela(std::string_view pedido, int parcela) {
+  return std::string(pedido) + "/0" + std::to_string(parcela);
+}
+
+Currency ValorPedido(double valor, double per_desc) {
+  return Currency::FromDouble(valor) - Currency::FromDouble(valor * (per_desc / 100));
+}
+
+NaEmpresa::NaEmpresa(ITabela& tabela, const std::string& sufixo)
+    : tabela_(tabela), antes_(tabela.tbEmpresa()["EMP_PAT"].AsString()) {
+  tabela_.tbEmpresa().Locate("EMP_PAT", sufixo);
+}
+
+NaEmpresa::~NaEmpresa() { tabela_.tbEmpresa().Locate("EMP_PAT", antes_); }
+
+}  // namespace orv

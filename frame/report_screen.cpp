@@ -1,0 +1,195 @@
+#include "frame/report_screen.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace orv {
+namespace {
+
+// The user is told after so many steps; whoever shows it takes as many of them as he can.
+constexpr int64_t kStepsATelling = 200;
+
+// The period with which a report's screen opens.
+const Date kFirst(1980, 1, 1), kLast(2030, 12, 31);
+
+// Displays of the sets hold still.
+class SetsHold {
+ public:
+  explicit SetsHold(std::initializer_list<TClientDataSet*> sets) : sets_(sets) {
+    for (TClientDataSet* set : sets_) set->DisableControls();
+  }
+  ~SetsHold() {
+    for (TClientDataSet* set : sets_) set->EnableControls();
+  }
+  SetsHold(const SetsHold&) = delete;
+  SetsHold& operator=(const SetsHold&) = delete;
+
+ private:
+  std::vector<TClientDataSet*> sets_;
+};
+
+// Tables are those of another company while it lives.
+class InCompany {
+ public:
+  InCompany(TOrvTable& companies, const std::string& suffix)
+      : companies_(companies), before_(companies["EMP_PAT"].AsString()), moved_(suffix != before_) {
+    if (moved_) companies_.Locate("EMP_PAT", suffix);
+  }
+  ~InCompany() {
+    if (moved_) companies_.Locate("EMP_PAT", before_);
+  }
+  InCompany(const InCompany&) = delete;
+  InCompany& operator=(const InCompany&) = delete;
+
+ private:
+  TOrvTable& companies_;
+  const std::string before_;
+  const bool moved_;
+};
+
+class EachRow : public RowSink {
+ public:
+  explicit EachRow(const std::function<void(std::span<Value>)>& row) : row_(row) {}
+  void Columns(const std::vector<Column>&) override {}
+  bool Row(std::span<Value> values) override {
+    row_(values);
+    return true;
+  }
+
+ private:
+  const std::function<void(std::span<Value>)>& row_;
+};
+
+}  // namespace
+
+// --- Gathering.
+
+void Gathering::Stage(std::string text, int64_t of) {
+  text_ = std::move(text);
+  done_ = told_ = 0;
+  of_ = of;
+  Tell();
+}
+
+void Gathering::Advance(int64_t steps) {
+  done_ += steps;
+  if (done_ - told_ < kStepsATelling) return;
+  told_ = done_;
+  Tell();
+}
+
+// Rows that others write meanwhile may make the steps more than was thought.
+void Gathering::Tell() const { user_.Progress(of_ > 0 ? std::min(done_, of_) : done_, of_, text_); }
+
+void ReportScreen::LayDown(TClientDataSet& set, std::span<const ReportField> fields) {
+  if (set.Active()) set.Close();
+  set.FieldDefs.Clear();
+  for (const ReportField& field : fields) set.FieldDefs.Add(field.name, field.type, field.size);
+  set.CreateDataSet();
+}
+
+void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
+                          const std::function<void(Gathering&)>& work) {
+  const BusyMark busy(Funcoes, *this);
+  const SetsHold hold(sets);
+  Gathering gathering(User());
+  try {
+    work(gathering);
+  } catch (...) {
+    for (TClientDataSet* set : sets) {
+      if (set->Active()) set->EmptyDataSet();
+    }
+    throw;
+  }
+  for (TClientDataSet* set : sets) {
+    if (set->Active()) set->First();
+  }
+}
+
+void ReportScreen::ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const {
+  EachRow sink(row);
+  Tabela.IBDatabase().Fetch(sql, sink);
+}
+
+void ReportScreen::AppendFitted(MemoryDataSet& set, std::span<Value> values) {
+  const auto& fields = set.Fields();
+  ORV_ASSERT(fields.size() == values.size());
+  for (std::size_t at = 0; at < values.size(); ++at) {
+    const Field& field = *fields[at];
+    Value& value = values[at];
+    if (value.IsNull()) continue;
+    if (value.Kind() != KindOf(field.Type()) ||
+        (value.IsText() && value.Text().size() > static_cast<std::size_t>(field.Size())))
+      value = field.Convert(std::move(value));
+  }
+  set.AppendRow(values);
+}
+
+// --- Fields.
+
+void ReportScreen::Period(DateEdit& first, DateEdit& last) {
+  first.SetDate(kFirst);
+  last.SetDate(kLast);
+  TodayOnEnter(first);
+  SameOnEnter(last, first);
+}
+
+void ReportScreen::ListField(Edit& list, TPesquisa& lookup, const std::string& key, Choice choice,
+                             Control& clear) {
+  lookup.OnFechaPesquisa = [this, &list, &lookup, key, choice] {
+    const std::string chosen = lookup.RetornoPesquisa(key);
+    // Of several choices the lookup makes the literals itself.
+    const std::string codes = lookup.Settings().MultiSelecao ? chosen : Funcoes.Aspas(chosen);
+    const bool behind = choice == Choice::Adds && !list.Empty();
+    list.SetText(behind ? list.Text() + "," + codes : codes);
+  };
+  list.OnKey = [&lookup](KeyPress& key_press) {
+    if (key_press.key != "F4") return;
+    key_press.handled = true;
+    lookup.AbrePesquisa();
+  };
+  clear.OnClick = [&list] { list.Clear(); };
+}
+
+// --- Conditions.
+
+std::string ReportScreen::Where(std::string_view column, std::string_view sign, const Edit& field) const {
+  if (field.Empty()) return "";
+  return " AND " + std::string(column) + " " + std::string(sign) + " " + Funcoes.Aspas(field.Text());
+}
+
+std::string ReportScreen::WhereIn(std::string_view column, const Edit& list, bool in) const {
+  const std::string codes = Funcoes.ListaSQL(list.Text());
+  if (codes.empty()) return "";
+  return " AND " + std::string(column) + (in ? " IN (" : " NOT IN (") + codes + ")";
+}
+
+std::string ReportScreen::WhereBetween(std::string_view column, Date first, Date last) const {
+  return " AND " + std::string(column) + " BETWEEN " + Funcoes.AspasData(first) + " AND " +
+         Funcoes.AspasData(last);
+}
+
+// --- Companies.
+
+std::string ReportScreen::ForCompanies(std::string_view sql, std::string_view main_table, bool all,
+                                       std::string_view order) const {
+  std::string text = all ? Funcoes.UnionTodasEmpresas(sql, main_table, true) : Funcoes.DBLocal_SQL(sql, "");
+  if (!order.empty()) text.append("\n").append(order);
+  return text;
+}
+
+std::string ReportScreen::ForCompany(std::string_view sql, std::string_view suffix) const {
+  const InCompany standing(Tabela.tbEmpresa(), std::string(suffix));
+  return Funcoes.DBLocal_SQL(sql, "");
+}
+
+// --- From a figure to where it comes from.
+
+void ReportScreen::ShowDetail(std::string_view title, std::string sql) {
+  TOrvQuery rows(Tabela.IBDatabase());
+  rows.SQL.SetText(std::move(sql));
+  rows.Open();
+  Funcoes.TelaDetalhamento(title, rows);
+}
+
+}  // namespace orv

@@ -1,0 +1,86 @@
+// What the screens of reports have in common: the period, fields that list codes, the conditions of their
+// statements, a gathering that tells how far it is and can be cancelled, and the way from a figure to where
+// it comes from.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "frame/screen.h"
+#include "toolkit/client_dataset.h"
+
+namespace orv {
+
+// A field of a working set that each gathering lays down anew.
+struct ReportField {
+  const char* name;
+  FieldType type;
+  int size = 0;
+};
+
+// How far a gathering is. The user may cancel it whenever it tells, which raises UserError.
+class Gathering {
+ public:
+  explicit Gathering(UserInterface& user) : user_(user) {}
+  // Begins a stage of so many steps, 0 where nobody knows how many.
+  void Stage(std::string text, int64_t of = 0);
+  // So many steps of the stage are done. Cheap enough for every row.
+  void Advance(int64_t steps = 1);
+
+ private:
+  void Tell() const;
+
+  UserInterface& user_;
+  std::string text_;
+  int64_t done_ = 0, of_ = 0, told_ = 0;
+};
+
+class ReportScreen : public Child {
+ public:
+  using Child::Child;
+
+ protected:
+  // --- Fields.
+  // A period, open on all days at first; then entering the first date takes today and entering the last one
+  // takes the first.
+  void Period(DateEdit& first, DateEdit& last);
+  // What a choice does to a field that lists codes: it comes behind those that are there, or takes their
+  // place.
+  enum class Choice : uint8_t { Adds, Replaces };
+  // A field that holds quoted codes: the lookup's choice puts them there, F4 opens it, `clear` empties the
+  // field.
+  void ListField(Edit& list, TPesquisa& lookup, const std::string& key, Choice choice, Control& clear);
+
+  // --- Conditions. Each begins with " AND ", and is "" where the field is empty.
+  std::string Where(std::string_view column, std::string_view sign, const Edit& field) const;
+  std::string WhereIn(std::string_view column, const Edit& list, bool in = true) const;
+  std::string WhereBetween(std::string_view column, Date first, Date last) const;
+
+  // --- Companies.
+  // The statement for the current company or for all; `order` ("ORDER BY 1") is of the whole result.
+  std::string ForCompanies(std::string_view sql, std::string_view main_table, bool all,
+                           std::string_view order = "") const;
+  // The statement, or a part of one, for the company of that suffix.
+  std::string ForCompany(std::string_view sql, std::string_view suffix) const;
+
+  // --- Gathering.
+  // Closes the set and creates it anew with these fields, in the order in which they were added.
+  static void LayDown(TClientDataSet& set, std::span<const ReportField> fields);
+  // Does the work under the busy mark while the displays of the sets hold still; in the end the sets stand on
+  // their first rows. When it raises, or the user cancels it, the sets are left empty: half of a report isn't
+  // taken for a whole one.
+  void Gather(std::initializer_list<TClientDataSet*> sets, const std::function<void(Gathering&)>& work);
+  // Runs a statement and hands on each row, whose values may be moved out. Nothing is kept.
+  void ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const;
+  // Appends a row in the bulk manner, each value as its field holds it. The values are moved out.
+  static void AppendFitted(MemoryDataSet& set, std::span<Value> values);
+
+  // --- From a figure to where it comes from: shows the rows of the statement.
+  void ShowDetail(std::string_view title, std::string sql);
+};
+
+}  // namespace orv

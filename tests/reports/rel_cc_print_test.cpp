@@ -1,0 +1,93 @@
+// The account statement as it is printed: fixed movements, each grouping, the exact text.
+#include <fstream>
+#include <sstream>
+
+#include "tests/reports/rel_cc_desk.h"
+
+namespace orv::test {
+namespace {
+
+class PrintedTest : public RelCcTest {
+ protected:
+  PrintedTest() {
+    Clear();
+    Movement("000001", {{"DT_CONT", "10/31/2026"}, {"OPERACAO", "+"}, {"VALOR", "1000.55"}});
+    const char* const rows[][6] = {
+        // number, day, document, class, history, amount with its sign
+        {"000002", "11/10/2026", "NF 30", "3104", "019", "-100.10"},
+        {"000003", "11/10/2026", "NF 10", "1101", "002", "+2500"},
+        {"000004", "11/11/2026", "NF 20", "3104", "003", "-0.45"},
+        {"000005", "11/11/2026", "NF 10", "3104", "019", "-20"},
+    };
+    for (const auto& r : rows) {
+      Movement(r[0], {{"DT_CONT", r[1]},
+                      {"DOCTO", r[2]},
+                      {"GRUPO", r[3]},
+                      {"HISTORICO", r[4]},
+                      {"OPERACAO", std::string(r[5], 1)},
+                      {"VALOR", r[5] + 1},
+                      {"TIPO", *r[5] == '+' ? "R" : "L"},
+                      {"PENDENTE", r[0][5] == '5' ? "S" : "N"}});
+    }
+    Store("RECEBER_001", {{"NUMERO", "T1"},
+                          {"CODCLI", "00002"},
+                          {"VALOR2", "2400"},
+                          {"DT_EMISSAO", "10/01/2026"},
+                          {"DT_VENCTO", "11/09/2026"}});
+    Store("RECEBERB_001", {{"NUMERO", "T1"},
+                           {"LANCAMENTO", "000003"},
+                           {"VALOR_PAGO", "2500"},
+                           {"JUROS", "100"},
+                           {"DESCONTO", "0"},
+                           {"DESCONTO2", "0"},
+                           {"DESCONTO3", "0"}});
+    Run("UPDATE ENTIDADE_001 SET NOME = 'CLIENTE DA SERRA' WHERE CODCLI = '00002'");
+    Run("UPDATE CADCONTA_001 SET EMPRESA = 'MALHARIA' WHERE CONTA = '10250-1'");
+  }
+  // Gathers and prints; the text without the line that tells the hour.
+  static std::string Printed(Desk& desk, const Fields& fields) {
+    Fill(desk, fields);
+    desk.Click("BitBtn29");
+    Json id;
+    for (const Json& out : desk.Click("BitBtn33")) {
+      if (out["on"] == Json("report")) id = out["id"];
+    }
+    EXPECT_EQ(desk.Messages(), "");
+    std::string text;
+    for (const Json& out : desk.Do({{"do", "report"}, {"id", id}, {"format", "txt"}})) {
+      if (!out.Has("file")) continue;
+      std::ifstream in(out["file"].String(), std::ios::binary);
+      std::ostringstream all;
+      all << in.rdbuf();
+      text = all.str();
+    }
+    return text.substr(text.find('\n') + 1);
+  }
+};
+
+TEST_F(PrintedTest, EachGrouping) {
+  Desk desk(database_);
+  Open(desk);
+  const char* const names[] = {"Data",      "Classe",    "Histórico",     "Analítico",
+                               "Sintético", "Documento", "Data/Operação", "Conta/Data"};
+  std::string printed;
+  for (int grouping = 0; grouping < 8; ++grouping) {
+    printed += "##### " + std::string(names[grouping]) + "\n" +
+               Printed(desk, {{"RgAgrupar", std::to_string(grouping)}});
+  }
+  printed += "##### Pendentes à parte, com os títulos\n" +
+             Printed(desk, {{"RgAgrupar", "0"}, {"cbAgpPendente", "true"}, {"CbFinanceiro", "true"}});
+  Period(desk, "01/11/2026", "05/11/2026");
+  printed += "##### Sem movimentos\n" +
+             Printed(desk, {{"cbAgpPendente", "false"}, {"CbFinanceiro", "false"}, {"CbZeradas", "true"}});
+  const std::string file = ORV_FILES "WccFluxo.txt";
+  std::ifstream in(file, std::ios::binary);
+  std::ostringstream golden;
+  golden << in.rdbuf();
+  // What was printed stands beside it when it isn't the same.
+  if (printed != golden.str()) std::ofstream("WccFluxo.txt", std::ios::binary) << printed;
+  EXPECT_EQ(printed, golden.str());
+}
+
+}  // namespace
+}  // namespace orv::test

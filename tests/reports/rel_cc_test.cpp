@@ -1,0 +1,433 @@
+// The account statement: what the filters let in, balances, groupings, people, titles, failures, drill-down.
+#include <condition_variable>
+#include <mutex>
+
+#include "tests/reports/rel_cc_desk.h"
+
+namespace orv::test {
+namespace {
+
+class StatementTest : public RelCcTest {
+ protected:
+  StatementTest() { Clear(); }
+  void Receivable(const std::string& number, const std::string& customer,
+                  const std::string& company = "_001") {
+    Store("RECEBER" + company, {{"NUMERO", number}, {"CODCLI", customer}, {"VALOR2", "50"}});
+  }
+  void Received(const std::string& number, const std::string& movement, const std::string& paid = "50",
+                const std::string& company = "_001") {
+    Store("RECEBERB" + company, {{"NUMERO", number},
+                                 {"LANCAMENTO", movement},
+                                 {"VALOR_PAGO", paid},
+                                 {"JUROS", "0"},
+                                 {"VAL_DEV", "0"},
+                                 {"DESCONTO", "1"},
+                                 {"DESCONTO2", "0.5"},
+                                 {"DESCONTO3", "0.25"}});
+  }
+  void Payable(const std::string& number, const std::string& supplier) {
+    Store("PAGTO_001", {{"NUM_AP", number},
+                        {"CODCRE", supplier},
+                        {"DUPLI", "NF" + number},
+                        {"VALOR", "70"},
+                        {"NUM_OS", "3104"}});
+  }
+  void Paid(const std::string& number, const std::string& movement, const std::string& paid = "70") {
+    Store("PAGTO1_001", {{"NUM_AP", number}, {"LANCAMENTO", movement}, {"VAL_PAG", paid}});
+  }
+  // The other company has the account, too.
+  void AccountOfBoth() { Store("CADCONTA_002", {{"CONTA", kConta}, {"BANCO", "901"}, {"IMP_FLUXO", "S"}}); }
+  std::string Name(const std::string& code) {
+    return Sql(
+        "SELECT CAST(SUBSTRING(NOME FROM 1 FOR 40) AS VARCHAR(40)) FROM ENTIDADE_001 WHERE CODCLI = '" +
+        code + "'");
+  }
+};
+
+TEST_F(StatementTest, AnAccountIsAskedFor) {
+  Desk desk(database_);
+  desk.Open("TfmRelCC");
+  EXPECT_EQ(desk.Text("EdtDataDe") + desk.Text("edtDataAte"), "01/01/198031/12/2030");
+  EXPECT_FALSE(desk.Enabled("RelCodBan"));
+  EXPECT_FALSE(desk.Enabled("PqBanco"));
+  desk.Click("BitBtn29");
+  EXPECT_EQ(desk.Messages(), "Banco inexistente.");
+  desk.Answer("ok");
+  ASSERT_EQ(desk.End(), "waiting lookup");
+  desk.Do({{"do", "choose"}, {"key", kConta}});
+  EXPECT_EQ(desk.Text("RelConta") + "|" + desk.Text("RelCodBan") + "|" + desk.Text("RelDesBan"),
+            "10250-1|901|BANCO DA SERRA");
+  EXPECT_NE(desk.Text("Edit1"), "");
+  // A bank without an account is left over from a report of all accounts.
+  Fill(desk, {{"RgTipo", "1"}, {"RelConta", ""}});
+  EXPECT_TRUE(desk.Enabled("RelCodBan"));
+  Fill(desk, {{"RelCodBan", "902"}, {"RgTipo", "0"}});
+  desk.Click("BitBtn29");
+  EXPECT_EQ(desk.Messages(), "Conta inexistente.");
+  desk.Answer("ok");
+  EXPECT_EQ(desk.FocusName(), "RelConta");
+  // Nothing is tested when a field is left, and an unknown code only finds nothing.
+  EXPECT_EQ(Gathered(desk, {{"RgTipo", "1"}, {"RelConta", "77"}, {"EdtHistHistorico", "zz"}}, {"Lancamento"}),
+            "");
+  EXPECT_EQ(desk.Text("RelDesBan") + desk.Text("EdtDesHistorico"), "");
+}
+
+TEST_F(StatementTest, FiltersNarrowRowsAndBalance) {
+  // Before the period: 100 in, 30 pending out, and 5 of an operation that is neither.
+  Movement("A", {{"DT_CONT", "10/31/2026"}, {"OPERACAO", "+"}, {"VALOR", "100"}, {"GRUPO", "1101"}});
+  Movement("B", {{"DT_CONT", "10/15/2026"}, {"VALOR", "30"}, {"PENDENTE", "S"}});
+  Movement("X", {{"DT_CONT", "10/15/2026"}, {"VALOR", "5"}, {"OPERACAO", "*"}});
+  // In it, at both ends, and behind it.
+  Movement("C", {{"DT_CONT", "11/01/2026"}, {"DT_LAN", "10/20/2026"}, {"VALOR", "1.25"}});
+  Movement("E",
+           {{"DT_CONT", "11/30/2026"}, {"DT_VENCTO", "12/05/2026"}, {"OPERACAO", "+"}, {"GRUPO", "1101"}});
+  Movement("D", {{"PENDENTE", "S"}, {"HISTORICO", "008"}, {"VALOR", "2"}});
+  Movement("F", {{"PENDENTE", "C"}, {"VALOR", "3"}, {"DOCTO", "D'ÁGUA {X}"}});
+  Movement("G", {{"DT_CONT", "12/01/2026"}});
+  // Another account of the cash flow, one that isn't in it, and none at all.
+  Movement("H", {{"CONTA", kOutraConta}, {"BANCO", "902"}, {"VALOR", "7"}});
+  Movement("I", {{"CONTA", kOutraConta}, {"BANCO", "902"}, {"DT_CONT", "10/01/2026"}, {"VALOR", "1000"}});
+  Run("UPDATE CADCONTA_001 SET IMP_FLUXO = CASE WHEN CONTA IN ('10250-1', '20418-7') THEN 'S' ELSE 'N' END");
+  Movement("J", {{"CONTA", "33021-5"}});
+  Movement("K", {{"CONTA", "99"}});
+  // The other company.
+  AccountOfBoth();
+  Movement("L", {{"VALOR", "500"}, {"OPERACAO", "+"}}, "_002");
+
+  const Fields all = {{"RgTipo", "1"}, {"RelConta", ""}};
+  const auto with = [](Fields fields, const Fields& more) {
+    fields.insert(fields.end(), more.begin(), more.end());
+    return fields;
+  };
+  struct Case {
+    Fields fields;
+    const char* rows;
+  };
+  const Case cases[] = {
+      {{}, "C|70|68.75\nD|70|66.75\nF|70|63.75\nE|70|73.75\n"},
+      {{{"RgBusca", "1"}}, "C|100|98.75\nF|100|95.75\nE|100|105.75\n"},
+      {{{"RgData", "0"}},
+       "A|-1.25|98.75\nB|-1.25|68.75\nD|-1.25|66.75\nE|-1.25|76.75\nF|-1.25|73.75\nG|-1.25|63.75\nX|-1.25|63."
+       "75\n"},
+      {{{"RgData", "2"}}, "A|0|100\nB|0|70\nC|0|68.75\nD|0|66.75\nF|0|63.75\nG|0|53.75\nX|0|53.75\n"},
+      // The document narrows the rows only.
+      {{{"EdtDocto", "D'ÁGUA {X}"}}, "F|70|67\n"},
+      {{{"EdtHistHistorico", "008"}}, "D|0|-2\n"},
+      {{{"EdtClasseIni", "1101"}, {"EdtClasseFim", "2999"}}, "E|100|110\n"},
+      {{{"EdtClasseIni", "3104"}}, "C|-30|-31.25\nD|-30|-33.25\nF|-30|-36.25\n"},
+      {all, "C|-930|-931.25\nD|-930|-933.25\nF|-930|-936.25\nH|-930|-943.25\nE|-930|-933.25\n"},
+      // A bank, too.
+      {with(all, {{"RelCodBan", "902"}}), "H|-930|-937\n"},
+      {{{"RgTipo", "2"}, {"RelConta", kConta}},
+       "C|70|68.75\nD|70|66.75\nF|70|63.75\nL|70|563.75\nE|70|573.75\n"},
+  };
+  for (const Case& c : cases) {
+    Desk desk(database_);
+    Open(desk, c.fields);
+    EXPECT_EQ(Gathered(desk, {}, {"Lancamento", "SaldoIni", "Saldo"}), c.rows)
+        << (c.fields.empty() ? "" : c.fields[0].first + "=" + c.fields[0].second);
+  }
+}
+
+TEST_F(StatementTest, RowsHoldWhatTheReportReads) {
+  Movement(
+      "A1",
+      {{"GRUPO", "3104"}, {"OBSERVACAO", std::string(100, 'x')}, {"PENDENTE", "C"}, {"VALOR", "1234.5"}});
+  Movement("A2",
+           {{"GRUPO", "9999"}, {"HISTORICO", "zz"}, {"BANCO", "999"}, {"PENDENTE", ""}, {"TIPO", "TR"}});
+  Run("UPDATE CADCONTA_001 SET LIMITE = 5000, AGENCIA = '0123', EMPRESA = 'TITULAR' WHERE CONTA = '10250-1'");
+  Desk desk(database_);
+  Open(desk);
+  const std::string described = Sql(
+      "SELECT G.DESCRICAO, H.DESCRICAO FROM SUBGRUPO_001 G JOIN HISTCP_001 H ON H.HISTORICO = '019' WHERE "
+      "G.CODIGO = '3104'");
+  EXPECT_EQ(
+      Gathered(desk, {},
+               {"Lancamento", "Numero",  "Banco",    "Nome_Banco", "Conta",   "Operacao",     "Valor",
+                "DtLanc",     "DtCont",  "DtVencto", "CodGrupo",   "Grupo",   "CodHistorico", "Limite",
+                "Empresa",    "Agencia", "Data_ini", "data_fim",   "Agrupar", "Pendente",     "Tipo"}),
+      "A1|DA1|901|BANCO DA SERRA|10250-1|-|1234.5000|2026-11-10|2026-11-10|2026-11-10|3104|31|019|5000.0000|"
+      "TITULAR|0123|2026-11-01|2026-11-30|L|N|L\n"
+      "A2|DA2|999|-|10250-1|-|10.0000|2026-11-10|2026-11-10|2026-11-10|-|99|zz|5000.0000|TITULAR|0123|"
+      "2026-11-01|2026-11-30|L|S|TR\n");
+  EXPECT_EQ(Shown(desk, {"DesGrupo", "Historico"}), described + "\n-|-\n");
+  EXPECT_EQ(Shown(desk, {"Pessoa", "Obs"}),
+            std::string(40, 'x') + "|" + std::string(100, 'x') + "\nOBS A2|OBS A2\n");
+}
+
+TEST_F(StatementTest, EachGroupingOrdersTheRows) {
+  const char* const rows[][7] = {
+      // number, posted, counted, due, document, class, sign
+      {"1", "11/12/2026", "11/10/2026", "11/15/2026", "D3", "3104", "-"},
+      {"2", "11/11/2026", "11/10/2026", "11/14/2026", "D1", "1101", "+"},
+      {"3", "11/10/2026", "11/11/2026", "11/14/2026", "D2", "3104", "-"},
+      {"4", "11/10/2026", "11/11/2026", "11/13/2026", "D0", "1101", "-"},
+  };
+  for (const auto& r : rows) {
+    Movement(r[0], {{"DT_LAN", r[1]},
+                    {"DT_CONT", r[2]},
+                    {"DT_VENCTO", r[3]},
+                    {"DOCTO", r[4]},
+                    {"GRUPO", r[5]},
+                    {"OPERACAO", r[6]},
+                    {"HISTORICO", *r[0] < '3' ? "019" : "008"},
+                    {"PENDENTE", *r[0] == '2' ? "S" : "N"}});
+  }
+  Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'S'");
+  Movement("5", {{"CONTA", kOutraConta},
+                 {"DT_CONT", "11/10/2026"},
+                 {"DT_LAN", "11/13/2026"},
+                 {"DT_VENCTO", "11/12/2026"},
+                 {"DOCTO", "D9"},
+                 {"HISTORICO", "001"}});
+  Desk desk(database_);
+  Open(desk, {{"RgTipo", "1"}, {"RelConta", ""}, {"RelCodBan", ""}});
+  const auto order = [&](int grouping, int date, bool pending) {
+    const std::string shown = Gathered(desk,
+                                       {{"RgAgrupar", std::to_string(grouping)},
+                                        {"RgData", std::to_string(date)},
+                                        {"cbAgpPendente", pending ? "true" : "false"}},
+                                       {"Lancamento", "Agrupar"});
+    std::string numbers(1, shown[2]);
+    for (std::size_t at = 0; at < shown.size(); at += 4) numbers += shown[at];
+    return numbers;
+  };
+  struct Case {
+    int grouping, date;
+    const char *order, *pending_apart;
+  };
+  const Case cases[] = {
+      {0, 0, "L34215", "L34152"}, {0, 1, "L12534", "L15342"}, {0, 2, "L54231", "L54312"},
+      {1, 1, "G24153", "G41532"}, {2, 1, "H53412", "H53412"}, {3, 1, "S42531", "S45312"},
+      {4, 1, "S42531", "S45312"}, {5, 1, "D42315", "D43152"}, {6, 0, "O34215", "O34152"},
+      {6, 1, "O21534", "O15342"}, {6, 2, "O54231", "O54312"}, {7, 0, "C34215", "C34152"},
+      {7, 1, "C12345", "C13452"}, {7, 2, "C42315", "C43152"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(order(c.grouping, c.date, false), c.order) << c.grouping << " by " << c.date;
+    EXPECT_EQ(order(c.grouping, c.date, true), c.pending_apart) << c.grouping << " by " << c.date;
+  }
+  // The running balance follows the days, whatever the order.
+  Gathered(desk, {{"RgAgrupar", "5"}, {"RgData", "1"}, {"cbAgpPendente", "false"}}, {});
+  EXPECT_EQ(Shown(desk, {"Lancamento", "Saldo"}), "4|-30\n2|0\n3|-20\n1|-10\n5|-10\n");
+}
+
+TEST_F(StatementTest, AMovementIsItsPersons) {
+  Receivable("T1", "00002");
+  Receivable("T2", "00003");
+  Receivable("T3", "");
+  Payable("000077", "00004");
+  Payable("000088", "00005");
+  Movement("1");
+  Received("T1", "1");
+  Received("T2", "1");
+  Paid("000077", "1");
+  Movement("2", {{"TIPO", "R"}});
+  Received("T3", "2");  // a title of nobody
+  Movement("3", {{"TIPO", "P"}});
+  Paid("000077", "3");
+  Movement("4", {{"TIPO", "P"}, {"DOCTO", "000088/1"}});
+  Paid("000077", "4");
+  Movement("5", {{"TIPO", "L"}, {"DOCTO", "000088/1"}});
+  Paid("000077", "5");
+  Movement("6", {{"TIPO", "P"}, {"DOCTO", "/1"}});
+  Paid("000077", "6");
+  Movement("7", {{"DOCTO", "000088/1"}, {"TIPO", "P"}});  // nothing was settled
+  // The other company has titles under the same numbers.
+  Movement("3", {{"DT_CONT", "11/20/2026"}}, "_002");
+  AccountOfBoth();
+  Store("RECEBER_002", {{"NUMERO", "T9"}, {"CODCLI", "00002"}});
+  Received("T9", "3", "1", "_002");
+  const std::string local = "1|" + Name("00002") + "\n2|-\n3|" + Name("00004") + "\n4|" + Name("00005") +
+                            "\n5|" + Name("00004") + "\n6|-\n7|OBS 7\n";
+  Desk desk(database_);
+  Open(desk);
+  EXPECT_EQ(Gathered(desk, {}, {"Lancamento", "Pessoa"}), local);
+  const std::string other = Sql(
+      "SELECT CAST(SUBSTRING(NOME FROM 1 FOR 40) AS VARCHAR(40)) FROM ENTIDADE_002 WHERE CODCLI = '00002'");
+  EXPECT_EQ(Gathered(desk, {{"RgTipo", "2"}}, {"Lancamento", "Pessoa"}), local + "3|" + other + "\n");
+}
+
+TEST_F(StatementTest, TitlesComeAlong) {
+  Receivable("T1", "00002");
+  Receivable("T2", "00003");
+  Payable("000077", "00004");
+  Payable("000088", "00005");
+  Movement("1", {{"TIPO", "R"}});
+  Movement("1", {{"TIPO", "R"}, {"OPERACAO", "+"}});  // a number on two rows brings its titles twice
+  Received("T1", "1", "20");
+  Received("T1", "1", "30");
+  Received("T1", "1", "30");  // differs in nothing
+  Received("T2", "1");
+  Movement("2", {{"TIPO", "P"}});
+  Movement("2", {{"TIPO", "P"}, {"DOCTO", "OUTRO"}});
+  Paid("000077", "2", "40");
+  Paid("000077", "2", "30");
+  Paid("000088", "2");
+  Movement("3", {{"TIPO", "L"}});  // not of a kind that settles
+  Received("T2", "3");
+  Paid("000088", "3");
+  Desk desk(database_);
+  Open(desk, {{"CbFinanceiro", "true"}});
+  Gathered(desk, {}, {});
+  std::vector<std::string> lines;
+  const auto title = [&](const char* line, const char* person) {
+    lines.push_back(Name(person) + "|" + line);
+  };
+  title("R|1|T1|T1|20.0000|1.7500", "00002");
+  title("R|1|T1|T1|30.0000|1.7500", "00002");
+  title("R|1|T1|T1|20.0000|1.7500", "00002");
+  title("R|1|T1|T1|30.0000|1.7500", "00002");
+  title("R|1|T2|T2|50.0000|1.7500", "00003");
+  title("R|1|T2|T2|50.0000|1.7500", "00003");
+  title("P|2|000077|NF000077|30.0000|0.0000", "00004");
+  title("P|2|000088|NF000088|70.0000|0.0000", "00005");
+  std::stable_sort(lines.begin(), lines.end(), [](const std::string& a, const std::string& b) {
+    return a.substr(0, a.find('|')) < b.substr(0, b.find('|'));
+  });
+  std::string expected;
+  for (const std::string& line : lines) expected += line + "\n";
+  EXPECT_EQ(Shown(desk, {"Nome", "Tipo", "Lancto", "Numero", "Dupli", "Val_Pag", "Desconto"}, "TbFinan"),
+            expected);
+  EXPECT_EQ(Shown(desk, {"Lancamento"}), "1\n1\n2\n2\n3\n");
+
+  // Of all companies the titles, too; without the box none.
+  Store("RECEBER_002", {{"NUMERO", "T9"}, {"CODCLI", "00002"}});
+  Received("T9", "1", "9", "_002");
+  Run("UPDATE CONTACOR_001 SET TIPO = 'L' WHERE OPERACAO = '-'");
+  Gathered(desk, {{"RgTipo", "2"}}, {});
+  EXPECT_EQ(Read(desk, "TbFinan").size(), 4U);
+  Gathered(desk, {{"CbFinanceiro", "false"}}, {});
+  EXPECT_EQ(Read(desk, "TbFinan").size(), 0U);
+}
+
+TEST_F(StatementTest, AnAccountWithoutMovementsShowsItsBalance) {
+  Movement("A", {{"DT_CONT", "10/31/2026"}, {"OPERACAO", "+"}, {"VALOR", "70.10"}});
+  Run("UPDATE CADCONTA_001 SET LIMITE = 5000, AGENCIA = '0123' WHERE CONTA = '10250-1'");
+  Desk desk(database_);
+  Open(desk);
+  const auto fields = {"Conta",  "SaldoIni",   "Banco", "Nome_Banco", "Agencia",
+                       "Limite", "Lancamento", "Valor", "Saldo",      "Data_ini"};
+  EXPECT_EQ(Gathered(desk, {}, fields), "");
+  const std::string one = "10250-1|70.1|901|BANCO DA SERRA|0123|5000.0000|-|-|-|2026-11-01\n";
+  EXPECT_EQ(Gathered(desk, {{"CbZeradas", "true"}}, fields), one);
+  EXPECT_EQ(Gathered(desk, {{"RgTipo", "1"}}, fields), one);
+  desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "SaldoIni"}});
+  std::string detail;
+  for (const Json& out : desk.Latest()) {
+    if (out["on"] == Json("detail")) detail = out["rows"].Items().at(0).Items().at(3).String();
+  }
+  EXPECT_EQ(detail, "70.1000");
+  desk.Answer("ok");
+  // No account, no row; and the balance follows a movement that there is.
+  EXPECT_EQ(Gathered(desk, {{"RelConta", ""}}, fields), "");
+  Movement("B");
+  EXPECT_EQ(Gathered(desk, {{"RelConta", kConta}}, {"Lancamento", "SaldoIni", "Saldo"}), "B|70.1|60.1\n");
+}
+
+TEST_F(StatementTest, ARowShowsItsSource) {
+  Receivable("T1", "00002");
+  Movement("1", {{"TIPO", "R"}, {"LANC_CON", "77"}});
+  Received("T1", "1");
+  Store("CONTABIL_001", {{"LANCAMENTO", "1"}, {"CONTA_C", "C1"}, {"CONTA_D", "D1"}, {"VALOR", "50"}});
+  Store("CONTABIL_001", {{"LANCAMENTO", "77"}, {"CONTA_C", "C2"}, {"CONTA_D", "D2"}, {"VALOR", "51"}});
+  Movement("1", {{"VALOR", "999"}, {"DT_CONT", "11/11/2026"}}, "_002");
+  AccountOfBoth();
+  Desk desk(database_);
+  Open(desk, {{"RgTipo", "2"}, {"CbFinanceiro", "true"}, {"RgAgrupar", "5"}});
+  const auto detail = [&](const char* grid, int row) {
+    desk.Do(
+        {{"do", "dblclick"}, {"control", grid}, {"row", row}, {"column", grid[6] == '1' ? "Valor" : "Nome"}});
+    std::string text = desk.Messages();
+    for (const Json& out : desk.Latest()) {
+      if (!(out["on"] == Json("detail"))) continue;
+      text += out["title"].String() + ":";
+      for (const Json& line : out["rows"].Items()) {
+        const auto& cells = line.Items();
+        text += " " + cells[0].String() + " " + cells[1].String() + " " + cells[7].String();
+      }
+    }
+    desk.Answer("ok");
+    return text;
+  };
+  desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "Valor"}});
+  EXPECT_NE(desk.Messages(), "") << "there is no row yet";
+  EXPECT_EQ(Gathered(desk, {}, {"Lancamento", "Valor"}), "1|10.0000\n1|999.0000\n");
+  const std::string title = " Título recebido T1 50.0000";
+  EXPECT_EQ(detail("DBGrid1", 0), "Lançamento 1: Movimento 1 10.0000" + title +
+                                      " Contabilização 1 50.0000 Contabilização 77 51.0000");
+  EXPECT_EQ(detail("DBGrid1", 1), "Lançamento 1: Movimento 1 999.0000" + title);
+  EXPECT_EQ(detail("DBGrid2", 0), detail("DBGrid1", 0));
+}
+
+TEST_F(StatementTest, AFailureLeavesNoHalfOfAReport) {
+  Movement("1", {{"TIPO", "R"}});
+  Receivable("T1", "00002");
+  Received("T1", "1");
+  Desk desk(database_);
+  Open(desk, {{"CbFinanceiro", "true"}});
+  EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
+  // An amount that doesn't add up.
+  Movement("0", {{"VALOR", "500000000000000"}});
+  Movement("2", {{"VALOR", "500000000000000"}});
+  desk.Click("BitBtn29");
+  EXPECT_TRUE(desk.Messages().starts_with("error: ")) << desk.Messages();
+  EXPECT_EQ(Shown(desk, {"Lancamento"}) + Shown(desk, {"Lancto"}, "TbFinan"), "");
+  EXPECT_EQ(desk.End(), "idle");
+  Run("DELETE FROM CONTACOR_001 WHERE LANCAMENTO <> '1'");
+  EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
+  EXPECT_EQ(Shown(desk, {"Lancto"}, "TbFinan"), "1\n");
+}
+
+TEST_F(StatementTest, TheUserCancels) {
+  for (const char* number : {"1", "2", "3"}) Movement(number);
+  LetGo();
+  SessionOptions options;
+  options.database = database_.string();
+  options.user = "ana";
+  options.company = "_001";
+  options.folder = folder_.Path();
+  Log log((folder_.Path() / "cancel.log").string());
+  std::mutex mutex;
+  std::condition_variable arrived;
+  int idles = 0;
+  bool cancel = true;
+  std::string error, busy;
+  Json state;
+  Session* session = nullptr;
+  const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
+    const std::lock_guard lock(mutex);
+    // As a person would, at the first sign of progress.
+    if (out["on"] == Json("progress") && session != nullptr && std::exchange(cancel, false))
+      session->Post({{"do", "answer"}, {"value", "cancel"}});
+    if (out["on"] == Json("error")) error = out["text"].String();
+    if (out["on"] == Json("busy")) busy += out["value"].Bool() ? "+" : "-";
+    if (out["on"] == Json("state")) state = out;
+    if (out["on"] == Json("idle")) ++idles;
+    arrived.notify_one();
+  });
+  const auto until = [&](int count) {
+    std::unique_lock lock(mutex);
+    arrived.wait(lock, [&] { return idles == count; });
+  };
+  {
+    const std::lock_guard lock(mutex);
+    session = one.get();
+  }
+  const auto rows = [&] { return state["screens"].Items().back()["sets"]["TbRelatorio"]["count"].Integer(); };
+  one->Post({{"do", "open"}, {"class", "TfmRelCC"}});
+  one->Post({{"do", "set"}, {"control", "RelConta"}, {"value", kConta}});
+  one->Post({{"do", "click"}, {"control", "BitBtn29"}});
+  one->Post({{"do", "read"}, {"control", "TbRelatorio"}});
+  until(6);  // the start, four requests and the cancel
+  EXPECT_EQ(error, "Operação cancelada.");
+  EXPECT_EQ(busy, "+-");
+  EXPECT_EQ(rows(), 0);
+  one->Post({{"do", "click"}, {"control", "BitBtn29"}});
+  one->Post({{"do", "read"}, {"control", "TbRelatorio"}});
+  until(8);
+  EXPECT_EQ(rows(), 3);
+}
+
+}  // namespace
+}  // namespace orv::test
