@@ -12,9 +12,6 @@ const Unit kUnit("Relfluxo",
                  {"TfmRelFluxo", "Relatóro de Estatística de Caixa", ScreenKind::Child, "Fluxo de Caixa",
                   [](Application& a) { return std::make_unique<TfmRelFluxo>(a); }});
 
-// The period that a new screen opens with.
-const Date kDe(1980, 1, 1), kAte(2030, 12, 31);
-
 std::vector<GridColumn> ColunasRelatorio() {
   return {{"DtLanc", "Data"},
           {"Numero", "Número"},
@@ -56,7 +53,7 @@ std::vector<GridColumn> ColunasSaldo() {
 }  // namespace
 
 TfmRelFluxo::TfmRelFluxo(Application& application)
-    : Child(application, "TfmRelFluxo", "fmRelFluxo", "Relatóro de Estatística de Caixa"),
+    : ReportScreen(application, "TfmRelFluxo", "fmRelFluxo", "Relatóro de Estatística de Caixa"),
       DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio()),
       OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false) {
   Layout(R"(
@@ -76,18 +73,15 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   AddSet(TbSaldo);
   AbreTabelas({"TbCadConta", "TbSituacao"});
   dtSaldo.SetDate(Today());
-  EdtDataDe.SetDate(kDe);
-  edtDataAte.SetDate(kAte);
+  Period(EdtDataDe, edtDataAte);
   EdtSaldo.SetVisible(false);
 
   Lookups({{&EdtConta, &PqConta, "CADCONTA", "CONTA", {{"EMPRESA", &EdtEmp}}, "", true, nullptr}});
   EdtConta.OnExit = [this] { EdtContaExit(); };
-  LigaLista(EdtSit, PqSituacaoRP, SpeedButton1, "CODIGO");
-  LigaLista(EdtSitDesc, PqSituacaoRec, SpeedButton2, "CODIGO");
-  LigaLista(EdtSitDescPag, PqSituacaoPag, SpeedButton3, "CODIGO");
-  LigaLista(edtBanco, pqBanco, SpeedButton4, "BANCO");
-  TodayOnEnter(EdtDataDe);
-  SameOnEnter(edtDataAte, EdtDataDe);
+  ListField(EdtSit, PqSituacaoRP, "CODIGO", Choice::Adds, SpeedButton1);
+  ListField(EdtSitDesc, PqSituacaoRec, "CODIGO", Choice::Adds, SpeedButton2);
+  ListField(EdtSitDescPag, PqSituacaoPag, "CODIGO", Choice::Adds, SpeedButton3);
+  ListField(edtBanco, pqBanco, "BANCO", Choice::Adds, SpeedButton4);
   for (CheckBox* box : {&CbSaldo, &CbEmp, &CbCheque}) box->OnChange = [this] { CbSaldoClick(); };
   BitBtn29.OnClick = [this] { BitBtn29Click(); };
   BitBtn33.OnClick = [this] { BitBtn33Click(); };
@@ -100,18 +94,6 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
 
 LookupSettings TfmRelFluxo::Situacoes() const {
   return Search("TABSIT", "CODIGO", {{"CODIGO", "Situação"}, {"DESCRICAO", "Descrição"}});
-}
-
-void TfmRelFluxo::LigaLista(Edit& lista, TPesquisa& pesquisa, SmallButton& limpa, const char* chave) {
-  pesquisa.OnFechaPesquisa = [this, &lista, &pesquisa, chave] {
-    AcrescentaNaLista(Funcoes, lista, pesquisa.RetornoPesquisa(chave));
-  };
-  lista.OnKey = [&pesquisa](KeyPress& key) {
-    if (key.key != "F4") return;
-    key.handled = true;
-    pesquisa.AbrePesquisa();
-  };
-  limpa.OnClick = [&lista] { lista.Clear(); };
 }
 
 void TfmRelFluxo::EdtContaExit() {

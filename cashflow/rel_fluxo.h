@@ -12,12 +12,12 @@
 
 #include "cashflow/rules.h"
 #include "frame/module.h"
-#include "frame/screen.h"
+#include "frame/report_screen.h"
 #include "toolkit/client_dataset.h"
 
 namespace orv {
 
-class ORV_EXPORT TfmRelFluxo : public Child {
+class ORV_EXPORT TfmRelFluxo : public ReportScreen {
  public:
   explicit TfmRelFluxo(Application& application);
 
@@ -117,14 +117,13 @@ class ORV_EXPORT TfmRelFluxo : public Child {
   using Linha = std::array<Value, kCampos>;
   // The period, and what a gathering remembers.
   struct Consulta {
+    Gathering& andamento;
     Date de, ate;
     DiasEfetivos dias;
-    int passo = 0, passos = 0;
     bool Dentro(Date dia) const { return !dia.Empty() && de <= dia && dia <= ate; }
   };
 
   LookupSettings Situacoes() const;
-  void LigaLista(Edit& lista, TPesquisa& pesquisa, SmallButton& limpa, const char* chave);
 
   void BitBtn29Click();
   void BitBtn33Click();
@@ -133,6 +132,7 @@ class ORV_EXPORT TfmRelFluxo : public Child {
   void OrvDBGrid1KeyDown(KeyPress& key);
 
   // --- The gathering.
+  void Monta(Gathering& andamento);
   void Cria_Tabela();
   void busca_Saldos();
   void Grava_Receber(Consulta& consulta);

@@ -161,31 +161,22 @@ void TfmRelFluxo::DBGrid1DblClick() {
       sql = Compra(chave);
       break;
   }
-  TOrvQuery rows(Tabela.IBDatabase());
-  {
-    const NaEmpresa empresa(Tabela, empresas_.at(origem.empresa));
-    rows.SQL.Add(Funcoes.DBLocal_SQL(sql, ""));
-  }
-  rows.Open();
-  Funcoes.TelaDetalhamento(titulo + std::string(origem.chave.Text()), rows);
+  ShowDetail(titulo + std::string(origem.chave.Text()), ForCompany(sql, empresas_.at(origem.empresa)));
 }
 
 // A balance is too many movements to list one by one: it is shown month by month.
 void TfmRelFluxo::OrvDBGrid1DblClick() {
   if (!TbSaldo.Active() || TbSaldo.IsEmpty()) return;
   const std::string conta = TbSaldo["Conta"].AsString();
-  TOrvQuery rows(Tabela.IBDatabase());
-  rows.SQL.Add(PorEmpresa(
-      Funcoes,
+  const std::string sql = ForCompanies(
       "SELECT EXTRACT(YEAR FROM DT_CONT) AS \"Ano\", EXTRACT(MONTH FROM DT_CONT) AS \"Mês\", "
       "COUNT(*) AS \"Movimentos\", SUM(CASE WHEN OPERACAO = '+' THEN VALOR ELSE 0 END) AS \"Créditos\", "
       "SUM(CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END) AS \"Débitos\" FROM {CONTACOR} CONTACOR "
       "WHERE PENDENTE = 'N' AND CONTA = " +
           Funcoes.Aspas(conta) + " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()) +
           " GROUP BY EXTRACT(YEAR FROM DT_CONT), EXTRACT(MONTH FROM DT_CONT)",
-      "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2"));
-  rows.Open();
-  Funcoes.TelaDetalhamento("Saldo da conta " + conta, rows);
+      "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2");
+  ShowDetail("Saldo da conta " + conta, sql);
 }
 
 }  // namespace orv

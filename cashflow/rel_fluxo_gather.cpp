@@ -8,16 +8,7 @@
 namespace orv {
 namespace {
 
-// Rows between two looks at whether the user cancelled.
-constexpr int64_t kPassoLinhas = 256;
-
-struct Definicao {
-  const char* nome;
-  FieldType tipo;
-  int tamanho = 0;
-};
-
-constexpr Definicao kRelatorio[] = {
+constexpr ReportField kRelatorio[] = {
     {"DtLanc", FieldType::Date},
     {"Numero", FieldType::String, 10},
     {"Documento", FieldType::String, 15},
@@ -48,19 +39,11 @@ constexpr Definicao kRelatorio[] = {
     {"Data", FieldType::Date},
 };
 
-constexpr Definicao kSaldo[] = {
+constexpr ReportField kSaldo[] = {
     {"Sel", FieldType::String, 1},      {"Valor", FieldType::Float},
     {"Empresa", FieldType::String, 30}, {"Conta", FieldType::String, 15},
     {"Operacao", FieldType::String, 1}, {"ValReceb_Bancos", FieldType::Float},
 };
-
-template <std::size_t N>
-void Recria(TClientDataSet& set, const Definicao (&campos)[N]) {
-  set.Close();
-  set.FieldDefs.Clear();
-  for (const Definicao& campo : campos) set.FieldDefs.Add(campo.nome, campo.tipo, campo.tamanho);
-  set.CreateDataSet();
-}
 
 // The columns that titles and received cheques are read by.
 enum Receber : uint8_t {
@@ -107,11 +90,14 @@ Titulo TituloDe(std::span<const Value> v) {
 }  // namespace
 
 void TfmRelFluxo::BitBtn29Click() {
-  const BusyMark busy(Funcoes, *this);
-  const ControlsHold lista(TbRelatorio), saldos(TbSaldo);
-  Consulta consulta{EdtDataDe.Date(), edtDataAte.Date(), DiasEfetivos(Funcoes, Contabil), 0,
-                    2 + (CbVenCom.Checked() ? 2 : 0) + (CbCheque.Checked() ? 2 : 0)};
+  Gather(
+      {&TbRelatorio, &TbSaldo}, [this](Gathering& andamento) { Monta(andamento); }, Half::Stays);
+}
+
+void TfmRelFluxo::Monta(Gathering& andamento) {
+  Consulta consulta{andamento, EdtDataDe.Date(), edtDataAte.Date(), DiasEfetivos(Funcoes, Contabil)};
   Cria_Tabela();
+  andamento.Stage("Saldos das contas");
   busca_Saldos();
   Grava_Receber(consulta);
   Grava_Pagar(consulta);
@@ -122,12 +108,11 @@ void TfmRelFluxo::BitBtn29Click() {
   if (CbCheque.Checked()) Grava_Cheque(consulta);
   if (!edtBanco.Empty()) BuscaSaldoAbertoBancos();
   Ordena();
-  TbRelatorio.First();
 }
 
 void TfmRelFluxo::Cria_Tabela() {
-  Recria(TbRelatorio, kRelatorio);
-  Recria(TbSaldo, kSaldo);
+  LayDown(TbRelatorio, kRelatorio);
+  LayDown(TbSaldo, kSaldo);
   origens_.clear();
   empresas_.clear();
 }
@@ -148,31 +133,11 @@ void TfmRelFluxo::Ordena() {
 void TfmRelFluxo::Percorre(Consulta& consulta, const char* passo, std::string_view sql,
                            std::string_view tabela, const std::function<void(std::span<Value>)>& linha,
                            std::string_view ordem) {
-  class Passo : public RowSink {
-   public:
-    Passo(const std::function<void(std::span<Value>)>& linha, std::function<void(int64_t)> conta)
-        : linha_(linha), conta_(std::move(conta)) {}
-    void Columns(const std::vector<Column>&) override {}
-    bool Row(std::span<Value> values) override {
-      linha_(values);
-      if (++linhas_ % kPassoLinhas == 0) conta_(linhas_);
-      return true;
-    }
-
-   private:
-    const std::function<void(std::span<Value>)>& linha_;
-    std::function<void(int64_t)> conta_;
-    int64_t linhas_ = 0;
-  };
-
-  const auto conta = [&](int64_t linhas) {
-    User().Progress(consulta.passo, consulta.passos,
-                    std::string(passo) + (linhas > 0 ? ": " + std::to_string(linhas) : ""));
-  };
-  conta(0);
-  Passo leitor(linha, conta);
-  Tabela.IBDatabase().Fetch(PorEmpresa(Funcoes, sql, tabela, CbEmp.Checked(), ordem), leitor);
-  ++consulta.passo;
+  consulta.andamento.Stage(passo);
+  ForEach(ForCompanies(sql, tabela, CbEmp.Checked(), ordem), [&](std::span<Value> valores) {
+    linha(valores);
+    consulta.andamento.Advance();
+  });
 }
 
 void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
@@ -185,11 +150,7 @@ void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
   } else if (RgTipo.ItemIndex() == 0) {
     linha[Saldo] = linha[Vlr_Cre];
   }
-  for (std::size_t i = 0; i < kCampos; ++i) {
-    const auto tamanho = static_cast<std::size_t>(kRelatorio[i].tamanho);
-    if (linha[i].Text().size() > tamanho) linha[i] = CutChars(std::string(linha[i].Text()), tamanho);
-  }
-  TbRelatorio.AppendRow(linha);
+  AppendFitted(TbRelatorio, linha);
   origens_.push_back(std::move(origem));
 }
 
@@ -201,13 +162,11 @@ uint16_t TfmRelFluxo::Empresa(std::string_view sufixo) {
 }
 
 std::string TfmRelFluxo::FiltroPeriodo(const char* coluna, const Consulta& consulta) const {
-  return " AND " + std::string(coluna) + " BETWEEN " + Funcoes.AspasData(consulta.de.AddDays(-kDiasAntes)) +
-         " AND " + Funcoes.AspasData(consulta.ate);
+  return WhereBetween(coluna, consulta.de.AddDays(-kDiasAntes), consulta.ate);
 }
 
 std::string TfmRelFluxo::FiltroSituacao(const std::string& tabela, const Edit& desconsiderar) const {
-  return FiltroLista(Funcoes, tabela + ".SITUACAO", EdtSit, true) +
-         FiltroLista(Funcoes, tabela + ".SITUACAO", desconsiderar, false);
+  return WhereIn(tabela + ".SITUACAO", EdtSit) + WhereIn(tabela + ".SITUACAO", desconsiderar, false);
 }
 
 std::string TfmRelFluxo::FiltroStatus(const std::string& tabela, const CheckBox& orcamentos) const {
@@ -237,8 +196,7 @@ void TfmRelFluxo::busca_Saldos() {
   };
   std::vector<Conta> contas;
   std::unordered_map<std::string, std::size_t> onde;
-  for (auto& row :
-       Tabela.IBDatabase().Rows(PorEmpresa(Funcoes, sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"))) {
+  for (auto& row : Tabela.IBDatabase().Rows(ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"))) {
     const auto [found, added] = onde.try_emplace(row[0].AsString(), contas.size());
     if (added) contas.push_back({row[0], row[1], Currency()});
     const Currency valor = row[3].AsCurrency();
@@ -255,11 +213,10 @@ void TfmRelFluxo::BuscaSaldoAbertoBancos() {
   const std::string sql =
       "SELECT SUM(VALOR2+JUROS-VALOR_PAGO-DESCONTO-VAL_DEV) AS SALDO FROM {RECEBER} RECEBER "
       "WHERE STATUS IN ('N','')" +
-      FiltroLista(Funcoes, "BANCO", edtBanco, true) + " AND DT_VENCTO < " +
-      Funcoes.AspasData(EdtDataDe.Date()) +
+      WhereIn("BANCO", edtBanco) + " AND DT_VENCTO < " + Funcoes.AspasData(EdtDataDe.Date()) +
       " AND SITUACAO <> 'P' AND (VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO) > 0";
   Currency vencidos;
-  for (const auto& row : Tabela.IBDatabase().Rows(PorEmpresa(Funcoes, sql, "RECEBER", CbEmp.Checked())))
+  for (const auto& row : Tabela.IBDatabase().Rows(ForCompanies(sql, "RECEBER", CbEmp.Checked())))
     vencidos += row[0].AsCurrency();
   for (TbSaldo.First(); !TbSaldo.Eof(); TbSaldo.Next()) {
     TbSaldo.Edit();

@@ -6,23 +6,6 @@
 
 namespace orv {
 
-std::string PorEmpresa(const IFuncoes& funcoes, std::string_view sql, std::string_view tabela, bool todas,
-                       std::string_view ordem) {
-  std::string text = todas ? funcoes.UnionTodasEmpresas(sql, tabela, true) : funcoes.DBLocal_SQL(sql, "");
-  if (!ordem.empty()) text.append("\n").append(ordem);
-  return text;
-}
-
-void AcrescentaNaLista(const IFuncoes& funcoes, Edit& lista, std::string_view codigo) {
-  lista.SetText(lista.Text() + (lista.Empty() ? "" : ",") + funcoes.Aspas(codigo));
-}
-
-std::string FiltroLista(const IFuncoes& funcoes, std::string_view coluna, const Edit& lista, bool dentro) {
-  const std::string codigos = funcoes.ListaSQL(lista.Text());
-  if (codigos.empty()) return "";
-  return " AND " + std::string(coluna) + (dentro ? " IN (" : " NOT IN (") + codigos + ")";
-}
-
 Date DiasEfetivos::DiaUtil(Date dia) {
   const auto [found, added] = uteis_.try_emplace(dia.Days());
   if (added) found->second = funcoes_.VerificaDiaUtil(dia, false);
@@ -71,12 +54,5 @@ std::string NumeroParcela(std::string_view pedido, int parcela) {
 Currency ValorPedido(double valor, double per_desc) {
   return Currency::FromDouble(valor) - Currency::FromDouble(valor * (per_desc / 100));
 }
-
-NaEmpresa::NaEmpresa(ITabela& tabela, const std::string& sufixo)
-    : tabela_(tabela), antes_(tabela.tbEmpresa()["EMP_PAT"].AsString()) {
-  tabela_.tbEmpresa().Locate("EMP_PAT", sufixo);
-}
-
-NaEmpresa::~NaEmpresa() { tabela_.tbEmpresa().Locate("EMP_PAT", antes_); }
 
 }  // namespace orv

@@ -6,7 +6,6 @@
 #include <unordered_map>
 
 #include "frame/services.h"
-#include "toolkit/controls.h"
 #include "toolkit/currency.h"
 #include "toolkit/date.h"
 
@@ -20,16 +19,6 @@ struct Titulo {
   Currency valor, juros, desconto, pago, devolvido;
   Currency EmAberto() const { return valor + juros - desconto - pago - devolvido; }
 };
-
-// The statement for the current company or for all; `ordem` ("ORDER BY 1") is of the whole result.
-std::string PorEmpresa(const IFuncoes& funcoes, std::string_view sql, std::string_view tabela, bool todas,
-                       std::string_view ordem = "");
-
-// Puts a code, quoted, behind those that the field lists already.
-void AcrescentaNaLista(const IFuncoes& funcoes, Edit& lista, std::string_view codigo);
-
-// " AND <column> IN (...)" or " AND <column> NOT IN (...)" of a list field; "" for an empty list.
-std::string FiltroLista(const IFuncoes& funcoes, std::string_view coluna, const Edit& lista, bool dentro);
 
 // Days on which due items move. What was asked for once is remembered, so an object serves one gathering.
 class DiasEfetivos {
@@ -74,18 +63,5 @@ std::string NumeroParcela(std::string_view pedido, int parcela);
 
 // An order's amount less its discount in percent.
 Currency ValorPedido(double valor, double per_desc);
-
-// Tables are those of another company while it lives.
-class NaEmpresa {
- public:
-  NaEmpresa(ITabela& tabela, const std::string& sufixo);
-  ~NaEmpresa();
-  NaEmpresa(const NaEmpresa&) = delete;
-  NaEmpresa& operator=(const NaEmpresa&) = delete;
-
- private:
-  ITabela& tabela_;
-  std::string antes_;
-};
 
 }  // namespace orv

@@ -89,7 +89,7 @@ void ReportScreen::LayDown(TClientDataSet& set, std::span<const ReportField> fie
 }
 
 void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
-                          const std::function<void(Gathering&)>& work) {
+                          const std::function<void(Gathering&)>& work, Half half) {
   const BusyMark busy(Funcoes, *this);
   const SetsHold hold(sets);
   Gathering gathering(User());
@@ -97,7 +97,7 @@ void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
     work(gathering);
   } catch (...) {
     for (TClientDataSet* set : sets) {
-      if (set->Active()) set->EmptyDataSet();
+      if (half == Half::Empties && set->Active()) set->EmptyDataSet();
     }
     throw;
   }

@@ -70,10 +70,13 @@ class ReportScreen : public Child {
   // --- Gathering.
   // Closes the set and creates it anew with these fields, in the order in which they were added.
   static void LayDown(TClientDataSet& set, std::span<const ReportField> fields);
+  // What becomes of the rows of a gathering that failed or was cancelled: half of a report isn't taken for a
+  // whole one, unless the screen says that they stay.
+  enum class Half : uint8_t { Empties, Stays };
   // Does the work under the busy mark while the displays of the sets hold still; in the end the sets stand on
-  // their first rows. When it raises, or the user cancels it, the sets are left empty: half of a report isn't
-  // taken for a whole one.
-  void Gather(std::initializer_list<TClientDataSet*> sets, const std::function<void(Gathering&)>& work);
+  // their first rows.
+  void Gather(std::initializer_list<TClientDataSet*> sets, const std::function<void(Gathering&)>& work,
+              Half half = Half::Empties);
   // Runs a statement and hands on each row, whose values may be moved out. Nothing is kept.
   void ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const;
   // Appends a row in the bulk manner, each value as its field holds it. The values are moved out.

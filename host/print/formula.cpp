@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t kLongest = 4000;  // bytes
 constexpr int kDeepest = 60;
+constexpr int kTallest = 400;  // nodes one above the other
 
 enum class Op : uint8_t {
   Constant,
@@ -58,11 +59,29 @@ bool Exact(const Value& value) {
   return value.IsNull() || value.Kind() == ValueKind::Integer || value.Kind() == ValueKind::Currency;
 }
 
+[[noreturn]] void TooLarge() { throw FormulaError("o resultado é grande demais"); }
+
+Value Finite(double number) {
+  if (!std::isfinite(number)) TooLarge();
+  return Value(number);
+}
+
+int64_t Whole(int64_t a, int64_t b, bool subtract) {
+  int64_t result = 0;
+  const bool over = subtract ? __builtin_sub_overflow(a, b, &result) : __builtin_add_overflow(a, b, &result);
+  if (over) TooLarge();
+  return result;
+}
+
+Date Moved(Date day, int64_t days) {
+  if (day.Empty()) return day;
+  if (days < Date(1, 1, 1) - day || days > Date(9999, 12, 31) - day) TooLarge();
+  return day.AddDays(static_cast<int>(days));
+}
+
 Value Sum(const Value& a, const Value& b, bool subtract) {
   if (IsDay(a) && IsDay(b) && subtract) return Value(int64_t{a.AsDate() - b.AsDate()});
-  if (IsDay(a) && IsNumber(b)) {
-    return Value(a.AsDate().AddDays(static_cast<int>(subtract ? -b.AsInteger() : b.AsInteger())));
-  }
+  if (IsDay(a) && IsNumber(b)) return Value(Moved(a.AsDate(), Whole(0, b.AsInteger(), subtract)));
   if (!subtract && (a.IsText() || b.IsText())) return Value(a.AsString() + b.AsString());
   RequireNumber(a);
   RequireNumber(b);
@@ -70,30 +89,30 @@ Value Sum(const Value& a, const Value& b, bool subtract) {
     if (Exact(a) && Exact(b))
       return Value(subtract ? a.AsCurrency() - b.AsCurrency() : a.AsCurrency() + b.AsCurrency());
   } else if (Exact(a) && Exact(b)) {
-    return Value(subtract ? a.AsInteger() - b.AsInteger() : a.AsInteger() + b.AsInteger());
+    return Value(Whole(a.AsInteger(), b.AsInteger(), subtract));
   }
-  return Value(subtract ? a.AsFloat() - b.AsFloat() : a.AsFloat() + b.AsFloat());
+  return Finite(subtract ? a.AsFloat() - b.AsFloat() : a.AsFloat() + b.AsFloat());
 }
 
 Value Product(const Value& a, const Value& b) {
   RequireNumber(a);
   RequireNumber(b);
   const bool whole_a = a.Kind() == ValueKind::Integer, whole_b = b.Kind() == ValueKind::Integer;
-  if (whole_a && whole_b) return Value(a.AsFloat() * b.AsFloat());
+  if (whole_a && whole_b) return Finite(a.AsFloat() * b.AsFloat());
   // So many times an amount is an amount.
   if ((whole_a && b.Kind() == ValueKind::Currency) || (whole_b && a.Kind() == ValueKind::Currency)) {
     const double product = a.AsFloat() * b.AsFloat();
     if (std::abs(product) < 1e10) return Value(Currency::FromDouble(product));
-    return Value(product);
+    return Finite(product);
   }
-  return Value(a.AsFloat() * b.AsFloat());
+  return Finite(a.AsFloat() * b.AsFloat());
 }
 
 Value Quotient(const Value& a, const Value& b) {
   RequireNumber(a);
   RequireNumber(b);
   if (b.AsFloat() == 0) throw FormulaError("divisão por zero");
-  return Value(a.AsFloat() / b.AsFloat());
+  return Finite(a.AsFloat() / b.AsFloat());
 }
 
 // Null is what it is compared with: zero among numbers, "" among texts.
@@ -118,7 +137,7 @@ Value Rounded(const Value& value, int64_t decimals) {
   if (decimals < 0 || decimals > 8) throw FormulaError("round arredonda de 0 a 8 casas");
   if (decimals == 2 && value.Kind() == ValueKind::Currency) return Value(value.AsCurrency().Round2());
   const double scale = std::pow(10.0, static_cast<double>(decimals));
-  return Value(std::round(value.AsFloat() * scale) / scale);
+  return Finite(std::round(value.AsFloat() * scale) / scale);
 }
 
 // From the `from`-th character, counted from 1, `count` of them.
@@ -138,6 +157,14 @@ struct Formula::Node {
   std::string comparison;
   Function function = Function::Iif;
   std::vector<std::unique_ptr<Node>> parts;
+  int height = 1;
+
+  // A long chain is as tall as a deep nesting, and both are worked out by descending.
+  void Take(std::unique_ptr<Node> part) {
+    height = std::max(height, part->height + 1);
+    if (height > kTallest) throw FormulaError("a fórmula tem níveis demais");
+    parts.push_back(std::move(part));
+  }
 };
 
 namespace {
@@ -213,8 +240,8 @@ class Parser {
   static NodePointer Make(Op op, NodePointer a, NodePointer b = nullptr) {
     auto node = std::make_unique<Node>();
     node->op = op;
-    node->parts.push_back(std::move(a));
-    if (b != nullptr) node->parts.push_back(std::move(b));
+    node->Take(std::move(a));
+    if (b != nullptr) node->Take(std::move(b));
     return node;
   }
 
@@ -320,7 +347,7 @@ class Parser {
     node->function = found->function;
     if (!Take(")")) {
       do {
-        node->parts.push_back(Either());
+        node->Take(Either());
       } while (Take(",") || Take(";"));
       Expect(")");
     }

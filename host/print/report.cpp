@@ -12,6 +12,8 @@ namespace {
 
 constexpr int64_t kAhead = 1000;  // rows read at once
 constexpr std::size_t kMostNotes = 50;
+constexpr std::size_t kMostLines = 3'000'000;
+constexpr std::size_t kLongestText = 2000;  // characters of a cell
 
 // A data set that the template reads, and the row of it that stands.
 struct Source {
@@ -171,6 +173,7 @@ class Layout {
     // A text of the database may hold what ends a line.
     std::replace_if(
         printed.begin(), printed.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    if (printed.size() > kLongestText) printed.resize(CutChars(printed, kLongestText).size());
     return printed;
   }
 
@@ -260,6 +263,11 @@ class Layout {
       Close(section, number, 0, own);
     }
     Bands(section, number, BandKind::Foot, 0);
+    // Of several sections one with nothing to print is left out, titles and all.
+    if (form_.sections.size() > 1 && (report_.lines.empty() || report_.lines.back().section != number)) {
+      report_.columns.pop_back();
+      report_.headings.pop_back();
+    }
   }
 
   // The feet of the groups from the innermost to `outermost`, whose sums begin anew.
@@ -283,6 +291,10 @@ class Layout {
       if (band.when && !IsTrue(Work(*band.when, band.line).value_or(Value(1)))) continue;
       const bool first = !band.style_when || IsTrue(Work(*band.style_when, band.line).value_or(Value()));
       for (const auto& [cells, line] : band.lines) {
+        if (report_.lines.size() >= kMostLines) {
+          Note(line, "o relatório passa de " + std::to_string(kMostLines) + " linhas; o resto ficou de fora");
+          return;
+        }
         ReportLine printed{number, first ? band.style : band.style_else, std::exchange(new_page_, false), {}};
         printed.cells.reserve(cells.size());
         for (const BandCell& cell : cells) {

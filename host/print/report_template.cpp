@@ -10,7 +10,11 @@ namespace {
 
 constexpr std::size_t kLongestFile = 1 << 20;  // bytes
 constexpr std::size_t kMostLines = 5000;
+constexpr std::size_t kLongestLine = 8000;  // bytes
+constexpr std::size_t kLongestFormat = 60;  // bytes
 constexpr std::size_t kMostColumns = 60;
+constexpr std::size_t kMostSubtitles = 20;
+constexpr std::size_t kMostGroups = 20;
 constexpr std::size_t kMostErrors = 50;
 constexpr int kWidest = 200;
 
@@ -80,6 +84,7 @@ class Reader {
         return;
       }
       try {
+        if (line.size() > kLongestLine) Wrong("a linha é longa demais");
         Line(Trim(line));
       } catch (const FormulaError& e) {
         Note(e.what());
@@ -107,6 +112,7 @@ class Reader {
     if (word == "relatorio") {
       result_.title = rest;
     } else if (word == "subtitulo") {
+      if (result_.subtitles.size() >= kMostSubtitles) Wrong("há subtítulos demais");
       result_.subtitles.push_back(ReportText::Parse(rest));
     } else if (word == "pagina") {
       if (rest != "retrato" && rest != "paisagem") Wrong("a página é retrato ou paisagem");
@@ -176,6 +182,7 @@ class Reader {
     ReportGroup group{TakeWord(head), Formula::Parse(rest.substr(sign + 1)), head == "pagina", line_};
     if (group.name.empty()) Wrong("falta o nome do grupo");
     if (!head.empty() && !group.new_page) Wrong("depois do nome do grupo só vem \"pagina\"");
+    if (Section().groups.size() >= kMostGroups) Wrong("há grupos demais");
     Section().groups.push_back(std::move(group));
   }
 
@@ -298,6 +305,7 @@ ReportText ReportText::Parse(std::string_view text) {
       const std::size_t close = inner.find('>');
       if (close == std::string_view::npos) Wrong("falta o \">\" do formato");
       piece.format = inner.substr(2, close - 2);
+      if (piece.format.size() > kLongestFormat) Wrong("o formato é longo demais");
       inner = inner.substr(close + 1);
     }
     piece.formula = Formula::Parse(inner);

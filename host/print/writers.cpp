@@ -27,7 +27,7 @@ td { padding: 3px 6px; vertical-align: top; overflow-wrap: break-word; border-bo
 .r td { border-top: 1px solid #51616c; }
 .notes { margin-top: 18px; border-left: 3px solid #a15c00; padding-left: 10px; color: #5f3b00; }
 @media print {
-  @page { margin: 12mm; }
+  @page { margin: 12mm; @bottom-right { content: "Página " counter(page) " de " counter(pages); font: 8px system-ui, sans-serif; } }
   body { margin: 0; font-size: 9px; }
   thead { display: table-header-group; }
   tr { break-inside: avoid; }
@@ -149,6 +149,12 @@ std::string TextCells(const ReportLine& line, const std::vector<ReportColumn>& c
   return TrimmedRight(text);
 }
 
+// "-1.234,56" is an amount, whatever type its field has; "-1+cmd" isn't.
+bool IsAmount(std::string_view text) {
+  if (text[0] != '-' && text[0] != '+') return false;
+  return text.find_first_not_of("0123456789.,", 1) == std::string_view::npos;
+}
+
 std::string CsvCell(const Value& value) {
   std::string text =
       value.Kind() == ValueKind::Currency || value.Kind() == ValueKind::Float
@@ -156,8 +162,9 @@ std::string CsvCell(const Value& value) {
                        ",")
           : value.AsString();
   if (value.Kind() == ValueKind::Currency && text.ends_with("00")) text.resize(text.size() - 2);
-  if (value.IsText() && text.size() > 1 && text.find_first_of("=+-@\t\r") == 0)
+  if (value.IsText() && text.size() > 1 && text.find_first_of("=+-@\t\r\n") == 0 && !IsAmount(text)) {
     text.insert(text.begin(), '\'');
+  }
   if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
   return "\"" + ReplaceAll(text, "\"", "\"\"") + "\"";
 }

@@ -109,10 +109,18 @@ TEST(FormulaTest, WorksOut) {
       {"copy(1)", "! copy quer 3 parâmetros"},
       {"soma(1)", "! a função soma não existe"},
       {"\"aberta", "! falta fechar as aspas"},
+      {"9223372036854775807 + 1", "! o resultado é grande demais"},
+      {"-9223372036854775807 - 2", "! o resultado é grande demais"},
+      {"round(1, 9)", "! round arredonda de 0 a 8 casas"},
   };
   for (const auto& [text, result] : cases) EXPECT_EQ(Worked(text), result) << text;
   EXPECT_NE(Worked(std::string(100, '(') + "1").find("níveis demais"), std::string::npos);
   EXPECT_NE(Worked(std::string(3000, '-') + "1").find("níveis demais"), std::string::npos);
+  std::string chain = "1";
+  for (int i = 0; i < 1500; ++i) chain += "+1";
+  EXPECT_NE(Worked(chain).find("níveis demais"), std::string::npos);
+  const std::string huge(308, '9');
+  EXPECT_EQ(Worked(huge + ".0 * " + huge + ".0"), "! o resultado é grande demais");
 }
 
 TEST(FormatTest, PrintsAsBrazilReads) {
@@ -218,10 +226,38 @@ detalhe se Quem
   EXPECT_NE(ReportText66(Make("dados TbOutro\ncoluna 10 X\n")).find("TbOutro não existe"), std::string::npos);
 }
 
+TEST_F(PrintTest, WhatATemplateAsksForIsBounded) {
+  rows_.Add(20, std::string(40, 'n'), 100);
+  std::string form =
+      "dados TbRelatorio\ncoluna 201 Larga\ncoluna 99999999999 X\ncoluna 200 Nome\ncoluna 9 direita D\n";
+  form += "detalhe\n| [TbRelatorio.Nome][TbRelatorio.Nome] | [TbRelatorio.Dia + 99999999] |\n";
+  form += "| [:<" + std::string(5000, 'h') + ">agora] |\n";
+  form += "| " + std::string(20000, 'x') + " |\n";
+  std::string many = "|";
+  for (int i = 0; i < 300; ++i) many += "[TbRelatorio.Nome]";
+  form += many + " |\n";
+  for (int i = 0; i < 70; ++i) form += "coluna 5 C\n";
+  const Report report = Make(form);
+  std::string notes;
+  for (const std::string& note : report.notes) notes += note + "\n";
+  for (const char* told : {"linha 2: a largura da coluna vai de 1 a 200", "linha 3: a largura",
+                           "linha 7: o resultado é grande demais", "linha 8: o formato é longo demais",
+                           "linha 9: a linha é longa demais", "há colunas demais"}) {
+    EXPECT_NE(notes.find(told), std::string::npos) << told << "\n" << notes;
+  }
+  ASSERT_EQ(report.lines.size(), 2U);
+  EXPECT_EQ(report.lines[0].cells[0].text, std::string(80, 'n'));
+  EXPECT_EQ(report.lines[1].cells[0].text.size(), 2000U);
+  for (const char* format : {"html", "txt", "csv", "xlsx", "pdf"})
+    EXPECT_FALSE(Written(report, format).empty());
+}
+
 TEST_F(PrintTest, HostileValuesStayTexts) {
   rows_.Add(20, "<script>alert(1)</script>\n\"&'", 100, 0.125);
   rows_.Add(20, "=CMD|'/c calc'!A0", -100);
   rows_.Add(20, "-", 100);
+  rows_.Add(20, "-1.234,56", 100);
+  rows_.Add(20, "-1+1", 100);
   const Report report = Make(
       "dados TbRelatorio\ncoluna 60 Nome\ncoluna 3 direita Valor\ndetalhe\n| [TbRelatorio.Nome] | "
       "[:<#,##0.00>TbRelatorio.Valor * 1000] |\n");
@@ -232,6 +268,8 @@ TEST_F(PrintTest, HostileValuesStayTexts) {
   EXPECT_NE(csv.find("20/11/2026;'=CMD|'/c calc'!A0;-1,00;"), std::string::npos) << csv;
   EXPECT_NE(csv.find("\"<script>alert(1)</script>\n\"\"&'\";1,00;0,125"), std::string::npos) << csv;
   EXPECT_NE(csv.find("\r\n20/11/2026;-;1,00;"), std::string::npos) << csv;
+  EXPECT_NE(csv.find(";-1.234,56;1,00;"), std::string::npos) << csv;
+  EXPECT_NE(csv.find(";'-1+1;1,00;"), std::string::npos) << csv;
   EXPECT_NE(ReportText66(report).find(" ###"), std::string::npos) << "an amount is never cut";
   EXPECT_EQ(Written(report, "xlsx").substr(0, 2), "PK");
   EXPECT_THROW(FindTemplate("../../etc/passwd", folder_.string()), UserError);

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <fstream>
+
 #include "host/schema/demo.h"
 #include "host/services/audit.h"
 #include "host/services/users.h"
@@ -71,6 +73,28 @@ Desk::Desk(const std::filesystem::path& database, const std::string& user, const
 const std::vector<Json>& Desk::Do(Json in) {
   latest_ = client_->Do(std::move(in));
   return latest_;
+}
+
+std::string Printed(Desk& desk, std::string_view button) {
+  Json id;
+  for (const Json& out : desk.Click(button)) {
+    if (out["on"] == Json("report")) id = out["id"];
+  }
+  EXPECT_EQ(desk.Messages(), "");
+  std::string text;
+  for (const Json& out : desk.Do({{"do", "report"}, {"id", id}, {"format", "txt"}})) {
+    if (!out.Has("file")) continue;
+    std::ifstream in(out["file"].String(), std::ios::binary);
+    text.assign(std::istreambuf_iterator<char>(in), {});
+  }
+  return text.substr(text.find('\n') + 1);
+}
+
+void ExpectFile(const std::string& made, const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  const std::string wanted{std::istreambuf_iterator<char>(in), {}};
+  if (made != wanted) std::ofstream(file.filename(), std::ios::binary) << made;
+  EXPECT_EQ(made, wanted);
 }
 
 std::string Desk::Messages() const {

@@ -82,6 +82,12 @@ class Desk {
   std::vector<Json> latest_;
 };
 
+// The report that a button prints, as text without the line that tells the hour.
+std::string Printed(Desk& desk, std::string_view button);
+
+// Compares with a file of a test's folder. What was made instead stands beside the program, under its name.
+void ExpectFile(const std::string& made, const std::filesystem::path& file);
+
 class DeskTest : public ::testing::Test {
  protected:
   DeskTest();

@@ -1,0 +1,45 @@
+// The workbench and the bank statement as they are printed: the exact text.
+#include "tests/reconciliation/concilia_desk.h"
+
+namespace orv::test {
+namespace {
+
+class ConciliaPrintTest : public ConciliaTest {
+ protected:
+  ConciliaPrintTest() {
+    Run("UPDATE CADCONTA_001 SET DESCRICAO = 'CONTA MOVIMENTO' WHERE CONTA = '10250-1'");
+    Store(Mov{.numero = "000001", .docto = "NF 1", .valor = "1000.55", .operacao = "+"});
+    Store(Mov{.numero = "000002", .docto = "NF 2", .valor = "250.05"});
+    Store(Mov{.numero = "000003", .docto = "CH 77", .valor = "99.99", .historico = "004"});
+    Store(Line{.lancto = "E1", .docto = "1", .valor = "1000.55", .operacao = "C"});
+    Store(Line{.lancto = "E2", .docto = "2", .valor = "250.05"});
+    Store(Line{.lancto = "E3", .docto = "3", .valor = "12.50", .conciliado = "S", .lanc_con = "000900"});
+  }
+};
+
+TEST_F(ConciliaPrintTest, TheTickedAndTheWhole) {
+  Desk desk(database_);
+  Open(desk);
+  Consult(desk);
+  TickMov(desk, 0);
+  TickArq(desk, 0);
+  std::string printed = "##### Marcados\n" + Printed(desk, "BitBtn7");
+  // The filter was for the print alone.
+  EXPECT_EQ(Listed(desk), "000001 000002 000003 / E1 E2");
+  printed += "##### Tudo\n" + Printed(desk, "BitBtn11");
+  ExpectFile(printed, ORV_FILES "conciliacao.txt");
+}
+
+TEST_F(ConciliaPrintTest, StatementLinesFound) {
+  Desk desk(database_);
+  desk.Open("TFmCadExtrato");
+  desk.Click("BitBtn5");
+  std::string printed = "##### Todos\n" + Printed(desk, "BitBtn1");
+  desk.Set("RgBusca", "Conciliados");
+  desk.Click("BitBtn5");
+  printed += "##### Conciliados\n" + Printed(desk, "BitBtn1");
+  ExpectFile(printed, ORV_FILES "extrato.txt");
+}
+
+}  // namespace
+}  // namespace orv::test
