@@ -189,6 +189,7 @@ void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
     const auto tamanho = static_cast<std::size_t>(kRelatorio[i].tamanho);
     if (linha[i].Text().size() > tamanho) linha[i] = CutChars(std::string(linha[i].Text()), tamanho);
   }
+  for (const Campo campo : {Desc_Pessoa, Nome_Banco, DescClasse, Historico}) nomes_.Share(linha[campo]);
   TbRelatorio.AppendRow(linha);
   origens_.push_back(std::move(origem));
 }
