@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "bench/statement.h"
+#include "bench/statement_screen.h"
 #include "frame/module.h"
 #include "toolkit/database.h"
 #include "toolkit/value.h"
@@ -58,7 +58,7 @@ void OneAccount(const std::filesystem::path& house) {
   db->CommitRetaining();
   int64_t rows = 0, titles = 0;
   {
-    Statement statement(house, "TfmRelCC");
+    StatementScreen statement(house, "TfmRelCC");
     statement.Set("RelConta", account);
     statement.Set("CbFinanceiro", "true");
     statement.Period(from, last);
@@ -73,7 +73,7 @@ void OneAccount(const std::filesystem::path& house) {
         Number(gathering.Wall()) + " s by the clock");
 
   // The engine keeps what a statement took for the next ones, so another run of it comes first.
-  Statement statement(house, "TfmRelCC");
+  StatementScreen statement(house, "TfmRelCC");
   statement.Set("RelConta", account);
   statement.Set("CbFinanceiro", "true");
   statement.Period(last, last);
@@ -88,7 +88,7 @@ void OneAccount(const std::filesystem::path& house) {
 void Growth(const std::filesystem::path& house) {
   const auto db = Attachment::Open(house.string());
   const Date last = Date::ParseNeutral(kToday);
-  Statement statement(house, "TfmRelCC");
+  StatementScreen statement(house, "TfmRelCC");
   statement.Set("RgTipo", "1");
   statement.Set("CbFinanceiro", "true");
   double each_of_many = 0;

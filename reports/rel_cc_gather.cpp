@@ -426,7 +426,8 @@ void TfmRelCC::Anexa(std::span<Value> movimento, Anexos& anexos, Currency inicia
     if (const auto dele = titulos.find(chave); (tipo == "P" || tipo == "R") && dele != titulos.end())
       AnexaTitulos(dele->second, lancamento, tipo == "R", empresa);
   }
-  for (const Campo campo : {Nome_Banco, DesGrupo, Historico, EmpresaConta, Pessoa}) nomes_.Share(linha[campo]);
+  for (const Campo campo : {Nome_Banco, DesGrupo, Historico, EmpresaConta, Pessoa})
+    nomes_.Share(linha[campo]);
   AppendFitted(TbRelatorio, linha);
   empresa_da_linha_.push_back(empresa);
 }

@@ -24,9 +24,10 @@ class Nothing : public RowSink {
 };
 
 // What the user's fields, buttons and sets of the screen's door do; an error of the desk is raised.
-class Statement {
+class StatementScreen {
  public:
-  Statement(const std::filesystem::path& house, const char* screen, const std::string& company = "_001");
+  StatementScreen(const std::filesystem::path& house, const char* screen,
+                  const std::string& company = "_001");
   std::vector<Json> Do(Json in);
   void Set(const char* control, const std::string& value);
   void Period(Date first, Date last);
@@ -45,8 +46,8 @@ class Statement {
 
 // Prints the memory that a gathering takes at most, by the rows of `set`, beyond the texts of all `sets`.
 // What came before it in the session has to be of a few rows only.
-void PrintMemory(Statement& statement, const std::vector<const char*>& sets);
+void PrintMemory(StatementScreen& statement, const std::vector<const char*>& sets);
 // Prints a PDF of what was gathered and how fast.
-void PrintPages(Statement& statement);
+void PrintPages(StatementScreen& statement);
 
 }  // namespace orv::bench

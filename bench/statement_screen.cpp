@@ -1,4 +1,4 @@
-#include "bench/statement.h"
+#include "bench/statement_screen.h"
 
 #include <chrono>
 #include <fstream>
@@ -44,12 +44,13 @@ class Peak {
 
 }  // namespace
 
-Statement::Statement(const std::filesystem::path& house, const char* screen, const std::string& company)
+StatementScreen::StatementScreen(const std::filesystem::path& house, const char* screen,
+                                 const std::string& company)
     : log_("/dev/null"), client_(Of(house, company), log_) {
   Do({{"do", "open"}, {"class", screen}});
 }
 
-std::vector<Json> Statement::Do(Json in) {
+std::vector<Json> StatementScreen::Do(Json in) {
   auto out = client_.Do(std::move(in));
   for (const Json& one : out) {
     if (one["on"] == Json("error")) throw UserError(one["text"].String());
@@ -57,23 +58,23 @@ std::vector<Json> Statement::Do(Json in) {
   return out;
 }
 
-void Statement::Set(const char* control, const std::string& value) {
+void StatementScreen::Set(const char* control, const std::string& value) {
   Do({{"do", "set"}, {"control", control}, {"value", value}});
 }
 
-void Statement::Period(Date first, Date last) {
+void StatementScreen::Period(Date first, Date last) {
   Set("EdtDataDe", first.Brazil());
   Set("edtDataAte", last.Brazil());
 }
 
-Json Statement::Window(const char* set, int64_t from, int64_t count) {
+Json StatementScreen::Window(const char* set, int64_t from, int64_t count) {
   for (const Json& out : Do({{"do", "read"}, {"control", set}, {"from", from}, {"count", count}})) {
     if (out["on"] == Json("state")) return out["screens"].Items().back()["sets"][set];
   }
   throw UserError("The desk told no state.");
 }
 
-std::size_t Statement::Texts(const std::vector<const char*>& sets) {
+std::size_t StatementScreen::Texts(const std::vector<const char*>& sets) {
   std::size_t bytes = 0;
   std::unordered_set<std::string> known;
   for (const char* set : sets) {
@@ -91,7 +92,7 @@ std::size_t Statement::Texts(const std::vector<const char*>& sets) {
   return bytes;
 }
 
-int64_t Statement::Pages() {
+int64_t StatementScreen::Pages() {
   Json id;
   for (const Json& out : Do({{"do", "click"}, {"control", "BitBtn33"}})) {
     if (out["on"] == Json("report")) id = out["id"];
@@ -109,7 +110,7 @@ int64_t Statement::Pages() {
   return std::stoll(pdf.substr(at + kPages.size(), 12));
 }
 
-void PrintMemory(Statement& statement, const std::vector<const char*>& sets) {
+void PrintMemory(StatementScreen& statement, const std::vector<const char*>& sets) {
   const std::size_t before = HeapBytes();
   Peak peak;
   statement.Gather();
@@ -120,7 +121,7 @@ void PrintMemory(Statement& statement, const std::vector<const char*>& sets) {
         600, "B/row", Number(texts / rows) + " B of texts, each once");
 }
 
-void PrintPages(Statement& statement) {
+void PrintPages(StatementScreen& statement) {
   int64_t pages = 0;
   const Seconds taken = Measure([&] { pages = statement.Pages(); });
   Print("a PDF of the whole", static_cast<double>(pages) / taken.cpu, Bound::AtLeast, 200, "pages/s",
