@@ -1,13 +1,9 @@
 // The account statement: a hundred thousand movements of one account with their people and the titles that
 // they settled, beside the bare fetch of the same rows joined in one statement; memory; and how it grows.
-#include <atomic>
 #include <cstdlib>
 #include <iostream>
-#include <memory>
-#include <thread>
 
-#include "bench/house.h"
-#include "bench/measure.h"
+#include "bench/statement_screen.h"
 #include "frame/module.h"
 #include "toolkit/database.h"
 #include "toolkit/value.h"
@@ -19,92 +15,6 @@ using namespace orv::bench;
 
 constexpr int kRuns = 3;
 constexpr int64_t kWanted = 100000;
-// Texts up to this length stand in the value itself.
-constexpr std::size_t kInline = 14;
-
-// Keeps nothing of what comes.
-class Nothing : public RowSink {
- public:
-  void Columns(const std::vector<Column>&) override {}
-  bool Row(std::span<Value>) override {
-    ++rows;
-    return true;
-  }
-  int64_t rows = 0;
-};
-
-// The statement's screen of a session.
-class Statement {
- public:
-  explicit Statement(const std::filesystem::path& house) : log_("/dev/null"), client_(Ana(house), log_) {
-    Do({{"do", "open"}, {"class", "TfmRelCC"}});
-  }
-  std::vector<Json> Do(Json in) {
-    auto out = client_.Do(std::move(in));
-    for (const Json& one : out) {
-      if (one["on"] == Json("error")) throw UserError(one["text"].String());
-    }
-    return out;
-  }
-  void Set(const char* control, const std::string& value) {
-    Do({{"do", "set"}, {"control", control}, {"value", value}});
-  }
-  void Period(Date first, Date last) {
-    Set("EdtDataDe", first.Brazil());
-    Set("edtDataAte", last.Brazil());
-  }
-  void Gather() { Do({{"do", "click"}, {"control", "BitBtn29"}}); }
-  Json Window(const char* set, int64_t from, int64_t count) {
-    for (const Json& out : Do({{"do", "read"}, {"control", set}, {"from", from}, {"count", count}})) {
-      if (out["on"] == Json("state")) return out["screens"].Items().back()["sets"][set];
-    }
-    throw UserError("The desk told no state.");
-  }
-  int64_t Count(const char* set) { return Window(set, 0, 1)["count"].Integer(); }
-  // Bytes of the texts that don't stand in their values.
-  std::size_t Texts(const char* set) {
-    std::size_t bytes = 0;
-    const int64_t count = Count(set);
-    for (int64_t at = 0; at < count; at += 1000) {
-      const Json window = Window(set, at, 1000);
-      for (const Json& row : window["rows"].Items()) {
-        for (const Json& cell : row.Items()) {
-          if (!cell.IsNull() && cell.String().size() > kInline) bytes += cell.String().size();
-        }
-      }
-    }
-    return bytes;
-  }
-
- private:
-  Log log_;
-  DoorClient client_;
-};
-
-// The greatest number of bytes on the heap while it lives.
-class Peak {
- public:
-  Peak()
-      : watch_([this] {
-          while (!done_) {
-            const std::size_t now = HeapBytes();
-            if (now > peak_) peak_ = now;
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-          }
-        }) {}
-  std::size_t Bytes() {
-    done_ = true;
-    if (watch_.joinable()) watch_.join();
-    return peak_;
-  }
-  ~Peak() { Bytes(); }
-
- private:
-  std::atomic<bool> done_{false};
-  std::atomic<std::size_t> peak_{0};
-  std::thread watch_;
-};
-
 const char* const kJoined =
     "SELECT M.BANCO, M.CONTA, B.NOME_BANCO, M.VALOR, M.DT_LAN, M.DT_VENCTO, M.DOCTO, M.LANCAMENTO, "
     "M.OBSERVACAO, "
@@ -148,7 +58,7 @@ void OneAccount(const std::filesystem::path& house) {
   db->CommitRetaining();
   int64_t rows = 0, titles = 0;
   {
-    Statement statement(house);
+    StatementScreen statement(house, "TfmRelCC");
     statement.Set("RelConta", account);
     statement.Set("CbFinanceiro", "true");
     statement.Period(from, last);
@@ -163,27 +73,22 @@ void OneAccount(const std::filesystem::path& house) {
         Number(gathering.Wall()) + " s by the clock");
 
   // The engine keeps what a statement took for the next ones, so another run of it comes first.
-  Statement statement(house);
+  StatementScreen statement(house, "TfmRelCC");
   statement.Set("RelConta", account);
   statement.Set("CbFinanceiro", "true");
   statement.Period(last, last);
   statement.Gather();
-  const std::size_t before = HeapBytes();
   statement.Period(from, last);
-  Peak peak;
-  statement.Gather();
-  const std::size_t most = peak.Bytes();
-  const std::size_t texts = statement.Texts("TbRelatorio") + statement.Texts("TbFinan");
-  Print("memory while gathering, beyond the texts",
-        static_cast<double>(most - before - texts) / static_cast<double>(rows + titles), Bound::AtMost, 600,
-        "B/row", Number(static_cast<double>(texts) / static_cast<double>(rows + titles)) + " B of texts");
+  // The titles' bytes count for the movements' rows.
+  PrintMemory(statement, {"TbRelatorio", "TbFinan"});
+  PrintPages(statement);
 }
 
 // All accounts of the cash flow, from ever earlier days.
 void Growth(const std::filesystem::path& house) {
   const auto db = Attachment::Open(house.string());
   const Date last = Date::ParseNeutral(kToday);
-  Statement statement(house);
+  StatementScreen statement(house, "TfmRelCC");
   statement.Set("RgTipo", "1");
   statement.Set("CbFinanceiro", "true");
   double each_of_many = 0;

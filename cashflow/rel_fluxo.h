@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <span>
 #include <string>
@@ -14,6 +15,7 @@
 #include "frame/module.h"
 #include "frame/report_screen.h"
 #include "toolkit/client_dataset.h"
+#include "toolkit/shared_texts.h"
 
 namespace orv {
 
@@ -172,8 +174,10 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   void DBGrid1DblClick();
   void OrvDBGrid1DblClick();
 
-  std::vector<Origem> origens_;
+  std::deque<Origem> origens_;
   std::vector<std::string> empresas_;
+  // Names that many rows bear.
+  SharedTexts nomes_;
 };
 
 extern ORV_EXPORT thread_local TfmRelFluxo* fmRelFluxo;

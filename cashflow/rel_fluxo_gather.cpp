@@ -150,6 +150,7 @@ void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
   } else if (RgTipo.ItemIndex() == 0) {
     linha[Saldo] = linha[Vlr_Cre];
   }
+  for (const Campo campo : {Desc_Pessoa, Nome_Banco, DescClasse, Historico}) nomes_.Share(linha[campo]);
   AppendFitted(TbRelatorio, linha);
   origens_.push_back(std::move(origem));
 }

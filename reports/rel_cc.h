@@ -11,6 +11,7 @@
 
 #include "frame/module.h"
 #include "frame/report_screen.h"
+#include "toolkit/shared_texts.h"
 
 namespace orv {
 
@@ -151,6 +152,8 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   void MostraSaldoAnterior();
 
   Consulta consulta_;
+  // Names that many rows bear.
+  SharedTexts nomes_;
   // Suffixes of companies, and by row, as it was added, which of them it is of.
   std::vector<std::string> empresas_;
   std::vector<uint16_t> empresa_da_linha_, empresa_do_titulo_;

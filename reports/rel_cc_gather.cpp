@@ -426,6 +426,8 @@ void TfmRelCC::Anexa(std::span<Value> movimento, Anexos& anexos, Currency inicia
     if (const auto dele = titulos.find(chave); (tipo == "P" || tipo == "R") && dele != titulos.end())
       AnexaTitulos(dele->second, lancamento, tipo == "R", empresa);
   }
+  for (const Campo campo : {Nome_Banco, DesGrupo, Historico, EmpresaConta, Pessoa})
+    nomes_.Share(linha[campo]);
   AppendFitted(TbRelatorio, linha);
   empresa_da_linha_.push_back(empresa);
 }
@@ -436,6 +438,7 @@ void TfmRelCC::AnexaTitulos(const std::vector<Titulo>& titulos, const std::strin
     // A payable is shown once a movement, whichever of its settlements comes first.
     if (!repete && TbFinan.Locate("Lancto;Numero", {Value(lancamento), titulo[fNumero]})) continue;
     Titulo linha = titulo;
+    for (const CampoTitulo campo : {fNome, fDescHist, fDescClasse, fCnpj}) nomes_.Share(linha[campo]);
     AppendFitted(TbFinan, linha);
     empresa_do_titulo_.push_back(empresa);
   }

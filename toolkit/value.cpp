@@ -1,13 +1,22 @@
 #include "toolkit/value.h"
 
+#include <atomic>
 #include <charconv>
 #include <cmath>
+#include <new>
 
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
 namespace orv {
 namespace {
+
+// What stands before the bytes of a long text. Copies of a value hold the same one, also in other threads; it
+// never changes.
+struct SharedText {
+  std::atomic<uint32_t> holders;
+  uint32_t size;
+};
 
 bool IsNumber(ValueKind kind) {
   return kind == ValueKind::Integer || kind == ValueKind::Float || kind == ValueKind::Currency;
@@ -47,30 +56,26 @@ void Value::SetText(std::string_view text) {
     if (!text.empty()) std::memcpy(data_, text.data(), text.size());
     return;
   }
-  // Length, then the bytes.
-  char* block = new char[sizeof(uint32_t) + text.size()];
-  const auto size = static_cast<uint32_t>(text.size());
-  std::memcpy(block, &size, sizeof size);
-  std::memcpy(block + sizeof size, text.data(), text.size());
-  Store(block);
+  void* block = ::operator new(sizeof(SharedText) + text.size());
+  auto* shared = new (block) SharedText{{1}, static_cast<uint32_t>(text.size())};
+  std::memcpy(static_cast<void*>(shared + 1), text.data(), text.size());
+  Store(shared);
   length_ = kHeap;
 }
 
 std::string_view Value::HeapText() const {
-  const char* block = Load<char*>();
-  uint32_t size = 0;
-  std::memcpy(&size, block, sizeof size);
-  return {block + sizeof size, size};
+  const auto* shared = Load<const SharedText*>();
+  return {reinterpret_cast<const char*>(shared + 1), shared->size};
 }
 
-void Value::FreeHeap() { delete[] Load<char*>(); }
+void Value::FreeHeap() {
+  auto* shared = Load<SharedText*>();
+  if (shared->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) ::operator delete(shared);
+}
 
 void Value::CopyFrom(const Value& other) {
-  if (other.length_ == kHeap) {
-    SetText(other.HeapText());
-  } else {
-    std::memcpy(static_cast<void*>(this), &other, sizeof(Value));
-  }
+  std::memcpy(static_cast<void*>(this), &other, sizeof(Value));
+  if (length_ == kHeap) Load<SharedText*>()->holders.fetch_add(1, std::memory_order_relaxed);
 }
 
 std::string Value::AsString() const {
