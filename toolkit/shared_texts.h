@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -23,9 +22,6 @@ class SharedTexts {
     } else {
       known = value;
     }
-  }
-  void Share(std::span<Value> values) {
-    for (Value& value : values) Share(value);
   }
 
  private:
