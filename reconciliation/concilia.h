@@ -11,6 +11,7 @@
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "reconciliation/formats/cheque_return.h"
 #include "toolkit/client_dataset.h"
 
 namespace orv {
@@ -352,9 +353,9 @@ class ORV_EXPORT TFmConcilia : public Child {
   void BitBtn6Click();
   void BitBtn10Click();
   void CarregaPendentes();
-  void CarregaArquivo(const std::string& texto);
+  void CarregaArquivo(const std::vector<ChequeReturn>& retornos);
   // The text of the return file; nothing where it is refused, after telling why.
-  std::optional<std::string> LeArquivo();
+  std::optional<std::vector<ChequeReturn>> LeArquivo();
 
   // --- Proposals (concilia_suggest.cpp).
   void BtSugerirClick();

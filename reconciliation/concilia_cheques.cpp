@@ -6,24 +6,18 @@
 
 #include "reconciliation/concilia.h"
 #include "reconciliation/formats/outside_file.h"
-#include "reconciliation/formats/position.h"
 #include "toolkit/text.h"
 
 namespace orv {
 namespace {
 
 constexpr const char* kFiltros = "ret|*.ret|txt|*.txt|Todos(*.*)|*.*";
-// A return file of cheques has a line for each cheque.
-constexpr std::ptrdiff_t kMaxLinhas = 200'000;
 // A statement takes at most 1500 values in IN (...).
 constexpr std::size_t kLote = 500;
 // No column of a cheque is longer.
 constexpr std::size_t kMaxNumero = 8;
 
-constexpr const char* kMuitasLinhas = "O arquivo tem linhas demais: o limite é de 200.000.";
-
-// What a line names of a cheque, in the order of the columns of RECEBER: bank, branch, account, number.
-constexpr std::array<const char*, 4> kCamposCheque{"BANCO_CH", "AGENCIA_CH", "CONTA_CH", "NUMERO_CH"};
+// Bank, branch, account, number, in the order of the columns of RECEBER.
 using Cheque = std::array<std::string, 4>;
 
 struct ChequeHash {
@@ -34,49 +28,10 @@ struct ChequeHash {
   }
 };
 
-struct Retorno {
-  Cheque cheque;
-  std::string data;
-};
-
-// "YYYYMMDD". Raises ConversionError.
-Date DataDoRetorno(const std::string& texto) {
-  const auto recusa = [&] {
-    return ConversionError(std::string(CutChars(texto, 20)), "uma data no formato AAAAMMDD");
-  };
-  if (texto.size() != 8) throw recusa();
-  Date data;
-  try {
-    data = DateByMask(texto, "AAAAMMDD");
-  } catch (const UserError&) {
-    throw recusa();
-  }
-  if (data.Year() < 1900 || data.Year() > 2100) throw recusa();
-  return data;
-}
-
 // The days until a cheque's money is there.
 int Float(Date data) {
   constexpr int kSexta = 5, kSabado = 6;
   return data.WeekDay() == kSexta ? 3 : data.WeekDay() == kSabado ? 2 : 1;
-}
-
-// The first line and the last one are the file's own.
-std::vector<Retorno> Retornos(const std::string& texto, const PositionLayout& posicoes) {
-  std::vector<std::string_view> linhas;
-  TextLines todas(texto);
-  for (std::string_view linha; todas.Next(linha);) linhas.push_back(linha);
-  std::vector<Retorno> retornos;
-  for (std::size_t i = 1; i + 1 < linhas.size(); ++i) {
-    const auto campo = [&](const char* nome) {
-      return std::string(FixedText(linhas[i], posicoes.Find(nome)));
-    };
-    Retorno retorno;
-    for (std::size_t c = 0; c < kCamposCheque.size(); ++c) retorno.cheque[c] = campo(kCamposCheque[c]);
-    retorno.data = campo("DATA_CONT");
-    retornos.push_back(std::move(retorno));
-  }
-  return retornos;
 }
 
 }  // namespace
@@ -91,15 +46,15 @@ void TFmConcilia::SpeedButton1Click() {
 
 void TFmConcilia::BitBtn6Click() {
   const BusyMark busy(Funcoes, *this);
-  const std::optional<std::string> texto = LeArquivo();
-  if (!texto) return;
+  const auto retornos = LeArquivo();
+  if (!retornos) return;
   CarregaPendentes();
-  CarregaArquivo(*texto);
+  CarregaArquivo(*retornos);
   TbArquivo.SetFilter("Compensar = 'S'");
   TbArquivo.SetFiltered(true);
 }
 
-std::optional<std::string> TFmConcilia::LeArquivo() {
+std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
   if (!OutsideFileExists(caminho)) {
     Inform("Arquivo não encontrado.");
@@ -110,9 +65,16 @@ std::optional<std::string> TFmConcilia::LeArquivo() {
     return std::nullopt;
   }
   try {
-    std::string texto = OutsideText(OutsideFileBytes(caminho));
-    if (std::count(texto.begin(), texto.end(), '\n') <= kMaxLinhas) return texto;
-    Inform(kMuitasLinhas);
+    const std::string texto = OutsideText(OutsideFileBytes(caminho));
+    PositionLayout posicoes;
+    for (const auto& linha : Tabela.IBDatabase().Rows(
+             "SELECT CAMPO, INICIO, TAMANHO FROM " + Funcoes.DBLocal("POSICAO", true) +
+             " WHERE BANCO = " + Funcoes.Aspas(EdtBancoArq.Text()) + " AND TIPO = 'EX'")) {
+      posicoes.campos.push_back({std::string(Trim(linha[0].AsString())),
+                                 static_cast<int>(linha[1].AsInteger()),
+                                 static_cast<int>(linha[2].AsInteger()), ""});
+    }
+    return ReadChequeReturn(texto, posicoes);
   } catch (const UserError& e) {
     Inform(e.what());
   }
@@ -151,20 +113,11 @@ void TFmConcilia::CarregaPendentes() {
       pendentes);
 }
 
-void TFmConcilia::CarregaArquivo(const std::string& texto) {
-  PositionLayout posicoes;
-  for (const auto& linha :
-       Tabela.IBDatabase().Rows("SELECT CAMPO, INICIO, TAMANHO FROM " + Funcoes.DBLocal("POSICAO", true) +
-                                " WHERE BANCO = " + Funcoes.Aspas(EdtBancoArq.Text()) + " AND TIPO = 'EX'")) {
-    posicoes.campos.push_back({std::string(Trim(linha[0].AsString())), static_cast<int>(linha[1].AsInteger()),
-                               static_cast<int>(linha[2].AsInteger()), ""});
-  }
-  const std::vector<Retorno> retornos = Retornos(texto, posicoes);
-
+void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
   // The numbers of the cheques are asked for together; of several rows of a cheque the first one counts.
   std::vector<std::string> numeros;
   std::unordered_set<std::string> vistos;
-  for (const Retorno& retorno : retornos) {
+  for (const ChequeReturn& retorno : retornos) {
     const std::string& numero = retorno.cheque.back();
     const bool nada = std::all_of(retorno.cheque.begin(), retorno.cheque.end(),
                                   [](const std::string& parte) { return parte.empty(); });
@@ -199,10 +152,10 @@ void TFmConcilia::CarregaArquivo(const std::string& texto) {
     int modo;
   } const carga(TbArq);
   const ControlsHold hold(TbArquivo);
-  for (const Retorno& retorno : retornos) {
+  for (const ChequeReturn& retorno : retornos) {
     const auto achado = lancamentos.find(retorno.cheque);
     if (achado == lancamentos.end() || !TbArquivo.Locate("Lancto", achado->second)) continue;
-    const Date data = DataDoRetorno(retorno.data);
+    const Date data = ChequeReturnDay(retorno.data);
     TbArquivo.Edit();
     TbArquivo.Compensar = "S";
     TbArquivo.DtComp = data.AddDays(CbDias.Checked() ? Float(data) : 0);
