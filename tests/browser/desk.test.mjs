@@ -1,7 +1,7 @@
 // The page on the desk itself: a demo company, its database and its rules, by keyboard alone.
 import assert from "node:assert/strict";
 import { after, afterEach, before, describe, test } from "node:test";
-import { findings, focusIs, keys, launch, logIn, openPage, openScreen, picture, until } from "./support/browser.mjs";
+import { described, enter as logInAt, findings, focusIs, keys, launch, openPage, openScreen, picture, shows, told } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
 
 let browser;
@@ -26,12 +26,9 @@ afterEach(async () => {
   pages = [];
 });
 
-async function enter(options = {}) {
-  const page = await openPage(browser, desk.url, options);
+async function enter(options) {
+  const page = await logInAt(browser, desk, options);
   pages.push(page);
-  await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
-  await logIn(page);
-  await page.getByRole("button", { name: "Telas" }).waitFor();
   return page;
 }
 
@@ -40,16 +37,6 @@ async function openLedger(page) {
   await focusIs(page, "Incluir");
 }
 
-const valueOf = (page, name) => page.getByRole("textbox", { name, exact: true }).last().inputValue();
-const shows = (page, name, value) => until(`${name} = ${value}`, async () => (await valueOf(page, name)) === value);
-const described = (page, text) => until(text, () => page.evaluate((wanted) => [...document.querySelectorAll("input, output")].some((one) => one.value === wanted), text));
-// A message of the desk, closed with Enter.
-async function told(page, text) {
-  const box = page.getByRole("alertdialog");
-  await box.getByText(text).waitFor();
-  await keys(page, "Enter");
-  await box.waitFor({ state: "detached" });
-}
 async function find(page, document) {
   await keys(page, "Alt+c");
   await page.getByRole("dialog").waitFor();

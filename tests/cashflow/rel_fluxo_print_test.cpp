@@ -120,7 +120,12 @@ TEST_F(FluxoPrintedTest, ItemByItem) {
   EXPECT_EQ(Line(printed, "Total geral"), "3.500,10 300,00 695,05 150,00 1.254,55");
   for (const char* ordem : {"2", "3"})
     printed += std::string("##### Ordem ") + ordem + "\n" + Printed(desk, {{"rgOrdem", ordem}});
-  printed += "##### Sem lançamentos\n" + Printed(desk, {{"rgOrdem", "0"}}, "11/12/2026");
+  // Of what isn't programmed for an account only the issued cheque is left.
+  const std::string programmed = Printed(desk, {{"CbProgramacao", "true"}});
+  EXPECT_EQ(Line(programmed, "Total geral"), "0,00 0,00 0,00 150,00 -1.850,50");
+  printed += "##### Programação\n" + programmed;
+  printed +=
+      "##### Sem lançamentos\n" + Printed(desk, {{"CbProgramacao", "false"}, {"rgOrdem", "0"}}, "11/12/2026");
   ExpectFile(printed, ORV_FILES "WCCEstatistica.txt");
 }
 

@@ -26,6 +26,7 @@ TEST_F(ConciliaPrintTest, TheTickedAndTheWhole) {
   std::string printed = "##### Marcados\n" + Printed(desk, "BitBtn7");
   // The filter was for the print alone.
   EXPECT_EQ(Listed(desk), "000001 000002 000003 / E1 E2");
+  Page(desk, "TabSheet2");
   printed += "##### Tudo\n" + Printed(desk, "BitBtn11");
   ExpectFile(printed, ORV_FILES "conciliacao.txt");
 }
@@ -33,6 +34,7 @@ TEST_F(ConciliaPrintTest, TheTickedAndTheWhole) {
 TEST_F(ConciliaPrintTest, StatementLinesFound) {
   Desk desk(database_);
   desk.Open("TFmCadExtrato");
+  Page(desk, "TabSheet1");
   desk.Click("BitBtn5");
   std::string printed = "##### Todos\n" + Printed(desk, "BitBtn1");
   desk.Set("RgBusca", "Conciliados");

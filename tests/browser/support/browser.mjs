@@ -66,6 +66,40 @@ export async function until(what, check) {
 // The field, button or grid that has the browser's focus, by what a person reads on it.
 export const focusIs = (page, name) => until(`foco em ${name}`, () => page.evaluate((label) => document.activeElement?.getAttribute("aria-label") === label || document.activeElement?.labels?.[0]?.textContent === label || document.activeElement?.textContent === label, name));
 
+const valueOf = (page, name) => page.getByRole("textbox", { name, exact: true }).locator("visible=true").last().inputValue();
+// Waits until a field shows a text.
+export const shows = (page, name, value) => until(`${name} = ${value}`, async () => (await valueOf(page, name)) === value);
+// Waits until any field shows it.
+export const described = (page, text) => until(text, () => page.evaluate((wanted) => [...document.querySelectorAll("input, output")].some((one) => one.value === wanted), text));
+
+// A message of the desk, closed with Enter.
+export async function told(page, text) {
+  const box = page.getByRole("alertdialog");
+  await box.getByText(text).waitFor();
+  await keys(page, "Enter");
+  await box.waitFor({ state: "detached" });
+}
+
+// The grid of a name in sight, and the rows that it shows, cells joined by "|".
+export const grid = (page, name) => page.getByRole("grid", { name, exact: true }).locator("visible=true");
+export const rows = (page, name) => grid(page, name).evaluate((one) => [...one.querySelectorAll(".grid-row")].map((row) => [...row.children].map((cell) => cell.textContent).join("|")));
+export async function rowsAre(page, name, wanted) {
+  let there = [];
+  const same = async () => (there = await rows(page, name)).join(";") === wanted.join(";");
+  await until(`${name}: ${wanted.join(";")}`, same).catch((error) => {
+    throw new Error(`${error.message}, mas ${there.join(";")}`);
+  });
+}
+
+// Logs in at a desk.
+export async function enter(browser, desk, options = {}) {
+  const page = await openPage(browser, desk.url, options);
+  await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
+  await logIn(page);
+  await page.getByRole("button", { name: "Telas" }).waitFor();
+  return page;
+}
+
 // Where the page's pictures go, if anywhere.
 export async function picture(page, name) {
   const folder = process.env.ORV_PICTURES;
