@@ -148,8 +148,8 @@ void Growth(const std::filesystem::path& house) {
 int Run() {
   const Module module("orvCC");
   const auto house = WithOrders(House(260));
-  NinetyDays(house);
   Growth(house);
+  NinetyDays(house);
   return EXIT_SUCCESS;
 }
 

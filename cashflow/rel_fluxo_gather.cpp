@@ -183,13 +183,15 @@ std::string TfmRelFluxo::FiltroProgramacao() const {
 // --- Balances.
 
 void TfmRelFluxo::busca_Saldos() {
+  // A sum for each account reads its movements without sorting them.
   std::string sql =
-      "SELECT CONTACOR.CONTA, CADCONTA.EMPRESA, CONTACOR.OPERACAO, SUM(CONTACOR.VALOR) AS VALOR "
-      "FROM {CONTACOR} CONTACOR INNER JOIN {CADCONTA} CADCONTA ON CADCONTA.CONTA = CONTACOR.CONTA "
-      "WHERE CONTACOR.PENDENTE = 'N' AND CADCONTA.IMP_FLUXO = 'S' AND CONTACOR.DT_CONT <= " +
-      Funcoes.AspasData(dtSaldo.Date());
-  if (!EdtConta.Empty()) sql += " AND CONTACOR.CONTA = " + Funcoes.Aspas(EdtConta.Text());
-  sql += " GROUP BY CONTACOR.CONTA, CADCONTA.EMPRESA, CONTACOR.OPERACAO ";
+      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT SUM(COALESCE(CASE CONTACOR.OPERACAO WHEN '+' THEN "
+      "CONTACOR.VALOR ELSE -CONTACOR.VALOR END, 0)) FROM {CONTACOR} CONTACOR "
+      "WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = 'N' AND CONTACOR.DT_CONT <= " +
+      Funcoes.AspasData(dtSaldo.Date()) +
+      ") AS VALOR FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'";
+  if (!EdtConta.Empty()) sql += " AND CADCONTA.CONTA = " + Funcoes.Aspas(EdtConta.Text());
+  sql += " ";
 
   struct Conta {
     Value conta, empresa;
@@ -198,10 +200,10 @@ void TfmRelFluxo::busca_Saldos() {
   std::vector<Conta> contas;
   std::unordered_map<std::string, std::size_t> onde;
   for (auto& row : Tabela.IBDatabase().Rows(ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"))) {
+    if (row[2].IsNull()) continue;
     const auto [found, added] = onde.try_emplace(row[0].AsString(), contas.size());
     if (added) contas.push_back({row[0], row[1], Currency()});
-    const Currency valor = row[3].AsCurrency();
-    contas[found->second].valor += row[2].Text() == "+" ? valor : -valor;
+    contas[found->second].valor += row[2].AsCurrency();
   }
   for (const Conta& conta : contas) {
     Value linha[] = {"S",    conta.valor.ToDouble(), CutChars(conta.empresa.Text(), 30), conta.conta, Value(),

@@ -1,7 +1,9 @@
-// The ledger's screen on the desk itself: split, clearing, transfer and balances, by keyboard alone.
+// A clerk's day on the ledger, by keyboard alone: a movement with its split, a run of clearings, a transfer, the
+// balances.
 import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
 import { after, afterEach, before, test } from "node:test";
-import { described, findings, focusIs, keys, launch, logIn, openPage, openScreen, picture, shows, told, until } from "./support/browser.mjs";
+import { enter, findings, focusIs, keys, launch, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
 
 let browser;
@@ -9,8 +11,8 @@ let desk;
 let page;
 
 before(async () => {
-  [browser, desk] = await Promise.all([launch(), startRealDesk()]);
-  for (const number of ["30", "50"]) desk.run(["param", "set", "--company", "_001", "FIN", number, "S"]);
+  const prepare = (run) => ["30", "50"].forEach((number) => run(["param", "set", "FIN", number, "S"]));
+  [browser, desk] = await Promise.all([launch(), startRealDesk(prepare)]);
 });
 after(async () => {
   await browser?.close();
@@ -23,37 +25,152 @@ afterEach(async () => {
 });
 
 async function openLedger() {
-  page = await openPage(browser, desk.url);
-  await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
-  await logIn(page);
-  await page.getByRole("button", { name: "Telas" }).waitFor();
+  page = await enter(browser, desk);
   await openScreen(page, "corr", "Movimento de Contas Correntes");
   await focusIs(page, "Incluir");
 }
 
-// Looks at a screen as it stands.
-async function seen(name) {
-  await picture(page, name);
-  assert.deepEqual(await findings(page), []);
-}
+const type = (account, document, kind, history, amount, note) =>
+  keys(page, "Alt+i", account, "Tab", document, "Tab", "Tab", "Tab", "Tab", kind, "Tab", history, "Tab", "Tab", amount, "Tab", "Tab", note, "Tab");
 
-async function post(account, document, amount, classe, history) {
-  await keys(page, "Alt+i", account, "Tab", document, "Tab", "Tab", "Tab", "Tab", classe, "Tab", history, "Tab", "Tab", amount, "Tab", "Tab", "Teste", "Tab");
-}
-
-const cells = (label) => page.getByRole("grid", { name: label }).getByRole("gridcell").allInnerTexts();
-
-test("the split is proposed, completed, refused and stored", async () => {
+test("a movement with its split: proposed, completed in the grids, refused, stored", async () => {
   await openLedger();
-  await post("10250-1", "NF 30", "1000", "3103", "012");
+  // The class's own rules fill both grids.
+  await type("10250-1", "NF 900", "3103", "012", "100", "Luz");
   await focusIs(page, "Confirmar");
-  await described(page, "ENERGIA ELETRICA");
-  await until("two entries", async () => (await cells("Contabilidade")).join("|").includes("650,00"));
-  await seen("split");
-
-  // The second centre of the first entry is made too small: the sum is told.
-  await keys(page, "Shift+Tab");
-  await seen("split-focus");
+  await rowsAre(page, "Contabilidade", ["1.1.02.001|CONTA MOVIMENTO|4.1.03.001|ENERGIA ELETRICA|65,00", "1.1.02.001|CONTA MOVIMENTO|4.1.03.002|AGUA E TELEFONE|35,00"]);
+  await rowsAre(page, "Centro de Custo", ["0200|TECELAGEM|60,00|39,00", "0300|CONFECCAO|40,00|26,00"]);
+  await picture(page, "split-proposed");
+  // Another entry, other cost centres.
+  await keys(page, "Shift+Tab", "Shift+Tab", "ArrowDown");
+  await rowsAre(page, "Centro de Custo", ["0100|ADMINISTRACAO|100,00|35,00"]);
   await keys(page, "Alt+o");
-  await until("stored", async () => (await page.getByRole("button", { name: "Incluir" }).isVisible()));
+  await focusIs(page, "Incluir");
+
+  // A class without rules leaves them to the clerk.
+  await type("10250-1", "NF 901", "2102", "002", "1.100,50", "Papel");
+  await focusIs(page, "Confirmar");
+  await rowsAre(page, "Contabilidade", ["1.1.02.001|CONTA MOVIMENTO|||1.100,50"]);
+  await keys(page, "Shift+Tab", "Shift+Tab", "ArrowRight", "ArrowRight", "4.1.04.001", "Tab", "Alt+o");
+  await told(page, "Diferença no percentual de Rateio de Centro de Custo de 100.00%");
+  await focusIs(page, "Confirmar");
+  await keys(page, "Shift+Tab", "Insert", "F4");
+  await page.getByRole("dialog").waitFor();
+  await keys(page, "CONFEC");
+  await page.getByRole("dialog").getByText("1 linha").waitFor();
+  await picture(page, "split-lookup");
+  await keys(page, "Enter", "Tab", "Tab", "33,3", "Tab");
+  await rowsAre(page, "Centro de Custo", ["0300|CONFECCAO|33,30|366,47"]);
+  await keys(page, "ArrowDown", "Home", "0400", "Tab", "Tab", "Tab", "734,03", "Tab");
+  await rowsAre(page, "Centro de Custo", ["0300|CONFECCAO|33,30|366,47", "0400|LOJA|66,70|734,03"]);
+  await focusIs(page, "Confirmar");
+  await picture(page, "split-completed");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Alt+o");
+  await focusIs(page, "Incluir");
+
+  await keys(page, "Alt+c");
+  await page.getByRole("dialog").waitFor();
+  await keys(page, "NF 901");
+  await page.getByText("1 linha").waitFor();
+  await keys(page, "Enter");
+  await rowsAre(page, "Contabilidade", ["1.1.02.001|CONTA MOVIMENTO|4.1.04.001|DESPESAS GERAIS|1.100,50"]);
+  await rowsAre(page, "Centro de Custo", ["0300|CONFECCAO|33,30|366,47", "0400|LOJA|66,70|734,03"]);
+});
+
+test("cheques are cleared down the list, and one is taken back", async () => {
+  await openLedger();
+  // Cheques among the pending ones, of whatever account.
+  await keys(page, "Control+PageUp", "Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "End", "Alt+c");
+  await page.getByText(/^1 de \d+$/).waitFor();
+  const pending = await rows(page, "Acesso");
+  assert.ok(pending.length >= 4, `poucos cheques: ${pending.length}`);
+  const numbers = pending.map((row) => row.split("|")[0]);
+  await picture(page, "clearing-list");
+  const at = (number) => until(`em ${number}`, async () => (await page.locator(".grid-row.is-current").innerText()).startsWith(number));
+  const question = page.getByRole("dialog");
+  for (const number of numbers.slice(0, 3)) {
+    await at(number);
+    await keys(page, "Alt+m");
+    await question.getByText(/COMPENSAÇÃO DOCTO NR/).first().waitFor();
+    if (number === numbers[0]) {
+      await picture(page, "clearing-accounting");
+      assert.deepEqual(await findings(page), []);
+      // A refusal leaves it where it was.
+      await keys(page, "n");
+      await question.waitFor({ state: "detached" });
+      await at(number);
+      await keys(page, "Alt+m");
+      await question.waitFor();
+    }
+    await keys(page, "s");
+    await question.waitFor({ state: "detached" });
+  }
+  await at(numbers[3]);
+  assert.equal((await rows(page, "Acesso"))[0].split("|")[0], numbers[3]);
+
+  // Among the settled cheques stands the second, and goes back.
+  const of = (number) => keys(page, "Alt+c", "Shift+Tab", "Shift+Tab", "ArrowRight", "Shift+Tab", "Shift+Tab", "Shift+Tab", number, "Alt+c");
+  await of(numbers[1]);
+  const found = (pattern) => until(`${pattern}`, async () => pattern.test((await rows(page, "Acesso")).join(";")));
+  await found(new RegExp(`^${numbers[1]}\\|[^;]*\\|20/11/2026\\|-\\|[\\d.,]+\\|N\\|[^;]*$`));
+  await keys(page, "Alt+r");
+  await found(/^$/);
+  await keys(page, "Shift+Tab", "Shift+Tab", "ArrowLeft", "Alt+c");
+  await found(new RegExp(`^${numbers[1]}\\|[^;]*\\|20/11/2026\\|-\\|[\\d.,]+\\|S\\|[^;]*$`));
+  await picture(page, "clearing-taken-back");
+});
+
+test("a transfer posts both sides; a movement found in the inquiry comes to the form", async () => {
+  await openLedger();
+  await keys(page, "Alt+t");
+  const dialog = page.getByRole("dialog");
+  await dialog.waitFor();
+  await picture(page, "transfer");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "10250-1", "Tab", "33021-5", "Tab", "TRF 77", "Tab", "1.234,5", "Tab", "Tab", "Tab", "4101", "Tab", "006", "Tab", "4102", "Tab", "007", "Tab", "Tab");
+  await shows(page, "Observação", "Trf. cc - de 10250-1 para 33021-5");
+  await picture(page, "transfer-filled");
+  await keys(page, "Alt+c");
+  await page.getByText(/TRANSFERENCIA - SAIDA/).first().waitFor();
+  await picture(page, "transfer-accounting");
+  await keys(page, "s");
+  await dialog.waitFor({ state: "detached" });
+
+  await keys(page, "Control+PageUp", "Tab", "Tab", "Tab", "Tab", "TRF 77", "Tab", "Tab", "Home", "Alt+c");
+  await page.getByText("1 de 2").waitFor();
+  assert.deepEqual((await rows(page, "Acesso")).map((row) => row.split("|").slice(1, 9).join("|")), [
+    "TRF 77|901|10250-1|20/11/2026|20/11/2026|20/11/2026|-|1.234,50",
+    "TRF 77|903|33021-5|20/11/2026|20/11/2026|20/11/2026|+|1.234,50",
+  ]);
+  for (let presses = 0; presses < 10; ++presses) await keys(page, "Tab");
+  await until("grade", () => page.evaluate(() => document.activeElement?.getAttribute("role") === "grid"));
+  await keys(page, "ArrowDown", "Enter");
+  await shows(page, "Conta", "33021-5");
+  await shows(page, "Documento", "TRF 77");
+  await picture(page, "inquiry-loaded");
+});
+
+test("the balances are read beside the screen, printed and taken away", async () => {
+  await openLedger();
+  await keys(page, "Alt+s");
+  const pane = page.getByRole("dialog", { name: "Saldos das Contas Correntes" });
+  const view = page.frameLocator(".report-frame");
+  await view.getByText("CONTA MOVIMENTO").waitFor();
+  await focusIs(page, "Imprimir");
+  await picture(page, "balances");
+  assert.deepEqual(await findings(page), []);
+  await page.evaluate(() => (document.querySelector(".report-frame").contentWindow.print = () => (window.printed = true)));
+  await keys(page, "Enter");
+  await until("impresso", () => page.evaluate(() => window.printed === true));
+  for (const [key, name, begins] of [["p", "WCCSaldoConta.pdf", "%PDF-"], ["c", "WCCSaldoConta.csv", "\ufeff"], ["e", "WCCSaldoConta.xlsx", "PK"]]) {
+    const download = page.waitForEvent("download");
+    await keys(page, `Alt+${key}`);
+    const file = await download;
+    assert.equal(file.suggestedFilename(), name);
+    assert.ok(readFileSync(await file.path(), key === "c" ? "utf8" : "latin1").startsWith(begins), name);
+  }
+  await keys(page, "Escape");
+  await pane.waitFor({ state: "detached" });
+  await focusIs(page, "Saldos");
 });

@@ -2,11 +2,14 @@
 
 #include <cmath>
 #include <cstdint>
+#include <thread>
+#include <vector>
 
 #include "toolkit/currency.h"
 #include "toolkit/database.h"
 #include "toolkit/date.h"
 #include "toolkit/error.h"
+#include "toolkit/shared_texts.h"
 #include "toolkit/text.h"
 #include "toolkit/value.h"
 
@@ -149,6 +152,39 @@ TEST(TextTest, CountsCutsAndFoldsByCharacters) {
             "b");
   EXPECT_EQ(Quote("d'água"), "'d''água'");
   EXPECT_EQ(Split("a;;b", ";"), (std::vector<std::string>{"a", "", "b"}));
+}
+
+TEST(ValueTest, CopiesOfALongTextOutliveAndIgnoreEachOther) {
+  const std::string text = "um histórico que não cabe no próprio valor";
+  Value first(text);
+  Value second = first;
+  Value& same = second;
+  second = same;
+  first = "outro histórico, também mais comprido";
+  EXPECT_EQ(second.Text(), text);
+  Value third = second;
+  second = Value();
+  EXPECT_EQ(third.Text(), text);
+  // Copies come and go in several threads.
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([third] {
+      for (int n = 0; n < 10000; ++n) {
+        const Value mine = third;
+        const Value other = mine;
+      }
+    });
+  }
+  third = 1;
+  for (std::thread& thread : threads) thread.join();
+
+  SharedTexts names;
+  Value a(text), b(text), none, number(3);
+  for (Value* value : {&a, &b, &a, &none, &number}) names.Share(*value);
+  EXPECT_EQ(a.Text().data(), b.Text().data());
+  EXPECT_EQ(b.Text(), text);
+  EXPECT_TRUE(none.IsNull());
+  EXPECT_EQ(number.AsInteger(), 3);
 }
 
 }  // namespace
