@@ -191,7 +191,6 @@ void TfmRelFluxo::busca_Saldos() {
       Funcoes.AspasData(dtSaldo.Date()) +
       ") AS VALOR FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'";
   if (!EdtConta.Empty()) sql += " AND CADCONTA.CONTA = " + Funcoes.Aspas(EdtConta.Text());
-  sql += " ";
 
   struct Conta {
     Value conta, empresa;

@@ -66,6 +66,7 @@ bool TfmChequePre::LancaFluxo(const std::string& lancamento, const std::string& 
   };
   fluxo.ShowModal();
   fluxo.AoGravar = nullptr;
+  fluxo.Release();
   if (fluxo.Tag != 0) return false;
   // The dialog's tag is its whole answer: closed by its frame it counts as done.
   if (!fluxo.Gravado) grava();

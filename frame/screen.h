@@ -49,6 +49,8 @@ class Screen : public Form {
   Application& Owner() const { return application_; }
   // A screen that is freed on close; a dialog may only hide.
   bool FreeOnClose() const { return free_on_close_; }
+  // Of a dialog that hides when it is closed: its caller has read it, and it is freed after the action.
+  void Release() { free_on_close_ = true; }
 
  protected:
   IFuncoes& Funcoes;

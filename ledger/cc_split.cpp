@@ -64,17 +64,14 @@ void TfmCC::PartidaContabil() {
 }
 
 std::string TfmCC::ContaDoBanco() {
-  // The row of any class, where the class's own doesn't take over. Several can differ by history; that of
-  // any history goes before.
-  const auto busca = [this](const std::string& classe) {
-    return Tabela.IBDatabase()
-        .Scalar("SELECT CONTA_CONT FROM " + Funcoes.DBLocal("CLASSE_CONTA", true) + " WHERE " +
-                Igual("CONTA", EdtConta.Text()) + " AND " + Igual("CLASSE", classe) +
-                " AND CARTEIRA = '0' ORDER BY CASE WHEN HISTORICO = '0' THEN 0 ELSE 1 END")
-        .AsString();
-  };
-  const std::string conta = busca(EdtTipo.Text());
-  return conta.empty() ? busca("0") : conta;
+  // The class's own row takes over from that of any class. Several can differ by history; that of any history
+  // goes before.
+  return Tabela.IBDatabase()
+      .Scalar("SELECT FIRST 1 CONTA_CONT FROM " + Funcoes.DBLocal("CLASSE_CONTA", true) + " WHERE " +
+              Igual("CONTA", EdtConta.Text()) + " AND (" + Igual("CLASSE", EdtTipo.Text()) +
+              " OR CLASSE = '0') AND CARTEIRA = '0' ORDER BY CASE WHEN CLASSE = '0' THEN 1 ELSE 0 END, "
+              "CASE WHEN HISTORICO = '0' THEN 0 ELSE 1 END")
+      .AsString();
 }
 
 void TfmCC::IncluiPartida(const std::string& banco, const std::string& conta, Currency valor) {

@@ -225,6 +225,7 @@ void TFmConcilia::BitBtn5Click() {
   auto& fluxo = static_cast<TFmCCLancFluxo&>(Owner().Adopt(std::make_unique<TFmCCLancFluxo>(Owner())));
   fluxo.EdtConta.SetText(EdtConta.Text());
   fluxo.ShowModal();
+  fluxo.Release();
   BitBtn1Click();
 }
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "host/schema/demo.h"
@@ -76,18 +77,25 @@ const std::vector<Json>& Desk::Do(Json in) {
 }
 
 std::string Printed(Desk& desk, std::string_view button) {
-  Json id;
+  Json id, format = "txt";
   for (const Json& out : desk.Click(button)) {
-    if (out["on"] == Json("report")) id = out["id"];
+    if (out["on"] != Json("report")) continue;
+    id = out["id"];
+    const auto& formats = out["formats"].Items();
+    if (std::find(formats.begin(), formats.end(), format) == formats.end()) format = "html";
   }
   EXPECT_EQ(desk.Messages(), "");
   std::string text;
-  for (const Json& out : desk.Do({{"do", "report"}, {"id", id}, {"format", "txt"}})) {
+  for (const Json& out : desk.Do({{"do", "report"}, {"id", id}, {"format", format}})) {
     if (!out.Has("file")) continue;
     std::ifstream in(out["file"].String(), std::ios::binary);
     text.assign(std::istreambuf_iterator<char>(in), {});
   }
-  return text.substr(text.find('\n') + 1);
+  if (format == Json("txt")) return text.substr(text.find('\n') + 1);
+  const std::size_t title = text.find("<h1>"), right = text.find("<div class=\"right\">"),
+                    body = text.find("</header>");
+  EXPECT_NE(body, std::string::npos);
+  return text.substr(title, right - title) + "\n" + text.substr(body);
 }
 
 void ExpectFile(const std::string& made, const std::filesystem::path& file) {

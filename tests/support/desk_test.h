@@ -82,7 +82,7 @@ class Desk {
   std::vector<Json> latest_;
 };
 
-// The report that a button prints, as text without the line that tells the hour.
+// The report that a button prints, as text, or as a page where it has no text, without what tells the hour.
 std::string Printed(Desk& desk, std::string_view button);
 
 // Compares with a file of a test's folder. What was made instead stands beside the program, under its name.
