@@ -58,15 +58,13 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
       OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false) {
   Layout(R"(
     GbConta { EdtConta PqConta EdtEmp / dtSaldo CbSaldo EdtSaldo }
-    GbPeriodo { EdtDataDe edtDataAte }
-    RgTipo rgOrdem /
+    GbOpcoes { CbEmp CbCheque CbOrcPagar CbOrcReceber / CbVenCom CBCond CbContBanc CbProgramacao } /
     GbSituacao { EdtSit PqSituacaoRP SpeedButton1 }
     GbDesconsiderar {
       EdtSitDesc PqSituacaoRec SpeedButton2 EdtSitDescPag PqSituacaoPag SpeedButton3
     }
     GbBancos { edtBanco pqBanco SpeedButton4 } /
-    GbOpcoes { CbEmp CbCheque CbOrcPagar CbOrcReceber CbVenCom CBCond CbContBanc CbProgramacao }
-    BitBtn29 BitBtn33 BitBtn5 /
+    RgTipo rgOrdem BitBtn29 BitBtn33 BitBtn5 EdtDataDe edtDataAte /
     DBGrid1 / OrvDBGrid1
   )");
   AddSet(TbRelatorio);

@@ -35,18 +35,18 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo Inicial"};
 
   GroupBox GbSituacao{*this, "GbSituacao", "Situação"};
-  Edit EdtSit{*this, "EdtSit", "Receber/Pagar", 500};
+  Edit EdtSit{*this, "EdtSit", "Receber/Pagar"};
   TPesquisa PqSituacaoRP{*this, "PqSituacaoRP", Situacoes()};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Limpar"};
   GroupBox GbDesconsiderar{*this, "GbDesconsiderar", "Desconsiderar"};
-  Edit EdtSitDesc{*this, "EdtSitDesc", "Receber", 500};
+  Edit EdtSitDesc{*this, "EdtSitDesc", "Receber"};
   TPesquisa PqSituacaoRec{*this, "PqSituacaoRec", Situacoes()};
   SmallButton SpeedButton2{*this, "SpeedButton2", "Limpar"};
-  Edit EdtSitDescPag{*this, "EdtSitDescPag", "Pagar", 500};
+  Edit EdtSitDescPag{*this, "EdtSitDescPag", "Pagar"};
   TPesquisa PqSituacaoPag{*this, "PqSituacaoPag", Situacoes()};
   SmallButton SpeedButton3{*this, "SpeedButton3", "Limpar"};
   GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
-  Edit edtBanco{*this, "edtBanco", "Bancos", 500};
+  Edit edtBanco{*this, "edtBanco", "Bancos"};
   TPesquisa pqBanco{*this, "pqBanco",
                     Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
   SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
@@ -66,7 +66,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   Button BitBtn29{*this, "BitBtn29", "Consultar"};
   Button BitBtn33{*this, "BitBtn33", "Imprimir"};
   Button BitBtn5{*this, "BitBtn5", "Fechar"};
-  GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
   DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
   DateEdit edtDataAte{*this, "edtDataAte", "Até"};
 
