@@ -58,10 +58,6 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
   BitBtn2.OnClick = [this] { BitBtn2Click(); };
 }
 
-TFmCCLancFluxo::~TFmCCLancFluxo() {
-  if (FmCCLancFluxo == this) FmCCLancFluxo = nullptr;
-}
-
 void TFmCCLancFluxo::EdtTipoChange() {
   const std::string operacao =
       Funcoes.Busca_Valor("SUBGRUPO", "CODIGO", "OPERACAO", Funcoes.Aspas(EdtTipo.Text()), true, true);

@@ -15,7 +15,6 @@ namespace orv {
 class ORV_EXPORT TFmCCLancFluxo : public Dialog {
  public:
   explicit TFmCCLancFluxo(Application& application);
-  ~TFmCCLancFluxo() override;
 
   // The movement's number; empty draws a new one at the confirmation. Under the number of a movement on
   // another account, that one is undone there.

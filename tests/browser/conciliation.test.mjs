@@ -1,8 +1,24 @@
-// A bank's file taken in and tied to the ledger, a cheque taken in: by keyboard alone.
+// A bank's file taken in and tied to the ledger, by keyboard alone but for the choice of the file.
 import assert from "node:assert/strict";
 import { after, afterEach, before, test } from "node:test";
-import { enter, findings, focusIs, keys, launch, openScreen, picture, rows, shows, told, until } from "./support/browser.mjs";
+import { enter, findings, focusIs, keys, launch, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
+
+const kOfx = `OFXHEADER:100
+DATA:OFXSGML
+<OFX><SIGNONMSGSRSV1><SONRS><DTSERVER>20261120080000[-3:BRT]</SONRS></SIGNONMSGSRSV1>
+<BANKMSGSRSV1><STMTTRNRS><STMTRS><BANKACCTFROM><BANKID>0903<ACCTID>330215</BANKACCTFROM>
+<BANKTRANLIST>
+<STMTTRN>
+<TRNTYPE>CREDIT
+<DTPOSTED>20261120
+<TRNAMT>1234.56
+<FITID>N777
+<CHECKNUM>000777
+<MEMO>DEPÓSITO
+</STMTTRN>
+</BANKTRANLIST></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>
+`;
 
 let browser;
 let desk;
@@ -21,13 +37,51 @@ afterEach(async () => {
   await page.context().close();
 });
 
-test("x", async () => {
+test("a file is loaded, looked over, confirmed, and its line tied to a movement and untied", async () => {
   page = await enter(browser, desk);
-  for (const [letters, caption] of [["extrato b", /Extrato Bancário/], ["concil", /Concilia/], ["estat", /Estat/], ["relatório de lan", /Lançamentos/]]) {
-    await openScreen(page, letters, caption);
-    await page.waitForTimeout(600);
-    await picture(page, `x-${letters.slice(0, 5)}`);
-    for (const n of [2, 3]) { await keys(page, "Control+PageDown"); await page.waitForTimeout(400); await picture(page, `x-${letters.slice(0, 5)}-${n}`); }
-    console.log(letters, await page.evaluate(() => document.activeElement.outerHTML.slice(0, 150)));
-  }
+  await openScreen(page, "corr", "Movimento de Contas Correntes");
+  await focusIs(page, "Incluir");
+  await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "Tab", "Tab", "Tab", "1202", "Tab", "020", "Tab", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab", "Depósito");
+  await shows(page, "Observação", "Depósito");
+  await keys(page, "Alt+o");
+  await focusIs(page, "Incluir");
+
+  await openScreen(page, "extrato b", "Cadastro de Extrato Bancário");
+  await keys(page, "Control+PageDown", "Control+PageDown");
+  await focusIs(page, "Pasta");
+  const choosing = page.waitForEvent("filechooser");
+  await keys(page, "Alt+p");
+  await page.getByRole("dialog").waitFor();
+  await picture(page, "statement-file");
+  await keys(page, "Enter");
+  await (await choosing).setFiles({ name: "banco.ofx", mimeType: "application/x-ofx", buffer: Buffer.from(kOfx) });
+  await shows(page, "Arquivo", "banco.ofx");
+  await focusIs(page, "Procurar...");
+  await keys(page, "Tab", "Tab", "Tab", "33021-5", "Alt+r");
+  await told(page, "Arquivo carregado com sucesso.");
+  await page.getByText("1 linha carregada.").waitFor();
+  await rowsAre(page, "Importação", ["000777|20/11/2026|1.234,56|C|DEPÓSITO"]);
+  await picture(page, "statement-review");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Alt+c");
+  await told(page, "Arquivo importado com sucesso.");
+  await rowsAre(page, "Importação", []);
+
+  await openScreen(page, "concil", "Conciliação");
+  await keys(page, "33021-5", "Tab", "000777", "Alt+c");
+  await until("movimento e linha", async () => (await rows(page, "Movimento")).length === 1 && (await rows(page, "Extrato")).length === 1);
+  await focusIs(page, "Consultar");
+  await keys(page, "Tab", "Tab", "Tab");
+  await focusIs(page, "Movimento");
+  await keys(page, " ");
+  await shows(page, "Diferença", "1.234,56");
+  await keys(page, "End", "Tab");
+  await focusIs(page, "Extrato");
+  await keys(page, " ");
+  await shows(page, "Diferença", "0,00");
+  await picture(page, "workbench-ticked");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Alt+c");
+  await rowsAre(page, "Movimento", []);
+  await rowsAre(page, "Extrato", []);
 });

@@ -46,13 +46,13 @@ async function startLink(port) {
   return link;
 }
 
-// `prepare` gets the program on the database before it is served.
-export async function startRealDesk(prepare = () => {}) {
+// `prepare` gets the program on the database before it is served; a `scale` has some 4,000 movements.
+export async function startRealDesk(prepare = () => {}, scale = 1) {
   assert.ok(kProgram, "o programa orvcc não está construído");
   const folder = mkdtempSync(join(tmpdir(), "orvcc-"));
   const database = join(folder, "demo.fdb");
   const run = (args, input = "") => execFileSync(kProgram, [...args, "--database", database], { input, encoding: "utf8" });
-  run(["init", "--demo"]);
+  run(["init", "--demo", "--scale", String(scale)]);
   run(["user", "add", "ana", "--admin"], "cafe com acucar\n");
   run(["user", "add", "leo"], "pao de queijo 7\n");
   run(["user", "grant", "leo", "TfmCC", "E"]);

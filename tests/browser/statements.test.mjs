@@ -1,0 +1,79 @@
+// The reports over many movements, by keyboard alone: gathered, cancelled, ordered, followed to the source, printed.
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { after, afterEach, before, test } from "node:test";
+import { enter, findings, focusIs, grid, keys, launch, openScreen, picture, rows, until } from "./support/browser.mjs";
+import { startRealDesk } from "./support/real_desk.mjs";
+
+let browser;
+let desk;
+let page;
+
+before(async () => {
+  // Enough movements that a gathering takes its time.
+  [browser, desk] = await Promise.all([launch(), startRealDesk(undefined, 8)]);
+});
+after(async () => {
+  await browser?.close();
+  await desk?.stop();
+  desk?.remove();
+});
+afterEach(async () => {
+  assert.deepEqual(page.faults, []);
+  await page.context().close();
+});
+
+const count = async (name) => Number(await grid(page, name).getAttribute("aria-rowcount")) - 1;
+const gathered = (name) => until(name, async () => (await count(name)) > 0);
+
+// Opens the report that stands printed, takes the PDF away and closes it.
+async function readReport(title, name) {
+  const pane = page.getByRole("dialog", { name: title });
+  await pane.waitFor();
+  await page.frameLocator(".report-frame").getByRole("heading", { name: title }).waitFor();
+  await focusIs(page, "Imprimir");
+  await picture(page, `report-${name}`);
+  assert.deepEqual(await findings(page), []);
+  const download = page.waitForEvent("download");
+  await keys(page, "Alt+p");
+  const file = await download;
+  assert.equal(file.suggestedFilename(), `${name}.pdf`);
+  const bytes = readFileSync(await file.path(), "latin1");
+  assert.ok(bytes.startsWith("%PDF-") && bytes.trimEnd().endsWith("%%EOF"));
+  assert.ok(bytes.match(/\/Type \/Page\b/g).length >= 1);
+  await keys(page, "Escape");
+  await pane.waitFor({ state: "detached" });
+}
+
+test("the account statement is gathered, cancelled, followed to its source and printed", async () => {
+  page = await enter(browser, desk);
+  await openScreen(page, "lançamentos", "Relatório de Lançamentos");
+  await keys(page, "10250-1", "Tab", "Alt+c");
+  await gathered("Lançamentos");
+  const whole = await count("Lançamentos");
+  await picture(page, "statement");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Alt+c");
+  const progress = page.getByRole("dialog");
+  await progress.getByRole("button", { name: "Cancelar" }).waitFor();
+  await picture(page, "statement-progress");
+  await keys(page, "Escape");
+  await progress.waitFor({ state: "detached" });
+  await until("vazia", async () => (await count("Lançamentos")) === 0);
+  await picture(page, "statement-cancelled");
+  // It works as before.
+  await keys(page, "Alt+c");
+  await until("de novo", async () => (await count("Lançamentos")) === whole);
+  await focusIs(page, "Consultar");
+  await keys(page, "Alt+i");
+  await readReport("Relatório de Lançamentos", "WccFluxo");
+});
+
+test("the cash-flow statement is gathered, ordered, followed to its source and printed", async () => {
+  page = await enter(browser, desk);
+  await openScreen(page, "estat", "Relatóro de Estatística de Caixa");
+  await picture(page, "cashflow-empty");
+  await keys(page, "Alt+c");
+  await until("linhas", async () => (await count("Relatóro de Estatística de Caixa").catch(() => 0)) > 0);
+  await picture(page, "cashflow");
+});
