@@ -54,18 +54,20 @@ std::vector<GridColumn> ColunasSaldo() {
 
 TfmRelFluxo::TfmRelFluxo(Application& application)
     : ReportScreen(application, "TfmRelFluxo", "fmRelFluxo", "Relatóro de Estatística de Caixa"),
-      DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio()),
-      OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false) {
+      DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio(), true, "Lançamentos"),
+      OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false, "Saldos das contas") {
   Layout(R"(
     GbConta { EdtConta PqConta EdtEmp / dtSaldo CbSaldo EdtSaldo }
-    GbOpcoes { CbEmp CbCheque CbOrcPagar CbOrcReceber / CbVenCom CBCond CbContBanc CbProgramacao } /
+    GbOpcoes {
+      CbEmp CbCheque CbVenCom / CbOrcPagar CbOrcReceber CBCond / CbContBanc CbProgramacao
+    }
+    GbBancos { edtBanco pqBanco SpeedButton4 } /
     GbSituacao { EdtSit PqSituacaoRP SpeedButton1 }
     GbDesconsiderar {
       EdtSitDesc PqSituacaoRec SpeedButton2 EdtSitDescPag PqSituacaoPag SpeedButton3
-    }
-    GbBancos { edtBanco pqBanco SpeedButton4 } /
+    } /
     RgTipo rgOrdem BitBtn29 BitBtn33 BitBtn5 EdtDataDe edtDataAte /
-    DBGrid1 / OrvDBGrid1
+    DBGrid1 OrvDBGrid1
   )");
   AddSet(TbRelatorio);
   AddSet(TbSaldo);

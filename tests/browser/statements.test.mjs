@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { after, afterEach, before, test } from "node:test";
-import { enter, findings, focusIs, grid, keys, launch, openScreen, picture, rows, until } from "./support/browser.mjs";
+import { enter, findings, focusIs, grid, keys, launch, openScreen, picture, rows, told, until } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
 
 let browser;
@@ -60,11 +60,10 @@ test("the account statement is gathered, cancelled, followed to its source and p
   await keys(page, "Escape");
   await progress.waitFor({ state: "detached" });
   await until("vazia", async () => (await count("Lançamentos")) === 0);
-  await picture(page, "statement-cancelled");
+  await told(page, "Operação cancelada.");
   // It works as before.
   await keys(page, "Alt+c");
   await until("de novo", async () => (await count("Lançamentos")) === whole);
-  await focusIs(page, "Consultar");
   await keys(page, "Alt+i");
   await readReport("Relatório de Lançamentos", "WccFluxo");
 });
@@ -72,8 +71,23 @@ test("the account statement is gathered, cancelled, followed to its source and p
 test("the cash-flow statement is gathered, ordered, followed to its source and printed", async () => {
   page = await enter(browser, desk);
   await openScreen(page, "estat", "Relatóro de Estatística de Caixa");
-  await picture(page, "cashflow-empty");
   await keys(page, "Alt+c");
-  await until("linhas", async () => (await count("Relatóro de Estatística de Caixa").catch(() => 0)) > 0);
+  await gathered("Saldos das contas");
+  await gathered("Lançamentos");
+  const first = (await rows(page, "Lançamentos"))[0].split("|")[0];
   await picture(page, "cashflow");
+  assert.deepEqual(await findings(page), []);
+  // From a figure to where it comes from.
+  for (let presses = 0; presses < 5; ++presses) await keys(page, "Tab");
+  await focusIs(page, "Lançamentos");
+  await keys(page, "Enter");
+  const detail = page.getByRole("dialog");
+  await detail.getByText(/^Título/).first().waitFor();
+  await picture(page, "cashflow-source");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Escape");
+  await detail.waitFor({ state: "detached" });
+  assert.match(first, /^\d\d\/\d\d\/\d{4}$/);
+  await keys(page, "Alt+r");
+  await readReport("Relatório de Estatística de Caixa", "WCCEstatistica");
 });
