@@ -1,5 +1,6 @@
 // The page "Manutenção": a movement is shown, made, changed, deleted, confirmed.
 #include "ledger/cc.h"
+#include "toolkit/text.h"
 
 namespace orv {
 namespace {
@@ -22,6 +23,10 @@ constexpr const char* kDataContabil = "A Data de Contabilização deve ser maior
 constexpr const char* kAlterado =
     "Outro usuário alterou este registro depois que ele foi carregado. Nada foi gravado. Cancele e "
     "consulte-o novamente.";
+
+// Behind what the database says when the entries were committed already.
+constexpr const char* kSoPartidas =
+    " As partidas contábeis ficaram gravadas, o lançamento não: confirme-o de novo.";
 
 enum Situacao { kPendente = 0, kBaixado = 1, kConciliado = 2 };
 
@@ -110,11 +115,17 @@ void TfmCC::SpeedButton2Click() {
     Contabil.DeletaContabilidadeFinan(EdtLancto.Text());
     GravaContabilidade();
   }
-  GravaLancamento();
-  Funcoes.GeraLog(
-      "CONTACOR",
-      "INC. ALT. DOCTO: " + EdtNumDoc.Text() + " LANCTO: " + EdtLancto.Text() + " VALOR: " + EdtValor.Text(),
-      TOperacaoLog::Inclusao, EdtNumDoc.Text());
+  try {
+    GravaLancamento();
+    Funcoes.GeraLog("CONTACOR",
+                    "INC. ALT. DOCTO: " + EdtNumDoc.Text() + " LANCTO: " + EdtLancto.Text() +
+                        " VALOR: " + EdtValor.Text(),
+                    TOperacaoLog::Inclusao, EdtNumDoc.Text());
+  } catch (const DatabaseError& e) {
+    if (!fin30_) throw;
+    throw DatabaseError(e.Why(), e.Code(), ReplaceAll(e.what(), " Nada foi gravado.", "") + kSoPartidas,
+                        e.Detail());
+  }
   ModoEdicao(false);
   LimpaTela();
   Tabela.CommitRetaining();

@@ -62,6 +62,53 @@ TEST_F(CcTest, AFailedActionLeavesNothing) {
   EXPECT_NE(log.str().find("E_PARADA"), std::string::npos);
 }
 
+// With entries checked, those are committed before the movement: whatever row fails, they are there whole or
+// not at all, the movement isn't, and the second try stores each once.
+TEST_F(CcTest, OnlyTheEntriesOutliveAFailure) {
+  Fin({30, 50});
+  Ddl("CREATE SEQUENCE G_PARADA");
+  Ddl("CREATE TABLE PARADA (ALVO BIGINT)");
+  Ddl("CREATE EXCEPTION E_PARADA 'stop here'");
+  for (const char* table : {"CONTACOR_001", "CONTABIL_001", "CENTRO_RATEIO_001", "AUDITORIA"}) {
+    Ddl("CREATE TRIGGER T_" + std::string(table) + " FOR " + table +
+        " AFTER INSERT OR UPDATE OR DELETE AS BEGIN IF (GEN_ID(G_PARADA, 1) = (SELECT ALVO FROM PARADA)) "
+        "THEN EXCEPTION E_PARADA; END");
+  }
+  Run("INSERT INTO PARADA (ALVO) VALUES (-1)");
+  Desk desk(database_);
+  desk.Open("TfmCC");
+  const char* const entries = "1.1.02.001|4.1.03.001|65.0000;1.1.02.001|4.1.03.002|35.0000";
+  int failures = 0, outlived = 0;
+  for (bool whole = false; !whole && failures < 20;) {
+    const std::string numero = New(desk, {{"EdtTipo", "3103"}, {"EdtHis", "012"}});
+    Run("UPDATE PARADA SET ALVO = GEN_ID(G_PARADA, 0) + 1 + " + std::to_string(failures));
+    const std::string said = Confirm(desk);
+    whole = said.empty();
+    if (!whole) {
+      ++failures;
+      EXPECT_EQ(Movement(numero), "") << failures;
+      const std::string left = Entries(numero);
+      EXPECT_EQ(said, left.empty()
+                          ? "error: O banco de dados recusou a operação. Nada foi gravado. Avise o "
+                            "suporte."
+                          : "error: O banco de dados recusou a operação. Avise o suporte. As partidas "
+                            "contábeis ficaram gravadas, o lançamento não: confirme-o de novo.");
+      EXPECT_TRUE(left.empty() || left == entries) << left;
+      EXPECT_EQ(Split(Shares(numero), ";").size(), left.empty() ? 1U : 3U) << Shares(numero);
+      outlived += left == entries;
+      EXPECT_TRUE(desk.Property("Panel5", "visible").Bool());
+      Run("UPDATE PARADA SET ALVO = -1");
+      EXPECT_EQ(Confirm(desk), "");
+    }
+    EXPECT_NE(Movement(numero), "");
+    EXPECT_EQ(Entries(numero), entries);
+    EXPECT_EQ(Split(Shares(numero), ";").size(), 3U);
+  }
+  EXPECT_GT(failures, outlived);
+  EXPECT_GT(outlived, 0);
+  EXPECT_LT(failures, 20);
+}
+
 TEST_F(CcTest, AMissingTableHurtsOnlyWhatNeedsIt) {
   Desk desk(database_);
   desk.Open("TfmCC");
