@@ -73,6 +73,7 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   AddSet(TbSaldo);
   AbreTabelas({"TbCadConta", "TbSituacao"});
   dtSaldo.SetDate(Today());
+  Cria_Tabela();
   Period(EdtDataDe, edtDataAte);
   EdtSaldo.SetVisible(false);
 

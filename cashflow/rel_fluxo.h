@@ -34,6 +34,22 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   CheckBox CbSaldo{*this, "CbSaldo", "Digitar Saldo"};
   MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo Inicial"};
 
+  GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
+  CheckBox CbEmp{*this, "CbEmp", "Todas Empresas"};
+  CheckBox CbCheque{*this, "CbCheque", "Buscar Cheques"};
+  CheckBox CbVenCom{*this, "CbVenCom", "Vendas/Compras"};
+  CheckBox CbOrcPagar{*this, "CbOrcPagar", "Orçamentos a Pagar"};
+  CheckBox CbOrcReceber{*this, "CbOrcReceber", "Orçamentos a Receber"};
+  CheckBox CBCond{*this, "CBCond", "Condições Pedido"};
+  CheckBox CbContBanc{*this, "CbContBanc", "Float Bancário"};
+  CheckBox CbProgramacao{*this, "CbProgramacao", "Programação Conta"};
+
+  GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
+  Edit edtBanco{*this, "edtBanco", "Bancos"};
+  TPesquisa pqBanco{*this, "pqBanco",
+                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
+
   GroupBox GbSituacao{*this, "GbSituacao", "Situação"};
   Edit EdtSit{*this, "EdtSit", "Receber/Pagar"};
   TPesquisa PqSituacaoRP{*this, "PqSituacaoRP", Situacoes()};
@@ -45,21 +61,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   Edit EdtSitDescPag{*this, "EdtSitDescPag", "Pagar"};
   TPesquisa PqSituacaoPag{*this, "PqSituacaoPag", Situacoes()};
   SmallButton SpeedButton3{*this, "SpeedButton3", "Limpar"};
-  GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
-  Edit edtBanco{*this, "edtBanco", "Bancos"};
-  TPesquisa pqBanco{*this, "pqBanco",
-                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
-  SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
-
-  GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
-  CheckBox CbEmp{*this, "CbEmp", "Todas Empresas"};
-  CheckBox CbCheque{*this, "CbCheque", "Buscar Cheques"};
-  CheckBox CbOrcPagar{*this, "CbOrcPagar", "Orçamentos a Pagar"};
-  CheckBox CbOrcReceber{*this, "CbOrcReceber", "Orçamentos a Receber"};
-  CheckBox CbVenCom{*this, "CbVenCom", "Vendas/Compras"};
-  CheckBox CBCond{*this, "CBCond", "Condições Pedido"};
-  CheckBox CbContBanc{*this, "CbContBanc", "Float Bancário"};
-  CheckBox CbProgramacao{*this, "CbProgramacao", "Programação Conta"};
 
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Geral", "Resumido"}, 0};
   RadioGroup rgOrdem{*this, "rgOrdem", "Ordem", {"Data Lançamento", "Classe", "Entidade", "Número"}, 0};
