@@ -77,6 +77,14 @@ test("the cash-flow statement is gathered, ordered, followed to its source and p
   const first = (await rows(page, "Lançamentos"))[0].split("|")[0];
   await picture(page, "cashflow");
   assert.deepEqual(await findings(page), []);
+  // In another order.
+  const byDay = (await rows(page, "Lançamentos")).join(";");
+  await keys(page, "Shift+Tab", "End", "Alt+c");
+  await until("pela ordem dos números", async () => {
+    const now = await rows(page, "Lançamentos");
+    const numbers = now.map((row) => row.split("|")[1]);
+    return now.join(";") !== byDay && numbers.length > 1 && !numbers.includes("") && numbers.join() === [...numbers].sort().join();
+  });
   // From a figure to where it comes from.
   for (let presses = 0; presses < 5; ++presses) await keys(page, "Tab");
   await focusIs(page, "Lançamentos");

@@ -244,6 +244,8 @@ export class GridView {
   }
 
   private scrolled(): void {
+    // What the bar did before a key moved the rows is told late, and is past.
+    if (this.bar !== this.barAt && this.frame !== 0) return;
     const now = this.scroller.scrollTop;
     if (!this.scroll.scrolled(now)) return;
     this.bar = this.barAt = now;
