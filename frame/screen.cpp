@@ -77,10 +77,11 @@ void Screen::LookupExit(const LookupTrio& trio) {
     return;
   }
   if (Funcoes.Existe(trio.table, trio.key, Funcoes.Aspas(trio.field->Text()))) return;
+  if (trio.back_first) trio.field->SetFocus();
   Inform(trio.message);
   if (trio.optional) {
     trio.field->Clear();
-  } else {
+  } else if (!trio.back_first) {
     trio.field->SetFocus();
   }
 }

@@ -36,6 +36,8 @@ struct LookupTrio {
   bool optional = false;
   // Done after the description follows a change of the code.
   std::function<void()> after_change;
+  // Whether the user is back in the field when he is told, not after that.
+  bool back_first = false;
 };
 
 class Screen : public Form {

@@ -58,14 +58,16 @@ LookupSettings TFmCCTransConta::Historicos() const {
 
 void TFmCCTransConta::LigaPesquisas() {
   const auto conta = [](Edit& field, TPesquisa& lookup, Edit& into) {
-    return LookupTrio{&field, &lookup, "CADCONTA", "CONTA", {{"EMPRESA", &into}}, kConta, false, nullptr};
+    return LookupTrio{&field, &lookup, "CADCONTA", "CONTA", {{"EMPRESA", &into}},
+                      kConta, false,   nullptr,    true};
   };
   const auto classe = [](Edit& field, TPesquisa& lookup, Edit& into) {
-    return LookupTrio{&field, &lookup, "SUBGRUPO", "CODIGO", {{"DESCRICAO", &into}}, kClasse, false, nullptr};
+    return LookupTrio{&field,  &lookup, "SUBGRUPO", "CODIGO", {{"DESCRICAO", &into}},
+                      kClasse, false,   nullptr,    true};
   };
   const auto historico = [](Edit& field, TPesquisa& lookup, Edit& into, std::function<void()> change) {
-    return LookupTrio{&field,     &lookup, "HISTCP",         "HISTORICO", {{"DESCRICAO", &into}},
-                      kHistorico, false,   std::move(change)};
+    return LookupTrio{&field,     &lookup, "HISTCP",          "HISTORICO", {{"DESCRICAO", &into}},
+                      kHistorico, false,   std::move(change), true};
   };
   Lookups({conta(EdtConta, PqConta, EdtDescConta), conta(EdtContaDest, PqContaDest, EdtDescContaDest),
            classe(EdtClasseSai, PqClasseSai, EdtDesClaSai), classe(EdtClasseEnt, PqClasseEnt, EdtDesClaEnt),
@@ -94,10 +96,6 @@ void TFmCCTransConta::EdtHisEntChange() {
 
 void TFmCCTransConta::IncluiObservacao() {
   if (EdtConta.Empty() || EdtContaDest.Empty() || !EdtObs.Empty()) return;
-  // A proposal stays: of a code that isn't there none is made.
-  for (const Edit* conta : {&EdtConta, &EdtContaDest}) {
-    if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(conta->Text()))) return;
-  }
   EdtObs.SetText("Trf. cc - de " + EdtConta.Text() + " para " + EdtContaDest.Text());
 }
 

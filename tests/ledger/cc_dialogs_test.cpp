@@ -126,6 +126,8 @@ TEST_F(DialogTest, TransferProposesItsText) {
   desk.Set("EdtConta", "77");
   desk.Focus("EdtObs");
   EXPECT_EQ(desk.Messages(), "A conta informada é inválida.");
+  // The user is back in the field while he reads.
+  EXPECT_EQ(desk.FocusName(), "EdtConta");
   desk.Answer("ok");
   EXPECT_EQ(desk.FocusName(), "EdtConta");
   // The list of the empty field gives the account, and with the other one there the text.

@@ -38,8 +38,9 @@ export async function logIn(page, password = "cafe com acucar") {
 
 // Opens a screen by a few letters.
 export async function openScreen(page, letters, caption) {
-  const search = page.getByLabel("Procurar tela").first();
-  if (!(await search.isVisible())) await page.keyboard.press("Control+Alt+m");
+  await page.getByRole("button", { name: "Telas" }).waitFor();
+  if (!(await page.getByLabel("Procurar tela").first().isVisible())) await page.keyboard.press("Control+Alt+m");
+  await focusIs(page, "Procurar tela");
   await page.keyboard.type(letters);
   await page.keyboard.press("Enter");
   await page.getByRole("tab", { name: caption }).first().waitFor();
