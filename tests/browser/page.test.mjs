@@ -274,6 +274,7 @@ describe("grid", () => {
     await page.getByText("0000001").waitFor();
     await keys(page, "Shift+ArrowDown", "Control+c");
     const copied = () => page.evaluate(() => navigator.clipboard.readText());
+    await until("copiada", async () => (await copied()).includes("\n"));
     assert.equal(await copied(), "Lançamento\tData\tConta\tHistórico\tValor\tPendente\n0000001\t01/01/2026\t0001-5\tRecebimento de duplicata\t-1.500,00\tSim\n0000002\t02/02/2026\t0002-3\tPagamento a fornecedor\t-1.420,81\tNão");
     // Rows that were never seen are fetched for it.
     await page.keyboard.press("Control+Home");

@@ -81,9 +81,13 @@ export async function told(page, text) {
   await box.waitFor({ state: "detached" });
 }
 
-// The grid of a name in sight, and the rows that it shows, cells joined by "|".
+// The grid of a name in sight, and the rows that it shows once they are there, cells joined by "|".
 export const grid = (page, name) => page.getByRole("grid", { name, exact: true }).locator("visible=true");
-export const rows = (page, name) => grid(page, name).evaluate((one) => [...one.querySelectorAll(".grid-row")].map((row) => [...row.children].map((cell) => cell.textContent).join("|")));
+export async function rows(page, name) {
+  const one = grid(page, name);
+  await until(`linhas de ${name}`, async () => (await one.locator(".grid-row.is-loading").count()) === 0);
+  return one.evaluate((there) => [...there.querySelectorAll(".grid-row")].map((row) => [...row.children].map((cell) => cell.textContent).join("|")));
+}
 export async function rowsAre(page, name, wanted) {
   let there = [];
   const same = async () => (there = await rows(page, name)).join(";") === wanted.join(";");
