@@ -19,13 +19,6 @@ constexpr int kRuns = 5;
 constexpr int kMany = 20000;
 constexpr const char* kConta = "BENCH-1";
 
-// Keeps nothing of what comes.
-class Nothing : public RowSink {
- public:
-  void Columns(const std::vector<Column>&) override {}
-  bool Row(std::span<Value>) override { return true; }
-};
-
 std::string Ms(const Seconds& seconds) { return Number(seconds.wall * 1e3) + " ms by the clock"; }
 
 class Workbench {

@@ -62,12 +62,6 @@ class Door {
   DoorClient client_;
 };
 
-class Nothing : public RowSink {
- public:
-  void Columns(const std::vector<Column>&) override {}
-  bool Row(std::span<Value>) override { return true; }
-};
-
 void SendBare(Attachment& db, const std::vector<Sent>& statements) {
   Nothing nothing;
   for (const Sent& sent : statements) {

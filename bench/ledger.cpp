@@ -18,17 +18,6 @@ constexpr int kRuns = 4;
 constexpr int64_t kWanted = 100000;
 constexpr int kAccounts = 50;
 
-// Keeps nothing of what comes.
-class Nothing : public RowSink {
- public:
-  void Columns(const std::vector<Column>&) override {}
-  bool Row(std::span<Value>) override {
-    ++rows;
-    return true;
-  }
-  int64_t rows = 0;
-};
-
 std::string Ms(const Seconds& seconds) { return Number(seconds.wall * 1e3) + " ms by the clock"; }
 
 // The ledger's screen of a session.

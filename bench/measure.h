@@ -2,9 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "toolkit/database.h"
 
 namespace orv::bench {
 
@@ -30,6 +35,17 @@ class Best {
 
 // Bytes in use on the heap.
 std::size_t HeapBytes();
+
+// Keeps nothing of what comes: what a bare fetch brings.
+class Nothing : public RowSink {
+ public:
+  void Columns(const std::vector<Column>&) override {}
+  bool Row(std::span<Value>) override {
+    ++rows;
+    return true;
+  }
+  int64_t rows = 0;
+};
 
 enum class Bound { AtMost, AtLeast };
 

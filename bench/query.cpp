@@ -17,17 +17,6 @@ constexpr const char* kMovements =
     "SELECT FIRST 1000000 LANCAMENTO, DOCTO, BANCO, CONTA, DT_LAN, DT_CONT, DT_VENCTO, VALOR, OPERACAO, "
     "GRUPO, HISTORICO, OBSERVACAO, TIPO, TIPO_DOC, PENDENTE, LANC_CON FROM CONTACOR_001";
 
-// Keeps nothing of what comes.
-class Nothing : public RowSink {
- public:
-  void Columns(const std::vector<Column>&) override {}
-  bool Row(std::span<Value>) override {
-    ++rows;
-    return true;
-  }
-  int64_t rows = 0;
-};
-
 int Run() {
   const auto db = Attachment::Open(House(260).string());
   Best bare, query;

@@ -12,17 +12,6 @@
 
 namespace orv::bench {
 
-// Keeps nothing of what comes.
-class Nothing : public RowSink {
- public:
-  void Columns(const std::vector<Column>&) override {}
-  bool Row(std::span<Value>) override {
-    ++rows;
-    return true;
-  }
-  int64_t rows = 0;
-};
-
 // What the user's fields, buttons and sets of the screen's door do; an error of the desk is raised.
 class StatementScreen {
  public:

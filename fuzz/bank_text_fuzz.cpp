@@ -1,17 +1,13 @@
 // A bank's file of lines: the input's first lines are the layout, the rest is the file.
-#include <cstdlib>
 #include <string>
 
+#include "fuzz/require.h"
 #include "reconciliation/formats/bank_text.h"
 #include "reconciliation/formats/outside_file.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
 namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 constexpr const char* kFields[] = {"DOCTO", "DT_CONT",   "VALOR", "OPERACAO", "OBSERVACAO", "OBSERVACAO2",
                                    "CONTA", "DIG_CONTA", "CHAVE", "IMPORTA",  "OUTRO"};

@@ -1,19 +1,11 @@
 // A bank's return file of cheques: the input's first five lines are the columns, the rest is the file.
-#include <cstdlib>
 #include <string>
 
+#include "fuzz/require.h"
 #include "reconciliation/formats/cheque_return.h"
 #include "reconciliation/formats/outside_file.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
-
-namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   using namespace orv;

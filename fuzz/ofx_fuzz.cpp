@@ -1,19 +1,11 @@
 // A bank's OFX file: read to its end or refused, and what is handed on is text.
-#include <cstdlib>
 #include <string>
 
+#include "fuzz/require.h"
 #include "reconciliation/formats/ofx.h"
 #include "reconciliation/formats/outside_file.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
-
-namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   using namespace orv;

@@ -1,8 +1,8 @@
 // What a person typed stays inside its literal, through the macros of a statement too.
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz/require.h"
 #include "host/services/sql_text.h"
 #include "toolkit/error.h"
 
@@ -36,19 +36,19 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   using namespace orv;
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   const std::string literal = SqlLiteral(text);
-  if (!OnlyLiterals(literal)) std::abort();
+  Require(OnlyLiterals(literal));
 
   const MacroNames names{[](std::string_view table) { return std::string(table) + "_001"; }, "'_001'"};
   try {
     const std::string sql = ReplaceMacros("SELECT '{}' FROM {CONTACOR} WHERE A = " + literal, names);
-    if (sql != "SELECT '_001' FROM CONTACOR_001 WHERE A = " + literal) std::abort();
+    Require(sql == "SELECT '_001' FROM CONTACOR_001 WHERE A = " + literal);
     for (const std::string& piece : SplitSqlList(text, ',')) {
-      if (!OnlyLiterals(AsSqlLiteral(piece))) std::abort();
+      Require(OnlyLiterals(AsSqlLiteral(piece)));
     }
     // Commas between literals become sums, so that the whole list can be looked at in one go.
     std::string list;
     for (const std::string& piece : SplitSqlList(SqlCodeList(text), ',')) list += "||" + piece;
-    if (!OnlyLiterals(list)) std::abort();
+    Require(OnlyLiterals(list));
     MacroTables(text);
     CountContexts(text);
     ReplaceMacros(text, names);

@@ -1,20 +1,12 @@
 // What people type as amounts, dates and numbers: read or refused, never misread.
-#include <cstdlib>
 #include <string_view>
 
+#include "fuzz/require.h"
 #include "toolkit/currency.h"
 #include "toolkit/date.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 #include "toolkit/value.h"
-
-namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   using namespace orv;

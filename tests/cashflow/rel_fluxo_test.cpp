@@ -64,7 +64,7 @@ TEST_F(RelFluxoTest, ItemsMoveIntoThePeriodAndOutOfIt) {
 
 TEST_F(RelFluxoTest, RowsHoldWhatTheReportsRead) {
   Titulo("1234567890AB", "12/08/2026",
-         {{"FATURA", "F1"}, {"CLASSE", "1101"}, {"OBS", "D''AGUA"}, {"BORDERO", "9"}, {"VALOR2", "10.5"}});
+         {{"FATURA", "F1"}, {"CLASSE", "1101"}, {"OBS", "D'AGUA"}, {"BORDERO", "9"}, {"VALOR2", "10.5"}});
   Store("BORDERO_001", {{"NUMERO", "9"}, {"TIPO", "R"}, {"CONTA", "10250-1"}, {"DATA", "12/30/2026"}});
   Conta("C1", "12/08/2026");
   Desk desk(database_);
@@ -159,7 +159,7 @@ TEST_F(RelFluxoTest, OrdersArePartedByTheirCondition) {
   desk.Click("BitBtn29");
   EXPECT_EQ(desk.Messages(), "error: \"XX\" não é um número inteiro válido.");
   EXPECT_EQ(desk.Do({{"do", "read"}}).back()["on"].String(), "idle");
-  EXPECT_NE(Text(Read(desk), {"Numero"}).find("R1"), std::string::npos);
+  EXPECT_NE(desk.Read("TbRelatorio", {"Numero"}).find("R1"), std::string::npos);
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"CbVenCom", "false"}}, {"Numero"}), "R1\n");
 }
 
@@ -229,9 +229,7 @@ TEST_F(RelFluxoTest, BalancesAreMarkedAndLost) {
   Desk desk(database_);
   desk.Open("TfmRelFluxo");
   Gathered(desk, kDe, kAte, {{"edtBanco", "'901','902'"}, {"CbEmp", "true"}}, {});
-  const auto saldos = [&] {
-    return Text(Read(desk, "TbSaldo"), {"Sel", "Conta", "Valor", "ValReceb_Bancos"});
-  };
+  const auto saldos = [&] { return desk.Read("TbSaldo", {"Sel", "Conta", "Valor", "ValReceb_Bancos"}); };
   EXPECT_EQ(saldos(), "S|10250-1|800.05|100.5\nS|20418-7|-3|100.5\n");
   desk.Do({{"do", "cell"}, {"control", "OrvDBGrid1"}, {"row", 0}, {"column", "Sel"}, {"value", "N"}});
   EXPECT_EQ(desk.Messages(), "");

@@ -83,7 +83,7 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
         {"Vlr_receb", "receb"},     {"Vlr_pagar", "pagar"}, {"Vlr_ChequeRec", "chrec"},
         {"Vlr_ChequePag", "chpag"}, {"Vlr_Venda", "venda"}, {"Vlr_Compra", "compra"}};
     std::map<std::string, int> rows;
-    for (const Row& row : Read(desk)) {
+    for (const Row& row : desk.Read("TbRelatorio")) {
       for (const auto& [field, kind] : kinds) {
         if (row.at(field) == "-" || row.at(field) == "0.0000") continue;
         gathered[row.at("DtLanc") + " " + kind] += Currency::ParseNeutral(row.at(field));
@@ -105,7 +105,7 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
              std::string(all ? "1" : "0") + ") GROUP BY 1 ORDER BY 1"))
       saldos += row[0].AsString() + "|" + Value(row[1].AsCurrency().ToDouble()).Neutral() + "\n";
     Db().CommitRetaining();
-    EXPECT_EQ(FluxoTest::Text(Read(desk, "TbSaldo"), {"Conta", "Valor"}), saldos);
+    EXPECT_EQ(desk.Read("TbSaldo", {"Conta", "Valor"}), saldos);
   }
 }
 
@@ -117,7 +117,7 @@ TEST_F(SecondSumTest, InstalmentsAddUp) {
   desk.Click("BitBtn29");
   ASSERT_EQ(desk.Messages(), "");
   std::map<std::string, std::pair<Currency, int>> gathered, expected;
-  for (const Row& row : Read(desk)) {
+  for (const Row& row : desk.Read("TbRelatorio")) {
     if (row.at("Vlr_Venda") == "-" || !row.at("Historico").starts_with("PEDIDO")) continue;
     auto& order = gathered[row.at("Numero").substr(0, row.at("Numero").find('/'))];
     order.first += Currency::ParseNeutral(row.at("Vlr_Venda"));

@@ -3,8 +3,8 @@
 #include <thread>
 
 #include "host/schema/check.h"
+#include "tests/faults/kills.h"
 #include "tests/faults/ledger_actions.h"
-#include "tests/support/process.h"
 
 namespace orv::test {
 namespace {
@@ -99,35 +99,16 @@ TEST_F(ActionsTest, KilledActionsLeaveAllOrNothing) {
   constexpr int kMost = 10;
   for (const LedgerAction& action : Actions()) {
     SCOPED_TRACE(action.name);
-    const int each = action.cheques ? kMost / 2 : kMost;
-    const auto at_last = [&] {
-      Restore(action);
-      LetGo();
-      auto desk = std::make_unique<DriveProcess>(database_);
-      for (const Json& in : action.before) desk->Do(in);
-      return desk;
-    };
-    Restore(action);
-    const std::string none = Left();
-    auto desk = at_last();
-    const auto begun = steady_clock::now();
-    desk->Do(action.last);
-    const auto whole = std::chrono::duration_cast<microseconds>(steady_clock::now() - begun);
-    desk->Kill();
-    const std::string all = Left();
-    EXPECT_NE(all, none);
-    int landed = 0;
-    for (int kill = 0; kill < each; ++kill) {
-      desk = at_last();
-      const auto until = steady_clock::now() + whole * kill / (each * 4 / 5);
-      desk->Send(action.last);
-      std::this_thread::sleep_until(until);
-      desk->Kill();
-      const std::string left = Left();
-      landed += left == all;
-      EXPECT_TRUE(left == all || left == none) << left;
-    }
-    EXPECT_LT(landed, each);
+    ExpectAllOrNothing(
+        action.cheques ? kMost / 2 : kMost, action.last,
+        [&] {
+          Restore(action);
+          LetGo();
+          auto desk = std::make_unique<DriveProcess>(database_);
+          for (const Json& in : action.before) desk->Do(in);
+          return desk;
+        },
+        [&] { return Left(); });
   }
 }
 

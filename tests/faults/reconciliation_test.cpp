@@ -1,16 +1,10 @@
 // The workbench's reconciliation, undo and confirmed return file: all or nothing at every step, killed or
 // not.
-#include <chrono>
-#include <thread>
-
+#include "tests/faults/kills.h"
 #include "tests/reconciliation/concilia_desk.h"
-#include "tests/support/process.h"
 
 namespace orv::test {
 namespace {
-
-using std::chrono::microseconds;
-using std::chrono::steady_clock;
 
 Json Click(std::string_view control) { return {{"do", "click"}, {"control", control}}; }
 Json Set(std::string_view control, std::string_view value) {
@@ -137,37 +131,19 @@ TEST_F(TieFaultsTest, EveryStatementCanFail) {
 
 TEST_F(TieFaultsTest, KilledActionsLeaveAllOrNothing) {
   Run("UPDATE POSICAO_001 SET BANCO = '902', TIPO = 'EX' WHERE BANCO = '901'");
-  constexpr int kEach = 10;
+  constexpr int kKills = 10;
   for (const TieAction& action : Actions()) {
     SCOPED_TRACE(action.name);
-    const auto at_last = [&] {
-      Restore();
-      LetGo();
-      auto desk = std::make_unique<DriveProcess>(database_);
-      for (const Json& in : action.before) desk->Do(in);
-      return desk;
-    };
-    Restore();
-    const std::string none = Left();
-    auto desk = at_last();
-    const auto begun = steady_clock::now();
-    desk->Do(action.last);
-    const auto whole = std::chrono::duration_cast<microseconds>(steady_clock::now() - begun);
-    desk->Kill();
-    const std::string all = Left();
-    EXPECT_NE(all, none);
-    int landed = 0;
-    for (int kill = 0; kill < kEach; ++kill) {
-      desk = at_last();
-      const auto until = steady_clock::now() + whole * kill / (kEach * 4 / 5);
-      desk->Send(action.last);
-      std::this_thread::sleep_until(until);
-      desk->Kill();
-      const std::string left = Left();
-      landed += left == all;
-      EXPECT_TRUE(left == all || left == none) << left;
-    }
-    EXPECT_LT(landed, kEach);
+    ExpectAllOrNothing(
+        kKills, action.last,
+        [&] {
+          Restore();
+          LetGo();
+          auto desk = std::make_unique<DriveProcess>(database_);
+          for (const Json& in : action.before) desk->Do(in);
+          return desk;
+        },
+        [&] { return Left(); });
   }
 }
 

@@ -16,8 +16,6 @@ namespace orv::test {
 constexpr const char* kConta = "10250-1";
 constexpr const char* kOutraConta = "20418-7";
 
-using Fields = std::vector<std::pair<std::string, std::string>>;
-
 class CcTest : public DeskTest {
  protected:
   // Switches parameters of the ledger on; read when the screen opens.

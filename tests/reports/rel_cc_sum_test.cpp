@@ -48,7 +48,7 @@ class SecondSumTest : public RelCcTest {
     Period(desk, question.from.Brazil(), question.to.Brazil());
     desk.Click("BitBtn29");
     ASSERT_EQ(desk.Messages(), "");
-    std::vector<Row> rows = Read(desk);
+    std::vector<Row> rows = desk.Read("TbRelatorio");
     ASSERT_GT(rows.size(), 100U);
     const std::string dates = question.narrowed + " AND " + question.date;
     const std::string until = "'" + question.to.Sql() + "'";
@@ -88,7 +88,7 @@ class SecondSumTest : public RelCcTest {
     desk.Click("BitBtn29");
     ASSERT_EQ(desk.Messages(), "");
     std::map<std::string, std::pair<Currency, int>> gathered, expected;
-    for (const Row& row : Read(desk, "TbFinan")) {
+    for (const Row& row : desk.Read("TbFinan")) {
       auto& sum = gathered[row.at("Lancto") + "|" + row.at("Tipo")];
       sum.first += Currency::ParseNeutral(row.at("Val_Pag"));
       ++sum.second;

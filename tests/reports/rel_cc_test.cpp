@@ -150,8 +150,8 @@ TEST_F(StatementTest, RowsHoldWhatTheReportReads) {
       "TITULAR|0123|2026-11-01|2026-11-30|L|N|L\n"
       "A2|DA2|999|-|10250-1|-|10.0000|2026-11-10|2026-11-10|2026-11-10|-|99|zz|5000.0000|TITULAR|0123|"
       "2026-11-01|2026-11-30|L|S|TR\n");
-  EXPECT_EQ(Shown(desk, {"DesGrupo", "Historico"}), described + "\n-|-\n");
-  EXPECT_EQ(Shown(desk, {"Pessoa", "Obs"}),
+  EXPECT_EQ(desk.Read("TbRelatorio", {"DesGrupo", "Historico"}), described + "\n-|-\n");
+  EXPECT_EQ(desk.Read("TbRelatorio", {"Pessoa", "Obs"}),
             std::string(40, 'x') + "|" + std::string(100, 'x') + "\nOBS A2|OBS A2\n");
 }
 
@@ -209,7 +209,7 @@ TEST_F(StatementTest, EachGroupingOrdersTheRows) {
   }
   // The running balance follows the days, whatever the order.
   Gathered(desk, {{"RgAgrupar", "5"}, {"RgData", "1"}, {"cbAgpPendente", "false"}}, {});
-  EXPECT_EQ(Shown(desk, {"Lancamento", "Saldo"}), "4|-30\n2|0\n3|-20\n1|-10\n5|-10\n");
+  EXPECT_EQ(desk.Read("TbRelatorio", {"Lancamento", "Saldo"}), "4|-30\n2|0\n3|-20\n1|-10\n5|-10\n");
 }
 
 TEST_F(StatementTest, AMovementIsItsPersons) {
@@ -287,18 +287,18 @@ TEST_F(StatementTest, TitlesComeAlong) {
   });
   std::string expected;
   for (const std::string& line : lines) expected += line + "\n";
-  EXPECT_EQ(Shown(desk, {"Nome", "Tipo", "Lancto", "Numero", "Dupli", "Val_Pag", "Desconto"}, "TbFinan"),
+  EXPECT_EQ(desk.Read("TbFinan", {"Nome", "Tipo", "Lancto", "Numero", "Dupli", "Val_Pag", "Desconto"}),
             expected);
-  EXPECT_EQ(Shown(desk, {"Lancamento"}), "1\n1\n2\n2\n3\n");
+  EXPECT_EQ(desk.Read("TbRelatorio", {"Lancamento"}), "1\n1\n2\n2\n3\n");
 
   // Of all companies the titles, too; without the box none.
   Store("RECEBER_002", {{"NUMERO", "T9"}, {"CODCLI", "00002"}});
   Received("T9", "1", "9", "_002");
   Run("UPDATE CONTACOR_001 SET TIPO = 'L' WHERE OPERACAO = '-'");
   Gathered(desk, {{"RgTipo", "2"}}, {});
-  EXPECT_EQ(Read(desk, "TbFinan").size(), 4U);
+  EXPECT_EQ(desk.Read("TbFinan").size(), 4U);
   Gathered(desk, {{"CbFinanceiro", "false"}}, {});
-  EXPECT_EQ(Read(desk, "TbFinan").size(), 0U);
+  EXPECT_EQ(desk.Read("TbFinan").size(), 0U);
 }
 
 TEST_F(StatementTest, AnAccountWithoutMovementsShowsItsBalance) {
@@ -372,11 +372,11 @@ TEST_F(StatementTest, AFailureLeavesNoHalfOfAReport) {
   Movement("2", {{"VALOR", "500000000000000"}});
   desk.Click("BitBtn29");
   EXPECT_TRUE(desk.Messages().starts_with("error: ")) << desk.Messages();
-  EXPECT_EQ(Shown(desk, {"Lancamento"}) + Shown(desk, {"Lancto"}, "TbFinan"), "");
+  EXPECT_EQ(desk.Read("TbRelatorio", {"Lancamento"}) + desk.Read("TbFinan", {"Lancto"}), "");
   EXPECT_EQ(desk.End(), "idle");
   Run("DELETE FROM CONTACOR_001 WHERE LANCAMENTO <> '1'");
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
-  EXPECT_EQ(Shown(desk, {"Lancto"}, "TbFinan"), "1\n");
+  EXPECT_EQ(desk.Read("TbFinan", {"Lancto"}), "1\n");
 }
 
 TEST_F(StatementTest, TheUserCancels) {

@@ -150,6 +150,30 @@ std::string Desk::Rows(std::string_view set) {
   return text;
 }
 
+std::vector<Row> Desk::Read(const std::string& set) {
+  const Json state = State(set);
+  const Json& read = state["screens"].Items().back()["sets"][set];
+  const auto& fields = read["fields"].Items();
+  std::vector<Row> rows;
+  for (const Json& values : read["rows"].Items()) {
+    Row row;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const Json& value = values.Items()[i];
+      row[fields[i].String()] = value.IsNull() ? "-" : value.String();
+    }
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+std::string Desk::Read(const std::string& set, std::initializer_list<const char*> fields) {
+  std::string text;
+  for (const Row& row : Read(set)) {
+    for (const char* field : fields) text += row.at(field) + (field == *(fields.end() - 1) ? "\n" : "|");
+  }
+  return text;
+}
+
 DeskTest::DeskTest() : database_(CopyDemo(folder_.Path())) {}
 
 Attachment& DeskTest::Db() {
@@ -170,6 +194,15 @@ std::string DeskTest::Sql(std::string_view sql) {
 void DeskTest::Run(std::string_view sql) {
   Db().Execute(sql);
   Db().CommitRetaining();
+}
+
+void DeskTest::Store(const std::string& table, const Fields& fields) {
+  std::string names, values;
+  for (const auto& [name, value] : Row(fields.rbegin(), fields.rend())) {
+    names += (names.empty() ? "" : ", ") + name;
+    values += (values.empty() ? "" : ", ") + (value == "null" ? value : Quote(value));
+  }
+  Run("INSERT INTO " + table + " (" + names + ") VALUES (" + values + ")");
 }
 
 void DeskTest::Ddl(std::string_view sql) { Db().ExecuteDdl(sql); }

@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <initializer_list>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "desk/client.h"
@@ -35,6 +38,11 @@ constexpr const char* kToday = "2026-11-20";
 // A copy of the demo database of the tests, which is made once a process. Its users: "ana" (administrator)
 // and "leo" (no rights).
 std::filesystem::path CopyDemo(const std::filesystem::path& folder);
+
+// Names with their values, of controls or columns.
+using Fields = std::vector<std::pair<std::string, std::string>>;
+// A row of a set: its values by their fields.
+using Row = std::map<std::string, std::string>;
 
 // A user at the desk.
 class Desk {
@@ -75,6 +83,10 @@ class Desk {
   bool Enabled(std::string_view control) { return Property(control, "enabled").Bool(); }
   // The rows of a set: values joined by "|", null as "-", one a line.
   std::string Rows(std::string_view set);
+  // The same by the names of the fields.
+  std::vector<Row> Read(const std::string& set);
+  // Of the rows these fields only, joined as above.
+  std::string Read(const std::string& set, std::initializer_list<const char*> fields);
 
  private:
   Log log_;
@@ -96,6 +108,8 @@ class DeskTest : public ::testing::Test {
   // Rows of a statement as text: values joined by "|", null as "-", rows by ";".
   std::string Sql(std::string_view sql);
   void Run(std::string_view sql);
+  // Inserts a row. Of a column that is named twice the later value counts; "null" is none.
+  void Store(const std::string& table, const Fields& fields);
   // A change of the schema.
   void Ddl(std::string_view sql);
   // Closes the attachment of `Db`: an embedded file belongs to one process at a time.
