@@ -1,8 +1,8 @@
 // A bank's file taken in and tied to the ledger, by keyboard alone but for the choice of the file.
 import assert from "node:assert/strict";
-import { after, afterEach, before, test } from "node:test";
-import { enter, findings, focusIs, keys, launch, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
-import { startRealDesk } from "./support/real_desk.mjs";
+import { test } from "node:test";
+import { findings, focusIs, keys, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
+import { deskOfTests } from "./support/real_desk.mjs";
 
 const kOfx = `OFXHEADER:100
 DATA:OFXSGML
@@ -20,25 +20,11 @@ DATA:OFXSGML
 </BANKTRANLIST></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>
 `;
 
-let browser;
-let desk;
+const begin = deskOfTests();
 let page;
 
-before(async () => {
-  [browser, desk] = await Promise.all([launch(), startRealDesk()]);
-});
-after(async () => {
-  await browser?.close();
-  await desk?.stop();
-  desk?.remove();
-});
-afterEach(async () => {
-  assert.deepEqual(page.faults, []);
-  await page.context().close();
-});
-
 test("a file is loaded, looked over, confirmed, and its line tied to a movement and untied", async () => {
-  page = await enter(browser, desk);
+  page = await begin();
   await openScreen(page, "corr", "Movimento de Contas Correntes");
   await focusIs(page, "Incluir");
   await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "Tab", "Tab", "Tab", "1202", "Tab", "020", "Tab", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab", "Depósito");
@@ -84,4 +70,21 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   await keys(page, "Alt+c");
   await rowsAre(page, "Movimento", []);
   await rowsAre(page, "Extrato", []);
+  // Tied, both stand among the reconciled ones, and are taken apart again.
+  const both = () => until("movimento e linha", async () => (await rows(page, "Movimento")).length === 1 && (await rows(page, "Extrato")).length === 1);
+  const status = (text) => until(`status ${text}`, () => page.evaluate((wanted) => document.activeElement?.closest("label")?.textContent === wanted || document.activeElement?.getAttribute("aria-label") === wanted, text));
+  for (let presses = 0; presses < 9; ++presses) await keys(page, "Shift+Tab");
+  await keys(page, "ArrowLeft");
+  await status("Conciliados");
+  await keys(page, "Tab", "Tab", "Enter");
+  await both();
+  await picture(page, "workbench-tied");
+  await keys(page, "Alt+v");
+  const question = page.getByRole("alertdialog");
+  await question.getByText("Tem certeza que deseja voltar conciliação?").waitFor();
+  await keys(page, "s");
+  await question.waitFor({ state: "detached" });
+  await rowsAre(page, "Movimento", []);
+  await rowsAre(page, "Extrato", []);
+  await picture(page, "workbench-untied");
 });

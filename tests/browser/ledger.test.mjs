@@ -2,30 +2,15 @@
 // balances.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { after, afterEach, before, test } from "node:test";
-import { enter, findings, focusIs, keys, launch, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
-import { startRealDesk } from "./support/real_desk.mjs";
+import { test } from "node:test";
+import { findings, focusIs, keys, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
+import { deskOfTests } from "./support/real_desk.mjs";
 
-let browser;
-let desk;
+const begin = deskOfTests((run) => ["30", "50"].forEach((number) => run(["param", "set", "FIN", number, "S"])));
 let page;
 
-before(async () => {
-  const prepare = (run) => ["30", "50"].forEach((number) => run(["param", "set", "FIN", number, "S"]));
-  [browser, desk] = await Promise.all([launch(), startRealDesk(prepare)]);
-});
-after(async () => {
-  await browser?.close();
-  await desk?.stop();
-  desk?.remove();
-});
-afterEach(async () => {
-  assert.deepEqual(page.faults, []);
-  await page.context().close();
-});
-
 async function openLedger() {
-  page = await enter(browser, desk);
+  page = await begin();
   await openScreen(page, "corr", "Movimento de Contas Correntes");
   await focusIs(page, "Incluir");
 }

@@ -1,27 +1,13 @@
 // The reports over many movements, by keyboard alone: gathered, cancelled, ordered, followed to the source, printed.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { after, afterEach, before, test } from "node:test";
-import { enter, findings, focusIs, grid, keys, launch, openScreen, picture, rows, told, until } from "./support/browser.mjs";
-import { startRealDesk } from "./support/real_desk.mjs";
+import { test } from "node:test";
+import { findings, focusIs, grid, keys, openScreen, picture, rows, told, until } from "./support/browser.mjs";
+import { deskOfTests } from "./support/real_desk.mjs";
 
-let browser;
-let desk;
+// Enough movements that a gathering takes its time.
+const begin = deskOfTests(undefined, 8);
 let page;
-
-before(async () => {
-  // Enough movements that a gathering takes its time.
-  [browser, desk] = await Promise.all([launch(), startRealDesk(undefined, 8)]);
-});
-after(async () => {
-  await browser?.close();
-  await desk?.stop();
-  desk?.remove();
-});
-afterEach(async () => {
-  assert.deepEqual(page.faults, []);
-  await page.context().close();
-});
 
 const count = async (name) => Number(await grid(page, name).getAttribute("aria-rowcount")) - 1;
 const gathered = (name) => until(name, async () => (await count(name)) > 0);
@@ -46,7 +32,7 @@ async function readReport(title, name) {
 }
 
 test("the account statement is gathered, cancelled, followed to its source and printed", async () => {
-  page = await enter(browser, desk);
+  page = await begin();
   await openScreen(page, "lançamentos", "Relatório de Lançamentos");
   await keys(page, "10250-1", "Tab", "Alt+c");
   await gathered("Lançamentos");
@@ -69,7 +55,7 @@ test("the account statement is gathered, cancelled, followed to its source and p
 });
 
 test("the cash-flow statement is gathered, ordered, followed to its source and printed", async () => {
-  page = await enter(browser, desk);
+  page = await begin();
   await openScreen(page, "estat", "Relatóro de Estatística de Caixa");
   await keys(page, "Alt+c");
   await gathered("Saldos das contas");

@@ -6,7 +6,8 @@ import { connect, createServer } from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { createInterface } from "node:readline";
-import { dist, root } from "./browser.mjs";
+import { after, afterEach, before } from "node:test";
+import { dist, enter, launch, root } from "./browser.mjs";
 
 const kProgram = process.env.ORVCC ?? ["debug", "release"].map((build) => join(root, "build", build, "bin", "orvcc")).find((path) => existsSync(path));
 
@@ -87,4 +88,24 @@ export async function startRealDesk(prepare = () => {}, scale = 1) {
   };
   await desk.start();
   return desk;
+}
+
+// A desk and a browser for the tests of a file; what it gives opens a page that is logged in, one a test.
+export function deskOfTests(...options) {
+  let browser;
+  let desk;
+  let page;
+  before(async () => {
+    [browser, desk] = await Promise.all([launch(), startRealDesk(...options)]);
+  });
+  after(async () => {
+    await browser?.close();
+    await desk?.stop();
+    desk?.remove();
+  });
+  afterEach(async () => {
+    assert.deepEqual(page.faults, []);
+    await page.context().close();
+  });
+  return async () => (page = await enter(browser, desk));
 }
