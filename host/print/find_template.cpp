@@ -1,7 +1,6 @@
 // Where templates are found: in the company's folder, else among the desk's own.
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "host/print/own_templates.h"
 #include "host/print/report_template.h"
@@ -15,9 +14,11 @@ ReportTemplate FindTemplate(const std::string& identifier, const std::string& fo
   if (plain && !folder.empty()) {
     std::ifstream in(std::filesystem::path(folder) / (identifier + ".rel"), std::ios::binary);
     if (in) {
-      std::ostringstream text;
-      text << in.rdbuf();
-      return ReportTemplate::Parse(identifier, text.str());
+      // No more than tells that it is too large.
+      std::string text(kLongestTemplate + 1, '\0');
+      in.read(text.data(), static_cast<std::streamsize>(text.size()));
+      text.resize(static_cast<std::size_t>(in.gcount()));
+      return ReportTemplate::Parse(identifier, text);
     }
   }
   for (const OwnTemplate& own : kOwnTemplates) {

@@ -295,7 +295,12 @@ class Layout {
           Note(line, "o relatório passa de " + std::to_string(kMostLines) + " linhas; o resto ficou de fora");
           return;
         }
-        ReportLine printed{number, first ? band.style : band.style_else, std::exchange(new_page_, false), {}};
+        ReportLine printed{number,
+                           first ? band.style : band.style_else,
+                           std::exchange(new_page_, false),
+                           kind == BandKind::Head || kind == BandKind::GroupHead,
+                           kind == BandKind::Foot || kind == BandKind::GroupFoot,
+                           {}};
         printed.cells.reserve(cells.size());
         for (const BandCell& cell : cells) {
           std::string text = Print(cell.text, line);

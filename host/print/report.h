@@ -32,6 +32,8 @@ struct ReportLine {
   uint16_t section = 0;
   uint8_t style = kPlain;
   bool new_page = false;  // begins one
+  bool lead = false;      // tells what the next line belongs to
+  bool sum = false;       // adds up what stands before it
   std::vector<ReportCell> cells;
 };
 

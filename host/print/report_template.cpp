@@ -8,7 +8,6 @@
 namespace orv {
 namespace {
 
-constexpr std::size_t kLongestFile = 1 << 20;  // bytes
 constexpr std::size_t kMostLines = 5000;
 constexpr std::size_t kLongestLine = 8000;  // bytes
 constexpr std::size_t kLongestFormat = 60;  // bytes
@@ -320,7 +319,7 @@ ReportText ReportText::Parse(std::string_view text) {
 ReportTemplate ReportTemplate::Parse(const std::string& identifier, std::string_view text) {
   ReportTemplate result;
   result.identifier = identifier;
-  if (text.size() > kLongestFile)
+  if (text.size() > kLongestTemplate)
     throw UserError("O modelo do relatório \"" + identifier + "\" é grande demais.");
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   if (!ValidUtf8(text)) throw UserError("O modelo do relatório \"" + identifier + "\" não está em UTF-8.");

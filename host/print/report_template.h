@@ -92,6 +92,8 @@ struct ReportSection {
   int line = 0;
 };
 
+inline constexpr std::size_t kLongestTemplate = 1 << 20;  // bytes
+
 struct ReportTemplate {
   // Reads a template. A line that can't be read is left out and told in `errors`, "modelo X, linha 12: …".
   // Raises UserError for a text that isn't a template at all.

@@ -182,6 +182,17 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
   using Kind = PageLine::Kind;
   std::vector<std::vector<PageLine>> pages(1);
   const auto put = [&](PageLine line) { pages.back().push_back(line); };
+  // How many lines of a full page go over to the next one, so that no sum begins a page without a line that
+  // it adds up and no head ends one.
+  const auto carried = [&](std::size_t line) {
+    const std::vector<PageLine>& page = pages.back();
+    std::size_t count = 0;
+    while (count < page.size() && page[page.size() - 1 - count].kind == Kind::Line &&
+           (report.lines[line - count].sum || report.lines[line - count - 1].lead)) {
+      ++count;
+    }
+    return count <= lines_a_page / 4 ? count : 0;
+  };
   std::size_t line = 0;
   for (std::size_t section = 0; section < report.columns.size(); ++section) {
     const bool heading = !report.headings[section].empty();
@@ -190,9 +201,13 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
     if (heading) put({Kind::Heading, section});
     put({Kind::Titles, section});
     for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
-      if (pages.back().size() >= lines_a_page || report.lines[line].new_page) {
+      const bool full = pages.back().size() >= lines_a_page;
+      if (full || report.lines[line].new_page) {
+        const std::size_t back = full && !report.lines[line].new_page ? carried(line) : 0;
+        pages.back().resize(pages.back().size() - back);
         pages.emplace_back();
         put({Kind::Titles, section});
+        for (std::size_t at = line - back; at < line; ++at) put({Kind::Line, at});
       }
       put({Kind::Line, line});
     }

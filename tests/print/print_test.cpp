@@ -294,6 +294,27 @@ TEST_F(PrintTest, PagesAreWhole) {
   EXPECT_GT(pdf.size(), 50000U);
 }
 
+TEST_F(PrintTest, SumsAndHeadsStandWithTheirLines) {
+  // Groups of three rows, with a head, a sum, and a last sum: six lines, which never fit a page evenly.
+  for (int i = 0; i < 300; ++i) rows_.Add(1, "Grupo " + std::to_string(i / 3), i);
+  const Report report = Make(
+      "dados TbRelatorio\ncoluna 30 Nome\ncoluna 15 direita Valor\ngrupo g = TbRelatorio.Nome\n"
+      "valor v de TbRelatorio por g = TbRelatorio.Valor\ncabecalho g\n| [TbRelatorio.Nome] | |\n"
+      "detalhe\n| | [TbRelatorio.Valor] |\nrodape g\n| Total | [v] |\n"
+      "rodape\n| Fim | |\n");
+  std::size_t lines = 0;
+  for (const std::size_t fits : {12U, 13U, 14U, 15U, 16U}) {
+    lines = 0;
+    for (const auto& page : Pages(report, fits)) {
+      EXPECT_LE(page.size(), fits);
+      for (std::size_t at = 1; at < page.size(); ++at) EXPECT_EQ(page[at].index, lines++);
+      EXPECT_FALSE(report.lines[page[1].index].sum) << fits;
+      EXPECT_FALSE(report.lines[page.back().index].lead) << fits;
+    }
+    EXPECT_EQ(lines, 501U);
+  }
+}
+
 TEST_F(PrintTest, TheDesksOwnTemplatesAreWhole) {
   ASSERT_FALSE(OwnTemplates().empty());
   for (const std::string& identifier : OwnTemplates()) {
