@@ -1,5 +1,6 @@
 // The page "Cadastro": a cheque is captured, altered, deleted, or handed over to another company.
 #include "cheques/cheque_pre.h"
+#include "toolkit/error.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -209,12 +210,10 @@ void TfmChequePre::ListaEmpresas() {
 }
 
 void TfmChequePre::Transfere() {
+  if (CBEmpresa.ItemIndex() < 0) throw UserError("Escolha a empresa para a qual o cheque vai.");
   const std::string numero = Texto("NUMERO");
-  std::string empresa;
-  if (CBEmpresa.ItemIndex() >= 0) {
-    QryEmp.SetRecNo(CBEmpresa.ItemIndex() + 1);
-    empresa = Trim(QryEmp["EMP_PAT"].AsString());
-  }
+  QryEmp.SetRecNo(CBEmpresa.ItemIndex() + 1);
+  const std::string empresa(Trim(QryEmp["EMP_PAT"].AsString()));
   constexpr const char* kColunas[] = {
       "AGENCIA", "BANCO", "CHAVE",      "CLIENTE", "CONTA",         "DT_BAIXA", "DUPLICATA",  "LOTE",
       "EMISSAO", "TIPO",  "FORNECEDOR", "NUMERO",  "REPRESENTANTE", "VALOR",    "VENCIMENTO", "OBS"};

@@ -88,7 +88,11 @@ void TFmCadExtrato::LigaAcesso() {
   edtAConta.OnExit = [this] { ContaExit(edtAConta); };
 
   BitBtn5.OnClick = [this] { BitBtn5Click(); };
-  BitBtn1.OnClick = [this] { Funcoes.Chama_RelatorioWin(*this, "WCCDigExtrato"); };
+  BitBtn1.OnClick = [this] {
+    // What the filters say, where nobody has asked for it yet.
+    if (!QryExtrato.Active()) BitBtn5Click();
+    Funcoes.Chama_RelatorioWin(*this, "WCCDigExtrato");
+  };
   DBGrid2.OnDblClick = [this] { DBGrid2DblClick(); };
   DBGrid2.OnTitleClick = [this](const std::string& coluna) { ConsultaExtrato(coluna); };
 }

@@ -386,11 +386,9 @@ TEST_F(ChequeTest, TransferToAnotherCompany) {
   desk.Set("EdtObs", "TROCADA");
   EXPECT_EQ(desk.Messages(), "error: Durante a transferência o cheque não pode ser alterado.");
   CloseLists(desk);
-  // Without a company there is no table, and nothing happens.
   desk.Click("BtnConfirmar");
   CloseLists(desk);
-  EXPECT_EQ(desk.Messages(),
-            "error: O banco de dados recusou a operação. Nada foi gravado. Avise o suporte.");
+  EXPECT_EQ(desk.Messages(), "error: Escolha a empresa para a qual o cheque vai.");
   EXPECT_EQ(Cheques() + Audit() + " " + Mode(desk), "C1|D;C2|P browse confirm company");
   desk.Set("CBEmpresa", "1");
   desk.Click("BtnConfirmar");

@@ -47,6 +47,8 @@ TEST_F(LinesTest, FindsByAnyMixOfFilters) {
   desk.Open("TFmCadExtrato");
   EXPECT_EQ(desk.Text("dtInicio"), "01/01/2000");
   EXPECT_EQ(desk.Text("dtFim"), "01/01/2050");
+  // Printed at once, the page has what the filters say.
+  EXPECT_NE(Printed(desk, "BitBtn1").find("DOC 1"), std::string::npos);
   struct Case {
     const char *control, *value, *found;
   };
