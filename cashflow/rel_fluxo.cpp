@@ -111,6 +111,8 @@ void TfmRelFluxo::OrvDBGrid1KeyDown(KeyPress& key) {
 }
 
 void TfmRelFluxo::BitBtn33Click() {
+  // The layouts group by what is chosen now, and the rows follow.
+  Ordena();
   const bool geral = RgTipo.ItemIndex() == 0;
   if (CbVenCom.Checked()) {
     Funcoes.Chama_Relatorio(*this, geral ? "WCCEstCompraVenda" : "WCCEstCompraVendaR");

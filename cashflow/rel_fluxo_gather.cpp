@@ -106,7 +106,7 @@ void TfmRelFluxo::Monta(Gathering& andamento) {
     BuscaCompraPendente(consulta);
   }
   if (CbCheque.Checked()) Grava_Cheque(consulta);
-  if (!edtBanco.Empty()) BuscaSaldoAbertoBancos();
+  if (!Funcoes.ListaSQL(edtBanco.Text()).empty()) BuscaSaldoAbertoBancos();
   Ordena();
 }
 

@@ -83,6 +83,8 @@ void Gathering::Tell() const { user_.Progress(of_ > 0 ? std::min(done_, of_) : d
 
 void ReportScreen::LayDown(TClientDataSet& set, std::span<const ReportField> fields) {
   if (set.Active()) set.Close();
+  // Rows are put in order once all are there.
+  set.SetIndexFieldNames("");
   set.FieldDefs.Clear();
   for (const ReportField& field : fields) set.FieldDefs.Add(field.name, field.type, field.size);
   set.CreateDataSet();

@@ -1,5 +1,7 @@
 #include "reports/rel_cc.h"
 
+#include <tuple>
+
 #include "frame/entry/unit.h"
 
 namespace orv {
@@ -106,7 +108,7 @@ TfmRelCC::TfmRelCC(Application& application)
   RgTipo.OnChange = [this] { RgTipoClick(); };
   EnterMovesOn(false);
   BitBtn29.OnClick = [this] { BitBtn29Click(); };
-  BitBtn33.OnClick = [this] { Funcoes.Chama_Relatorio(*this, "WccFluxo"); };
+  BitBtn33.OnClick = [this] { BitBtn33Click(); };
   BitBtn5.OnClick = [this] { Close(); };
   DBGrid1.OnDblClick = [this] { DBGrid1DblClick(); };
   DBGrid2.OnDblClick = [this] { DBGrid2DblClick(); };
@@ -129,6 +131,24 @@ void TfmRelCC::EdtHistHistoricoChange() {
   TOrvTable& historicos = Tabela.tbHistorico();
   EdtDesHistorico.SetText(
       historicos.Locate("HISTORICO", EdtHistHistorico.Text()) ? historicos["DESCRICAO"].AsString() : "");
+}
+
+// What was gathered is printed, whatever was chosen since then.
+void TfmRelCC::BitBtn33Click() {
+  const auto agora = std::tuple(RgData.ItemIndex(), RgAgrupar.ItemIndex(), cbAgpPendente.Checked());
+  const auto escolhe = [this](const std::tuple<int, int, bool>& como) {
+    RgData.SetItemIndex(std::get<0>(como));
+    RgAgrupar.SetItemIndex(std::get<1>(como));
+    cbAgpPendente.SetChecked(std::get<2>(como));
+  };
+  if (como_) escolhe(*como_);
+  try {
+    Funcoes.Chama_Relatorio(*this, "WccFluxo");
+  } catch (...) {
+    escolhe(agora);
+    throw;
+  }
+  escolhe(agora);
 }
 
 void TfmRelCC::BitBtn29Click() {

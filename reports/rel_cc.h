@@ -125,6 +125,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   void RelCodBanChange();
   void EdtHistHistoricoChange();
   void BitBtn29Click();
+  void BitBtn33Click();
 
   // --- The gathering (rel_cc_gather.cpp).
   void Monta_Rel(Gathering& gathering);
@@ -152,6 +153,8 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   void MostraSaldoAnterior();
 
   Consulta consulta_;
+  // The choices of RgData, RgAgrupar and cbAgpPendente by which the latest gathering was laid down.
+  std::optional<std::tuple<int, int, bool>> como_;
   // Names that many rows bear.
   SharedTexts nomes_;
   // Suffixes of companies, and by row, as it was added, which of them it is of.

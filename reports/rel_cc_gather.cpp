@@ -248,6 +248,7 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
   TbFinan.SetIndexFieldNames("");
   CriaRelatorio();
   consulta_ = LeFiltros();
+  como_ = {RgData.ItemIndex(), RgAgrupar.ItemIndex(), cbAgpPendente.Checked()};
   empresas_.clear();
   empresa_da_linha_.clear();
   empresa_do_titulo_.clear();

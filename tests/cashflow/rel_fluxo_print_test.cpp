@@ -136,8 +136,19 @@ TEST_F(FluxoPrintedTest, ClassByClass) {
   EXPECT_EQ(Line(printed, "Total do período"), "3.500,10 300,00 695,05 150,00 2.955,05");
   EXPECT_EQ(Line(printed, "Saldo Geral"), "1.254,55");
   printed += "##### Resumido\n" + Printed(desk, {{"RgTipo", "1"}});
-  printed += "##### Sem lançamentos\n" + Printed(desk, {}, "11/12/2026");
+  // Programmed accounts are listed day by day, in the order of the rows.
+  for (const char* tipo : {"1", "0"}) {
+    printed += std::string("##### Programação ") + tipo + "\n" +
+               Printed(desk, {{"RgTipo", tipo}, {"CbProgramacao", "true"}});
+  }
+  printed += "##### Sem lançamentos\n" + Printed(desk, {{"CbProgramacao", "false"}}, "11/12/2026");
   ExpectFile(printed, ORV_FILES "WCCEstatistClasGer.txt");
+
+  // Another order chosen after the gathering is that of the rows too.
+  const std::string gathered = Printed(desk, {});
+  Printed(desk, {{"rgOrdem", "0"}});
+  desk.Set("rgOrdem", "1");
+  EXPECT_EQ(test::Printed(desk, "BitBtn33"), gathered);
 }
 
 TEST_F(FluxoPrintedTest, WithOrdersAndPurchases) {

@@ -237,7 +237,8 @@ TEST_F(RelFluxoTest, BalancesAreMarkedAndLost) {
   EXPECT_NE(desk.Messages(), "");
   desk.Do({{"do", "key"}, {"control", "OrvDBGrid1"}, {"key", "Delete"}, {"row", 0}});
   EXPECT_EQ(saldos(), "N|10250-1|800.05|100.5\nS|20418-7|-3|100.5\n");
-  Gathered(desk, kDe, kAte, {{"EdtConta", "10250-1"}, {"edtBanco", ""}}, {});
+  // A list that names no bank asks for none.
+  Gathered(desk, kDe, kAte, {{"EdtConta", "10250-1"}, {"edtBanco", " , "}}, {});
   EXPECT_EQ(saldos(), "S|10250-1|800.05|-\n");
 
   desk.Set("EdtConta", "77");

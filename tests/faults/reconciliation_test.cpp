@@ -1,7 +1,7 @@
 // The workbench's reconciliation, undo and confirmed return file: all or nothing at every step, killed or
 // not.
-#include "tests/faults/kills.h"
 #include "tests/reconciliation/concilia_desk.h"
+#include "tests/support/kills.h"
 
 namespace orv::test {
 namespace {

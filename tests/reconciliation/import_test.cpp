@@ -1,9 +1,6 @@
 // The page "Importação": files loaded for review, confirmed, refused; what is left after a fault.
-#include <set>
-#include <thread>
-
 #include "tests/reconciliation/extrato_desk.h"
-#include "tests/support/process.h"
+#include "tests/support/kills.h"
 
 namespace orv::test {
 namespace {
@@ -190,34 +187,23 @@ TEST_F(ExtratoTest, ManyLinesOneAfterTheOther) {
 }
 
 TEST_F(ExtratoTest, AKilledConfirmationLeavesAllOrNone) {
-  using std::chrono::microseconds;
-  using std::chrono::steady_clock;
-  constexpr int kKills = 12;
-  std::set<std::string> left;
-  microseconds whole{};
-  for (int kill = -1; kill < kKills; ++kill) {
-    const std::string name = "kill" + std::to_string(kill) + ".ofx";
-    LetGo();
-    DriveProcess desk(database_);
-    for (const char* screen : {"TFmCadExtrato"}) desk.Do({{"do", "open"}, {"class", screen}});
-    desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
-    desk.Do({{"do", "set"}, {"control", "EdtCam"}, {"value", Written(name, Many(1000))}});
-    desk.Do({{"do", "set"}, {"control", "EdtIConta"}, {"value", kOfx}});
-    desk.Do({{"do", "click"}, {"control", "BitBtn6"}});
-    desk.Do({{"do", "answer"}, {"value", "ok"}});
-    const auto begun = steady_clock::now();
-    if (kill < 0) {
-      desk.Do({{"do", "click"}, {"control", "BitBtn4"}});
-      whole = std::chrono::duration_cast<microseconds>(steady_clock::now() - begun);
-    } else {
-      desk.Send({{"do", "click"}, {"control", "BitBtn4"}});
-      std::this_thread::sleep_until(begun + whole * kill * 5 / (kKills * 4));
-    }
-    desk.Kill();
-    left.insert(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = '" + name + "'"));
-  }
-  for (const std::string& lines : left) EXPECT_TRUE(lines == "0" || lines == "1000") << lines;
-  EXPECT_EQ(left.size(), 2U);
+  int file = 0;
+  std::string name;
+  ExpectAllOrNothing(
+      12, {{"do", "click"}, {"control", "BitBtn4"}},
+      [&] {
+        name = "kill" + std::to_string(++file) + ".ofx";
+        LetGo();
+        auto desk = std::make_unique<DriveProcess>(database_);
+        desk->Do({{"do", "open"}, {"class", "TFmCadExtrato"}});
+        desk->Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
+        desk->Do({{"do", "set"}, {"control", "EdtCam"}, {"value", Written(name, Many(1000))}});
+        desk->Do({{"do", "set"}, {"control", "EdtIConta"}, {"value", kOfx}});
+        desk->Do({{"do", "click"}, {"control", "BitBtn6"}});
+        desk->Do({{"do", "answer"}, {"value", "ok"}});
+        return desk;
+      },
+      [&] { return Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = '" + name + "'"); });
 }
 
 // What the database refuses at the last line takes the others back.

@@ -61,9 +61,16 @@ TEST_F(PrintedTest, EachGrouping) {
   }
   printed += "##### Pendentes à parte, com os títulos\n" +
              Printed(desk, {{"RgAgrupar", "0"}, {"cbAgpPendente", "true"}, {"CbFinanceiro", "true"}});
+  // What was gathered is printed, whatever was chosen since.
+  const std::string whole = test::Printed(desk, "BitBtn33");
+  Fill(desk, {{"RgData", "2"}, {"RgAgrupar", "4"}, {"cbAgpPendente", "false"}});
+  EXPECT_EQ(test::Printed(desk, "BitBtn33"), whole);
+  EXPECT_EQ(desk.Text("RgData"), "Vencimento");
+  Fill(desk, {{"RgData", "1"}, {"RgAgrupar", "0"}});
   Period(desk, "01/11/2026", "05/11/2026");
   printed += "##### Sem movimentos\n" +
              Printed(desk, {{"cbAgpPendente", "false"}, {"CbFinanceiro", "false"}, {"CbZeradas", "true"}});
+  printed += "##### Nada\n" + Printed(desk, {{"CbZeradas", "false"}});
   ExpectFile(printed, ORV_FILES "WccFluxo.txt");
 }
 
