@@ -22,7 +22,7 @@ p { margin: 2px 0; }
 table { border-collapse: collapse; width: 100%; font-variant-numeric: tabular-nums; }
 th { text-align: left; border-bottom: 1px solid #51616c; padding: 4px 6px; vertical-align: bottom; }
 td { padding: 3px 6px; vertical-align: top; overflow-wrap: break-word; border-bottom: 1px solid #e6eaed; }
-.d { text-align: right; } td.d { white-space: nowrap; overflow-wrap: normal; } .c { text-align: center; }
+.d { text-align: right; } td.d, td.n { white-space: nowrap; overflow-wrap: normal; } .c { text-align: center; }
 .b td { font-weight: 600; } .i td { font-style: italic; } .a td { color: #9b1c1c; } .s td { background: #eef2f4; }
 .r td { border-top: 1px solid #51616c; }
 .notes { margin-top: 18px; border-left: 3px solid #a15c00; padding-left: 10px; color: #5f3b00; }
@@ -66,6 +66,12 @@ std::string_view AlignClass(Align align) {
   return align == Align::Right ? " class=\"d\"" : align == Align::Center ? " class=\"c\"" : "";
 }
 
+// A code isn't broken at its signs; a sentence and what is longer than any code may be.
+bool IsCode(const ReportCell& cell) {
+  constexpr std::size_t kLongestCode = 20;
+  return cell.span == 1 && cell.text.size() <= kLongestCode && cell.text.find(' ') == std::string::npos;
+}
+
 std::string LineClasses(const ReportLine& line) {
   std::string classes;
   const auto add = [&](bool on, const char* name) {
@@ -104,7 +110,9 @@ void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std
     };
     for (const ReportCell& cell : one.cells) {
       blank(cell.column);
-      html += "<td" + std::string(AlignClass(columns[cell.column].align));
+      const Align align = columns[cell.column].align;
+      html += "<td";
+      html += align == Align::Left && IsCode(cell) ? " class=\"n\"" : AlignClass(align);
       if (cell.span > 1) html += " colspan=\"" + std::to_string(cell.span) + "\"";
       html += ">" + Escaped(cell.text) + "</td>";
       at = cell.column + cell.span;
