@@ -2,6 +2,7 @@
 #include "reconciliation/cadextrado.h"
 
 #include "frame/entry/unit.h"
+#include "toolkit/text.h"
 
 namespace orv {
 
@@ -88,13 +89,27 @@ void TFmCadExtrato::LigaAcesso() {
   edtAConta.OnExit = [this] { ContaExit(edtAConta); };
 
   BitBtn5.OnClick = [this] { BitBtn5Click(); };
-  BitBtn1.OnClick = [this] {
-    // What the filters say, where nobody has asked for it yet.
-    if (!QryExtrato.Active()) BitBtn5Click();
-    Funcoes.Chama_RelatorioWin(*this, "WCCDigExtrato");
-  };
+  BitBtn1.OnClick = [this] { BitBtn1Click(); };
   DBGrid2.OnDblClick = [this] { DBGrid2DblClick(); };
   DBGrid2.OnTitleClick = [this](const std::string& coluna) { ConsultaExtrato(coluna); };
+}
+
+// The lines that were found are printed, under the period that found them.
+void TFmCadExtrato::BitBtn1Click() {
+  if (!QryExtrato.Active()) BitBtn5Click();
+  struct Periodo {
+    explicit Periodo(TFmCadExtrato& t) : tela(t), de(t.dtInicio.Text()), ate(t.dtFim.Text()) {
+      tela.dtInicio.SetText(tela.consultado_.first);
+      tela.dtFim.SetText(tela.consultado_.second);
+    }
+    ~Periodo() {
+      tela.dtInicio.SetText(de);
+      tela.dtFim.SetText(ate);
+    }
+    TFmCadExtrato& tela;
+    const std::string de, ate;
+  } const periodo(*this);
+  Funcoes.Chama_RelatorioWin(*this, "WCCDigExtrato");
 }
 
 void TFmCadExtrato::BitBtn5Click() { ConsultaExtrato("DT_CONT "); }
@@ -106,12 +121,13 @@ void TFmCadExtrato::ConsultaExtrato(const std::string& ordem) {
   QryExtrato.SQL.Add("SELECT * FROM " + Funcoes.DBLocal("EXTRATO", true));
   QryExtrato.SQL.Add("WHERE DT_CONT >= " + Funcoes.AspasData(dtInicio.Date()));
   QryExtrato.SQL.Add("AND DT_CONT <= " + Funcoes.AspasData(dtFim.Date()));
-  if (!EdtCDocto.Empty()) QryExtrato.SQL.Add("AND DOCTO = " + Funcoes.Aspas(EdtCDocto.Text()));
-  if (!edtAConta.Empty()) QryExtrato.SQL.Add("AND CONTA = " + Funcoes.Aspas(edtAConta.Text()));
+  if (!Trim(EdtCDocto.Text()).empty()) QryExtrato.SQL.Add("AND DOCTO = " + Funcoes.Aspas(EdtCDocto.Text()));
+  if (!Trim(edtAConta.Text()).empty()) QryExtrato.SQL.Add("AND CONTA = " + Funcoes.Aspas(edtAConta.Text()));
   if (RgBusca.ItemIndex() == 1) QryExtrato.SQL.Add("AND CONCILIADO = 'N'");
   if (RgBusca.ItemIndex() == 2) QryExtrato.SQL.Add("AND CONCILIADO = 'S'");
   QryExtrato.SQL.Add("ORDER BY " + ordem);
   QryExtrato.Open();
+  consultado_ = {dtInicio.Text(), dtFim.Text()};
 }
 
 void TFmCadExtrato::DBGrid2DblClick() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "frame/module.h"
@@ -130,6 +131,7 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   void LigaImportacao();
 
   // --- Acesso (cadextrado.cpp).
+  void BitBtn1Click();
   void BitBtn5Click();
   void ConsultaExtrato(const std::string& ordem);
   void DBGrid2DblClick();
@@ -172,6 +174,8 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   std::string Repetidas();
   void GravaExtrato();
 
+  // The period of the lines found.
+  std::pair<std::string, std::string> consultado_;
   // The file chosen is no OFX.
   bool NotOFX = true;
   // The account whose balance stands in EdtSaldo.

@@ -1,7 +1,7 @@
 // The page "Importação": a bank's file, read for review and then written to EXTRATO.
 #include <algorithm>
 #include <filesystem>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "reconciliation/cadextrado.h"
 #include "reconciliation/formats/outside_file.h"
@@ -66,6 +66,11 @@ void TFmCadExtrato::EdtIContaChange() { EdtISaldo.SetAmount(SaldoExtrato(EdtICon
 void TFmCadExtrato::CarregaArquivo() {
   TbImporta.EmptyDataSet();
   LbCarga.SetCaption("");
+  // A file is known by its name, whatever folder was typed with it.
+  if (const std::filesystem::path arquivo(EdtArq.Text()); arquivo.has_parent_path()) {
+    EdtCam.SetText((std::filesystem::path(EdtCam.Text()) / arquivo.parent_path()).string());
+    EdtArq.SetText(arquivo.filename().string());
+  }
   if (!EdtCam.Empty() && !EdtCam.Text().ends_with('/')) EdtCam.SetText(EdtCam.Text() + "/");
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
   if (!OutsideFileExists(caminho)) {
@@ -177,8 +182,13 @@ std::string TFmCadExtrato::Resumo(const BankTextSummary& lidas) const {
 
 std::string TFmCadExtrato::Resumo(const OfxSummary& lidos) const {
   std::string texto = Conta(lidos.lines, "linha carregada", "linhas carregadas");
-  if (lidos.unfinished > 0)
-    texto += "; " + Conta(lidos.unfinished, "deixada de fora", "deixadas de fora") + " (sem fim no arquivo)";
+  std::vector<std::string> fora;
+  if (lidos.unfinished > 0) fora.push_back(std::to_string(lidos.unfinished) + " sem fim no arquivo");
+  if (lidos.unbegun > 0) fora.push_back(std::to_string(lidos.unbegun) + " sem início");
+  if (!fora.empty()) {
+    texto += "; " + Conta(lidos.unfinished + lidos.unbegun, "deixada de fora", "deixadas de fora") + " (" +
+             Join(fora, ", ") + ")";
+  }
   texto += ".";
   if (lidos.unread_amounts > 0)
     texto += " " + Conta(lidos.unread_amounts, "valor ilegível entrou", "valores ilegíveis entraram") +
@@ -208,12 +218,12 @@ std::string TFmCadExtrato::Repetidas() {
   struct Gravadas : RowSink {
     void Columns(const std::vector<Column>&) override {}
     bool Row(std::span<Value> linha) override {
-      chaves.insert(chave(linha[0], linha[1], linha[2]));
+      ++chaves[chave(linha[0], linha[1], linha[2])];
       return true;
     }
     explicit Gravadas(std::string (*c)(const Value&, const Value&, const Value&)) : chave(c) {}
     std::string (*chave)(const Value&, const Value&, const Value&);
-    std::unordered_set<std::string> chaves;
+    std::unordered_map<std::string, int64_t> chaves;
   } gravadas(chave);
   Tabela.IBDatabase().Fetch("SELECT DT_CONT, VALOR, DOCTO FROM " + Funcoes.DBLocal("EXTRATO", true) +
                                 " WHERE CONTA = " + Funcoes.Aspas(EdtIConta.Text()) +
@@ -222,9 +232,11 @@ std::string TFmCadExtrato::Repetidas() {
                             gravadas);
   std::size_t repetidas = 0;
   for (int64_t i = 0; i < linhas && !gravadas.chaves.empty(); ++i) {
-    repetidas += gravadas.chaves.contains(chave(TbImporta.Cell(i, TbImporta.DtCont),
-                                                TbImporta.Cell(i, TbImporta.Valor),
-                                                TbImporta.Cell(i, TbImporta.Docto)));
+    // Each line that stands there is found once.
+    const auto achada =
+        gravadas.chaves.find(chave(TbImporta.Cell(i, TbImporta.DtCont), TbImporta.Cell(i, TbImporta.Valor),
+                                   TbImporta.Cell(i, TbImporta.Docto)));
+    if (achada != gravadas.chaves.end() && achada->second-- > 0) ++repetidas;
   }
   if (repetidas == 0) return "";
   return " " + Conta(repetidas, "já está", "já estão") +

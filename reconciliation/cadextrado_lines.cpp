@@ -79,7 +79,7 @@ void TFmCadExtrato::Maiusculas(const char* campo) {
 // --- Leaving the fields.
 
 void TFmCadExtrato::ContaExit(Edit& campo) {
-  if (campo.Empty() || Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(campo.Text()))) return;
+  if (Trim(campo.Text()).empty() || Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(campo.Text()))) return;
   Inform("Conta não cadastrada.");
   campo.SetFocus();
 }
@@ -87,7 +87,7 @@ void TFmCadExtrato::ContaExit(Edit& campo) {
 void TFmCadExtrato::EdtContaExit() {
   if (!TbExtrato.Editing()) return;
   const std::string conta = TbExtrato["CONTA"].AsString();
-  if (conta.empty()) {
+  if (Trim(conta).empty()) {
     PqConta.AbrePesquisa();
   } else if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(conta))) {
     Inform("Conta não cadastrada.");

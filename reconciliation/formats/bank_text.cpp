@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <optional>
 #include <vector>
 
 #include "reconciliation/formats/outside_file.h"
@@ -43,9 +44,8 @@ class Reader {
 
   void Line(std::string_view line) {
     ++summary_.read;
-    conta_.clear(), docto_.clear(), data_.clear(), valor_.clear(), operacao_.clear(), obs_.clear(),
-        chave_.clear();
-    mascara_ = {};
+    conta_.clear(), docto_.clear(), valor_.clear(), operacao_.clear(), obs_.clear(), chave_.clear();
+    dia_.reset();
     const bool separated =
         !ordem_.empty() && layout_.Separated() && line.find(layout_.separador) != std::string_view::npos;
     if (separated ? Separated(line) : Fixed(line)) HandOn();
@@ -75,8 +75,7 @@ class Reader {
         docto_ = token_;
         return;
       case kDtCont:
-        data_ = token_;
-        mascara_ = layout_.campos[row].mascara;
+        dia_ = DateByMask(token_, layout_.campos[row].mascara);
         return;
       case kValor:
         valor_ = token_;
@@ -118,8 +117,7 @@ class Reader {
     }
     if (!OfAccount()) return false;
     docto_ = campo(kDocto);
-    data_ = campo(kDtCont);
-    if (campos_[kDtCont] != nullptr) mascara_ = campos_[kDtCont]->mascara;
+    dia_ = DateByMask(campo(kDtCont), campos_[kDtCont] == nullptr ? "" : campos_[kDtCont]->mascara);
     valor_ = campo(kValor);
     operacao_ = campo(kOperacao);
     if (operacao_ == "+") operacao_ = "C";
@@ -150,7 +148,8 @@ class Reader {
   }
 
   void HandOn() {
-    const Date day = DateByMask(data_, mascara_);
+    // A line too short to have a date has none that can be read.
+    const Date day = dia_ ? *dia_ : DateByMask("", "");
     const Currency amount = ImpliedAmount(valor_);
     ++summary_.lines;
     sink_({resolved_, docto_, day, amount, operacao_, obs_, chave_});
@@ -165,8 +164,8 @@ class Reader {
   // What the rows of the layout mean, in their order; kCampos for one that isn't read.
   std::vector<Campo> ordem_;
 
-  std::string conta_, docto_, data_, valor_, operacao_, obs_, chave_, token_;
-  std::string_view mascara_;
+  std::string conta_, docto_, valor_, operacao_, obs_, chave_, token_;
+  std::optional<Date> dia_;
   // The latest account text and what it means.
   bool known_ = false;
   std::string asked_, resolved_;

@@ -28,6 +28,12 @@ constexpr std::array<std::pair<std::string_view, Tag>, 9> kTags = {{
 }};
 constexpr std::size_t kLongestName = 32;
 
+// What can stand beside a text in a transaction.
+constexpr std::array<std::string_view, 22> kElements = {
+    "STMTTRN", "TRNTYPE",  "DTPOSTED",   "DTUSER",   "DTAVAIL",      "TRNAMT",       "FITID", "CORRECTFITID",
+    "SRVRTID", "REFNUM",   "SIC",        "CHECKNUM", "PAYEEID",      "NAME",         "PAYEE", "EXTDNAME",
+    "MEMO",    "CURRENCY", "BANKACCTTO", "CCACCTTO", "ORIGCURRENCY", "CORRECTACTION"};
+
 // The tag that begins at the "<" at `at`, None for one that isn't read.
 Tag TagAt(std::string_view line, std::size_t at, std::size_t& value) {
   const std::string_view rest = line.substr(at);
@@ -60,36 +66,27 @@ std::string_view UpToTag(std::string_view line, std::size_t from) {
   return Trim(line.substr(from, end == npos ? npos : end - from));
 }
 
-// The text from `from` to the next closing tag or the end of the line.
-std::string_view UpToClose(std::string_view line, std::size_t from) {
-  const std::size_t end = line.find("</", from);
+// The text from `from` to the next closing tag, the next element of a transaction or the end of the line: a
+// text may hold what looks like a tag.
+std::string_view Memo(std::string_view line, std::size_t from) {
+  const auto ends = [&](std::size_t at) {
+    const std::string_view rest = line.substr(at + 1, kLongestName);
+    const std::string_view name = rest.substr(0, rest.find('>'));
+    return rest.starts_with('/') || (name.size() < rest.size() &&
+                                     std::find(kElements.begin(), kElements.end(), name) != kElements.end());
+  };
+  std::size_t end = line.find('<', from);
+  while (end != npos && !ends(end)) end = line.find('<', end + 1);
   return Trim(line.substr(from, end == npos ? npos : end - from));
 }
 
 // Hands on every tag of a line with its value.
 template <class Take>
 void Tags(std::string_view line, const Take& take) {
-  const std::size_t first = line.find('<');
-  if (first == npos) return;
-  // How many tags that are read stand in the line, and where the first of them does.
-  std::size_t count = 0, only = npos, value = 0;
-  Tag tag = Tag::None;
-  for (std::size_t at = first; at != npos && count < 2; at = line.find('<', at + 1)) {
-    std::size_t after = 0;
-    const Tag here = TagAt(line, at, after);
-    if (here == Tag::None) continue;
-    if (++count == 1) tag = here, only = at, value = after;
-  }
-  if (count == 0) return;
-  if (count == 1 && only == first) {
-    // A text alone in its line may hold what looks like a tag.
-    take(tag, tag == Tag::Memo ? UpToClose(line, value) : UpToTag(line, value));
-    return;
-  }
-  for (std::size_t at = only; at != npos; at = line.find('<', at + 1)) {
-    std::size_t after = 0;
-    const Tag here = TagAt(line, at, after);
-    if (here != Tag::None) take(here, UpToTag(line, after));
+  for (std::size_t at = line.find('<'); at != npos; at = line.find('<', at + 1)) {
+    std::size_t value = 0;
+    const Tag tag = TagAt(line, at, value);
+    if (tag != Tag::None) take(tag, tag == Tag::Memo ? Memo(line, value) : UpToTag(line, value));
   }
 }
 
@@ -152,7 +149,11 @@ class Reader {
         return;
       case Tag::End:
         // An end without a beginning has nothing of its own.
-        if (std::exchange(open_, false)) HandOn(line);
+        if (std::exchange(open_, false)) {
+          HandOn(line);
+        } else {
+          ++summary_.unbegun;
+        }
         return;
       case Tag::Server:
         if (events_.server_date) events_.server_date(Day(value));

@@ -20,6 +20,7 @@ struct OfxSummary {
   bool more_accounts = false;
   std::size_t lines = 0;           // transactions handed on
   std::size_t unfinished = 0;      // transactions without their end, left out
+  std::size_t unbegun = 0;         // ends without their transaction, left out
   std::size_t unread_amounts = 0;  // transactions handed on with zero, since their amount is no number
 };
 
@@ -33,8 +34,8 @@ struct OfxEvents {
 // it.
 std::optional<std::string> OfxBank(std::string_view text);
 
-// Hands on each transaction when its end is reached, with `conta` and `chave` empty. A line of the file holds
-// one tag; where it holds several, it is read tag by tag. Raises UserError, which names the line, for a
+// Hands on each transaction when its end is reached, with `conta` and `chave` empty. A line of the file may
+// hold several tags. Raises UserError, which names the line, for a
 // transaction whose date isn't one; those before it were handed on.
 void ReadOfx(std::string_view text, const OfxEvents& events, OfxSummary& summary);
 

@@ -63,6 +63,21 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   EXPECT_EQ(Told(desk),
             "2 linhas carregadas. 2 já estão no extrato com a mesma conta, data, valor e documento.");
   EXPECT_EQ(desk.Text("EdtISaldo"), "1.489,50");
+  // Also where the folder is typed with the name.
+  desk.Set("EdtCam", folder_.Path().string());
+  desk.Set("EdtArq", "copia/NOVEMBRO.OFX");
+  desk.Click("BitBtn6");
+  EXPECT_EQ(desk.Messages() + desk.Text("EdtArq"), "Arquivo Já Carregado.NOVEMBRO.OFX");
+  desk.Answer("ok");
+
+  // Of two equal lines one stands there; what is no whole transaction is told.
+  const std::string uma = "<STMTTRN>\n<DTPOSTED>20261118\n<TRNAMT>-10.50\n<CHECKNUM>000123\n";
+  const std::string fim = "</STMTTRN>\n";
+  EXPECT_EQ(Load(desk, Written("dobro.ofx", "<BANKID>0903\n" + uma + fim + uma + fim + fim + uma), kOfx),
+            kLoaded);
+  EXPECT_EQ(Told(desk),
+            "2 linhas carregadas; 2 deixadas de fora (1 sem fim no arquivo, 1 sem início). 1 já está no "
+            "extrato com a mesma conta, data, valor e documento.");
 }
 
 TEST_F(ExtratoTest, AsksBeforeAFileOfAnotherBank) {

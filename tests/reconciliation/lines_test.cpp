@@ -59,7 +59,7 @@ TEST_F(LinesTest, FindsByAnyMixOfFilters) {
                         {"edtAConta", "20418-7", "000003"},
                         {"RgBusca", "Conciliados", ""},
                         {"EdtCDocto", "' OR '1'='1", ""},
-                        {"EdtCDocto", "", ""},
+                        {"EdtCDocto", " ", ""},
                         {"edtAConta", "", "000002"},
                         {"dtFim", "11/11/2026", ""},
                         {"RgBusca", "0", "000001 000003"},

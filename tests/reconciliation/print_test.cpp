@@ -41,6 +41,11 @@ TEST_F(ConciliaPrintTest, StatementLinesFound) {
   desk.Click("BitBtn5");
   printed += "##### Conciliados\n" + Printed(desk, "BitBtn1");
   ExpectFile(printed, ORV_FILES "extrato.txt");
+  // Under the period by which the lines were found.
+  const std::string found = Printed(desk, "BitBtn1");
+  desk.Set("dtInicio", "20/11/2026");
+  EXPECT_EQ(Printed(desk, "BitBtn1"), found);
+  EXPECT_EQ(desk.Text("dtInicio"), "20/11/2026");
 }
 
 }  // namespace

@@ -75,6 +75,7 @@ TEST(OfxTest, ReadsWhatBanksWrite) {
       {"all_in_one_line.ofx", tarifa + "2026-11-19|1500.00|C|000124|DOIS < TRES\n"},
       {"type_and_date_in_one_line.ofx", tarifa + "2026-11-18|5.00|C|000123|TARIFA\n"},
       {"tag_in_the_memo.ofx", "2026-11-18|10.50|D|000123|VER <NOTA> ANEXA\n"},
+      {"memo_among_tags.ofx", tarifa + "2026-11-18|10.50|D|000123|VER <NOTA> ANEXA\n"},
       {"several_accounts.ofx", tarifa + "2026-11-18|3.00|C|000123|TARIFA\n"},
       {"truncated.ofx", tarifa},
       {"no_date.ofx", tarifa + "! Linha 41 do arquivo: \"\" não é uma data válida.\n"},
@@ -91,6 +92,7 @@ TEST(OfxTest, TellsWhatElseTheFileHeld) {
   EXPECT_TRUE(ReadOfxFile("bad_server_date.ofx").server.Empty());
   EXPECT_EQ(ReadOfxFile("truncated.ofx").summary.unfinished, 1U);
   EXPECT_EQ(ReadOfxFile("stray_end.ofx").summary.unfinished, 1U);
+  EXPECT_EQ(ReadOfxFile("stray_end.ofx").summary.unbegun, 1U);
   EXPECT_EQ(ReadOfxFile("amount_unreadable.ofx").summary.unread_amounts, 1U);
   // The other party's account in a transfer isn't the statement's.
   EXPECT_EQ(ReadOfxFile("several_accounts.ofx").summary.accounts,
@@ -192,6 +194,10 @@ TEST(BankTextTest, ReadsLaidOutLines) {
       {"separated_ends_with_separator.txt", "2026-11-18|1.00||D1|X\n" + one},
       {"separated_and_a_plain_line.txt", "2026-11-18|1.00|C|D1|X\n1 of 2, 0 of others, 1 refused"},
       {"separated_bad_date.txt",
+       "2026-11-18|1.00|C|D1|X\n! Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.\n"
+       "1 of 2, 0 of others, 0 refused"},
+      // The date is read before the account is looked for.
+      {"separated_bad_date_elsewhere.txt",
        "2026-11-18|1.00|C|D1|X\n! Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.\n"
        "1 of 2, 0 of others, 0 refused"},
   };
