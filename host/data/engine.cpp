@@ -138,6 +138,15 @@ void MakeRoot(const fs::path& folder) {
 
 constexpr std::array kSignals = {SIGTERM, SIGINT};
 
+// Keeps the engine's code in memory for the life of the process: the thread of a finished task may still be
+// on its way out when the client library takes the engine away.
+void KeepEngineLoaded() {
+  const char* root = std::getenv("FIREBIRD");
+  if (root == nullptr) return;
+  // The handle is kept for good. Where the engine isn't in use, at a server, there is none.
+  dlopen((fs::path(root) / "plugins/libEngine12.so").c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
 bool HostName(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
     return std::isalnum(c) || c == '.' || c == '-' || c == '_';
@@ -217,6 +226,7 @@ void KeepingSignals(const std::function<void()>& attach) {
   } restore;
   for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], nullptr, &restore.before[i]);
   attach();
+  KeepEngineLoaded();
   installed = true;
 }
 
