@@ -148,6 +148,15 @@ TEST_F(DialogTest, TransferProposesItsText) {
   desk.Click("pqHistEnt");
   desk.Do({{"do", "choose"}, {"key", "008"}});
   EXPECT_TRUE(desk.Property("CbPendente", "checked").Bool());
+
+  // Filled is enough, whether the account is there or not.
+  desk.Do({{"do", "close"}});
+  desk.Click("BitBtn7");
+  desk.Set("EdtConta", kConta);
+  desk.Set("EdtContaDest", "77");
+  desk.Focus("EdtDocto");
+  desk.Answer("ok");
+  EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 77");
 }
 
 TEST_F(DialogTest, TransferRefusesInOrder) {
