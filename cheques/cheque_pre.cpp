@@ -14,6 +14,7 @@ const Unit kUnit("Cheque_pre", {"TfmChequePre", "Controle de Cheques", ScreenKin
                                 [](Application& a) { return std::make_unique<TfmChequePre>(a); }});
 
 constexpr const char* kEmEdicao = "Confirme ou desista primeiro do cheque em edição.";
+constexpr const char* kEmTransferencia = "Confirme ou desista primeiro da transferência.";
 constexpr const char* kSumiu = "Outro usuário alterou ou excluiu este cheque. Consulte novamente.";
 
 }  // namespace
@@ -238,7 +239,7 @@ void TfmChequePre::DBGrid2DblClick() {
   // What is being typed there isn't thrown away.
   if (PainelConfirma.Visible()) {
     PageControl1.SetActivePage(TabSheet2);
-    return Inform(kEmEdicao);
+    return Inform(Transferindo() ? kEmTransferencia : kEmEdicao);
   }
   std::vector<Value> identidade;
   for (const char* campo : {"CHAVE", "BANCO", "CONTA", "NUMERO"})

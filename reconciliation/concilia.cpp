@@ -194,7 +194,10 @@ void TFmConcilia::LigaGrades() {
       if (set.Tag < 2) CalculaTotais();
     };
     // A click on a title and a click on a cell.
-    lado.grade.OnTitleClick = [&set](const std::string&) { set.Tag = 1; };
+    lado.grade.OnTitleClick = [&set](const std::string&) {
+      set.PostIfEditing();
+      set.Tag = 1;
+    };
     set.BeforeEdit = [&set] {
       if (set.Tag == 1) set.Tag = 0;
     };

@@ -87,6 +87,7 @@ void TFmConcilia::CarregaPendentes() {
   TbArquivo.SetFiltered(false);
   TbArquivo.EmptyDataSet();
   conta_arq_ = EdtContaArq.Text();
+  gravadas_.clear();
   struct Pendentes : RowSink {
     explicit Pendentes(ArquivoSet& s) : set(s) {}
     void Columns(const std::vector<Column>&) override {}
@@ -188,16 +189,18 @@ void TFmConcilia::BitBtn10Click() {
   std::unordered_set<std::string> gravados;
   for (const Linha& linha : linhas) {
     const std::string dia = Funcoes.AspasData(linha.data), numero = Funcoes.Aspas(linha.lancto);
+    const auto gravada = gravadas_.find(linha.lancto);
+    const std::string antes = gravada == gravadas_.end() ? dia : Funcoes.AspasData(gravada->second);
     const std::string altera = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) +
                                " SET PENDENTE = 'N', DT_CONT = " + dia + " WHERE LANCAMENTO = " + numero;
-    // A movement that isn't as the load found it was taken by another user; one that stands as this would
-    // leave it was confirmed before.
+    // A movement that isn't as the load found it was taken by another user; one that stands as this page left
+    // it, or as it would leave it, is confirmed again.
     if (gravados.insert(linha.lancto).second &&
-        Tabela.IBDatabase().Execute(altera + " AND DOCTO = " + Funcoes.Aspas(linha.docto) +
+        Tabela.IBDatabase().Execute(altera + " AND COALESCE(DOCTO, '') = " + Funcoes.Aspas(linha.docto) +
                                     " AND CONTA = " + Funcoes.Aspas(conta_arq_) +
-                                    " AND OPERACAO = " + Funcoes.Aspas(linha.operacao) +
+                                    " AND COALESCE(OPERACAO, '') = " + Funcoes.Aspas(linha.operacao) +
                                     " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(linha.valor) +
-                                    " AND (PENDENTE = 'S' OR (PENDENTE = 'N' AND DT_CONT = " + dia +
+                                    " AND (PENDENTE = 'S' OR (PENDENTE = 'N' AND DT_CONT = " + antes +
                                     " AND COALESCE(LANC_CON, '') = ''))") == 0) {
       throw UserError("Outro usuário alterou ou conciliou o lançamento " + linha.lancto +
                       " depois da carga. Nada foi gravado, e as marcações continuam na tela.");
@@ -205,6 +208,7 @@ void TFmConcilia::BitBtn10Click() {
     Tabela.IBDatabase().Execute(altera);
   }
   Tabela.CommitRetaining();
+  for (const Linha& linha : linhas) gravadas_[linha.lancto] = linha.data;
   Inform("Conciliação concluída com sucesso!");
 }
 

@@ -118,6 +118,16 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
   EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
   desk.Answer("ok");
   EXPECT_EQ(All(), left + "/A1|P|-//");
+  // A day that was wrong is put right.
+  desk.Do({{"do", "cell"},
+           {"control", "OrvDBGrid3"},
+           {"row", 0},
+           {"column", "Dt_Comp"},
+           {"value", "20/11/2026"}});
+  desk.Click("BitBtn10");
+  EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
+  desk.Answer("ok");
+  EXPECT_TRUE(All().starts_with("A1|N||2026-11-20;A1|N||2026-11-20;A2|S|")) << All();
 
   // Another user was faster.
   Run("UPDATE CONTACOR_001 SET PENDENTE = 'S'");
