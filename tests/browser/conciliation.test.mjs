@@ -73,10 +73,16 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   // Tied, both stand among the reconciled ones, and are taken apart again.
   const both = () => until("movimento e linha", async () => (await rows(page, "Movimento")).length === 1 && (await rows(page, "Extrato")).length === 1);
   const status = (text) => until(`status ${text}`, () => page.evaluate((wanted) => document.activeElement?.closest("label")?.textContent === wanted || document.activeElement?.getAttribute("aria-label") === wanted, text));
-  for (let presses = 0; presses < 9; ++presses) await keys(page, "Shift+Tab");
+  await focusIs(page, "Conciliar");
+  await keys(page, "Alt+f");
+  await page.getByRole("tab", { name: "Conciliação", exact: true }).waitFor({ state: "detached" });
+  await openScreen(page, "concil", "Conciliação");
+  await focusIs(page, "Conta");
+  await keys(page, "33021-5", "Tab", "000777", "Tab", "Tab");
+  await status("A conciliar");
   await keys(page, "ArrowLeft");
   await status("Conciliados");
-  await keys(page, "Tab", "Tab", "Enter");
+  await keys(page, "Alt+c");
   await both();
   await picture(page, "workbench-tied");
   await keys(page, "Alt+v");
