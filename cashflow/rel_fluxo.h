@@ -11,9 +11,11 @@
 #include <string_view>
 #include <vector>
 
-#include "cashflow/rules.h"
 #include "frame/module.h"
 #include "frame/report_screen.h"
+#include "rules/dias_efetivos.h"
+#include "rules/parcelas.h"
+#include "rules/titulo.h"
 #include "toolkit/client_dataset.h"
 #include "toolkit/shared_texts.h"
 

@@ -1,22 +1,11 @@
-#include "cashflow/rules.h"
+#include "rules/parcelas.h"
 
 #include <cstdlib>
 
 #include "toolkit/text.h"
+#include "toolkit/value.h"
 
 namespace orv {
-
-Date DiasEfetivos::DiaUtil(Date dia) {
-  const auto [found, added] = uteis_.try_emplace(dia.Days());
-  if (added) found->second = funcoes_.VerificaDiaUtil(dia, false);
-  return found->second;
-}
-
-Date DiasEfetivos::Credito(Date dia, std::string_view situacao) {
-  const auto [found, added] = creditos_[std::string(situacao)].try_emplace(dia.Days());
-  if (added) found->second = contabil_.DataContabilizacaoBancaria(dia, situacao, true);
-  return found->second;
-}
 
 std::string_view CondicaoPagamento::Vaga(int parcela) const {
   const auto from = static_cast<std::size_t>((parcela - 1) * kLargura);

@@ -1,8 +1,9 @@
-// What the cash-flow screens reckon alike: instalments, order values, payment conditions.
-#include "cashflow/rules.h"
+// Instalments, order values, payment conditions, open amounts.
+#include "rules/parcelas.h"
 
 #include <gtest/gtest.h>
 
+#include "rules/titulo.h"
 #include "toolkit/error.h"
 
 namespace orv::test {
