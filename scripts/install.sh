@@ -1,18 +1,32 @@
 # Installs Debian packages that aren't there yet. Sourced by ./run and ./test.
+
+# apt-get, once no other process holds its locks: it is asked again for ten minutes.
+apt_get() {
+  local end=$((SECONDS + 600)) told="" output
+  until output=$("${as_root[@]}" env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get -qq -o Acquire::Retries=3 \
+    -o DPkg::Lock::Timeout=5 "$@" 2>&1); do
+    if [[ ! "$output" =~ (Could not get lock|Unable to acquire|Unable to lock) ]] || [ $SECONDS -ge $end ]; then
+      echo "$output" >&2
+      return 1
+    fi
+    [ -n "$told" ] || echo "Outro processo usa o apt-get: à espera dele, por até dez minutos." >&2
+    told=1
+    sleep 3
+  done
+}
+
 install_packages() {
-  local missing=() package
+  local missing=() package as_root=()
   for package in "$@"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return 0
-  local sudo=""
   if [ "$(id -u)" != 0 ]; then
     command -v sudo >/dev/null || { echo "Faltam os pacotes: ${missing[*]}. Instale-os como root." >&2; return 1; }
-    sudo=sudo
+    as_root=(sudo)
   fi
   echo "Instalando: ${missing[*]}"
-  $sudo apt-get update -qq
-  $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  apt_get update && apt_get install -y --no-install-recommends "${missing[@]}"
 }
 
 # What the desk needs to be built and to run.
