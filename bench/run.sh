@@ -20,7 +20,7 @@ for program in "${programs[@]}"; do
     targets+=("bench_$program")
   fi
 done
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORV_TESTS=ON >/dev/null
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORV_TESTS=OFF -DORV_BENCH=ON >/dev/null
 cmake --build "$build" --target "${targets[@]}" >&2
 
 printf '%-58s %14s %16s %7s\n' what measured limit ratio

@@ -7,47 +7,27 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <boost/asio.hpp>
-#include <boost/beast/core.hpp>
-#include <boost/beast/http.hpp>
-#include <boost/beast/websocket.hpp>
 #include <deque>
 #include <fstream>
-#include <functional>
 
+#include "tests/wire/wire.h"
 #include "toolkit/error.h"
 
 namespace orv::bench {
 namespace {
 
-namespace asio = boost::asio;
-namespace beast = boost::beast;
-namespace http = beast::http;
-namespace websocket = beast::websocket;
-using asio::ip::tcp;
 using Clock = std::chrono::steady_clock;
 
 double Since(Clock::time_point begun) { return std::chrono::duration<double>(Clock::now() - begun).count(); }
 
-tcp::endpoint Endpoint(int port) { return {asio::ip::address_v4::loopback(), static_cast<uint16_t>(port)}; }
-
 std::string Host(int port) { return "127.0.0.1:" + std::to_string(port); }
 
-http::response<http::string_body> Ask(int port, http::verb method, const char* target,
-                                      const std::string& body) {
-  http::request<http::string_body> request(method, target, 11, body);
-  request.set(http::field::host, Host(port));
-  request.set(http::field::content_type, "application/json");
-  request.prepare_payload();
-  asio::io_context io;
-  tcp::socket socket(io);
-  socket.connect(Endpoint(port));
-  http::write(socket, request);
-  beast::flat_buffer buffer;
-  http::response<http::string_body> response;
-  http::read(socket, buffer, response);
-  return response;
+wire::Answer Ask(int port, std::string_view method, const char* target, const std::string& body = "") {
+  wire::Connection connection(port);
+  return wire::Ask(connection, method, target, {{"Host", Host(port)}, {"Content-Type", "application/json"}},
+                   body);
 }
 
 // A line that the process prints, within half a minute.
@@ -114,7 +94,7 @@ void Serving::Start(const std::filesystem::path& database) {
   const std::size_t colon = line.find("127.0.0.1:");
   if (colon == std::string::npos) throw UserError("The desk doesn't serve: " + line);
   port_ = std::stoi(line.substr(colon + 10));
-  if (Ask(port_, http::verb::get, "/companies", "").result_int() != 200) throw UserError("No companies.");
+  if (Ask(port_, "GET", "/companies").status != 200) throw UserError("No companies.");
   seconds_ = Since(begun);
 }
 
@@ -142,9 +122,9 @@ std::size_t Serving::Memory() const {
 
 std::string Serving::LogIn(const std::string& user) const {
   const std::string body = R"({"user":")" + user + R"(","password":"mesa clara 2026","company":"_001"})";
-  const auto response = Ask(port_, http::verb::post, "/login", body);
-  const std::string cookie(response[http::field::set_cookie]);
-  if (cookie.empty()) throw UserError("The login failed: " + response.body());
+  const wire::Answer answer = Ask(port_, "POST", "/login", body);
+  const std::string cookie = answer.Header("set-cookie");
+  if (cookie.empty()) throw UserError("The login failed: " + answer.body);
   return cookie.substr(0, cookie.find(';'));
 }
 
@@ -152,123 +132,73 @@ namespace {
 
 class Window {
  public:
-  Window(asio::io_context& io, int port, const std::string& cookie) : socket_(io), timer_(io) {
-    socket_.next_layer().connect(Endpoint(port));
-    socket_.next_layer().set_option(tcp::no_delay(true));
-    websocket::permessage_deflate deflate;
-    deflate.client_enable = true;
-    socket_.set_option(deflate);
-    socket_.set_option(websocket::stream_base::decorator([&](websocket::request_type& request) {
-      request.set(http::field::origin, "http://" + Host(port));
-      request.set(http::field::cookie, cookie);
-    }));
-    socket_.handshake(Host(port), "/door");
+  Window(int port, const std::string& cookie)
+      : socket_(port, "/door",
+                {{"Host", Host(port)}, {"Origin", "http://" + Host(port)}, {"Cookie", cookie}}) {
+    if (socket_.Status() != 101) throw UserError("A window wasn't opened.");
     Await();
   }
 
   std::string Do(std::string_view object) {
-    socket_.write(asio::buffer(object.data(), object.size()));
+    Send(object);
     return Await();
   }
-
-  // From now on until the end, the answers' times go to `times`.
-  void Press(const std::vector<std::string>& objects, Clock::time_point first,
-             std::chrono::milliseconds every, Clock::time_point end, std::vector<double>& times,
-             std::function<void()> done) {
-    objects_ = objects;
-    every_ = every;
-    end_ = end;
-    times_ = &times;
-    done_ = std::move(done);
-    pressing_ = true;
-    Tick(first);
-    // What was begun to be read the last time is still awaited.
-    if (!std::exchange(reading_, true)) Read();
+  void Send(std::string_view object) {
+    if (!socket_.Send(object)) throw UserError("A window was closed.");
   }
+  // How many answers have ended by now.
+  std::size_t Settled() {
+    std::size_t count = 0;
+    while (const auto text = Next(false)) count += !End(*text).empty();
+    return count;
+  }
+  int Socket() const { return socket_.Socket(); }
 
  private:
-  static bool Settled(std::string_view text) {
+  // "" for what doesn't end an answer.
+  static std::string End(std::string_view text) {
     if (text.starts_with(R"({"on":"error")") || text.starts_with(R"({"on":"ended")"))
       throw UserError(std::string(text));
-    return text.starts_with(R"({"on":"idle")") || text.starts_with(R"({"on":"waiting")");
+    for (const char* end : {"idle", "waiting"}) {
+      if (text.starts_with(std::string(R"({"on":")") + end + '"')) return end;
+    }
+    return "";
   }
-
+  std::optional<std::string> Next(bool wait) {
+    std::optional<std::string> text = socket_.Next(wait);
+    if (!text && socket_.Closed()) throw UserError("A window was closed.");
+    return text;
+  }
   std::string Await() {
     for (;;) {
-      beast::flat_buffer buffer;
-      socket_.read(buffer);
-      const std::string text = beast::buffers_to_string(buffer.data());
-      if (Settled(text)) return text.starts_with(R"({"on":"idle")") ? "idle" : "waiting";
+      const std::string end = End(*Next(true));
+      if (!end.empty()) return end;
     }
   }
 
-  void Tick(Clock::time_point at) {
-    timer_.expires_at(at);
-    timer_.async_wait([this, at](beast::error_code) {
-      if (at >= end_) {
-        pressing_ = false;
-        if (sent_.empty()) done_();
-        return;
-      }
-      sent_.push_back(Clock::now());
-      ++unwritten_;
-      if (unwritten_ == 1) Write();
-      Tick(at + every_);
-    });
-  }
+  wire::WebSocket socket_;
+};
 
-  void Write() {
-    const std::string& object = objects_[written_++ % objects_.size()];
-    socket_.async_write(asio::buffer(object), [this](beast::error_code error, std::size_t) {
-      if (error) throw UserError("A window was closed: " + error.message());
-      if (--unwritten_ > 0) Write();
-    });
-  }
-
-  void Read() {
-    socket_.async_read(buffer_, [this](beast::error_code error, std::size_t) {
-      if (error) throw UserError("A window was closed: " + error.message());
-      const std::string text = beast::buffers_to_string(buffer_.data());
-      buffer_.consume(buffer_.size());
-      if (Settled(text)) {
-        times_->push_back(Since(sent_.front()));
-        sent_.pop_front();
-        if (!pressing_ && sent_.empty()) done_();
-      }
-      Read();
-    });
-  }
-
-  websocket::stream<tcp::socket> socket_;
-  asio::steady_timer timer_;
-  beast::flat_buffer buffer_;
-  std::vector<std::string> objects_;
-  std::size_t written_ = 0;
-  std::chrono::milliseconds every_{};
-  Clock::time_point end_;
-  std::vector<double>* times_ = nullptr;
-  std::function<void()> done_;
-  std::deque<Clock::time_point> sent_;
-  int unwritten_ = 0;
-  bool pressing_ = false;
-  bool reading_ = false;
+// A window in which objects are sent in turn, each at its time.
+struct Pressed {
+  Window& window;
+  Clock::time_point next;
+  std::size_t written = 0;
+  std::deque<Clock::time_point> sent = {};
 };
 
 }  // namespace
 
 struct Windows::Parts {
-  explicit Parts(int given) : port(given) {}
-
   int port;
-  asio::io_context io{1};
-  std::vector<std::unique_ptr<Window>> all;
+  std::vector<std::unique_ptr<Window>> all = {};
 };
 
-Windows::Windows(int port) : parts_(std::make_unique<Parts>(port)) {}
+Windows::Windows(int port) : parts_(std::make_unique<Parts>(Parts{port})) {}
 Windows::~Windows() = default;
 
 void Windows::Open(const std::string& cookie) {
-  parts_->all.push_back(std::make_unique<Window>(parts_->io, parts_->port, cookie));
+  parts_->all.push_back(std::make_unique<Window>(parts_->port, cookie));
 }
 
 std::size_t Windows::Count() const { return parts_->all.size(); }
@@ -280,18 +210,42 @@ std::string Windows::Do(std::size_t window, std::string_view object) {
 std::vector<double> Windows::Press(std::size_t first, std::size_t last,
                                    const std::vector<std::string>& objects, std::chrono::milliseconds every,
                                    std::chrono::milliseconds during) {
-  std::vector<double> times;
-  std::size_t pressing = last - first;
   const auto begin = Clock::now() + std::chrono::milliseconds(50);
+  std::vector<Pressed> pressed;
+  std::vector<pollfd> sockets;
   for (std::size_t i = first; i < last; ++i) {
     const auto phase = every * static_cast<int64_t>(i - first) / static_cast<int64_t>(last - first);
-    parts_->all.at(i)->Press(objects, begin + phase, every, begin + during, times, [&] {
-      if (--pressing == 0) parts_->io.stop();
-    });
+    pressed.push_back({*parts_->all.at(i), begin + phase});
+    sockets.push_back({pressed.back().window.Socket(), POLLIN, 0});
   }
-  parts_->io.restart();
-  parts_->io.run();
-  return times;
+  std::vector<double> times;
+  for (;;) {
+    auto due = Clock::time_point::max();
+    bool awaited = false;
+    for (Pressed& one : pressed) {
+      if (one.next < begin + during && one.next <= Clock::now()) {
+        one.sent.push_back(Clock::now());
+        one.window.Send(objects[one.written++ % objects.size()]);
+        one.next += every;
+      }
+      if (one.next < begin + during) due = std::min(due, one.next);
+      awaited = awaited || !one.sent.empty();
+    }
+    if (!awaited && due == Clock::time_point::max()) return times;
+    timespec wait{1, 0};
+    if (due != Clock::time_point::max()) {
+      const auto left = std::max(due - Clock::now(), Clock::duration::zero());
+      wait = {0, std::chrono::nanoseconds(left).count() % 1'000'000'000};
+    }
+    ppoll(sockets.data(), sockets.size(), &wait, nullptr);
+    for (std::size_t i = 0; i < pressed.size(); ++i) {
+      if (sockets[i].revents == 0) continue;
+      for (std::size_t settled = pressed[i].window.Settled(); settled > 0; --settled) {
+        times.push_back(Since(pressed[i].sent.front()));
+        pressed[i].sent.pop_front();
+      }
+    }
+  }
 }
 
 }  // namespace orv::bench

@@ -56,7 +56,7 @@ class Windows {
   // UserError for an error.
   std::string Do(std::size_t window, std::string_view object);
   // Sends the objects in turn, again and again, in each of the windows [first, last), evenly spread over the
-  // time; gives the seconds from each sending to its "idle". Nothing else can be done in these afterwards.
+  // time; gives the seconds from each sending to its "idle".
   std::vector<double> Press(std::size_t first, std::size_t last, const std::vector<std::string>& objects,
                             std::chrono::milliseconds every, std::chrono::milliseconds during);
 

@@ -1,31 +1,22 @@
 // A small browser: it asks over HTTP and speaks the door, one step after the other.
 #pragma once
 
-#include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "desk/json.h"
+#include "tests/wire/wire.h"
 
 namespace orv::test {
 
-struct Answer {
-  int status = 0;
-  std::string body;
-  std::map<std::string, std::string> headers;  // names in lower case
-
-  std::string Header(const std::string& name) const {
-    const auto found = headers.find(name);
-    return found == headers.end() ? "" : found->second;
-  }
+struct Answer : wire::Answer {
   std::string Text() const { return Json::Parse(body)["text"].String(); }
 };
 
 class Browser {
  public:
-  using Headers = std::map<std::string, std::string>;
+  using Headers = wire::Headers;
 
   explicit Browser(int port, bool tls = false) : port_(port), tls_(tls) {}
 
@@ -50,14 +41,13 @@ class Door {
   // Opens the door; `Status` tells 101 or why it wasn't opened.
   explicit Door(const Browser& browser, const std::string& session = "",
                 const Browser::Headers& headers = {});
-  ~Door();
 
-  int Status() const;
+  int Status() const { return socket_.Status(); }
   // Greeted by the desk: the session's name.
   std::string Session();
 
   // False when the link has been closed.
-  bool Send(const std::string& text, bool binary = false);
+  bool Send(const std::string& text, bool binary = false) { return socket_.Send(text, binary); }
   // The next object; null when the link has been closed.
   Json Next();
   // What comes up to the "idle", "waiting" or "ended" that ends an answer.
@@ -67,40 +57,23 @@ class Door {
     return Await();
   }
   // Closes as a browser does that goes away.
-  void Close();
+  void Close() { socket_.Close(); }
 
  private:
-  struct Parts;
-  std::unique_ptr<Parts> parts_;
+  wire::WebSocket socket_;
 };
 
 // A connection that says what it likes, byte by byte.
-class Raw {
+class Raw : public wire::Connection {
  public:
-  explicit Raw(int port);
-  ~Raw();
-  Raw(const Raw&) = delete;
-  Raw& operator=(const Raw&) = delete;
-
-  // False when the desk has hung up.
-  bool Send(std::string_view bytes);
-  // Nothing more will be sent.
-  void Done();
+  using Connection::Connection;
   // Sends a request that opens the door and waits for the desk's consent; false when it isn't given.
   bool Open(std::string_view request);
-  // What the desk says until it hangs up. Raises an error when it doesn't within half a minute.
-  std::string Rest();
-  // Waits for something to read, or for the end; false when neither came in time.
-  bool Ready(int milliseconds);
-
- private:
-  int socket_;
 };
 
 // A request to open the door with the browser's cookie, as sent.
 std::string DoorRequest(const Browser& browser, const std::string& session = "", bool deflate = false);
-// A frame as a browser sends it: `first` holds the flags and the kind, 0x81 for a whole text.
-std::string Frame(int first, std::string_view content);
+using wire::Frame;
 
 // The objects of one kind.
 std::vector<Json> Only(const std::vector<Json>& all, std::string_view kind);

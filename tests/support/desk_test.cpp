@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 
 #include "host/schema/demo.h"
@@ -12,18 +13,13 @@
 namespace orv::test {
 namespace {
 
-// One database with the demo companies, copied by each test that wants one.
+// The demo companies that each test copies: those made before for all programs, or this process's own.
 const std::filesystem::path& Original() {
   static const TempFolder folder;
   static const std::filesystem::path path = [] {
+    if (const char* made = std::getenv("ORV_DEMO")) return std::filesystem::path(made);
     const std::filesystem::path file = folder.Path() / "demo.fdb";
-    const auto db = Attachment::Create(file.string());
-    MakeDemo(*db, {1, Date::ParseNeutral(kToday), 2});
-    Audit audit(*db, Clock(Date::ParseNeutral(kToday)), "", "");
-    Users users(*db, audit, PasswordCost::Least());
-    users.Add({"ana", "Ana Prado", true, true}, "mesa clara 2026");
-    users.Add({"leo", "Leo Sales", false, true}, "mesa clara 2027");
-    db->CommitRetaining();
+    MakeTestDemo(file);
     return file;
   }();
   return path;
@@ -49,6 +45,16 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
   std::error_code error;
   std::filesystem::remove_all(path_, error);
+}
+
+void MakeTestDemo(const std::filesystem::path& file) {
+  const auto db = Attachment::Create(file.string());
+  MakeDemo(*db, {1, Date::ParseNeutral(kToday), 2});
+  Audit audit(*db, Clock(Date::ParseNeutral(kToday)), "", "");
+  Users users(*db, audit, PasswordCost::Least());
+  users.Add({"ana", "Ana Prado", true, true}, "mesa clara 2026");
+  users.Add({"leo", "Leo Sales", false, true}, "mesa clara 2027");
+  db->CommitRetaining();
 }
 
 std::filesystem::path CopyDemo(const std::filesystem::path& folder) {

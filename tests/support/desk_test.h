@@ -35,8 +35,9 @@ class TempFolder {
 // The day on which the demo companies of the tests end.
 constexpr const char* kToday = "2026-11-20";
 
-// A copy of the demo database of the tests, which is made once a process. Its users: "ana" (administrator)
-// and "leo" (no rights).
+// Makes the demo database of the tests. Its users: "ana" (administrator) and "leo" (no rights).
+void MakeTestDemo(const std::filesystem::path& file);
+// A copy of it. The one that is copied is named by ORV_DEMO, or else made once a process.
 std::filesystem::path CopyDemo(const std::filesystem::path& folder);
 
 // Names with their values, of controls or columns.

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,12 +15,19 @@
 
 namespace orv::test {
 
+// How often an action is killed: ORV_KILLS, or as often as its test does usually.
+inline int Kills(int usual) {
+  const char* given = std::getenv("ORV_KILLS");
+  return given != nullptr ? std::max(2, std::atoi(given)) : usual;
+}
+
 // `begin` gives a process that needs only `last`, over data as they were; `left` tells what stands there.
 // Most of the kills fall within the time that the action takes here, the others shortly after it.
-inline void ExpectAllOrNothing(int kills, const Json& last,
+inline void ExpectAllOrNothing(int usual_kills, const Json& last,
                                const std::function<std::unique_ptr<DriveProcess>()>& begin,
                                const std::function<std::string()>& left) {
   using std::chrono::steady_clock;
+  const int kills = Kills(usual_kills);
   begin()->Kill();
   const std::string none = left();
   auto desk = begin();
@@ -31,7 +40,7 @@ inline void ExpectAllOrNothing(int kills, const Json& last,
   int landed = 0;
   for (int kill = 0; kill < kills; ++kill) {
     desk = begin();
-    const auto until = steady_clock::now() + whole * kill / (kills * 4 / 5);
+    const auto until = steady_clock::now() + whole * kill * 5 / (kills * 4);
     desk->Send(last);
     std::this_thread::sleep_until(until);
     desk->Kill();
