@@ -138,8 +138,8 @@ TEST(Schema, Functions) {
         << c.call;
 }
 
-// The statements of the screens run in each company; what they write is taken back.
-TEST(Schema, RunsTheStatementsOfTheScreens) {
+// The statements of the screens to come run in each company; what they write is taken back.
+TEST(Schema, RunsTheStatementsOfScreensToCome) {
   TempDatabase db;
   CreateSchema(*db, {{"_001", "Primeira", ""}, {"_002", "Segunda", ""}});
   for (const char* company : {"_001", "_002"}) {

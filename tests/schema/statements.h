@@ -1,4 +1,4 @@
-// SQL as the screens write it, {X} standing for a table of the company and {} for its suffix.
+// SQL as the screens to come write it, {X} standing for a table of the company and {} for its suffix.
 #pragma once
 
 #include <string>
