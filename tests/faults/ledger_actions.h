@@ -47,6 +47,7 @@ class ActionsTest : public CcTest {
   }
   void Restore(const LedgerAction& action) {
     Restore();
+    Store({.numero = "A5", .docto = "75"});
     if (!action.cheques) return;
     for (const char* table : {"CHEQUE_PRE_002", "CHEQUE_DUP_001", "PAGTO_001", "PAGTO1_001"})
       Run("DELETE FROM " + std::string(table));
@@ -66,8 +67,8 @@ class ActionsTest : public CcTest {
   }
   // All rows that the actions write, without the numbers that are drawn.
   std::string Left() {
-    return Sql("SELECT LANCAMENTO, CONTA, PENDENTE, DT_CONT, OPERACAO, CHAR_LENGTH(LANC_CON) FROM "
-               "CONTACOR_001 WHERE LANCAMENTO STARTING WITH 'A' ORDER BY 1, 2") +
+    return Sql("SELECT LANCAMENTO, CONTA, PENDENTE, DT_CONT, OPERACAO, CHAR_LENGTH(LANC_CON), OBSERVACAO "
+               "FROM CONTACOR_001 WHERE LANCAMENTO STARTING WITH 'A' ORDER BY 1, 2") +
            "/" + Sql("SELECT CONTA, OPERACAO, VALOR FROM CONTACOR_001 WHERE DOCTO = 'NOVO' ORDER BY 1") +
            "/" + Sql("SELECT CONTA_C, CONTA_D, VALOR FROM CONTABIL_001 ORDER BY 1, 2") + "/" +
            Sql("SELECT NUMERO, STATUS, OBS FROM CHEQUE_PRE_001 ORDER BY 1") + "/" +
@@ -95,7 +96,17 @@ class ActionsTest : public CcTest {
   static const std::vector<LedgerAction>& Actions() {
     const Json page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}};
     const Json cc{{"do", "open"}, {"class", "TfmCC"}}, yes{{"do", "answer"}, {"value", "yes"}};
+    const Json stored{{"do", "choose"}, {"key", "A5"}}, ready{{"do", "focus"}, {"control", "SpeedButton2"}};
     static const std::vector<LedgerAction> actions = {
+        {"movement",
+         {cc, DoClick("BitBtn1"), DoSet("EdtConta", kConta), DoSet("EdtNumDoc", "NOVO"),
+          DoSet("EdtTipo", "3103"), DoSet("EdtHis", "012"), DoSet("EdtValor", "100,00"),
+          DoSet("EdtObs", "NOVO"), ready},
+         DoClick("SpeedButton2")},
+        {"movement altered",
+         {cc, DoClick("btnConsulta"), stored, DoClick("BitBtn2"), DoSet("EdtObs", "NOVO"), ready},
+         DoClick("SpeedButton2")},
+        {"movement deleted", {cc, DoClick("btnConsulta"), stored, DoClick("BitBtn3")}, yes},
         {"clearing", {cc, page, DoClick("BitBtn5"), DoClick("SpeedButton8")}, yes},
         {"reversal", {cc, page, DoSet("RgBusca", "Baixados"), DoClick("BitBtn5")}, DoClick("SpeedButton6")},
         {"transfer",
