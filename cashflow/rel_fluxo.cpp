@@ -57,18 +57,24 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
       DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio(), true, "Lançamentos"),
       OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false, "Saldos das contas") {
   Layout(R"(
-    GbConta { EdtConta PqConta EdtEmp / dtSaldo CbSaldo EdtSaldo }
-    GbOpcoes {
-      CbEmp CbCheque CbVenCom / CbOrcPagar CbOrcReceber CBCond / CbContBanc CbProgramacao
-    }
-    GbBancos { edtBanco pqBanco SpeedButton4 } /
-    GbSituacao { EdtSit PqSituacaoRP SpeedButton1 }
-    GbDesconsiderar {
-      EdtSitDesc PqSituacaoRec SpeedButton2 EdtSitDescPag PqSituacaoPag SpeedButton3
+    @bar {
+      EdtConta PqConta EdtEmp EdtDataDe edtDataAte RgTipo
+      @more {
+        GbConta { dtSaldo CbSaldo EdtSaldo } GbBancos { edtBanco pqBanco SpeedButton4 } rgOrdem /
+        GbOpcoes {
+          CbEmp CbCheque CbVenCom CbOrcPagar CbOrcReceber CBCond CbContBanc CbProgramacao
+        } /
+        GbSituacao { EdtSit PqSituacaoRP SpeedButton1 }
+        GbDesconsiderar {
+          EdtSitDesc PqSituacaoRec SpeedButton2 EdtSitDescPag PqSituacaoPag SpeedButton3
+        }
+      }
+      @primary BitBtn29
     } /
-    RgTipo rgOrdem BitBtn29 BitBtn33 BitBtn5 EdtDataDe edtDataAte /
-    DBGrid1 OrvDBGrid1
+    DBGrid1 OrvDBGrid1 /
+    @actions { BitBtn33 @apart BitBtn5 }
   )");
+  DBGrid1.SetDropZeros(true);
   AddSet(TbRelatorio);
   AddSet(TbSaldo);
   AbreTabelas({"TbCadConta", "TbSituacao"});

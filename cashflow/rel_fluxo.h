@@ -26,16 +26,18 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   explicit TfmRelFluxo(Application& application);
 
   // The first field reached is no date: those are overwritten when they are entered.
-  GroupBox GbConta{*this, "GbConta", "Saldos"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa PqConta{
       *this, "PqConta",
       Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtEmp{*this, "EdtEmp"};
+  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
+  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
+  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Geral", "Resumido"}, 0};
+  GroupBox GbConta{*this, "GbConta", "Saldos"};
   DateEdit dtSaldo{*this, "dtSaldo", "Saldo Até"};
   CheckBox CbSaldo{*this, "CbSaldo", "Digitar Saldo"};
   MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo Inicial"};
-
   GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
   CheckBox CbEmp{*this, "CbEmp", "Todas Empresas"};
   CheckBox CbCheque{*this, "CbCheque", "Buscar Cheques"};
@@ -45,13 +47,11 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   CheckBox CBCond{*this, "CBCond", "Condições Pedido"};
   CheckBox CbContBanc{*this, "CbContBanc", "Float Bancário"};
   CheckBox CbProgramacao{*this, "CbProgramacao", "Programação Conta"};
-
   GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
   Edit edtBanco{*this, "edtBanco", "Bancos"};
   TPesquisa pqBanco{*this, "pqBanco",
                     Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
   SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
-
   GroupBox GbSituacao{*this, "GbSituacao", "Situação"};
   Edit EdtSit{*this, "EdtSit", "Receber/Pagar"};
   TPesquisa PqSituacaoRP{*this, "PqSituacaoRP", Situacoes()};
@@ -63,20 +63,16 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   Edit EdtSitDescPag{*this, "EdtSitDescPag", "Pagar"};
   TPesquisa PqSituacaoPag{*this, "PqSituacaoPag", Situacoes()};
   SmallButton SpeedButton3{*this, "SpeedButton3", "Limpar"};
-
-  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Geral", "Resumido"}, 0};
   RadioGroup rgOrdem{*this, "rgOrdem", "Ordem", {"Data Lançamento", "Classe", "Entidade", "Número"}, 0};
   Button BitBtn29{*this, "BitBtn29", "Consultar"};
-  Button BitBtn33{*this, "BitBtn33", "Imprimir"};
-  Button BitBtn5{*this, "BitBtn5", "Fechar"};
-  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
-  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
 
   // Rebuilt by each gathering: what is expected, and the balances of the accounts.
   TClientDataSet TbRelatorio{"TbRelatorio"};
   TClientDataSet TbSaldo{"TbSaldo"};
   TOrvDBGrid DBGrid1;
   TOrvDBGrid OrvDBGrid1;
+  Button BitBtn33{*this, "BitBtn33", "Imprimir"};
+  Button BitBtn5{*this, "BitBtn5", "Fechar"};
 
  private:
   // A row's fields, in the order of the set.

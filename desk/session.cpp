@@ -157,11 +157,13 @@ void Session::SendScreen(Screen& screen, Shown& shown) {
   shown.sent.clear();
   shown.sets.clear();
   shown.focus.clear();
+  shown.badge = screen.Badge();
   Send({{"on", "screen"},
         {"id", shown.id},
         {"class", screen.ClassName()},
         {"caption", screen.Caption()},
         {"kind", screen.Kind() == ScreenKind::Dialog ? "dialog" : "child"},
+        {"badge", screen.Badge()},
         {"tree", Tree(screen)}});
   // What the tree told is no change any more.
   for (Control* control : screen.Controls()) {

@@ -79,6 +79,7 @@ class Session : private UserInterface, private ApplicationObserver {
     std::map<const Control*, Properties> sent;
     std::map<const DataSet*, std::string> sets;  // what was told of them, as text
     std::string focus;
+    std::string badge;
   };
 
   static void* ThreadMain(void* self);
@@ -120,6 +121,7 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // --- What screens ask (session_user.cpp).
   Answer Message(MessageKind kind, std::string_view title, std::string_view text, Answer initial) override;
+  void Note(NoteKind kind, std::string_view text) override;
   std::optional<std::string> InputBox(std::string_view title, std::string_view prompt,
                                       std::string_view value) override;
   LookupChoice Choose(TPesquisa& lookup) override;

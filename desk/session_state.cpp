@@ -41,6 +41,8 @@ std::string FocusName(const Form& form) { return form.Focus() == nullptr ? "" : 
 
 Json Session::ControlNode(const Control& control) const {
   Json node{{"name", control.Name()}};
+  if (!control.Role().empty()) node.Set("role", control.Role());
+  if (control.Span() > 0) node.Set("span", control.Span());
   for (const auto& [name, value] : AllProperties(control)) node.Set(name, PropertyJson(value));
   if (!control.Container()) return node;
   Json::Array rows;
@@ -105,9 +107,12 @@ void Session::CollectScreen(Screen& screen, Shown& shown) {
   std::string focus = FocusName(screen);
   const bool refocused = focus != shown.focus;
   shown.focus = std::move(focus);
-  if (controls.empty() && sets.empty() && !refocused) return;
+  const bool named = screen.Badge() != shown.badge;
+  shown.badge = screen.Badge();
+  if (controls.empty() && sets.empty() && !refocused && !named) return;
   Json change{{"on", "change"}, {"screen", shown.id}, {"controls", std::move(controls)}};
   if (refocused) change.Set("focus", shown.focus);
+  if (named) change.Set("badge", shown.badge);
   if (!sets.empty()) change.Set("sets", std::move(sets));
   Send(change);
 }
@@ -151,12 +156,11 @@ Json Session::State(const Json& in) const {
       if (const auto* grid = dynamic_cast<const TOrvDBGrid*>(control); grid != nullptr && !only.empty()) {
         Json::Array cells;
         DataSet& set = grid->Set();
+        const std::vector<const GridColumn*> shown = grid->ShownColumns();
         const auto [first, last] = Window(set, from, count);
         for (int64_t row = first; row < last; ++row) {
           Json::Array texts;
-          for (const GridColumn& column : grid->Columns()) {
-            if (column.visible) texts.emplace_back(grid->CellText(row, column));
-          }
+          for (const GridColumn* column : shown) texts.emplace_back(grid->CellText(row, *column));
           cells.emplace_back(std::move(texts));
         }
         controls.back().second.Set("cells", std::move(cells));

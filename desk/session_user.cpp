@@ -132,6 +132,11 @@ Answer Session::Message(MessageKind kind, std::string_view title, std::string_vi
   return given;
 }
 
+void Session::Note(NoteKind kind, std::string_view text) {
+  const char* name = kind == NoteKind::Stored ? "stored" : kind == NoteKind::Changed ? "changed" : "warning";
+  Send({{"on", "note"}, {"kind", name}, {"text", text}});
+}
+
 std::optional<std::string> Session::InputBox(std::string_view title, std::string_view prompt,
                                              std::string_view value) {
   std::optional<std::string> given;

@@ -56,30 +56,41 @@ void TfmCC::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        EdtConsConta PqConsConta EdtConsEmp EdtCodGrupo PqConsClasse EdtNomeGrupo
-        edtCodHist PqHist edtDescHist /
-        EdtConsLanc EdtDocto EdtAObs /
-        RgBusca RgTipo BitBtn5 BitBtn6 /
-        GbConsValor { EdtValorDe EdtValorAte } GbConsLanc { dtInicio dtFim }
-        GbConsVenc { dtVencIni dtVencFim } GbConsCont { dtContIni dtContFim } /
+        @bar {
+          EdtConsConta PqConsConta EdtConsEmp GbConsLanc { dtInicio dtFim } RgBusca
+          @more {
+            EdtCodGrupo PqConsClasse EdtNomeGrupo edtCodHist PqHist edtDescHist /
+            EdtConsLanc EdtDocto EdtAObs RgTipo /
+            GbConsValor { EdtValorDe EdtValorAte } GbConsVenc { dtVencIni dtVencFim }
+            GbConsCont { dtContIni dtContFim }
+          }
+          @primary BitBtn5
+        } /
         DBGridApagar /
-        EdtDebito EdtCredito EdtSaldo DtBaixaComp SpeedButton8 SpeedButton6
+        @sums { EdtDebito EdtCredito EdtSaldo } /
+        @actions { DtBaixaComp SpeedButton8 SpeedButton6 @apart BitBtn6 }
       }
       TabSheet2 {
         Panel4 {
-          EdtLancto EdtConta PqConta EdtCodBan EdtDesBan /
-          EdtNumDoc EdtTipoDocto EdtDtLanc EdtDtVencto EdtDtCont /
-          EdtTipo PqClasse EdtDesTipo EdtHis pqHistorico EdtDescHis /
-          CbOper EdtValor EdtValDoc EdtTipoLan EdtLancConc RgSituacao /
-          EdtObs
+          @form {
+            EdtLancto:2 EdtConta:3 PqConta EdtCodBan EdtDesBan /
+            EdtNumDoc EdtTipoDocto EdtDtLanc:2 EdtDtVencto:2 EdtDtCont:2 /
+            EdtTipo PqClasse EdtDesTipo EdtHis pqHistorico EdtDescHis /
+            CbOper:2 @amount EdtValor:3 EdtValDoc:2 RgSituacao /
+            EdtObs:8 EdtTipoLan:2 EdtLancConc:2
+          }
         } /
-        GroupBox1 { CbEmpFinan / DbgFinanceiro } /
+        @compact GroupBox1 { CbEmpFinan / DbgFinanceiro } /
         PanelCont {
-          GroupBox2 { DbgContabilidade / PqContaC PqContaD }
-          GroupBox3 { DbgRateioCC / PqCCusto }
+          @sides {
+            GroupBox2 { DbgContabilidade / PqContaC PqContaD }
+            GroupBox3 { DbgRateioCC / PqCCusto }
+          }
         } /
-        Panel5 { SpeedButton2 SpeedButton1 }
-        Panel6 { BitBtn1 BitBtn2 BitBtn3 btnConsulta PqFluxo BitBtn7 BitBtn8 BitBtn4 }
+        @actions {
+          Panel5 { @primary SpeedButton2 SpeedButton1 }
+          Panel6 { @primary BitBtn1 BitBtn2 btnConsulta PqFluxo BitBtn7 BitBtn8 @danger BitBtn3 @apart BitBtn4 }
+        }
       }
     })");
 

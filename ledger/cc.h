@@ -15,6 +15,10 @@
 
 namespace orv {
 
+// How the situation of a movement is shown.
+inline const std::vector<CodeWord> kSituacoes = {
+    {"S", "Pendente", "warning"}, {"N", "Baixado", ""}, {"C", "Conciliado", "good"}};
+
 class ORV_EXPORT TfmCC : public Child {
  public:
   explicit TfmCC(Application& application);
@@ -29,6 +33,11 @@ class ORV_EXPORT TfmCC : public Child {
       *this, "PqConsConta",
       Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtConsEmp{*this, "EdtConsEmp"};
+  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
+  DateEdit dtInicio{*this, "dtInicio", "De"};
+  DateEdit dtFim{*this, "dtFim", "Até"};
+  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
+  // Seldom set.
   Edit EdtCodGrupo{*this, "EdtCodGrupo", "Classe Ger.", 6};
   TPesquisa PqConsClasse{*this, "PqConsClasse",
                          Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
@@ -40,24 +49,17 @@ class ORV_EXPORT TfmCC : public Child {
   Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
   Edit EdtDocto{*this, "EdtDocto", "Documento", 10};
   Edit EdtAObs{*this, "EdtAObs", "Observação", 50};
-  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Todos", "Duplicatas", "Cheques"}, 0};
-  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
-  Button BitBtn6{*this, "BitBtn6", "&Fechar"};
-  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through
-  // the filters to the inquiry narrows no period by that.
   GroupBox GbConsValor{*this, "GbConsValor", "Valor"};
   MoneyEdit EdtValorDe{*this, "EdtValorDe", "De"};
   MoneyEdit EdtValorAte{*this, "EdtValorAte", "Até"};
-  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
-  DateEdit dtInicio{*this, "dtInicio", "De"};
-  DateEdit dtFim{*this, "dtFim", "Até"};
   GroupBox GbConsVenc{*this, "GbConsVenc", "Vencimento"};
   DateEdit dtVencIni{*this, "dtVencIni", "De"};
   DateEdit dtVencFim{*this, "dtVencFim", "Até"};
   GroupBox GbConsCont{*this, "GbConsCont", "Contabilização"};
   DateEdit dtContIni{*this, "dtContIni", "De"};
   DateEdit dtContFim{*this, "dtContFim", "Até"};
+  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
 
   // The movements found.
   struct ConsultaSet : TClientDataSet {
@@ -93,7 +95,7 @@ class ORV_EXPORT TfmCC : public Child {
                            {"DT_CONT", "Contabilização"},
                            {"OPERACAO", "Operação"},
                            {"VALOR", "Valor"},
-                           {"PENDENTE", "Situação"},
+                           {.field = "PENDENTE", .title = "Situação", .words = kSituacoes},
                            {"HISTORICO", "Histórico"},
                            {"GRUPO", "Classe Ger."},
                            {"DESC_GRUPO", "Descrição"},
@@ -107,6 +109,7 @@ class ORV_EXPORT TfmCC : public Child {
   DateEdit DtBaixaComp{*this, "DtBaixaComp", "Compensação"};
   SmallButton SpeedButton8{*this, "SpeedButton8", "Compensar"};
   SmallButton SpeedButton6{*this, "SpeedButton6", "Estornar"};
+  Button BitBtn6{*this, "BitBtn6", "&Fechar"};
 
   // --- Manutenção.
   TabSheet TabSheet2{*this, "TabSheet2", "Manutenção"};
@@ -215,7 +218,6 @@ class ORV_EXPORT TfmCC : public Child {
   Panel Panel6{*this, "Panel6"};
   Button BitBtn1{*this, "BitBtn1", "&Incluir"};
   Button BitBtn2{*this, "BitBtn2", "&Alterar"};
-  Button BitBtn3{*this, "BitBtn3", "&Excluir"};
   Button btnConsulta{*this, "btnConsulta", "&Consultar"};
   TPesquisa PqFluxo{*this, "PqFluxo",
                     Search("CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO",
@@ -226,6 +228,7 @@ class ORV_EXPORT TfmCC : public Child {
                             {"OBSERVACAO", "Observação"}})};
   Button BitBtn7{*this, "BitBtn7", "&Transferência"};
   Button BitBtn8{*this, "BitBtn8", "&Saldos"};
+  Button BitBtn3{*this, "BitBtn3", "&Excluir"};
   Button BitBtn4{*this, "BitBtn4", "&Fechar"};
 
   // The accounts of the balances report.

@@ -126,9 +126,12 @@ void TfmCC::SpeedButton2Click() {
     throw DatabaseError(e.Why(), e.Code(), ReplaceAll(e.what(), " Nada foi gravado.", "") + kSoPartidas,
                         e.Detail());
   }
+  const std::string gravado =
+      "Lançamento " + EdtLancto.Text() + " gravado: conta " + EdtConta.Text() + ", " + EdtValor.Text() + ".";
   ModoEdicao(false);
   LimpaTela();
   Tabela.CommitRetaining();
+  Stored(gravado);
 }
 
 void TfmCC::PqFluxoFechaPesquisa() {
@@ -351,6 +354,7 @@ void TfmCC::ModoEdicao(bool edicao) {
   DbgRateioCC.SetReadOnly(!edicao);
   Panel5.SetVisible(edicao);
   Panel6.SetVisible(!edicao);
+  SetBadge(!edicao ? "" : (Gravado() ? "Alterando " : "Incluindo ") + EdtLancto.Text());
 }
 
 }  // namespace orv

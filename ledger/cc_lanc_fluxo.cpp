@@ -25,13 +25,13 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
   AbreTabelas({"TbCadConta"});
   HideOnClose();
   Layout(R"(
-    EdtConta PqConta EdtDescConta /
-    EdtDocto /
-    EdtTipo wwTipo EdtDesTipo /
-    EdtHis pqHistorico EdtDescHist /
-    CbOper EdtValor DtLancto DtCont /
-    EdtObs /
-    BitBtn1 BitBtn2
+    @form {
+      EdtConta PqConta EdtDescConta EdtDocto:4 /
+      EdtTipo wwTipo EdtDesTipo EdtHis pqHistorico EdtDescHist /
+      CbOper:2 @amount EdtValor:4 DtLancto:3 DtCont:3 /
+      EdtObs:12
+    } /
+    @actions { @primary BitBtn1 @apart BitBtn2 }
   )");
   Lookups({
       {&EdtConta, &PqConta, "CADCONTA", "CONTA", {{"EMPRESA", &EdtDescConta}}, kConta, false, nullptr},

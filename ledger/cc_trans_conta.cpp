@@ -26,15 +26,15 @@ TFmCCTransConta::TFmCCTransConta(Application& application)
     : Dialog(application, "TFmCCTransConta", "FmCCTransConta", "Transferência de Contas") {
   FmCCTransConta = this;
   Layout(R"(
-    EdtConta PqConta EdtDescConta /
-    EdtContaDest PqContaDest EdtDescContaDest /
-    EdtDocto EdtValor DtLan DtCont /
-    EdtClasseSai PqClasseSai EdtDesClaSai /
-    EdtHisSai pqHistSai EdtDescHistSai /
-    EdtClasseEnt PqClasseEnt EdtDesClaEnt /
-    EdtHisEnt pqHistEnt EdtDescHistEnt /
-    EdtObs CbPendente /
-    BitBtn1 BitBtn2
+    @form {
+      EdtConta PqConta EdtDescConta /
+      EdtContaDest PqContaDest EdtDescContaDest /
+      EdtDocto:4 @amount EdtValor:4 DtLan:2 DtCont:2 /
+      EdtClasseSai PqClasseSai EdtDesClaSai EdtHisSai pqHistSai EdtDescHistSai /
+      EdtClasseEnt PqClasseEnt EdtDesClaEnt EdtHisEnt pqHistEnt EdtDescHistEnt /
+      EdtObs:10 CbPendente:2
+    } /
+    @actions { @primary BitBtn1 @apart BitBtn2 }
   )");
   LigaPesquisas();
   TodayOnEnter(DtLan);

@@ -72,18 +72,20 @@ TfmRelCC::TfmRelCC(Application& application)
       DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio(), true, "Lançamentos"),
       DBGrid2(*this, "DBGrid2", TbFinan, ColunasFinan(), true, "Financeiro") {
   Layout(R"(
-    GbFiltros {
-      RelConta wwrelConta Edit1 RelCodBan PqBanco RelDesBan /
-      EdtHistHistorico pqHistorico EdtDesHistorico EdtDocto
-    }
-    GbClasse { EdtClasseIni PqClasseIni / EdtClasseFim PqClasseFim }
-    GbOpcoes { CbZeradas / CbFinanceiro / cbAgpPendente }
-    RgBusca /
-    RgTipo RgData BitBtn29 BitBtn33 BitBtn5 /
-    RgAgrupar
-    GbPeriodo { EdtDataDe edtDataAte } /
-    DBGrid1 / DBGrid2
+    @bar {
+      RelConta wwrelConta Edit1 GbPeriodo { EdtDataDe edtDataAte } RgTipo
+      @more {
+        RgAgrupar / RgData RgBusca /
+        GbFiltros { RelCodBan PqBanco RelDesBan EdtHistHistorico pqHistorico EdtDesHistorico EdtDocto } /
+        GbClasse { EdtClasseIni PqClasseIni EdtClasseFim PqClasseFim }
+        GbOpcoes { CbZeradas CbFinanceiro cbAgpPendente }
+      }
+      @primary BitBtn29
+    } /
+    DBGrid1 / @compact DBGrid2 /
+    @actions { BitBtn33 @apart BitBtn5 }
   )");
+  DBGrid1.SetDropZeros(true);
   AddSet(TbRelatorio);
   AddSet(TbFinan);
   AbreTabelas({"tbSubgrupo", "tbBanco", "tbCadConta", "tbContaCor", "tbHistorico"});

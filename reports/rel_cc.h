@@ -19,12 +19,25 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
  public:
   explicit TfmRelCC(Application& application);
 
-  GroupBox GbFiltros{*this, "GbFiltros", "Movimentos"};
+  // The first field reached is no date: those are overwritten when they are entered.
   Edit RelConta{*this, "RelConta", "Conta", 13};
   TPesquisa wwrelConta{
       *this, "wwrelConta",
       Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit Edit1{*this, "Edit1"};
+  GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
+  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
+  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
+  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Por Conta", "Todas Contas", "Todas Contas/Empresas"}, 0};
+  RadioGroup RgAgrupar{*this,
+                       "RgAgrupar",
+                       "Agrupar por",
+                       {"Data", "Clas. Gerencial", "Histórico", "Classe /Hist. /Analítico",
+                        "Classe /Hist. /Sintético", "Documento", "Data/Operação", "Conta/Data"},
+                       0};
+  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização", "Vencimento"}, 1};
+  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Baixados"}, 0};
+  GroupBox GbFiltros{*this, "GbFiltros", "Movimentos"};
   Edit RelCodBan{*this, "RelCodBan", "Banco", 3};
   TPesquisa PqBanco{*this, "PqBanco",
                     Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
@@ -46,23 +59,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   CheckBox CbZeradas{*this, "CbZeradas", "Contas Zeradas"};
   CheckBox CbFinanceiro{*this, "CbFinanceiro", "Buscar Financeiro"};
   CheckBox cbAgpPendente{*this, "cbAgpPendente", "Agrupa Pendente"};
-  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Baixados"}, 0};
-  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Por Conta", "Todas Contas", "Todas Contas/Empresas"}, 0};
-  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização", "Vencimento"}, 1};
   Button BitBtn29{*this, "BitBtn29", "&Consultar"};
-  Button BitBtn33{*this, "BitBtn33", "&Imprimir"};
-  Button BitBtn5{*this, "BitBtn5", "&Fechar"};
-  RadioGroup RgAgrupar{*this,
-                       "RgAgrupar",
-                       "Agrupar por",
-                       {"Data", "Clas. Gerencial", "Histórico", "Classe /Hist. /Analítico",
-                        "Classe /Hist. /Sintético", "Documento", "Data/Operação", "Conta/Data"},
-                       0};
-  // The period comes after the buttons: a date is overwritten when it is entered, and whoever tabs through
-  // the filters narrows no period by that.
-  GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
-  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
-  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
 
   // The movements; its fields are laid down by each gathering.
   TClientDataSet TbRelatorio{"TbRelatorio"};
@@ -97,6 +94,8 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
 
   TOrvDBGrid DBGrid1;
   TOrvDBGrid DBGrid2;
+  Button BitBtn33{*this, "BitBtn33", "&Imprimir"};
+  Button BitBtn5{*this, "BitBtn5", "&Fechar"};
 
  private:
   enum class Tipo : uint8_t { PorConta, TodasContas, TodasEmpresas };

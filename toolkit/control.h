@@ -77,6 +77,11 @@ class Control {
   virtual bool ShowsChild(const Control&) const { return true; }
   const std::vector<LayoutRow>& Rows() const { return rows_; }
 
+  // What the layout says of it: "primary", "danger", "apart", "amount" or "compact", and how many of a form's
+  // twelve columns it takes, 0 for as many as its content asks.
+  const std::string& Role() const { return role_; }
+  int Span() const { return span_; }
+
   // The set whose rows the control shows, null for one that isn't bound.
   virtual const DataSet* BoundSet() const { return nullptr; }
   // Collected by the session: true once after a change.
@@ -89,6 +94,8 @@ class Control {
   void Touch() { dirty_ = true; }
   // A change of a container concerns all that it holds.
   void TouchAll();
+  // A part of the layout, which is no control of the form: it has no name and no state.
+  explicit Control(Form& form) : form_(form) {}
 
  private:
   friend class Form;
@@ -98,6 +105,8 @@ class Control {
   std::string color_;
   Control* parent_ = nullptr;
   std::vector<LayoutRow> rows_;
+  std::string role_;
+  int span_ = 0;
   bool enabled_ = true;
   bool visible_ = true;
   bool dirty_ = true;

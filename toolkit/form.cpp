@@ -1,8 +1,12 @@
 #include "toolkit/form.h"
 
+#include <algorithm>
+#include <span>
+
 #include "toolkit/control.h"
 #include "toolkit/dataset.h"
 #include "toolkit/error.h"
+#include "toolkit/value.h"
 
 namespace orv {
 namespace {
@@ -30,7 +34,28 @@ class LayoutReader {
   std::size_t at_ = 0;
 };
 
+// A part of a screen between the form and its controls.
+class LayoutPart : public Control {
+ public:
+  LayoutPart(Form& form, std::string_view kind) : Control(form), kind_(kind) {}
+  std::string_view Kind() const override { return kind_; }
+  bool Container() const override { return true; }
+
+ private:
+  const std::string kind_;
+};
+
+constexpr std::string_view kParts[] = {"bar", "more", "form", "sides", "sums", "actions"};
+constexpr std::string_view kRoles[] = {"primary", "danger", "apart", "nav", "amount", "compact"};
+
+bool Among(std::span<const std::string_view> words, std::string_view word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
 }  // namespace
+
+Form::Form(UserInterface& user, std::string name, std::string caption)
+    : user_(user), name_(std::move(name)), caption_(std::move(caption)) {}
 
 Form::~Form() = default;
 
@@ -58,6 +83,7 @@ void Form::Layout(std::string_view text) {
     auto& rows = parent ? parent->rows_ : rows_;
     ORV_ASSERT(rows.empty());
     LayoutRow row;
+    std::string_view role;
     const auto end_row = [&] {
       if (!row.empty()) rows.push_back(std::move(row));
       row.clear();
@@ -67,9 +93,24 @@ void Form::Layout(std::string_view text) {
         end_row();
         continue;
       }
-      Control* control = Find(word);
-      ORV_ASSERT(control != nullptr && control->parent_ == nullptr);
+      if (word[0] == '@' && Among(kRoles, word.substr(1))) {
+        role = word.substr(1);
+        continue;
+      }
+      Control* control = nullptr;
+      if (word[0] == '@') {
+        ORV_ASSERT(Among(kParts, word.substr(1)));
+        control = parts_.emplace_back(std::make_unique<LayoutPart>(*this, word.substr(1))).get();
+      } else {
+        const std::size_t colon = word.find(':');
+        control = Find(word.substr(0, colon));
+        ORV_ASSERT(control != nullptr && control->parent_ == nullptr);
+        if (colon != std::string_view::npos)
+          control->span_ = static_cast<int>(ParseInteger(word.substr(colon + 1)));
+      }
       control->parent_ = parent;
+      control->role_ = role;
+      role = "";
       row.push_back(control);
       if (reader.Peek() == "{") {
         ORV_ASSERT(control->Container());
@@ -161,6 +202,8 @@ void Form::ShowModal() { user_.RunModal(*this); }
 void Form::Inform(std::string_view text) const {
   user_.Message(MessageKind::Information, caption_, text, Answer::Ok);
 }
+
+void Form::Stored(std::string_view text) const { user_.Note(NoteKind::Stored, text); }
 
 void Form::Warn(std::string_view text) const {
   user_.Message(MessageKind::Warning, caption_, text, Answer::Ok);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,8 +22,7 @@ using LayoutRow = std::vector<Control*>;
 
 class Form {
  public:
-  Form(UserInterface& user, std::string name, std::string caption)
-      : user_(user), name_(std::move(name)), caption_(std::move(caption)) {}
+  Form(UserInterface& user, std::string name, std::string caption);
   virtual ~Form();
   Form(const Form&) = delete;
   Form& operator=(const Form&) = delete;
@@ -38,6 +38,10 @@ class Form {
   const std::vector<DataSet*>& Sets() const { return sets_; }
   DataSet* FindSet(std::string_view name) const;
   const std::vector<LayoutRow>& Rows() const { return rows_; }
+
+  // What the form is about, beside its caption: "Incluindo 006770". "" while nothing is at stake.
+  const std::string& Badge() const { return badge_; }
+  void SetBadge(std::string badge) { badge_ = std::move(badge); }
 
   // --- Focus.
   Control* Focus() const { return focus_; }
@@ -65,6 +69,8 @@ class Form {
   // --- Messages under the form's caption.
   void Inform(std::string_view text) const;
   void Warn(std::string_view text) const;
+  // Tells what was stored, without waiting and without a word in the way of the next key.
+  void Stored(std::string_view text) const;
   // True for Yes.
   bool Ask(std::string_view text, bool no_is_default = false) const;
 
@@ -78,6 +84,14 @@ class Form {
   // Names the controls of each container, in rows: "PageControl1 { TabSheet1 { EdtA PqA / EdtB } TabSheet2 {}
   // }".
   // "/" begins a new row. Every control stands in it once; a name that isn't there is an assertion.
+  //
+  // Parts of a screen hold controls as containers do, and have no name: "@bar { ... @more { ... } }" the
+  // filters and, folded, those that are seldom set; "@form { ... }" the fields of an entry on twelve columns;
+  // "@sides { ... }" what stands side by side, in equal shares; "@sums { ... }" what a grid adds up to;
+  // "@actions { ... }" the buttons at the foot.
+  // A word before a control says what it is: "@primary" the button that is pressed most, "@danger" one that
+  // destroys, "@apart" one at the far right, "@amount" the field that matters most, "@compact" a group that
+  // is small while its grid has no rows. "EdtA:4" takes four of a form's columns.
   void Layout(std::string_view text);
   // Makes a data set part of the form under its name.
   void AddSet(DataSet& set) { sets_.push_back(&set); }
@@ -95,6 +109,8 @@ class Form {
   std::unordered_map<std::string, Control*, NameHash, NameEqual> by_name_;
   std::vector<DataSet*> sets_;
   std::vector<LayoutRow> rows_;
+  std::vector<std::unique_ptr<Control>> parts_;
+  std::string badge_;
   Control* focus_ = nullptr;
   Control* redirect_ = nullptr;
   bool exiting_ = false;

@@ -91,6 +91,35 @@ std::string TOrvDBGrid::CellText(int64_t row, const GridColumn& column) const {
   return column.checked.empty() ? ShownText(*field, value, column.decimals) : value.AsString();
 }
 
+bool TOrvDBGrid::AllZero(const GridColumn& column) const {
+  const Field* field = set_.FindField(column.field);
+  if (field == nullptr || (field->Type() != FieldType::Currency && field->Type() != FieldType::Float))
+    return false;
+  for (int64_t row = 0, count = set_.DisplayCount(); row < count; ++row) {
+    const Value value = set_.Cell(row, *field);
+    if (!value.IsNull() && value.AsFloat() != 0) return false;
+  }
+  return true;
+}
+
+std::vector<const GridColumn*> TOrvDBGrid::ShownColumns() const {
+  if (zeros_version_ != set_.Version()) {
+    zeros_version_ = set_.Version();
+    zeros_.clear();
+    // Of no rows nothing is known.
+    const bool look = drop_zeros_ && set_.Active() && set_.DisplayCount() > 0;
+    for (const GridColumn& column : columns_) {
+      if (look && AllZero(column)) zeros_.push_back(&column);
+    }
+  }
+  std::vector<const GridColumn*> shown;
+  for (const GridColumn& column : columns_) {
+    if (column.visible && std::find(zeros_.begin(), zeros_.end(), &column) == zeros_.end())
+      shown.push_back(&column);
+  }
+  return shown;
+}
+
 void TOrvDBGrid::CheckRow(int64_t row) const {
   if (!set_.Active() || row < 0 || row >= set_.DisplayCount()) throw UserError(kNoSuchRow);
 }
@@ -174,20 +203,26 @@ void TOrvDBGrid::Describe(Properties& properties) const {
   properties.emplace_back("rowsFixed", rows_fixed_);
   properties.emplace_back("selected", selected_);
   // One text a column, its parts parted by tabs: field, title, width, kind, read-only, decimals, check
-  // values.
+  // values, then code, word and tone of each code that has a word.
   std::vector<std::string> columns;
-  for (const GridColumn& column : columns_) {
-    if (!column.visible) continue;
+  for (const GridColumn* shown : ShownColumns()) {
+    const GridColumn& column = *shown;
     const Field* field = set_.FindField(column.field);
     const bool number = field != nullptr && field->Type() != FieldType::String &&
                         field->Type() != FieldType::Date && field->Type() != FieldType::DateTime;
     const bool date = field != nullptr && field->Type() == FieldType::Date;
     const char* kind = !column.checked.empty() ? "check" : number ? "number" : date ? "date" : "text";
     const int width = column.width > 0 ? column.width : field != nullptr ? field->Size() : 0;
-    columns.push_back(
-        Join({column.field, column.title, std::to_string(width), kind, column.read_only ? "1" : "0",
-              std::to_string(column.decimals), column.checked, column.unchecked},
-             "\t"));
+    std::vector<std::string> parts{column.field,
+                                   column.title,
+                                   std::to_string(width),
+                                   kind,
+                                   column.read_only ? "1" : "0",
+                                   std::to_string(column.decimals),
+                                   column.checked,
+                                   column.unchecked};
+    for (const CodeWord& code : column.words) parts.insert(parts.end(), {code.code, code.word, code.tone});
+    columns.push_back(Join(parts, "\t"));
   }
   properties.emplace_back("columns", std::move(columns));
 }

@@ -10,6 +10,13 @@
 
 namespace orv {
 
+// A code as people read it. `tone` is a colour by its meaning, as of `Control::SetColor`.
+struct CodeWord {
+  std::string code;
+  std::string word;
+  std::string tone = "";
+};
+
 // A column of a grid. `width` is in characters, 0 for what the field's size asks.
 struct GridColumn {
   std::string field;
@@ -22,6 +29,8 @@ struct GridColumn {
   std::string unchecked = "";
   // Decimals shown of an amount or a number.
   int decimals = 2;
+  // Words for the codes that it holds; another code is shown as it is.
+  std::vector<CodeWord> words = {};
 };
 
 class TOrvDBGrid : public Control {
@@ -44,6 +53,10 @@ class TOrvDBGrid : public Control {
   // The grid lets rows be added and removed where it isn't read-only.
   bool RowsFixed() const { return rows_fixed_; }
   void SetRowsFixed(bool fixed) { rows_fixed_ = fixed, Touch(); }
+  // A column of amounts that are all zero isn't shown, for a grid whose rows are gathered at once.
+  void SetDropZeros(bool drop) { drop_zeros_ = drop, Touch(); }
+  // The columns as they are shown now.
+  std::vector<const GridColumn*> ShownColumns() const;
   // The column in which the user stands.
   const std::string& SelectedField() const { return selected_; }
 
@@ -70,6 +83,7 @@ class TOrvDBGrid : public Control {
 
  private:
   void CheckRow(int64_t row) const;
+  bool AllZero(const GridColumn& column) const;
   const GridColumn& Column(std::string_view field) const;
   void Select(std::string_view column);
 
@@ -77,6 +91,10 @@ class TOrvDBGrid : public Control {
   std::vector<GridColumn> columns_;
   bool read_only_;
   bool rows_fixed_ = false;
+  bool drop_zeros_ = false;
+  // Columns without an amount, in the version of the set in which they were looked for.
+  mutable std::vector<const GridColumn*> zeros_;
+  mutable uint64_t zeros_version_ = ~uint64_t{0};
   std::string selected_;
 };
 

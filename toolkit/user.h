@@ -15,6 +15,8 @@ class Form;
 class TPesquisa;
 
 enum class MessageKind : uint8_t { Information, Warning, Question };
+// What a person should notice and needn't answer.
+enum class NoteKind : uint8_t { Stored, Changed, Warning };
 enum class Answer : uint8_t { Ok, Yes, No, Cancel };
 
 // The rows that a lookup list ended with; without a value it was closed without a choice.
@@ -51,6 +53,8 @@ class UserInterface {
 
   // Shows a message and waits. Information and warning have OK, a question has Yes and No.
   virtual Answer Message(MessageKind kind, std::string_view title, std::string_view text, Answer initial) = 0;
+  // Tells and doesn't wait.
+  virtual void Note(NoteKind kind, std::string_view text) = 0;
   // Asks a text; without a value the user gave up.
   virtual std::optional<std::string> InputBox(std::string_view title, std::string_view prompt,
                                               std::string_view value) = 0;

@@ -18,6 +18,7 @@ class Nobody : public UserInterface {
   Answer Message(MessageKind kind, std::string_view, std::string_view, Answer) override {
     return kind == MessageKind::Question ? Answer::No : Answer::Ok;
   }
+  void Note(NoteKind, std::string_view) override {}
   std::optional<std::string> InputBox(std::string_view, std::string_view, std::string_view) override {
     return std::nullopt;
   }

@@ -25,6 +25,7 @@ class ScriptedUser : public UserInterface {
     messages.push_back(std::string(title) + ": " + std::string(text));
     return initial;
   }
+  void Note(NoteKind, std::string_view) override {}
   std::optional<std::string> InputBox(std::string_view, std::string_view, std::string_view value) override {
     proposals.emplace_back(value);
     if (inputs.empty()) return std::nullopt;

@@ -15,6 +15,7 @@ class Person : public UserInterface {
     told.emplace_back(text);
     return Answer::Ok;
   }
+  void Note(NoteKind, std::string_view) override {}
   std::optional<std::string> InputBox(std::string_view, std::string_view, std::string_view) override {
     return {};
   }

@@ -16,6 +16,8 @@ export interface DeskContext {
   // True while keys wait for an answer of the desk.
   readonly holding: boolean;
   readonly today: Day;
+  // Shows the keys of a screen.
+  help(screen: { caption: string; keysShown: { key: string; caption: string }[] }): void;
   // What the user has set for his own display.
   remember(key: string, value: string | null): void;
   remembered(key: string): string | null;

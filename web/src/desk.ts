@@ -4,6 +4,7 @@ import { me as askMe, setPreference } from "./api.ts";
 import type { DeskContext } from "./context.ts";
 import { Dialog } from "./dialogs/dialog.ts";
 import { FileDialog } from "./dialogs/file.ts";
+import { HelpDialog } from "./dialogs/help.ts";
 import { LookupDialog } from "./dialogs/lookup.ts";
 import { ErrorDialog, InputDialog, MessageDialog } from "./dialogs/message.ts";
 import { ProgressDialog } from "./dialogs/progress.ts";
@@ -105,6 +106,10 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   get today(): Day {
     return (this.me.today !== undefined ? fromNeutral(this.me.today) : null) ?? localToday();
   }
+  help(screen: { caption: string; keysShown: { key: string; caption: string }[] }): void {
+    const box: HelpDialog = new HelpDialog(screen.caption, screen.keysShown, () => this.closeBox(box));
+    this.openBox(box);
+  }
   remember(key: string, value: string | null): void {
     if (value === null) this.options.preferences.delete(key);
     else this.options.preferences.set(key, value);
@@ -140,9 +145,14 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   }
   close(id: number): void {
     this.raise(id);
-    this.act(() => {
+    const go = (): void => {
       this.top?.commit();
       this.send({ do: "close" });
+    };
+    this.act(() => {
+      const badge = this.screens.find((one) => one.id === id)?.badge ?? "";
+      if (badge === "") go();
+      else this.confirm("Fechar", `${badge}: o que não foi confirmado será perdido.\nDeseja fechar?`, go);
     });
   }
   leave(): void {
@@ -150,20 +160,14 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       this.options.leave();
       return;
     }
-    const box: MessageDialog = new MessageDialog(
-      {
-        on: "message",
-        kind: "question",
-        title: "Sair",
-        text: "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?",
-        buttons: ["yes", "no"],
-        default: "no",
-      },
-      (value) => {
-        this.closeBox(box);
-        if (value === "yes") this.options.leave();
-      },
-    );
+    this.confirm("Sair", "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?", () => this.options.leave());
+  }
+  // A question of the page itself; No is what Enter means.
+  private confirm(title: string, text: string, yes: () => void): void {
+    const box: MessageDialog = new MessageDialog({ on: "message", kind: "question", title, text, buttons: ["yes", "no"], default: "no" }, (value) => {
+      this.closeBox(box);
+      if (value === "yes") yes();
+    });
     this.openBox(box);
   }
   menuClosed(): void {
@@ -196,6 +200,10 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       }
       case "change":
         this.screens.find((one) => one.id === out.screen)?.change(out);
+        if (out.badge !== undefined) this.showTabs();
+        break;
+      case "note":
+        this.frame.toast(out.kind, out.text);
         break;
       case "front": {
         const screen = this.screens.find((one) => one.id === out.screen);
@@ -321,9 +329,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   // Tabs stand in the order in which they were opened.
   private showScreens(): void {
     const active = this.topChild;
-    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
-    for (const screen of children) screen.element.hidden = screen !== active;
-    this.frame.show(children, active?.id ?? -1);
+    for (const screen of this.screens) if (!screen.dialog) screen.element.hidden = screen !== active;
+    this.showTabs();
     document.title = active === undefined ? this.me.companyName : `${active.caption} · ${this.me.companyName}`;
     // A dialog that comes back to the front stands over the others.
     for (const screen of this.screens) {
@@ -333,6 +340,11 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       if (box !== null) this.root.append(box.element);
     }
     this.layers();
+  }
+
+  private showTabs(): void {
+    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
+    this.frame.show(children, this.topChild?.id ?? -1);
   }
 
   // Only what is on top can be reached.

@@ -14,6 +14,7 @@ export interface FrameUser {
 export interface Tab {
   id: number;
   caption: string;
+  badge: string;
 }
 
 export class Frame {
@@ -28,6 +29,7 @@ export class Frame {
   private status: HTMLElement;
   private bar: HTMLElement;
   private barTimer = 0;
+  private toasts = el("div", { class: "toasts", role: "status" });
 
   constructor(
     me: Me,
@@ -79,7 +81,7 @@ export class Frame {
     );
     this.status = el("div", { class: "link-status", role: "status", hidden: true });
     this.main = el("main", { class: "desk" }, this.homeBox);
-    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox);
+    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox, this.toasts);
   }
 
   // --- The menu over the screens.
@@ -107,6 +109,7 @@ export class Frame {
   // --- Tabs.
 
   show(tabs: Tab[], active: number): void {
+    if (tabs.length === 0 && this.homeBox.hidden) this.home.reset();
     this.homeBox.hidden = tabs.length > 0;
     this.tabs.hidden = tabs.length === 0;
     this.tabs.replaceChildren(
@@ -123,6 +126,7 @@ export class Frame {
             title: tab.caption,
           },
           el("span", { class: "tab-text" }, tab.caption),
+          tab.badge === "" ? null : el("span", { class: "tab-badge" }, tab.badge),
         );
         const cross = el("span", { class: "tab-close", "aria-hidden": "true", title: "Fechar" }, icon("close"));
         button.append(cross);
@@ -164,6 +168,14 @@ export class Frame {
       this.bar.hidden = false;
       document.documentElement.classList.add("is-busy");
     }, 250);
+  }
+
+  // Six seconds, and never in the way of a key.
+  toast(kind: string, text: string): void {
+    const toast = el("div", { class: `toast toast-${kind}` }, icon(kind === "stored" ? "check" : kind === "warning" ? "warning" : "information"), el("span", {}, text));
+    this.toasts.append(toast);
+    while (this.toasts.childElementCount > 3) this.toasts.firstElementChild!.remove();
+    window.setTimeout(() => toast.remove(), 6000);
   }
 
   link(text: string): void {

@@ -9,6 +9,9 @@ const kCharacter = 7.7;
 const kPadding = 18;
 const kLookup = 30;
 
+// Of the twelve columns of a form one has this width, with the gap beside it.
+const kFormColumn = 80;
+
 export interface Unit {
   // A field with its lookup and its descriptions, or a single control of another kind.
   nodes: TreeNode[];
@@ -79,6 +82,47 @@ export function units(row: TreeNode[]): Unit[] {
   return result;
 }
 
+// How a control without a width of its own is thought to be wide.
+function thought(node: TreeNode): number {
+  if (node.kind === "radio") {
+    const items = Array.isArray(node["items"]) ? (node["items"] as string[]) : [];
+    return items.reduce((sum, item) => sum + item.length * 7.4 + 38, 12);
+  }
+  if (node.kind === "check" || kActions.has(node.kind)) return caption(node).length * 7.4 + 40;
+  return 12 * kFormColumn;
+}
+
+// How many of a form's twelve columns each unit takes. What has descriptions shares what the others leave.
+export function spans(row: Unit[]): number[] {
+  const given = row.map((unit) => {
+    const span = unit.nodes[0]!["span"];
+    return typeof span === "number" ? span : 0;
+  });
+  const asked = row.map((unit, at) =>
+    given[at]! > 0 ? given[at]! : Math.min(12, Math.max(2, Math.ceil(((unit.width > 0 ? unit.width : thought(unit.nodes[0]!)) + 4) / kFormColumn))),
+  );
+  let free = 12 - asked.reduce((sum, span) => sum + span, 0);
+  const growing = row.map((_, at) => at).filter((at) => row[at]!.grows && given[at] === 0);
+  growing.forEach((at, index) => {
+    if (free <= 0) return;
+    const share = Math.ceil(free / (growing.length - index));
+    asked[at]! += share;
+    free -= share;
+  });
+  return asked;
+}
+
+const kParts = new Set(["bar", "more", "form", "sides", "sums", "actions"]);
+
+// A part of the screen between it and its controls.
+export function isPart(node: TreeNode): boolean {
+  return kParts.has(node.kind) && node.name === "";
+}
+
+export function roleOf(node: TreeNode): string {
+  return typeof node["role"] === "string" ? node["role"] : "";
+}
+
 // What is better for every pixel of height: lists of rows and what holds them.
 export function isTall(node: TreeNode): boolean {
   if (node.kind === "grid" || node.kind === "chart") return true;
@@ -87,7 +131,7 @@ export function isTall(node: TreeNode): boolean {
 
 export function isGrowing(node: TreeNode): boolean {
   if (["grid", "chart", "pages", "page", "progress"].includes(node.kind)) return true;
-  return node.layout !== undefined && (isTall(node) || node.kind === "panel");
+  return node.layout !== undefined && (isTall(node) || node.kind === "panel" || isPart(node));
 }
 
 const kActions = new Set(["button", "smallButton", "menu", "lookup"]);
@@ -95,6 +139,7 @@ const kActions = new Set(["button", "smallButton", "menu", "lookup"]);
 // A row of nothing but buttons, also inside panels.
 export function isActions(row: TreeNode[]): boolean {
   return row.every((node) => {
+    if (node.kind === "actions") return true;
     if (node.kind === "panel") return (node.layout ?? []).every(isActions);
     return kActions.has(node.kind);
   });

@@ -16,6 +16,7 @@ export interface ScreenOut {
   class: string;
   caption: string;
   kind: "child" | "dialog";
+  badge?: string;
   tree: { layout: TreeNode[][]; keyPreview: boolean };
 }
 
@@ -31,6 +32,7 @@ export interface ChangeOut {
   screen: number;
   controls?: Record<string, Properties>;
   focus?: string;
+  badge?: string;
   sets?: Record<string, SetState>;
 }
 
@@ -94,6 +96,13 @@ export interface DetailOut {
   rows: (string | null)[][];
 }
 
+// What a person should notice and needn't answer.
+export interface NoteOut {
+  on: "note";
+  kind: "stored" | "changed" | "warning";
+  text: string;
+}
+
 export interface ReportOut {
   on: "report";
   id: number | string;
@@ -145,6 +154,7 @@ export type Out =
   | ReportOut
   | ProgressOut
   | { on: "busy"; value: boolean }
+  | NoteOut
   | { on: "error"; text: string }
   | StateOut
   | { on: "idle" }

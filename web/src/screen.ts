@@ -1,12 +1,13 @@
 // A screen, drawn from its tree: its controls, its focus, its keys.
 import { el, icon, uniqueId } from "./dom.ts";
 import { insertInto, pressInto, type Press } from "./keys.ts";
-import { isActions, isDescription, isTall, units, type Unit } from "./layout.ts";
+import { isActions, isDescription, isPart, isTall, roleOf, spans, units, type Unit } from "./layout.ts";
 import { plain, readCaption } from "./text/caption.ts";
 import { ButtonView, LookupButtonView, MenuItemView, MenuView } from "./controls/button.ts";
 import { RadioView } from "./controls/choice.ts";
 import { PagesView, PageView, PanelView } from "./controls/container.ts";
 import type { ControlView, ScreenContext } from "./controls/control.ts";
+import { Fold } from "./controls/fold.ts";
 import { makeControl } from "./controls/make.ts";
 import { TextView } from "./controls/text.ts";
 import { GridControl } from "./grid/control.ts";
@@ -22,10 +23,13 @@ export class ScreenView implements ScreenContext {
   readonly element: HTMLElement;
   // The control that has the focus on the desk.
   focusName = "";
+  // What is under way on it: "Incluindo 006770".
+  badge = "";
   // In tab order.
   private controls: ControlView[] = [];
   private byName = new Map<string, ControlView>();
   private close: HTMLButtonElement | null = null;
+  private folds: Fold[] = [];
 
   constructor(
     readonly desk: DeskContext,
@@ -37,6 +41,7 @@ export class ScreenView implements ScreenContext {
     this.caption = readCaption(out.caption).text;
     this.screenClass = out.class;
     this.keyPreview = out.tree.keyPreview;
+    this.badge = out.badge ?? "";
     const body = el("div", { class: "screen-body rows" });
     this.drawRows(body, out.tree.layout);
     this.lendCaptions();
@@ -65,6 +70,8 @@ export class ScreenView implements ScreenContext {
     const control = makeControl(this, node);
     this.controls.push(control);
     this.byName.set(control.name, control);
+    const role = roleOf(node);
+    if (role !== "") control.element.classList.add(`role-${role}`);
     const around = this.holder;
     if (around !== undefined) this.holders.set(control, around);
     if (control instanceof PanelView || control instanceof PageView) this.holder = control;
@@ -89,6 +96,10 @@ export class ScreenView implements ScreenContext {
 
   private drawRows(into: HTMLElement, rows: TreeNode[][]): void {
     rows.forEach((row, at) => {
+      if (row.length === 1 && isPart(row[0]!)) {
+        into.append(this.drawPart(row[0]!));
+        return;
+      }
       const element = el("div", { class: "row" });
       if (row.some(isTall)) element.classList.add("is-tall");
       const actions = isActions(row);
@@ -100,8 +111,58 @@ export class ScreenView implements ScreenContext {
     });
   }
 
+  private drawPart(node: TreeNode): HTMLElement {
+    const rows = node.layout ?? [];
+    const element = el("div", { class: `part-${node.kind}` });
+    if (isTall(node)) element.classList.add("is-tall");
+    switch (node.kind) {
+      case "form":
+        for (const row of rows) {
+          const all = units(row);
+          const wide = spans(all);
+          const line = el("div", { class: "row form-row" });
+          all.forEach((unit, at) => {
+            const drawn = this.drawUnit(unit);
+            drawn.style.gridColumn = `span ${wide[at]!}`;
+            line.append(drawn);
+          });
+          element.append(line);
+        }
+        break;
+      case "more":
+        this.drawFold(rows, element);
+        break;
+      case "bar":
+      case "sums":
+      case "actions":
+        element.classList.add("row");
+        if (node.kind === "actions") element.classList.add("row-actions", "row-last");
+        for (const unit of rows.flatMap(units)) element.append(this.drawUnit(unit));
+        break;
+      default:
+        element.classList.add("rows");
+        this.drawRows(element, rows);
+    }
+    return element;
+  }
+
+  private drawFold(rows: TreeNode[][], into: HTMLElement): void {
+    const key = `${this.screenClass}.fold${this.folds.length}`;
+    const fold = new Fold((open) => {
+      this.desk.remember(key, open ? "1" : null);
+      this.hideEmptyRows();
+    });
+    this.folds.push(fold);
+    const from = this.controls.length;
+    this.drawRows(fold.body, rows);
+    fold.take(this.controls.slice(from));
+    into.append(fold.button, fold.body);
+    if (this.desk.remembered(key) === "1") fold.set(true);
+  }
+
   private drawUnit(unit: Unit): HTMLElement {
     const first = unit.nodes[0]!;
+    if (isPart(first)) return this.drawPart(first);
     if (unit.width === 0) {
       const control = this.make(first);
       if (unit.grows) control.element.classList.add("grows");
@@ -150,20 +211,47 @@ export class ScreenView implements ScreenContext {
     const keysOf = (control: ControlView): string[] =>
       control instanceof RadioView ? control.list("items").map((item) => readCaption(item).key) : [control.accessKey];
     const taken = new Set(this.controls.flatMap(keysOf));
+    const free = (caption: string, beside: Set<string>): string => {
+      const letters = [...plain(caption)].filter((letter) => /[a-z0-9]/.test(letter));
+      return letters.find((letter) => !taken.has(letter)) ?? letters.find((letter) => !beside.has(letter)) ?? "";
+    };
+    const seen = new Map<ControlView | undefined, Set<string>>();
     for (const button of this.controls) {
-      if (!(button instanceof ButtonView) || button instanceof LookupButtonView || button.accessKey !== "") continue;
-      const beside = new Set(this.controls.filter((one) => this.holders.get(one) === this.holders.get(button)).flatMap(keysOf));
-      const letters = [...plain(button.caption)].filter((letter) => /[a-z0-9]/.test(letter));
-      button.lentKey = letters.find((letter) => !taken.has(letter)) ?? letters.find((letter) => !beside.has(letter)) ?? "";
+      if (!(button instanceof ButtonView) || button instanceof LookupButtonView) continue;
+      const holder = this.holders.get(button);
+      const before = seen.get(holder) ?? new Set();
+      seen.set(holder, before);
+      const own = button.accessKey;
+      // The second of two on one page that name the same letter is lent another.
+      if (own !== "" && !before.has(own)) {
+        before.add(own);
+        continue;
+      }
+      const beside = new Set(this.controls.filter((one) => one !== button && this.holders.get(one) === holder).flatMap(keysOf));
+      button.lentKey = free(button.caption, beside);
       taken.add(button.lentKey);
+      before.add(button.lentKey);
       button.render();
+    }
+    for (const fold of this.folds) {
+      fold.key = free("Mais filtros", new Set());
+      taken.add(fold.key);
+      fold.render();
     }
   }
 
   // --- From the desk.
 
   change(out: ChangeOut): void {
-    for (const [name, properties] of Object.entries(out.controls ?? {})) this.byName.get(name)?.update(properties);
+    if (out.badge !== undefined) this.badge = out.badge;
+    for (const [name, properties] of Object.entries(out.controls ?? {})) {
+      const control = this.byName.get(name);
+      // A field that takes another text as it is entered says so, and Escape brings the former one back.
+      const before = control?.text("text") ?? "";
+      control?.update(properties);
+      if (name === out.focus && control instanceof TextView && "text" in properties) control.overwritten(before);
+    }
+    if (out.controls !== undefined) for (const fold of this.folds) fold.render();
     for (const [name, state] of Object.entries(out.sets ?? {})) {
       for (const control of this.controls) {
         if (control.text("set") === name) control.setChanged(state);
@@ -193,6 +281,14 @@ export class ScreenView implements ScreenContext {
 
   // --- Focus.
 
+  periodOf(control: ControlView): [ControlView, ControlView] | null {
+    const at = this.controls.indexOf(control);
+    for (const from of [at, at - 1]) {
+      const [first, last] = [this.controls[from], this.controls[from + 1]];
+      if (first?.kind === "date" && last?.kind === "date" && first.caption === "De" && last.caption === "Até") return [first, last];
+    }
+    return null;
+  }
   find(name: string): ControlView | undefined {
     return this.byName.get(name);
   }
@@ -212,6 +308,7 @@ export class ScreenView implements ScreenContext {
       }
       return;
     }
+    this.foldOf(control)?.set(true);
     if (document.activeElement === control.focusElement) return;
     control.focus();
     control.element.scrollIntoView({ block: "nearest" });
@@ -235,16 +332,38 @@ export class ScreenView implements ScreenContext {
     this.desk.send({ do: "focus", control: control.name });
   }
 
-  moveFocus(from: ControlView, forward: boolean): void {
+  // The folded filters in which a control stands.
+  private foldOf(control: ControlView): Fold | undefined {
+    return this.folds.find((fold) => !fold.open && fold.holds(control));
+  }
+
+  // The controls that take the focus after one, in the order in which they come.
+  private *after(from: ControlView, forward: boolean): Generator<ControlView> {
     const order = this.controls;
     const at = order.indexOf(from);
     for (let step = 1; step < order.length; ++step) {
       const next = order[(at + (forward ? step : order.length - step)) % order.length]!;
-      if (!next.canFocus) continue;
+      if (next.canFocus) yield next;
+    }
+  }
+
+  moveFocus(from: ControlView, forward: boolean): void {
+    for (const next of this.after(from, forward)) {
+      if (this.foldOf(next) !== undefined) continue;
       this.commit();
       this.desk.send({ do: "focus", control: next.name });
       return;
     }
+  }
+
+  // The desk finds the next control itself, unless that is out of sight.
+  private tab(control: ControlView): void {
+    const next = this.after(control, true).next();
+    if (next.done !== true && this.foldOf(next.value) !== undefined) {
+      this.moveFocus(control, true);
+      return;
+    }
+    this.desk.send({ do: "key", control: control.name, key: "Tab" });
   }
 
   commit(): void {
@@ -265,7 +384,12 @@ export class ScreenView implements ScreenContext {
       this.commit();
       if (control === undefined) this.moveFocus(this.controls[0]!, !shift);
       else if (shift) this.moveFocus(control, false);
-      else this.desk.send({ do: "key", control: control.name, key: "Tab" });
+      else this.tab(control);
+      return true;
+    }
+    if (key === "Enter" && ctrl && !alt) return this.confirm();
+    if (key === "F1") {
+      this.desk.help(this);
       return true;
     }
     if (alt && !ctrl && [...key].length === 1) return this.access(plain(key));
@@ -300,6 +424,20 @@ export class ScreenView implements ScreenContext {
     }
   }
 
+  // Presses the button that the screen is for.
+  private confirm(): boolean {
+    const button = this.controls.find((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary");
+    button?.access();
+    return button !== undefined;
+  }
+
+  // What can be pressed now, and by which letter.
+  get keysShown(): { key: string; caption: string }[] {
+    return this.controls
+      .filter((control) => control instanceof ButtonView && control.visible && control.enabled && control.accessKey !== "")
+      .map((control) => ({ key: `Alt+${control.accessKey.toUpperCase()}`, caption: control.caption }));
+  }
+
   private turnPage(forward: boolean): boolean {
     const pages = this.controls.find((control) => control instanceof PagesView && control.visible);
     if (!(pages instanceof PagesView)) return false;
@@ -308,6 +446,13 @@ export class ScreenView implements ScreenContext {
   }
 
   private access(key: string): boolean {
+    const fold = this.folds.find((one) => one.key === key && one.button.offsetParent !== null);
+    if (fold !== undefined) {
+      fold.set(!fold.open);
+      const first = fold.open ? fold.first : undefined;
+      if (first !== undefined) this.userFocus(first);
+      return true;
+    }
     const at = this.controls.findIndex((control) => control.name === this.focusName);
     // Of several with the same key, the next one after the focus.
     const order = [...this.controls.slice(at + 1), ...this.controls.slice(0, at + 1)];

@@ -1,9 +1,13 @@
 // What is pressed: buttons, lookups, pop-up menus and their items.
 import { el, icon, writeCaption } from "../dom.ts";
 import { isCharacter, type Press } from "../keys.ts";
-import { readCaption, withKey } from "../text/caption.ts";
+import { roleOf } from "../layout.ts";
+import { plain, readCaption, withKey } from "../text/caption.ts";
 import type { TreeNode } from "../protocol.ts";
 import { ControlView, type ScreenContext } from "./control.ts";
+
+// The steps through the rows of a table, drawn as signs.
+const kSigns: Record<string, string> = { primeiro: "first", anterior: "previous", proximo: "next", ultimo: "last" };
 
 export class ButtonView extends ControlView {
   readonly element: HTMLButtonElement;
@@ -33,6 +37,13 @@ export class ButtonView extends ControlView {
 
   override render(): void {
     this.showState(this.element, this.element);
+    const sign = roleOf(this.node) === "nav" ? kSigns[plain(this.caption)] : undefined;
+    if (sign !== undefined) {
+      this.element.setAttribute("aria-label", this.caption);
+      this.element.title = this.accessKey === "" ? this.caption : `${this.caption} (Alt+${this.accessKey.toUpperCase()})`;
+      if (this.element.firstChild === null) this.element.append(icon(sign));
+      return;
+    }
     writeCaption(this.element, withKey(this.text("caption"), this.lentKey));
     if (this.caption === "") this.element.setAttribute("aria-label", this.label || "Ação");
   }

@@ -15,6 +15,8 @@ export interface ScreenContext {
   userFocus(control: ControlView): void;
   // Moves the focus to the control before or after, for a control that keeps Tab to itself.
   moveFocus(from: ControlView, forward: boolean): void;
+  // The two ends of the period of which a date is one, null for a date by itself.
+  periodOf(control: ControlView): [ControlView, ControlView] | null;
   find(name: string): ControlView | undefined;
   openMenu(x: number, y: number): boolean;
 }

@@ -1,9 +1,10 @@
 // Text inputs: plain text, amounts, dates.
 import { el, uniqueId, writeCaption } from "../dom.ts";
 import { isCharacter, type Press } from "../keys.ts";
-import { completeDate, brazil } from "../text/date.ts";
+import { brazil, completeDate, fromBrazil, type Day } from "../text/date.ts";
 import { isAmount } from "../text/money.ts";
 import type { TreeNode } from "../protocol.ts";
+import { Calendar, calendarButton } from "./calendar.ts";
 import { ControlView, type ScreenContext } from "./control.ts";
 
 // How long the typing rests before the desk hears of it.
@@ -19,6 +20,8 @@ export class TextView extends ControlView {
   private outstanding = 0;
   private sent: string | null = null;
   private timer = 0;
+  // What the field held before it took another text on being entered; null when it didn't.
+  private former: string | null = null;
 
   constructor(screen: ScreenContext, node: TreeNode) {
     super(screen, node);
@@ -34,6 +37,7 @@ export class TextView extends ControlView {
     if (this.kind !== "edit") this.input.inputMode = this.kind === "money" ? "decimal" : "numeric";
     this.label_ = el("label", { class: "label", for: id });
     this.element = el("div", { class: `field field-${this.kind}` }, this.label_, this.input);
+    if (this.kind === "date") this.element.append(calendarButton(() => this.desk.act(() => this.openCalendar())));
     this.input.addEventListener("input", () => this.typed());
     this.input.addEventListener("mousedown", () => {
       if (this.takesFocus) this.screen.userFocus(this);
@@ -78,6 +82,7 @@ export class TextView extends ControlView {
 
   private typed(): void {
     this.editing = true;
+    this.former = null;
     window.clearTimeout(this.timer);
     // Text is followed while it is typed, for the descriptions beside it; half an amount or date says nothing.
     if (this.kind === "edit") this.timer = window.setTimeout(() => this.give(), kRest);
@@ -118,8 +123,23 @@ export class TextView extends ControlView {
     this.showText();
   }
 
+  // The program has put another text where the user comes to type.
+  overwritten(before: string): void {
+    this.former = before;
+    this.element.classList.remove("is-flashed");
+    void this.element.offsetWidth;
+    this.element.classList.add("is-flashed");
+  }
+
   override revert(): boolean {
-    if (!this.editing) return false;
+    if (!this.editing) {
+      if (this.former === null) return false;
+      this.input.value = this.former;
+      this.former = null;
+      this.editing = true;
+      this.commit();
+      return true;
+    }
     window.clearTimeout(this.timer);
     this.editing = false;
     this.showText();
@@ -143,7 +163,32 @@ export class TextView extends ControlView {
     this.input.select();
   }
 
+  private openCalendar(): void {
+    if (!this.enabled || this.flag("readOnly")) return;
+    const pair = this.screen.periodOf(this);
+    const set = (control: ControlView, day: Day): void => this.desk.send({ do: "set", control: control.name, value: brazil(day) });
+    new Calendar(this.input, {
+      today: this.desk.today,
+      day: fromBrazil(this.input.value),
+      period: pair !== null,
+      choose: (day) => {
+        this.editing = false;
+        set(this, day);
+      },
+      choosePeriod: (from, to) => {
+        this.editing = false;
+        set(pair![0], from);
+        set(pair![1], to);
+      },
+      closed: () => this.input.select(),
+    });
+  }
+
   override press(press: Press): boolean {
+    if (this.kind === "date" && (press.key === "F4" || (press.key === "ArrowDown" && press.alt))) {
+      this.openCalendar();
+      return true;
+    }
     if (press.key === "F4" || (press.key === "ArrowDown" && press.alt)) {
       this.commit();
       this.sendKey("F4");
@@ -166,7 +211,7 @@ export class TextView extends ControlView {
       this.typed();
       return true;
     }
-    return !/[\d/.\- ]/.test(key);
+    return !/[\d/.-]/.test(key);
   }
 
   override access(): void {

@@ -9,11 +9,15 @@ export interface Column {
   readOnly: boolean;
   checked: string;
   unchecked: string;
+  // The words for codes, with the tones in which they are shown.
+  words?: Map<string, { word: string; tone: string }>;
 }
 
 export function readColumn(text: string): Column {
-  const [field = "", title = "", width = "0", kind = "text", readOnly = "0", , checked = "", unchecked = ""] =
+  const [field = "", title = "", width = "0", kind = "text", readOnly = "0", , checked = "", unchecked = "", ...codes] =
     text.split("\t");
+  const words = new Map<string, { word: string; tone: string }>();
+  for (let at = 0; at + 2 < codes.length; at += 3) words.set(codes[at]!, { word: codes[at + 1]!, tone: codes[at + 2]! });
   return {
     field,
     title,
@@ -22,6 +26,7 @@ export function readColumn(text: string): Column {
     readOnly: readOnly === "1",
     checked,
     unchecked,
+    ...(words.size > 0 ? { words } : {}),
   };
 }
 
@@ -57,6 +62,7 @@ export function naturalWidth(column: Column): number {
   if (column.kind === "date") characters = Math.max(characters, 10);
   if (column.kind === "number") characters = Math.max(Math.min(characters, 18), 13);
   if (column.kind === "check") characters = 3;
+  for (const { word } of column.words?.values() ?? []) characters = Math.max(characters, word.length + 2);
   const content = Math.min(characters, 42) * kCharacter + kPadding;
   return Math.round(Math.max(title, content, 48));
 }
@@ -70,6 +76,14 @@ export function fittedWidths(columns: Column[], widths: number[], sized: boolean
     return Math.max(0, widths[at]! - Math.max(kReadable, titleWidth(column)));
   });
   const whole = slack.reduce((sum, width) => sum + width, 0);
-  if (excess <= 0 || whole < excess) return widths;
+  if (excess < 0) {
+    // The text that is longest takes what is left.
+    let longest = -1;
+    columns.forEach((column, at) => {
+      if (column.kind === "text" && !sized[at] && (column.words?.size ?? 0) === 0 && column.width > (columns[longest]?.width ?? 19)) longest = at;
+    });
+    return widths.map((width, at) => (at === longest ? width - excess : width));
+  }
+  if (excess === 0 || whole < excess) return widths;
   return widths.map((width, at) => Math.floor(width - (slack[at]! * excess) / whole));
 }

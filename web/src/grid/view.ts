@@ -110,8 +110,9 @@ export class GridView {
   // --- Columns.
 
   setColumns(columns: Column[]): void {
-    const same = JSON.stringify(columns) === JSON.stringify(this.columns);
-    if (same) return;
+    const told = JSON.stringify(columns.map((column) => ({ ...column, words: [...(column.words ?? [])] })));
+    if (told === this.told) return;
+    this.told = told;
     this.columns = columns;
     if (this.column >= columns.length) this.column = Math.max(0, columns.length - 1);
     const stored = columns.map((column) => this.owner.storedWidth?.(column) ?? null);
@@ -126,6 +127,7 @@ export class GridView {
     this.draw();
   }
 
+  private told = "[]";
   private title(column: Column, at: number): HTMLElement {
     const text = el("span", { class: "grid-title-text" }, column.title);
     const cell = el(
@@ -273,6 +275,7 @@ export class GridView {
     const base = first - (first % 1000);
     const wanted = this.scroll.count === 0 || this.scroll.view === 0 ? 0 : last - first + 1;
     this.empty.hidden = this.scroll.count > 0;
+    this.element.classList.toggle("is-empty", this.scroll.count === 0);
     while (this.drawn.length < wanted) this.drawn.push(this.newRow());
     while (this.drawn.length > wanted) this.drawn.pop()!.element.remove();
     const byRow = [...this.drawn];
@@ -372,6 +375,12 @@ export class GridView {
       if (there) cell.append(el("span", { class: `tick ${on ? "is-on" : ""}`, role: "img", "aria-label": on ? "Sim" : "Não" }));
       return;
     }
+    const code = column.words?.get(text);
+    if (code !== undefined) {
+      cell.replaceChildren(el("span", { class: `chip tone-${code.tone || "plain"}` }, code.word));
+      cell.title = "";
+      return;
+    }
     cell.textContent = text;
     cell.title = text.length > 24 ? text : "";
     if (column.kind === "number") cell.classList.toggle("is-negative", text.startsWith("-"));
@@ -423,7 +432,7 @@ export class GridView {
 
   private plainCell(column: Column, text: string): string {
     if (column.kind === "check") return text === column.checked ? "Sim" : "Não";
-    return text.replace(/[\t\r\n]+/g, " ");
+    return (column.words?.get(text)?.word ?? text).replace(/[\t\r\n]+/g, " ");
   }
 
   get titles(): string {

@@ -28,9 +28,10 @@ export function readCaption(caption: string): Caption {
   return { text, at, key: at < 0 ? "" : plain(text[at]!) };
 }
 
-// The caption with the mark of a key that it has none of itself; as it is, where it has one or lacks the letter.
-export function withKey(caption: string, key: string): string {
-  if (key === "" || readCaption(caption).key !== "") return caption;
+// The caption with the mark of a key that is lent to it instead of its own; as it is, where it lacks the letter.
+export function withKey(given: string, key: string): string {
+  if (key === "" || !plain(readCaption(given).text).includes(key)) return given;
+  const caption = given.replace(/&(?!&)/, "");
   const at = [...caption].findIndex((letter) => plain(letter) === key);
   return at < 0 ? caption : `${caption.slice(0, at)}&${caption.slice(at)}`;
 }

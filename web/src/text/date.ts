@@ -10,6 +10,23 @@ function daysIn(year: number, month: number): number {
   return new Date(Date.UTC(year, month, 0)).getUTCDate();
 }
 
+export function monthDays(day: Day): number {
+  return daysIn(day.year, day.month);
+}
+// 0 for Sunday.
+export function weekday(day: Day): number {
+  return new Date(Date.UTC(day.year, day.month - 1, day.day)).getUTCDay();
+}
+export function addDays(day: Day, days: number): Day {
+  const moved = new Date(Date.UTC(day.year, day.month - 1, day.day + days));
+  return { year: moved.getUTCFullYear(), month: moved.getUTCMonth() + 1, day: moved.getUTCDate() };
+}
+// "dd/mm/aaaa", null for what isn't a date.
+export function fromBrazil(text: string): Day | null {
+  const m = /^(\d{2})\/(\d{2})\/(\d{4})$/.exec(text);
+  return m ? { year: Number(m[3]), month: Number(m[2]), day: Number(m[1]) } : null;
+}
+
 export function brazil(d: Day): string {
   const two = (n: number): string => String(n).padStart(2, "0");
   return `${two(d.day)}/${two(d.month)}/${String(d.year).padStart(4, "0")}`;
