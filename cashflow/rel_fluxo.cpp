@@ -71,7 +71,7 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
       }
       @primary BitBtn29
     } /
-    DBGrid1 OrvDBGrid1 /
+    DBGrid1 @narrow OrvDBGrid1 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
   DBGrid1.SetDropZeros(true);

@@ -46,7 +46,7 @@ class LayoutPart : public Control {
 };
 
 constexpr std::string_view kParts[] = {"bar", "more", "form", "sides", "sums", "actions"};
-constexpr std::string_view kRoles[] = {"primary", "danger", "apart", "nav", "amount", "compact"};
+constexpr std::string_view kRoles[] = {"primary", "danger", "apart", "nav", "amount", "compact", "narrow"};
 
 bool Among(std::span<const std::string_view> words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();

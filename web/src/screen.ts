@@ -249,7 +249,7 @@ export class ScreenView implements ScreenContext {
       // A field that takes another text as it is entered says so, and Escape brings the former one back.
       const before = control?.text("text") ?? "";
       control?.update(properties);
-      if (name === out.focus && control instanceof TextView && "text" in properties) control.overwritten(before);
+      if (name === out.focus && before !== "" && control instanceof TextView && "text" in properties) control.overwritten(before);
     }
     if (out.controls !== undefined) for (const fold of this.folds) fold.render();
     for (const [name, state] of Object.entries(out.sets ?? {})) {
