@@ -77,8 +77,8 @@ class Control {
   virtual bool ShowsChild(const Control&) const { return true; }
   const std::vector<LayoutRow>& Rows() const { return rows_; }
 
-  // What the layout says of it: "primary", "danger", "apart", "nav", "amount", "compact" or "narrow", and how many of a form's
-  // twelve columns it takes, 0 for as many as its content asks.
+  // The word that the layout has for it, "" for none, and how many of a form's twelve columns it takes, 0 for
+  // as many as its content asks.
   const std::string& Role() const { return role_; }
   int Span() const { return span_; }
 

@@ -90,8 +90,9 @@ class Form {
   // "@sides { ... }" what stands side by side, in equal shares; "@sums { ... }" what a grid adds up to;
   // "@actions { ... }" the buttons at the foot.
   // A word before a control says what it is: "@primary" the button that is pressed most, "@danger" one that
-  // destroys, "@apart" one at the far right, "@amount" the field that matters most, "@compact" a group that
-  // is small while its grid has no rows, "@narrow" the lesser of two grids, "@nav" a step through rows. "EdtA:4" takes four of a form's columns.
+  // destroys, "@apart" one at the far right, "@nav" a step through rows, "@amount" the field that matters
+  // most, "@compact" a group that is small while its grid has no rows, "@narrow" the lesser of two grids.
+  // "EdtA:4" takes four of a form's columns.
   void Layout(std::string_view text);
   // Makes a data set part of the form under its name.
   void AddSet(DataSet& set) { sets_.push_back(&set); }
