@@ -72,6 +72,15 @@ describe("typing", () => {
         await focusIs(page, "Conta");
         assert.deepEqual(desk.session().posted.at(-1), { conta: "0001-5", documento: `DOC ${round}`, valor: `${round}.234,50`, obs: "texto digitado com pressa" });
       }
+      // Both lines count in the totals; where an account isn't there, Enter says no.
+      await keys(page, "0001-5", "Tab", "SEM CONTA", "Enter", "5", "Enter", "0212", "Tab", "1234,5", "Enter", "Alt+o");
+      const confirm = page.getByRole("dialog", { name: "Confirmação contábil" });
+      await confirm.waitFor();
+      assert.match(await confirm.locator("tfoot").innerText(), /Total a débito\s+1\.247,00\s+Total a crédito\s+1\.247,00/);
+      await focusIs(page, "Não");
+      await keys(page, "Enter");
+      await confirm.waitFor({ state: "detached" });
+      assert.equal(desk.session().posted.length, 3);
       const dates = sentSets().filter(([name]) => name === "Lancamento" || name === "Vencimento").map(([, value]) => value);
       assert.deepEqual([...new Set(dates)], ["05/11/2026", "02/12/2026"]);
     });

@@ -3,7 +3,7 @@ import { test } from "node:test";
 import { readCaption } from "../src/text/caption.ts";
 import { completeDate, showDate } from "../src/text/date.ts";
 import { fit } from "../src/text/match.ts";
-import { addAmounts, isAmount, showAmount, showCount } from "../src/text/money.ts";
+import { addAmounts, isAmount, readAmount, showAmount, showCount } from "../src/text/money.ts";
 import { acceptOf } from "../src/dialogs/file.ts";
 import { shownCell } from "../src/dialogs/cells.ts";
 import { scale } from "../src/controls/chart_scale.ts";
@@ -40,6 +40,7 @@ test("amounts are known and written in the Brazilian form", () => {
   assert.equal(showAmount("-0.0040"), "0,00");
   assert.equal(addAmounts(["0.1", "0.2000", "9007199254740993", "-0.0001", "x"]), "9007199254740993.2999");
   assert.equal(addAmounts(["-0.5"]), "-0.5000");
+  assert.equal(addAmounts(["1.234,56", "12,5", "-3"].map(readAmount)), "1244.0600");
   assert.equal(showAmount("-1234567.005"), "-1.234.567,01");
   assert.equal(showAmount("922337203685477.5807"), "922.337.203.685.477,58");
   assert.equal(showAmount("99.995"), "100,00");

@@ -328,7 +328,7 @@ function movement(session, id) {
         title: "Confirmação contábil",
         lines: [
           { debit: "1.1.01.002", debitDescription: "Bancos conta movimento", credit: "1.1.03.001", creditDescription: "Duplicatas a receber", amount: c.Valor.text, note: "RECEBIMENTO DOC. " + c.Documento.text, unknown: false },
-          { debit: "4.2.09.999", debitDescription: "", credit: "1.1.01.002", creditDescription: "Bancos conta movimento", amount: "12,50", note: "TARIFA", unknown: true },
+          { debit: "4.2.09.999", debitDescription: "", credit: "1.1.01.002", creditDescription: "Bancos conta movimento", amount: "12,50", note: "TARIFA", unknown: c.Documento.text === "SEM CONTA" },
         ],
       });
       if (answer.value === "yes") {

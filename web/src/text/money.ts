@@ -20,6 +20,11 @@ export function showAmount(neutral: string, decimals = 2): string {
   return (m[1] && units !== 0n ? "-" : "") + whole + rest;
 }
 
+// A shown "1.234,56" as it is stored; what is no amount comes back as it is.
+export function readAmount(shown: string): string {
+  return isAmount(shown) ? shown.trim().replaceAll(".", "").replace(",", ".") : shown;
+}
+
 // The sum of stored amounts, as one.
 export function addAmounts(amounts: string[]): string {
   let units = 0n;
