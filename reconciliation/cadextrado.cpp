@@ -70,13 +70,14 @@ void TFmCadExtrato::Desenha() {
         EdtIConta PqIConta EdtINomeConta EdtISaldo BitBtn6 /
         LbCarga /
         DBGrid3 /
-        EdtSaldoFinal BitBtn4
+        EdtSaldoFinal BitBtn4 LbParada
       }
     })");
 
   // The list opens by a button of its own.
   PqExtrato.SetVisible(false);
   for (DBEdit* campo : {&EdtLancamento, &CbConciliado}) campo->SetReadOnly(true);
+  LbParada.SetColor("warning");
   for (MoneyEdit* saldo : {&EdtSaldo, &EdtISaldo, &EdtSaldoFinal}) saldo->SetReadOnly(true);
 }
 

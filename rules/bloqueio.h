@@ -23,6 +23,9 @@ class Bloqueio {
   bool Movimento(std::string_view conta, std::initializer_list<Date> datas) {
     return Caixa(datas) || Conta(conta, datas);
   }
+  // Without telling the user: the last closed day of the cash or of the account, whichever is later; empty
+  // without one.
+  Date FechadoAte(std::string_view conta);
 
  private:
   bool Fechado(std::initializer_list<Date> datas, std::string_view kind);

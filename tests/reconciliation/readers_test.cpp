@@ -108,12 +108,19 @@ TEST(OfxTest, TellsWhatElseTheFileHeld) {
 
 TEST(OfxTest, AmountsInAnyHand) {
   const std::pair<const char*, const char*> good[] = {
-      {"10", "10.0000"},       {"-10.5", "10.5000"},          {"+.5", "0.5000"},       {"1.234", "1.2340"},
-      {"1.2345678", "1.2346"}, {"1.234.567", "1234567.0000"}, {" -  3,00 ", "3.0000"},
+      {"10", "10.0000"},
+      {"-10.5", "10.5000"},
+      {"+.5", "0.5000"},
+      {"1.234", "1.2340"},
+      {"1.2345678", "1.2346"},
+      {"1.234.567", "1234567.0000"},
+      {" -  3,00 ", "3.0000"},
+      // What doesn't fit is as much as there can be, and refused as a line.
+      {"99999999999999999999", "922337203685477.5807"},
   };
   for (const auto& [text, amount] : good) EXPECT_EQ(OfxAmount(text).value().Neutral(), amount) << text;
   for (const char* text :
-       {"", "-", ".", "1.2.3", "1,23,456.00", "1.234,5.6", "1e5", "--1", "12a", "99999999999999999999"}) {
+       {"", "-", ".", "1.2.3", "1,23,456.00", "1.234,5.6", "1e5", "--1", "12a", "99999999999999999999x"}) {
     EXPECT_FALSE(OfxAmount(text)) << text;
   }
 }
