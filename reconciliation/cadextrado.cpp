@@ -77,7 +77,6 @@ void TFmCadExtrato::Desenha() {
   // The list opens by a button of its own.
   PqExtrato.SetVisible(false);
   for (DBEdit* campo : {&EdtLancamento, &CbConciliado}) campo->SetReadOnly(true);
-  LbParada.SetColor("warning");
   for (MoneyEdit* saldo : {&EdtSaldo, &EdtISaldo, &EdtSaldoFinal}) saldo->SetReadOnly(true);
 }
 

@@ -8,6 +8,7 @@
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "reconciliation/aviso.h"
 #include "reconciliation/formats/bank_text.h"
 #include "reconciliation/formats/ofx.h"
 #include "toolkit/client_dataset.h"
@@ -122,7 +123,7 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   MoneyEdit EdtSaldoFinal{*this, "EdtSaldoFinal", "Saldo Final"};
   Button BitBtn4{*this, "BitBtn4", "&Confirmar"};
   // Where the load stopped, if it didn't come to the end of the file.
-  Label LbParada{*this, "LbParada"};
+  Aviso LbParada{*this, "LbParada"};
 
  private:
   // --- Creation (cadextrado.cpp).

@@ -184,7 +184,7 @@ void TFmCadExtrato::LeArquivo(const std::string& texto, const PositionLayout& po
   } catch (...) {
     // What was read before the fault stays, and is told.
     carga_.parada = NotOFX ? lidas.line : ofx.line;
-    if (carga_.parada > 0) LbParada.SetCaption("Interrompido na linha " + std::to_string(carga_.parada));
+    if (carga_.parada > 0) LbParada.Mostra("Interrompido na linha " + std::to_string(carga_.parada));
     mostra();
     throw;
   }
@@ -296,7 +296,8 @@ void TFmCadExtrato::BitBtn4Click() {
 
 void TFmCadExtrato::Esquece() {
   TbImporta.EmptyDataSet();
-  for (Label* linha : {&LbCarga, &LbParada}) linha->SetCaption("");
+  LbCarga.SetCaption("");
+  LbParada.Mostra("");
   carga_ = {};
 }
 

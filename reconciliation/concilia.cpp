@@ -110,7 +110,6 @@ void TFmConcilia::Desenha() {
     total->SetReadOnly(true);
   }
   GbSugestao.SetVisible(false);
-  for (Label* linha : {&LbVolta, &LbRetorno}) linha->SetColor("warning");
 }
 
 void TFmConcilia::LigaExtrato() {

@@ -13,6 +13,7 @@
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "reconciliation/aviso.h"
 #include "reconciliation/formats/cheque_return.h"
 #include "rules/bloqueio.h"
 #include "toolkit/client_dataset.h"
@@ -155,7 +156,7 @@ class ORV_EXPORT TFmConcilia : public Child {
                            {"Valor_Arq", "Valor", 0, true}}};
 
   // What a reconciliation takes back when it is undone.
-  Label LbVolta{*this, "LbVolta"};
+  Aviso LbVolta{*this, "LbVolta"};
   MoneyEdit EdtDif{*this, "EdtDif", "Diferença"};
   // How many days a line may lie from the movement that it is proposed for.
   Edit EdtPrazo{*this, "EdtPrazo", "Prazo (dias)", 3};
@@ -214,7 +215,7 @@ class ORV_EXPORT TFmConcilia : public Child {
                          {"DescClasse", "Descrição", 0, true}},
                         false};
   // What was left out of the confirmation.
-  Label LbRetorno{*this, "LbRetorno"};
+  Aviso LbRetorno{*this, "LbRetorno"};
   Button BitBtn10{*this, "BitBtn10", "&Confirmar"};
   Button BitBtn11{*this, "BitBtn11", "&Imprimir"};
   Button BitBtn12{*this, "BitBtn12", "&Fechar"};

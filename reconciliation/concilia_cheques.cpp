@@ -93,7 +93,7 @@ void TFmConcilia::CarregaPendentes() {
   TbArquivo.EmptyDataSet();
   conta_arq_ = EdtContaArq.Text();
   gravadas_.clear();
-  LbRetorno.SetCaption("");
+  LbRetorno.Mostra("");
   struct Pendentes : RowSink {
     explicit Pendentes(ArquivoSet& s) : set(s) {}
     void Columns(const std::vector<Column>&) override {}
@@ -209,8 +209,8 @@ void TFmConcilia::BitBtn10Click() {
   }
   Tabela.CommitRetaining();
   for (const Compensada& linha : linhas) gravadas_[linha.lancto] = linha.data;
-  LbRetorno.SetCaption(
-      fechadas.empty() ? ""
+  LbRetorno.Mostra(fechadas.empty()
+                       ? ""
                        : "Não compensados, pois mudariam um período fechado: " +
                              Join(std::vector<std::string>(fechadas.begin(), fechadas.end()), ", ") + ".");
   Inform("Conciliação concluída com sucesso!");

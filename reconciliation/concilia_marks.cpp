@@ -157,7 +157,7 @@ void TFmConcilia::CarregaMovimentos() {
     const ControlsHold movimentos(TbMov), extrato(TbArq);
     TOrvDatabase& db = Tabela.IBDatabase();
     EsqueceSugestoes();
-    LbVolta.SetCaption("");
+    LbVolta.Mostra("");
     conta_ = EdtConta.Text();
     TbMov.Cancel();
     TbMov.EmptyDataSet();

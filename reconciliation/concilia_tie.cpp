@@ -336,9 +336,9 @@ void TFmConcilia::MostraVolta(const std::string& numero) {
     return std::to_string(n) + " " + (n == 1 ? um : varios) + ", total " +
            linha.front()[1].AsCurrency().Brazil();
   };
-  LbVolta.SetCaption("A conciliação " + numero +
-                     " volta inteira: " + soma("CONTACOR", "-", "lançamento", "lançamentos") + "; " +
-                     soma("EXTRATO", "D", "linha do extrato", "linhas do extrato") + ".");
+  LbVolta.Mostra("A conciliação " + numero +
+                 " volta inteira: " + soma("CONTACOR", "-", "lançamento", "lançamentos") + "; " +
+                 soma("EXTRATO", "D", "linha do extrato", "linhas do extrato") + ".");
 }
 
 bool TFmConcilia::VoltaFechado(const std::string& numero) {
