@@ -229,10 +229,8 @@ TEST_F(TieTest, ClosedPeriodsStay) {
     bool dated;
     const char* message;
   };
-  const char* const account = "Período fechado até 10/11/2026 para a conta 10250-1.";
   const Case cases[] = {
-      {"CT", kConta, "11/10/2026", false, account},
-      {"CT", kConta, "11/10/2026", true, account},
+      {"CT", kConta, "11/10/2026", false, "Período fechado até 10/11/2026 para a conta 10250-1."},
       {"CX", "", "11/10/2026", false, "Período do caixa fechado até 10/11/2026."},
       // The line's day alone is closed.
       {"CT", kConta, "11/08/2026", true, "Período fechado até 08/11/2026 para a conta 10250-1."},

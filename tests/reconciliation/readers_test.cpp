@@ -108,15 +108,10 @@ TEST(OfxTest, TellsWhatElseTheFileHeld) {
 
 TEST(OfxTest, AmountsInAnyHand) {
   const std::pair<const char*, const char*> good[] = {
-      {"10", "10.0000"},
-      {"-10.5", "10.5000"},
-      {"+.5", "0.5000"},
-      {"1.234", "1.2340"},
-      {"1.2345678", "1.2346"},
-      {"1.234.567", "1234567.0000"},
-      {" -  3,00 ", "3.0000"},
-      // What doesn't fit is as much as there can be, and refused as a line.
-      {"99999999999999999999", "922337203685477.5807"},
+      {"10", "10.0000"},       {"-10.5", "10.5000"},
+      {"+.5", "0.5000"},       {"1.234", "1.2340"},
+      {"1.2345678", "1.2346"}, {"1.234.567", "1234567.0000"},
+      {" -  3,00 ", "3.0000"}, {"99999999999999999999", "922337203685477.5807"},
   };
   for (const auto& [text, amount] : good) EXPECT_EQ(OfxAmount(text).value().Neutral(), amount) << text;
   for (const char* text :
