@@ -162,6 +162,8 @@ class IContabil {
   // True when the date lies in a closed period, after telling the user. "CT" tests the account on which
   // Tabela.TbCadConta stands, "CX" the cash.
   virtual bool PeriodoConciliado(Date date, std::string_view kind) = 0;
+  // The last day of that closed period, empty without one. Tells the user nothing.
+  virtual Date PeriodoFechadoAte(std::string_view kind) = 0;
   // The day on which a document due on `date` will be credited, by its situation (TABSIT) or "".
   virtual Date DataContabilizacaoBancaria(Date date, std::string_view situacao, bool working_day) = 0;
 };

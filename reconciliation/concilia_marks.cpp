@@ -157,6 +157,7 @@ void TFmConcilia::CarregaMovimentos() {
     const ControlsHold movimentos(TbMov), extrato(TbArq);
     TOrvDatabase& db = Tabela.IBDatabase();
     EsqueceSugestoes();
+    LbVolta.Mostra("");
     conta_ = EdtConta.Text();
     TbMov.Cancel();
     TbMov.EmptyDataSet();

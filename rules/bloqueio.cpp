@@ -41,6 +41,14 @@ bool Bloqueio::Movimentos(const std::string& contacor, const std::string& condic
   });
 }
 
+Date Bloqueio::FechadoAte(std::string_view conta) {
+  const ContasAbertas abertas(tabela_);
+  const Date caixa = contabil_.PeriodoFechadoAte("CX");
+  return tabela_.TbCadConta().Locate("CONTA", Value(conta))
+             ? std::max(caixa, contabil_.PeriodoFechadoAte("CT"))
+             : caixa;
+}
+
 bool Bloqueio::Fechado(const std::vector<Date>& datas, std::string_view kind) {
   // Each date once: the user is told once.
   for (auto data = datas.begin(); data != datas.end(); ++data) {

@@ -28,6 +28,9 @@ class Bloqueio {
   // and the account's periods, by their accounting dates and by `tambem`, the dates that they are to have.
   bool Movimentos(const std::string& contacor, const std::string& condicao,
                   const std::vector<Date>& tambem = {});
+  // Without telling the user: the last closed day of the cash or of the account, whichever is later; empty
+  // without one.
+  Date FechadoAte(std::string_view conta);
 
  private:
   bool Fechado(const std::vector<Date>& datas, std::string_view kind);

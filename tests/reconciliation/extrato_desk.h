@@ -59,6 +59,7 @@ class ExtratoTest : public DeskTest {
   }
   // The line that tells of the load.
   static std::string Told(Desk& desk) { return desk.Property("LbCarga", "caption").String(); }
+  static std::string Stopped(Desk& desk) { return desk.Property("LbParada", "caption").String(); }
   // The rows that came with a file.
   std::string Stored(const std::string& arquivo) {
     return Sql(

@@ -1,4 +1,5 @@
 // The page "Importação": files loaded for review, confirmed, refused; what is left after a fault.
+#include "host/schema/check.h"
 #include "tests/reconciliation/extrato_desk.h"
 #include "tests/support/kills.h"
 
@@ -73,10 +74,14 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   // Of two equal lines one stands there; what is no whole transaction is told.
   const std::string uma = "<STMTTRN>\n<DTPOSTED>20261118\n<TRNAMT>-10.50\n<CHECKNUM>000123\n";
   const std::string fim = "</STMTTRN>\n";
-  EXPECT_EQ(Load(desk, Written("dobro.ofx", "<BANKID>0903\n" + uma + fim + uma + fim + fim + uma), kOfx),
+  EXPECT_EQ(Load(desk,
+                 Written("dobro.ofx", "<BANKID>0903\n" + uma + fim + uma + fim + fim +
+                                          "<STMTTRN>\n<DTPOSTED>20261118\n" + fim + uma),
+                 kOfx),
             kLoaded);
   EXPECT_EQ(Told(desk),
-            "2 linhas carregadas; 2 deixadas de fora (1 sem fim no arquivo, 1 sem início). 1 já está no "
+            "2 linhas carregadas; 3 deixadas de fora (1 sem fim no arquivo, 1 sem início, 1 sem valor). 1 já "
+            "está no "
             "extrato com a mesma conta, data, valor e documento.");
 }
 
@@ -131,9 +136,34 @@ TEST_F(ExtratoTest, LoadsTextByItsLayout) {
   EXPECT_EQ(Load(desk, File("separated_bad_date.txt"), kSeparado),
             "error: Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.");
   EXPECT_EQ(Told(desk), "1 linha carregada.");
+  EXPECT_EQ(Stopped(desk), "Interrompido na linha 3");
   EXPECT_EQ(desk.Rows("TbImporta"), "20418-7|D1|2026-11-18|1.0000|C|X|\n");
   EXPECT_EQ(Confirm(desk), kStored);
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt'"), "1");
+
+  // The desk remembers, and takes the rest of that file in, once; a line is bounded in its amount.
+  const auto told = [&] { return Join(CheckData(Db()), "\n"); };
+  EXPECT_EQ(told(),
+            "Empresa _001, arquivo separated_bad_date.txt: interrompido na linha 3, conta 20418-7; falta "
+            "carregar o resto.");
+  const auto again = [&](const std::string& third) {
+    const std::string line = "20418-7;20261118;D1;X;100;C\n";
+    return Load(desk, Written("separated_bad_date.txt", "h\n" + line + third + line), kSeparado);
+  };
+  EXPECT_EQ(again("20418-7;20261118;D3;X;100000000000000;C\n"),
+            "error: Linha 3 do arquivo: \"1.000.000.000.000,00\" não é um valor até 999.999.999.999,99.");
+  Confirm(desk);
+  EXPECT_EQ(again("20418-7;20261118;D3;X;99999999999999;D\n"), kLoaded);
+  EXPECT_EQ(Told(desk) + Stopped(desk),
+            "2 linhas carregadas; 1 deixada de fora (1 de carga anterior). 1 já está no extrato com a mesma "
+            "conta, data, valor e documento.");
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(told(), "");
+  EXPECT_EQ(desk.Text("EdtISaldo"), desk.Text("EdtSaldoFinal"));
+  EXPECT_EQ(Sql("SELECT DOCTO, VALOR FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt' ORDER BY "
+                "LANCTO"),
+            "D1|1.0000;D3|999999999999.9900;D1|1.0000");
+  EXPECT_EQ(again(""), "Arquivo Já Carregado.");
 }
 
 TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
@@ -162,8 +192,7 @@ TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
     EXPECT_EQ(Load(desk, path, kOfx), said) << path;
     EXPECT_EQ(desk.End(), "idle");
   }
-  EXPECT_EQ(Load(desk, folder_.Path() / "hostil.ofx", kOfx, "yes"), std::string(kOtherBank) + "\n" + kLoaded);
-  EXPECT_EQ(Told(desk), "1 linha carregada. 1 valor ilegível entrou com 0,00.");
+  EXPECT_TRUE(Load(desk, folder_.Path() / "hostil.ofx", kOfx, "yes").ends_with(" 999.999.999.999,99."));
   EXPECT_EQ(Lines(), before);
 
   desk.Set("EdtIConta", "99999");
