@@ -35,7 +35,7 @@ std::string Carregadas(int64_t linhas, const std::vector<std::pair<std::size_t, 
 
 // A line as it is known again. A document is kept cut.
 std::string Chave(const Value& dia, const Value& valor, const Value& operacao, const Value& docto) {
-  return std::to_string(dia.AsDate().Days()) + "|" + std::to_string(valor.AsCurrency().Raw()) + "|" +
+  return std::to_string(dia.AsDate().Days()) + "|" + valor.AsCurrency().Neutral() + "|" +
          std::string(operacao.Text()) + "|" + std::string(Trim(CutChars(docto.Text(), kDocto)));
 }
 
