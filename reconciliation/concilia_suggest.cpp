@@ -125,17 +125,11 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
                                   const std::vector<int64_t>& lugares_arq, std::size_t cheques) {
   const ControlsHold movimentos(TbMov), linhas(TbArq), hold(TbSugestao);
   struct Carga {
-    explicit Carga(TFmConcilia& t) : tela(t), mov(t.TbMov.RecNo()), arq(t.TbArq.RecNo()) {
-      tela.TbMov.Tag = tela.TbArq.Tag = 2;
-    }
-    ~Carga() {
-      tela.TbMov.SetRecNo(mov);
-      tela.TbArq.SetRecNo(arq);
-      tela.TbMov.Tag = tela.TbArq.Tag = 0;
-    }
+    explicit Carga(TFmConcilia& t) : tela(t) { tela.TbMov.Tag = tela.TbArq.Tag = 2; }
+    ~Carga() { tela.TbMov.Tag = tela.TbArq.Tag = 0; }
     TFmConcilia& tela;
-    int64_t mov, arq;
   } const carga(*this);
+  const int64_t mov = TbMov.RecNo(), arq = TbArq.RecNo();
 
   std::array<std::size_t, 3> por_motivo{};
   std::vector<Value> linha(TbSugestao.Fields().size());
@@ -168,6 +162,8 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
       }
     }
   }
+  TbMov.SetRecNo(mov);
+  TbArq.SetRecNo(arq);
 
   std::vector<std::string> partes;
   const auto parte = [&](SuggestReason motivo, const char* texto) {

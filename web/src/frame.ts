@@ -32,6 +32,7 @@ export class Frame {
   constructor(
     me: Me,
     private user: FrameUser,
+    offers: HTMLElement,
   ) {
     this.home = new MenuBoard(me.menu, (entry) => user.open(entry), () => {});
     this.homeBox = el(
@@ -79,7 +80,7 @@ export class Frame {
     );
     this.status = el("div", { class: "link-status", role: "status", hidden: true });
     this.main = el("main", { class: "desk" }, this.homeBox);
-    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox);
+    this.element = el("div", { class: "frame" }, top, this.status, offers, this.main, this.overBox);
   }
 
   // --- The menu over the screens.
