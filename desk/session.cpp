@@ -85,6 +85,8 @@ void Session::Run() {
     } catch (const SessionEnd&) {
       attachment_->Rollback();
     }
+    // The user hears that the session has ended, not that he closed his screens.
+    application_->SetObserver(nullptr);
     application_->CloseAll();
     attachment_->Rollback();
   } catch (const SessionEnd&) {

@@ -19,6 +19,7 @@ export class TakeUp {
   // The draft that is being filled in, with what is still to be given.
   private under: { draft: Draft; rest: Kept[]; begun: boolean; given: boolean; waits: boolean } | null = null;
   private hint = "";
+  private shown = "";
 
   constructor(
     private drafts: Drafts,
@@ -28,9 +29,9 @@ export class TakeUp {
   // Drawn again whenever screens come and go.
   show(): void {
     const offers = this.drafts.left.map((draft) => this.line(draft));
-    const shown = offers.map((line) => line.textContent).join("\n");
-    if (shown === this.element.dataset["shown"]) return;
-    this.element.dataset["shown"] = shown;
+    const shown = offers.map((line) => line.outerHTML).join("");
+    if (shown === this.shown) return;
+    this.shown = shown;
     this.element.hidden = offers.length === 0;
     this.element.replaceChildren(...offers);
   }
