@@ -158,6 +158,7 @@ describe("a press is for what was seen", () => {
       await button("Compensar").dblclick();
       await focusIs(page, "Compensar");
       await keys(page, "Enter", "Enter");
+      await page.getByText("3 de 5", { exact: true }).waitFor();
       // Where the first one stood the second finds another button, or another screen.
       await button("Incluir").dblclick();
       await focusIs(page, "Confirmar");

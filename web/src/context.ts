@@ -16,8 +16,8 @@ export interface DeskContext {
   // still on top then.
   act(run: () => void): void;
   // The same for a press that does something. It is meant for what the user saw: dropped where an earlier one
-  // isn't answered yet, and where the control, or a row that it could be about, has become another meanwhile.
-  // `clicks` counts those of one burst of the pointer's, 0 for a key.
+  // of the pointer or of that key isn't answered yet, and where the control, or a row that it could be about,
+  // has become another meanwhile. `clicks` counts those of one burst of the pointer's, 0 for a key.
   press(control: ControlView, clicks: number, run: () => void): void;
   // What stands in a control was typed by the user and may not have been sent.
   typed(control: ControlView): void;

@@ -129,7 +129,9 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
 
   press(control: ControlView, clicks: number, run: () => void): void {
     const top = this.top;
-    if (top === undefined || (this.flushing && this.burst)) return;
+    if (top === undefined) return;
+    // The same key typed twice before the first was answered; another key names what it means.
+    if (this.flushing && this.burst && this.stroke === this.last.by) return;
     // One that isn't answered changes what this one was aimed at.
     if (this.door.queue.pressing || (!this.flushing && this.ahead.some((one) => one.kind === "act" && one.press))) return;
     const by = clicks > 0 ? "pointer" : this.stroke;
@@ -165,6 +167,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   private answer(object: In): void {
     if (this.question === null || this.answered) return;
     this.answered = true;
+    this.pressed = false;
     this.question.element.hidden = true;
     this.door.push({ object, purpose: "answer", hold: true });
     this.mark();
