@@ -15,7 +15,6 @@ namespace orv {
 class ORV_EXPORT TfmChequePre : public Child {
  public:
   explicit TfmChequePre(Application& application);
-  ~TfmChequePre() override;
 
   // The cheques themselves, shared with whoever else has them open.
   TOrvTable& tbCheque_pre = Tabela.tbCheque_pre();

@@ -19,7 +19,7 @@ constexpr std::size_t kMostReports = 20;
 Json ParseOrNull(const std::string& text) {
   try {
     return Json::Parse(text);
-  } catch (const JsonError&) {
+  } catch (const std::exception&) {
     // The session refuses what isn't an object, in its turn.
     return {};
   }
@@ -172,9 +172,19 @@ void ServerSessions::Message(const std::shared_ptr<Link>& link, std::string text
     Take(window, link, ParseOrNull(text), std::move(next));
     return;
   }
-  const bool taken = workers_.Do([this, window, link, text = std::move(text), next]() mutable {
-    auto in = std::make_shared<Json>(ParseOrNull(text));
-    network_.Post([this, window, link, in, next] { Take(window, link, std::move(*in), next); });
+  // What belongs to the link goes back with the object that was read, and dies where it lives: here.
+  struct Reading {
+    WindowPointer window;
+    std::shared_ptr<Link> link;
+    std::function<void()> next;
+    Json in;
+  };
+  auto reading = std::make_shared<Reading>(Reading{window, link, std::move(next), {}});
+  const bool taken = workers_.Do([this, reading = std::move(reading), text = std::move(text)]() mutable {
+    reading->in = ParseOrNull(text);
+    network_.Post([this, reading = std::move(reading)] {
+      Take(reading->window, reading->link, std::move(reading->in), std::move(reading->next));
+    });
   });
   // The display sends it again when it comes back.
   if (!taken) link->Close();

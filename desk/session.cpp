@@ -37,7 +37,7 @@ void Session::Post(Json in) {
   {
     const std::lock_guard lock(mutex_);
     if (queue_.size() >= kMaxQueue) return;
-    queue_.push_back({std::move(in)});
+    queue_.push_back({.in = std::move(in), .cancels = cancel && gathering_});
     if (cancel && gathering_) cancel_ = true;
   }
   arrived_.notify_one();
@@ -47,7 +47,7 @@ bool Session::Refresh() {
   {
     const std::lock_guard lock(mutex_);
     if (!queue_.empty() && queue_.back().refresh) return false;
-    queue_.push_back({Json(), true});
+    queue_.push_back({.in = Json(), .refresh = true});
   }
   arrived_.notify_one();
   return true;
@@ -85,10 +85,14 @@ void Session::Run() {
     } catch (const SessionEnd&) {
       attachment_->Rollback();
     }
+    // The user hears that the session has ended, not that he closed his screens.
+    application_->SetObserver(nullptr);
     application_->CloseAll();
     attachment_->Rollback();
   } catch (const SessionEnd&) {
     // A screen that asked while it was closed for good.
+  } catch (const SilentAbort&) {
+    // One whose closing gave up.
   } catch (const std::exception& e) {
     log_.Write("session failed", {{"user", options_.user}, {"text", Masked(e.what())}});
     SendError(e.what());
@@ -108,8 +112,7 @@ void Session::Run() {
 void Session::Serve() {
   Settle({{"on", "idle"}});
   for (;;) {
-    const Json in = Take();
-    Handle(in);
+    Handle(Take().in);
     application_->FreeClosed();
     services_->AfterAction();
     Collect();
@@ -117,14 +120,14 @@ void Session::Serve() {
   }
 }
 
-Json Session::Take() {
+Session::Entry Session::Take() {
   for (;;) {
     std::unique_lock lock(mutex_);
     arrived_.wait(lock, [&] { return ending_ || !queue_.empty(); });
     if (ending_) throw SessionEnd{};
     Entry entry = std::move(queue_.front());
     queue_.pop_front();
-    if (!entry.refresh) return std::move(entry.in);
+    if (!entry.refresh) return entry;
     lock.unlock();
     SendAll();
   }
@@ -175,8 +178,7 @@ void Session::ScreenClosed(Screen& screen) {
   if (found == shown_.end()) return;
   Send({{"on", "closed"}, {"screen", found->second.id}});
   shown_.erase(found);
-  const Screen* top = application_->Top();
-  front_ = top == nullptr ? 0 : shown_[top].id;
+  front_ = TopId();
 }
 
 }  // namespace orv

@@ -81,11 +81,18 @@ class Session : private UserInterface, private ApplicationObserver {
     std::string focus;
   };
 
+  struct Entry {
+    Json in;
+    bool refresh = false;
+    // A cancel of the gathering that ran when it came: it answers no question asked since.
+    bool cancels = false;
+  };
+
   static void* ThreadMain(void* self);
   void Run();
   void Serve();
   // Waits for the next object.
-  Json Take();
+  Entry Take();
   void Send(const Json& out) { sink_(out); }
   // Sends the "idle" or "waiting" that ends an answer.
   void Settle(Json out);
@@ -95,6 +102,8 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // --- Working on an object (session_actions.cpp).
   void Handle(const Json& in);
+  // What is under way from here on is no gathering, until one tells of itself.
+  void EndGathering();
   // Takes back what the action has written, also from what the shared tables hold.
   void Undo();
   void LogFailure(const Json& verb, const std::exception& e);
@@ -105,6 +114,8 @@ class Session : private UserInterface, private ApplicationObserver {
   void Key(const Json& in);
   void GridAction(const std::string& verb, const Json& in);
   Screen& TopScreen() const;
+  // The id of the screen on top, 0 without one.
+  int64_t TopId() const;
   // The control named in the object, which the user can reach.
   Control& Reachable(const Json& in, const char* member = "control") const;
   // Moves the focus as the user does. False when the field left keeps it.
@@ -147,16 +158,13 @@ class Session : private UserInterface, private ApplicationObserver {
 
   std::mutex mutex_;
   std::condition_variable arrived_;
-  struct Entry {
-    Json in;
-    bool refresh = false;
-  };
   std::deque<Entry> queue_;
   bool ending_ = false;
   std::atomic<bool> ended_{false};
-  // Set by a cancel that arrives while an action runs, taken by Progress.
-  std::atomic<bool> cancel_{false};
-  std::atomic<bool> gathering_{false};
+  // A gathering has told how far it is, and nothing was asked since; a cancel has come meanwhile, which its
+  // next telling takes. Both under the mutex.
+  bool gathering_ = false;
+  bool cancel_ = false;
   std::chrono::steady_clock::time_point last_progress_{};
 
   // Guarded by the mutex where it comes and goes, since End cancels what runs on it.

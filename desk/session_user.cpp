@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <utility>
 
 #include "desk/session.h"
 #include "frame/screen.h"
@@ -85,17 +86,18 @@ void Session::Wait(const char* what, const Json& question, const std::function<b
     Json& open;
     ~Open() { open = Json(); }
   } const guard{question_};
+  EndGathering();
   Collect();
   question_ = question;
   Send(question);
   Settle(waiting);
   for (;;) {
     attachment_->LetGo();
-    const Json in = Take();
+    const auto [in, refresh, cancels] = Take();
     try {
       if (in["do"] == Json("read")) {
         Send(State(in));
-      } else if (answer(in)) {
+      } else if (!cancels && answer(in)) {
         return;
       }
     } catch (const UserError& e) {
@@ -267,12 +269,12 @@ void Session::Detail(std::string_view title, DataSet& rows) {
 }
 
 void Session::Progress(int64_t value, int64_t of, std::string_view text) {
-  gathering_ = true;
   {
     const std::lock_guard lock(mutex_);
     if (ending_) throw SessionEnd{};
+    gathering_ = true;
+    if (std::exchange(cancel_, false)) throw UserError("Operação cancelada.");
   }
-  if (cancel_.exchange(false)) throw UserError("Operação cancelada.");
   const auto now = std::chrono::steady_clock::now();
   if (now - last_progress_ < kProgressEvery && value != of) return;
   last_progress_ = now;
@@ -290,7 +292,7 @@ void Session::RunModal(Form& form) {
   while (!screen.Closed()) {
     Collect();
     Settle({{"on", "idle"}});
-    Handle(Take());
+    Handle(Take().in);
   }
   application_->HandleClosed(screen);
 }

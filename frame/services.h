@@ -43,6 +43,8 @@ class IFuncoes {
   virtual std::string DBLocal(std::string_view table, bool local) const = 0;
   // The statement with each {X} replaced, and the literal '{}' by the suffix.
   virtual std::string DBLocal_SQL(std::string_view sql, std::string_view table) const = 0;
+  // The same for the company of that suffix, wherever Tabela.tbEmpresa stands.
+  virtual std::string DBEmpresa_SQL(std::string_view sql, std::string_view suffix) const = 0;
   // The statement once for each company in one UNION ALL. Raises UserError when the companies are more than
   // one statement can hold.
   virtual std::string UnionTodasEmpresas(std::string_view sql, std::string_view table, bool all) const = 0;
@@ -175,6 +177,8 @@ class ITabela {
   // Counted by name, which ignores case: a table is open until its last close.
   virtual void AbreTabela(std::string_view name, bool reread) = 0;
   virtual void FechaTabela(std::string_view name) = 0;
+  // The same where nothing may run: the last one closes without an event and drops what is being typed.
+  virtual void SoltaTabela(std::string_view name) noexcept = 0;
   virtual TOrvDatabase& IBDatabase() = 0;
   // Commits the session's transaction, which stays open for the screens.
   virtual void CommitRetaining() = 0;

@@ -63,17 +63,18 @@ void Marca(MemoryDataSet& set, Field& marca, int64_t lugar, const char* valor) {
   set.Post();
 }
 
-// Ticks are set without what follows a click, and the user keeps his places.
+// Ticks are set without what follows a click.
 class Marcacao {
  public:
   Marcacao(TClientDataSet& mov, TClientDataSet& arq) : mov_(mov), arq_(arq) { mov_.Tag = arq_.Tag = 2; }
-  ~Marcacao() {
-    mov_.SetRecNo(no_mov_);
-    arq_.SetRecNo(no_arq_);
-    mov_.Tag = arq_.Tag = 0;
-  }
+  ~Marcacao() { mov_.Tag = arq_.Tag = 0; }
   Marcacao(const Marcacao&) = delete;
   Marcacao& operator=(const Marcacao&) = delete;
+  // Once all is marked: back to where the user was.
+  void Volta() {
+    mov_.SetRecNo(no_mov_);
+    arq_.SetRecNo(no_arq_);
+  }
 
  private:
   TClientDataSet &mov_, &arq_;
@@ -128,7 +129,7 @@ std::set<int64_t> TFmConcilia::SugestoesInteiras() {
 
 void TFmConcilia::DesmarcaSugestoes() {
   const std::set<int64_t> inteiras = SugestoesInteiras();
-  const Marcacao marcacao(TbMov, TbArq);
+  Marcacao marcacao(TbMov, TbArq);
   const int64_t linhas = TbSugestao.RecordCount();
   for (int64_t i = 0; i < linhas; ++i) {
     const auto celula = [&](const Field& campo) { return TbSugestao.Cell(i, campo).AsInteger(); };
@@ -136,6 +137,7 @@ void TFmConcilia::DesmarcaSugestoes() {
     Marca(TbMov, TbMov.Conciliar, celula(TbSugestao.LugarMov) - 1, "S");
     Marca(TbArq, TbArq.Concilia, celula(TbSugestao.LugarArq) - 1, "N");
   }
+  marcacao.Volta();
 }
 
 std::size_t TFmConcilia::RetiraCheques(std::vector<Suggestion>& sugestoes,
@@ -171,7 +173,7 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
                                   const std::vector<int64_t>& lugares_mov,
                                   const std::vector<int64_t>& lugares_arq, std::size_t cheques) {
   const ControlsHold hold(TbSugestao);
-  const Marcacao marcacao(TbMov, TbArq);
+  Marcacao marcacao(TbMov, TbArq);
 
   std::array<std::size_t, 3> por_motivo{};
   std::vector<Value> linha(TbSugestao.Fields().size());
@@ -204,6 +206,7 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
       }
     }
   }
+  marcacao.Volta();
 
   std::vector<std::string> partes;
   const auto parte = [&](SuggestReason motivo, const char* texto) {

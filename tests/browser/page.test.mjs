@@ -156,6 +156,38 @@ describe("typing", () => {
   });
 });
 
+describe("a press is for what was seen", () => {
+  for (const delay of [0, 150]) {
+    test(`two in one burst do one thing, ${delay} ms away`, async () => {
+      desk.delay = delay;
+      const page = await enter();
+      await openScreen(page, "cheques", "Cheques");
+      const button = (name) => page.getByRole("button", { name, exact: true });
+      const clicks = () => desk.session().log.filter((one) => one.do === "click").map((one) => one.control).join(" ");
+      await button("Compensar").dblclick();
+      await focusIs(page, "Compensar");
+      await keys(page, "Enter", "Enter");
+      await page.getByText("3 de 5", { exact: true }).waitFor();
+      // Where the first one stood the second finds another button, or another screen.
+      await button("Incluir").dblclick();
+      await focusIs(page, "Confirmar");
+      await keys(page, "Alt+o");
+      await focusIs(page, "Incluir");
+      await keys(page, "Alt+d");
+      await focusIs(page, "Conta Origem");
+      await button("Fechar").last().dblclick();
+      await focusIs(page, "Diálogo");
+      assert.equal(clicks(), "Compensar Compensar Incluir Confirmar Dialogo Fechar");
+      await keys(page, "Alt+d");
+      await focusIs(page, "Conta Origem");
+      if (delay > 0) await keys(page, "Alt+f", "Alt+c", "Tab", "Enter");
+      else await keys(page, "Alt+f");
+      await focusIs(page, "Diálogo");
+      assert.equal(clicks(), "Compensar Compensar Incluir Confirmar Dialogo Fechar Dialogo Fechar");
+    });
+  }
+});
+
 describe("connection", () => {
   test("it comes back to the open question, and to what was typed", async () => {
     const page = await enter();
@@ -215,10 +247,34 @@ describe("connection", () => {
   test("a session that is gone is told, and login stands there when nobody is logged in", async () => {
     const page = await enter();
     await openScreen(page, "mcc", "Movimento");
+    await focusIs(page, "Conta");
+    await keys(page, "F4");
+    await page.getByText("Banco do Litoral").waitFor();
+    await keys(page, "litoral", "Enter");
+    await focusIs(page, "Conta");
+    await keys(page, "Tab", "DOC 1");
+    await field(page, "Valor").click();
+    await focusIs(page, "Valor");
+    await keys(page, "12");
     desk.sessions.clear();
     desk.drop();
     await page.getByText("A sessão anterior terminou").waitFor();
     await keys(page, "Enter");
+    // What stood typed in the form is offered again, the last field unsent as it was.
+    await page.getByText("3 campos digitados").waitFor();
+    assert.deepEqual(await findings(page), []);
+    await page.keyboard.press("Control+Alt+r");
+    await until("preenchida", async () => (await field(page, "Valor").inputValue()) === "12,00");
+    assert.deepEqual(sentSets(), [["Conta", "0010-0"], ["Documento", "DOC 1"], ["Valor", "12"]]);
+    await page.locator(".offers").waitFor({ state: "hidden" });
+    await keys(page, "Alt+o");
+    await page.getByRole("dialog", { name: "Confirmação contábil" }).waitFor();
+    await keys(page, "Enter");
+    await until("gravado", () => desk.session().posted?.length === 1);
+    assert.equal(await page.evaluate(() => Object.keys(sessionStorage).filter((key) => key.startsWith("orv-drafts")).length), 0);
+    await keys(page, "0001-5", "Tab");
+    await focusIs(page, "Documento");
+    await page.getByRole("tab", { name: "Movimento" }).locator(".tab-close").click();
     await focusIs(page, "Procurar tela");
     desk.logged = false;
     desk.drop();
@@ -253,7 +309,7 @@ describe("grid", () => {
     await page.getByText("0000001").waitFor();
     await keys(page, "Control+Home", "Delete");
     await until("tecla", () => desk.session().log.at(-1).key === "Delete");
-    assert.deepEqual({ ...desk.session().log.at(-1), n: 0 }, { do: "key", control: "Grade1", key: "Delete", row: 0, column: "PENDENTE", n: 0 });
+    assert.deepEqual({ ...desk.session().log.at(-1), n: 0 }, { screen: desk.session().top.id, do: "key", control: "Grade1", key: "Delete", row: 0, column: "PENDENTE", n: 0 });
     assert.deepEqual(await findings(page), []);
     assert.equal(await grid(page).getAttribute("aria-rowcount"), "100001");
   });

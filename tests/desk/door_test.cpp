@@ -1,4 +1,8 @@
 // The door, verb by verb, on a sample screen over a real database.
+#include <array>
+
+#include "host/services/audit.h"
+#include "host/services/users.h"
 #include "tests/desk/sample_screen.h"
 #include "tests/support/desk_test.h"
 
@@ -30,6 +34,7 @@ TEST_F(DoorTest, EachObjectIsAnsweredOnceAndWhatCannotBeDoneRunsNothing) {
                            R"({"do":"click","control":7})",
                            R"({"do":"click","control":"Nada"})",
                            R"({"do":"click","control":"EdtTexto"})",
+                           R"({"do":"click","control":"BtGrava","screen":99})",
                            R"({"do":"set","control":"EdtNomeBanco","value":"x"})",
                            R"({"do":"set","control":"EdtTexto"})",
                            R"({"do":"set","control":"EdtValor","value":"1,2,3"})",
@@ -170,6 +175,9 @@ TEST_F(DoorTest, QuestionsWaitForTheirOwnAnswers) {
   EXPECT_EQ(desk_.End(), "waiting answer");
   desk_.Answer("yes");
   EXPECT_EQ(Label(), "sim");
+  desk_.Click("BtPergunta");
+  desk_.Answer("cancel");
+  EXPECT_EQ(desk_.Messages() + Label(), "não") << "a no, which ends no gathering";
   desk_.Click("BtData");
   desk_.Answer("31/02/2026");
   EXPECT_EQ(desk_.End(), "waiting answer");
@@ -224,9 +232,14 @@ TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
   EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ") << "a dialog is modal";
   desk_.Click("BtFalha");
   EXPECT_EQ(desk_.Messages(), "error: Falha no diálogo.");
-  desk_.Click("BtOk");
+  const Json dialog = desk_.State()["screens"].Items().back()["id"];
+  desk_.Do({{"do", "click"}, {"control", "BtOk"}, {"screen", dialog}});
   EXPECT_EQ(Label(), "voltou 0");
-  EXPECT_EQ(Banks("'X01','H01'"), "X01");
+  // The second of two clicks was meant for the dialog, whose button has a namesake beneath.
+  desk_.Set("EdtTexto", "G02");
+  desk_.Do({{"do", "click"}, {"control", "BtGrava"}, {"screen", dialog}});
+  EXPECT_EQ(desk_.Messages(), "error: A tela não está mais à frente.");
+  EXPECT_EQ(Banks("'X01','H01','G02'"), "X01");
 
   // The opening action fails after its dialog wrote: all of it goes.
   Run("DELETE FROM CADBAN_001 WHERE BANCO = 'X01'");
@@ -240,38 +253,42 @@ TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
   EXPECT_EQ(Banks("'Z01'"), "Z01") << "the screen stays usable";
 }
 
-TEST_F(DoorTest, ALongGatheringIsCancelled) {
-  // The cancel is sent when the first sign of progress arrives, as a person would.
-  SessionOptions options;
-  options.database = database_.string();
-  options.user = "ana";
-  options.company = "_001";
-  options.folder = folder_.Path();
-  Log log((folder_.Path() / "long.log").string());
-  std::mutex mutex;
-  std::condition_variable arrived;
-  int idles = 0;
-  std::string error;
-  Session* session = nullptr;
-  const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
-    const std::lock_guard lock(mutex);
-    if (out["on"] == Json("progress") && session != nullptr) {
-      session->Post({{"do", "answer"}, {"value", "cancel"}});
-      session = nullptr;
+TEST_F(DoorTest, ALongGatheringIsCancelledAndNothingElse) {
+  // The cancel is sent when the first sign of progress arrives, as a person would. A question that was asked
+  // meanwhile isn't answered by it.
+  for (const char* button : {"BtLonga", "BtPergunta"}) {
+    SessionOptions options;
+    options.database = database_.string();
+    options.user = "ana";
+    options.company = "_001";
+    options.folder = folder_.Path();
+    Log log((folder_.Path() / "long.log").string());
+    std::mutex mutex;
+    std::condition_variable arrived;
+    int settled = 0;
+    std::string error, last;
+    Session* session = nullptr;
+    const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
+      const std::lock_guard lock(mutex);
+      if (out["on"] == Json("progress") && session != nullptr) {
+        session->Post({{"do", "answer"}, {"value", "cancel"}});
+        session = nullptr;
+      }
+      if (out["on"] == Json("error")) error = out["text"].String();
+      last = out["on"].String();
+      settled += last == "idle" || last == "waiting";
+      arrived.notify_one();
+    });
+    {
+      const std::lock_guard lock(mutex);
+      session = one.get();
     }
-    if (out["on"] == Json("error")) error = out["text"].String();
-    if (out["on"] == Json("idle")) ++idles;
-    arrived.notify_one();
-  });
-  {
-    const std::lock_guard lock(mutex);
-    session = one.get();
+    one->Post({{"do", "open"}, {"class", "TfmAmostra"}});
+    one->Post({{"do", "click"}, {"control", button}});
+    std::unique_lock lock(mutex);
+    arrived.wait(lock, [&] { return settled == 4; });
+    EXPECT_EQ(error + last, std::string(button) == "BtLonga" ? "Operação cancelada.idle" : "waiting");
   }
-  one->Post({{"do", "open"}, {"class", "TfmAmostra"}});
-  one->Post({{"do", "click"}, {"control", "BtLonga"}});
-  std::unique_lock lock(mutex);
-  arrived.wait(lock, [&] { return idles == 4; });
-  EXPECT_EQ(error, "Operação cancelada.");
 }
 
 TEST_F(DoorTest, ASessionThatEndsInAQuestionLeavesNothingBehind) {
@@ -287,6 +304,21 @@ TEST_F(DoorTest, OnlyWhatTheUserMayOpenOpens) {
   Desk leo(database_, "leo");
   leo.Open("TfmAmostra");
   EXPECT_EQ(leo.Messages(), "error: A tela \"TfmAmostra\" não está disponível.");
+  Audit audit(Db(), Clock(), "", "");
+  for (const auto& [screen, page, button, other] :
+       {std::array{"TFmConcilia", "TabSheet1", "BitBtn9", "Cadastro de Extrato Bancário"},
+        std::array{"TFmCadExtrato", "TabSheet2", "BitBtn2", "Conciliação"}}) {
+    Users(Db(), audit).Grant("leo", {screen, "*"});
+    Db().CommitRetaining();
+    Desk one(database_, "leo");
+    one.Open(screen);
+    one.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", page}});
+    one.Click(button);
+    EXPECT_EQ(one.Messages(),
+              std::string("error: Usuário sem permissão para abrir a tela \"") + other + "\".");
+    EXPECT_EQ(one.State()["screens"].Items().size(), 1U);
+    Users(Db(), audit).Revoke("leo", screen);
+  }
   EXPECT_THROW(Desk(database_, "ninguém"), UserError);
   EXPECT_THROW(Desk(database_, "ana", "_009"), UserError);
 }

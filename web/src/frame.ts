@@ -36,6 +36,7 @@ export class Frame {
   constructor(
     me: Me,
     private user: FrameUser,
+    offers: HTMLElement,
   ) {
     this.home = new MenuBoard(me.menu, (entry) => user.open(entry), () => {});
     this.homeBox = el(
@@ -84,7 +85,7 @@ export class Frame {
     this.status = el("div", { class: "link-status", role: "status", hidden: true });
     this.notes = el("div", { class: "notes", role: "status" });
     this.main = el("main", { class: "desk" }, this.homeBox);
-    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox, this.notes);
+    this.element = el("div", { class: "frame" }, top, this.status, offers, this.main, this.overBox, this.notes);
   }
 
   // --- The menu over the screens.

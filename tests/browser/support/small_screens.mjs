@@ -421,6 +421,26 @@ function controls(session, id) {
   return s;
 }
 
+// What a press does changes what stands there: the current row, the buttons, the screen on top.
+function cheques(session, id) {
+  const s = new SmallScreen(session, id, "Cheques", "Cheques Recebidos", "child");
+  const set = Object.assign(new LedgerSet(5), { name: "TbCheques" });
+  ledgerGrid(s, "Grade", set, false);
+  for (const [name, caption] of [["Incluir", "&Incluir"], ["Confirmar", "C&onfirmar"], ["Compensar", "&Compensar"], ["Dialogo", "&Diálogo"]]) s.add(name, "button", caption);
+  const typing = (on) => {
+    s.controls.Confirmar.visible = on;
+    s.controls.Incluir.visible = !on;
+    s.focus = on ? "Confirmar" : "Incluir";
+  };
+  s.controls.Compensar.handlers = { click: () => (set.row += 1) };
+  s.controls.Incluir.handlers = { click: () => typing(true) };
+  s.controls.Confirmar.handlers = { click: () => typing(false) };
+  s.controls.Dialogo.handlers = { click: () => session.show("Dialogo") };
+  s.rows = [["Grade"], ["Incluir", "Confirmar", "Compensar", "Dialogo"]];
+  typing(false);
+  return s;
+}
+
 function dialog(session, id) {
   const s = new SmallScreen(session, id, "Dialogo", "Transferência entre Contas", "dialog");
   s.add("Origem", "edit", "Conta Origem", { maxLength: 13 });
@@ -445,6 +465,8 @@ export function makeScreen(name, session, id) {
       return movement(session, id);
     case "Controles":
       return controls(session, id);
+    case "Cheques":
+      return cheques(session, id);
     case "Dialogo":
       return dialog(session, id);
     case "Grade":

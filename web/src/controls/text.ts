@@ -75,8 +75,14 @@ export class TextView extends ControlView {
     if (document.activeElement === this.input) this.input.select();
   }
 
+  override get content(): string | null {
+    if (this.flag("readOnly")) return null;
+    return this.editing || this.outstanding > 0 ? this.input.value : this.text("text");
+  }
+
   private typed(): void {
     this.editing = true;
+    this.desk.typed(this);
     window.clearTimeout(this.timer);
     // Text is followed while it is typed, for the descriptions beside it; half an amount or date says nothing.
     if (this.kind === "edit") this.timer = window.setTimeout(() => this.give(), kRest);
@@ -129,6 +135,7 @@ export class TextView extends ControlView {
     this.editing = false;
     this.showText();
     this.input.select();
+    this.desk.typed(this);
     return true;
   }
 

@@ -118,11 +118,23 @@ export class GridControl extends ControlView implements GridOwner {
 
   doublePressed(row: number, column: number): void {
     if (!this.enabled) return;
-    this.desk.act(() => {
+    if (this.mayEdit(column) && this.grid.columns[column]?.kind !== "check") {
+      this.desk.act(() => {
+        this.screen.commit();
+        this.beginEdit(null);
+      });
+    } else {
+      this.open(row, column, 1);
+    }
+  }
+
+  // The double click on a cell, or the key that stands for it.
+  private open(row: number, column: number, clicks: number): void {
+    const field = this.grid.columns[column]?.field;
+    if (field === undefined || row < 0) return;
+    this.desk.press(this, clicks, () => {
       this.screen.commit();
-      const field = this.grid.columns[column]?.field;
-      if (this.mayEdit(column) && this.grid.columns[column]?.kind !== "check") this.beginEdit(null);
-      else if (field !== undefined) this.send("dblclick", { row, column: field });
+      this.send("dblclick", { row, column: field }, { press: true });
     });
   }
 
@@ -245,8 +257,7 @@ export class GridControl extends ControlView implements GridOwner {
     if (key === "Tab") return this.tab(shift, ctrl);
     // What the mouse does with a double click.
     if (key === "Enter" && (ctrl || !this.editable)) {
-      const field = this.grid.columns[column]?.field;
-      if (field !== undefined && this.grid.row >= 0) this.send("dblclick", { row: this.row, column: field });
+      this.open(this.grid.row, column, 0);
       return true;
     }
     if (ctrl) {
