@@ -178,6 +178,8 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   std::pair<std::string, std::string> consultado_;
   // The file chosen is no OFX.
   bool NotOFX = true;
+  // The paths of the file whose lines are in review and of the one confirmed last.
+  std::string carregado_, confirmado_;
   // The account whose balance stands in EdtSaldo.
   std::string conta_do_saldo_;
 };

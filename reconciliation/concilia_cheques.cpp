@@ -39,7 +39,6 @@ int Float(Date data) {
 void TFmConcilia::SpeedButton1Click() {
   const auto arquivo = User().OpenFile("SpeedButton1", kFiltros);
   if (!arquivo) return;
-  // The path is whole.
   EdtCam.SetText(*arquivo);
   EdtArq.Clear();
 }
@@ -48,6 +47,7 @@ void TFmConcilia::BitBtn6Click() {
   const BusyMark busy(Funcoes, *this);
   const auto retornos = LeArquivo();
   if (!retornos) return;
+  caminho_arq_ = EdtCam.Text() + EdtArq.Text();
   CarregaPendentes();
   CarregaArquivo(*retornos);
   TbArquivo.SetFilter("Compensar = 'S'");
@@ -56,7 +56,8 @@ void TFmConcilia::BitBtn6Click() {
 
 std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
-  if (!OutsideFileExists(caminho)) {
+  const auto arquivo = User().OpenPath(caminho);
+  if (!arquivo) {
     Inform("Arquivo não encontrado.");
     return std::nullopt;
   }
@@ -65,7 +66,7 @@ std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
     return std::nullopt;
   }
   try {
-    const std::string texto = OutsideText(OutsideFileBytes(caminho));
+    const std::string texto = OutsideText(arquivo->Bytes(kMaxOutsideFile));
     PositionLayout posicoes;
     for (const auto& linha : Tabela.IBDatabase().Rows(
              "SELECT CAMPO, INICIO, TAMANHO FROM " + Funcoes.DBLocal("POSICAO", true) +
@@ -209,6 +210,7 @@ void TFmConcilia::BitBtn10Click() {
   }
   Tabela.CommitRetaining();
   for (const Linha& linha : linhas) gravadas_[linha.lancto] = linha.data;
+  User().TakenIn(caminho_arq_);
   Inform("Conciliação concluída com sucesso!");
 }
 

@@ -71,7 +71,9 @@ Answer Browser::Ask(std::string_view method, std::string_view target, std::strin
   tcp::socket socket(io);
   socket.connect(Endpoint(port_));
   if (!tls_) return Exchange(socket, request);
-  asio::ssl::context context(asio::ssl::context::tls_client);
+  asio::ssl::context context(ciphers.empty() ? asio::ssl::context::tls_client
+                                             : asio::ssl::context::tlsv12_client);
+  if (!ciphers.empty()) SSL_CTX_set_cipher_list(context.native_handle(), ciphers.c_str());
   asio::ssl::stream<tcp::socket&> stream(socket, context);
   stream.handshake(asio::ssl::stream_base::client);
   return Exchange(stream, request);
