@@ -114,10 +114,9 @@ TEST_F(ReportTest, IsIncompleteRatherThanMissing) {
 
 TEST_F(ReportTest, IsWrittenNowhereElse) {
   const Json told = Launch("Amostra");
-  std::filesystem::create_directories(folder_.Path() / "files" / "ana");
+  std::filesystem::create_directories(folder_.Path() / "sessoes");
   std::filesystem::create_directories(folder_.Path() / "fora");
-  std::filesystem::create_directory_symlink(folder_.Path() / "fora",
-                                            folder_.Path() / "sessoes" / "ana");
+  std::filesystem::create_directory_symlink(folder_.Path() / "fora", folder_.Path() / "sessoes" / "ana");
   EXPECT_EQ(Written(told["id"], "txt"), "error: A pasta dos relatórios não pode ser usada.");
   EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "fora"));
 }

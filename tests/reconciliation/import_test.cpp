@@ -30,15 +30,16 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
     return std::distance(std::filesystem::directory_iterator(folder_.Path() / "sessoes/ana"), {});
   };
   EXPECT_EQ(given(), 1);
-  desk.Set("EdtIConta", kOfx);
-  for (const char* said : {kOtherBank, "Arquivo Já Carregado."}) {
-    desk.Click("BitBtn6");
-    EXPECT_EQ(desk.Messages(), said);
-    while (desk.End() == "waiting answer") desk.Answer(said == kOtherBank ? "yes" : "ok");
-    Run("INSERT INTO EXTRATO_001 (LANCTO, ARQUIVO) VALUES ('T00002', 'novo.ofx')");
+  for (const std::string& said :
+       {std::string(kOtherBank) + "\n" + kLoaded, std::string("Arquivo Já Carregado.")}) {
+    EXPECT_EQ(Load(desk, "", kOfx, "yes"), said);
     EXPECT_EQ(Confirm(desk), kStored);
     EXPECT_EQ(given(), 0);
+    Run("UPDATE OR INSERT INTO EXTRATO_001 (LANCTO, ARQUIVO) VALUES ('T00002', 'novo.ofx') MATCHING "
+        "(LANCTO)");
   }
+  Run("DELETE FROM EXTRATO_001 WHERE LANCTO = 'T00002'");
+  EXPECT_EQ(Load(desk, "", kOfx), "Arquivo não encontrado.");
 
   EXPECT_EQ(Load(desk, File("open_tags.ofx", "NOVEMBRO.OFX"), kOfx), kLoaded);
   EXPECT_EQ(desk.Text("EdtArq"), "NOVEMBRO.OFX");

@@ -4,7 +4,6 @@
 #include <random>
 #include <thread>
 
-#include "desk/folders.h"
 #include "frame/registry.h"
 #include "frame/screen.h"
 #include "tests/server/server_test.h"
@@ -108,7 +107,6 @@ class HostileTest : public ServerTest {
     const auto state = Only(door.Do({{"do", "read"}, {"control", control}}), "state");
     return state.at(0)["screens"].Items().at(0)["controls"][control][property].String();
   }
-  std::filesystem::path AnasFolder() const { return UserFolder(options_.data, "ana"); }
 
   Gate gate_;
 };
