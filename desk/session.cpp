@@ -18,7 +18,11 @@ constexpr std::size_t kMaxQueue = 10000;
 }  // namespace
 
 Session::Session(SessionOptions options, Log& log, Sink sink)
-    : options_(std::move(options)), log_(log), sink_(std::move(sink)) {
+    : options_(std::move(options)),
+      files_(options_.folder, options_.machine_paths),
+      log_(log),
+      sink_(std::move(sink)) {
+  if (options_.scratch.empty()) options_.scratch = options_.folder / "relatorios";
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setstacksize(&attributes, kStack);

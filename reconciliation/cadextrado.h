@@ -200,6 +200,8 @@ class ORV_EXPORT TFmCadExtrato : public Child {
     // The line of the file at which the load stopped, 0 where it came to the end.
     std::size_t parada = 0;
   } carga_;
+  // The paths of the file whose lines are in review and of the one confirmed last.
+  std::string carregado_, confirmado_;
   // The account whose balance stands in EdtSaldo.
   std::string conta_do_saldo_;
 };

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <unordered_map>
+#include <utility>
 
 #include "reconciliation/cadextrado.h"
 #include "reconciliation/formats/outside_file.h"
@@ -68,8 +69,7 @@ void TFmCadExtrato::LigaImportacao() {
 
 void TFmCadExtrato::EdtCamExit() {
   const std::filesystem::path caminho(EdtCam.Text());
-  std::error_code erro;
-  if (caminho.filename().empty() || std::filesystem::is_directory(caminho, erro)) return;
+  if (caminho.filename().empty() || User().IsFolder(EdtCam.Text())) return;
   EdtArq.SetText(caminho.filename().string());
   EdtCam.SetText(caminho.parent_path().string());
 }
@@ -96,6 +96,7 @@ void TFmCadExtrato::EdtIContaChange() {
 
 void TFmCadExtrato::CarregaArquivo() {
   Esquece();
+  carregado_.clear();
   // A file is known by its name, whatever folder was typed with it.
   if (const std::filesystem::path arquivo(EdtArq.Text()); arquivo.has_parent_path()) {
     EdtCam.SetText((std::filesystem::path(EdtCam.Text()) / arquivo.parent_path()).string());
@@ -103,7 +104,9 @@ void TFmCadExtrato::CarregaArquivo() {
   }
   if (!EdtCam.Empty() && !EdtCam.Text().ends_with('/')) EdtCam.SetText(EdtCam.Text() + "/");
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
-  if (!OutsideFileExists(caminho)) {
+  const auto arquivo = User().OpenPath(caminho);
+  // The copy of a file that was confirmed is gone, and its name still counts.
+  if (!arquivo && caminho != confirmado_) {
     Inform("Arquivo não encontrado.");
     return;
   }
@@ -115,18 +118,23 @@ void TFmCadExtrato::CarregaArquivo() {
     }
     confirmadas = Gravadas("ARQUIVO = " + Funcoes.Aspas(Arquivo()));
   }
+  if (!arquivo) {
+    Inform("Arquivo não encontrado.");
+    return;
+  }
   const std::string banco =
       Funcoes.Busca_Valor("CADCONTA", "CONTA", "BANCO", Funcoes.Aspas(EdtIConta.Text()), true, true);
   const PositionLayout posicoes = Posicoes(banco);
   std::string texto;
   try {
-    texto = OutsideText(OutsideFileBytes(caminho));
+    texto = OutsideText(arquivo->Bytes(kMaxOutsideFile));
   } catch (const UserError& e) {
     Inform(e.what());
     return;
   }
   if (!NotOFX && !AceitaBanco(texto, banco)) return;
 
+  carregado_ = caminho;
   LeArquivo(texto, posicoes, std::move(confirmadas));
   Inform("Arquivo carregado com sucesso.");
 }
@@ -287,6 +295,9 @@ std::string TFmCadExtrato::Repetidas() {
 void TFmCadExtrato::BitBtn4Click() {
   TbImporta.PostIfEditing();
   GravaExtrato();
+  // Of a file that stopped the rest is still to be read.
+  if (carga_.parada == 0) User().TakenIn(carregado_);
+  if (!carregado_.empty()) confirmado_ = std::exchange(carregado_, "");
   Inform("Arquivo importado com sucesso.");
   Esquece();
   // The lines are among those of the other page, and in the balance before a next file.

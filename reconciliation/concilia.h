@@ -412,6 +412,8 @@ class ORV_EXPORT TFmConcilia : public Child {
   bool fin110_ = false;
   // The accounts of what TbMov and TbArquivo hold.
   std::string conta_, conta_arq_;
+  // The file of cheques that was loaded.
+  std::string caminho_arq_;
   // The days that were confirmed since that load, by the movement's number.
   std::map<std::string, Date> gravadas_;
   Currency tot_mov_, tot_ext_;

@@ -44,7 +44,6 @@ int Float(Date data) {
 void TFmConcilia::SpeedButton1Click() {
   const auto arquivo = User().OpenFile("SpeedButton1", kFiltros);
   if (!arquivo) return;
-  // The path is whole.
   EdtCam.SetText(*arquivo);
   EdtArq.Clear();
 }
@@ -53,6 +52,7 @@ void TFmConcilia::BitBtn6Click() {
   const BusyMark busy(Funcoes, *this);
   const auto retornos = LeArquivo();
   if (!retornos) return;
+  caminho_arq_ = EdtCam.Text() + EdtArq.Text();
   CarregaPendentes();
   CarregaArquivo(*retornos);
   TbArquivo.SetFilter("Compensar = 'S'");
@@ -61,7 +61,8 @@ void TFmConcilia::BitBtn6Click() {
 
 std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
-  if (!OutsideFileExists(caminho)) {
+  const auto arquivo = User().OpenPath(caminho);
+  if (!arquivo) {
     Inform("Arquivo não encontrado.");
     return std::nullopt;
   }
@@ -70,7 +71,7 @@ std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
     return std::nullopt;
   }
   try {
-    const std::string texto = OutsideText(OutsideFileBytes(caminho));
+    const std::string texto = OutsideText(arquivo->Bytes(kMaxOutsideFile));
     PositionLayout posicoes;
     for (const auto& linha : Tabela.IBDatabase().Rows(
              "SELECT CAMPO, INICIO, TAMANHO FROM " + Funcoes.DBLocal("POSICAO", true) +
@@ -213,6 +214,8 @@ void TFmConcilia::BitBtn10Click() {
                        ? ""
                        : "Não compensados, pois mudariam um período fechado: " +
                              Join(std::vector<std::string>(fechadas.begin(), fechadas.end()), ", ") + ".");
+  // Lines that were left may be confirmed once their period is open.
+  if (fechadas.empty()) User().TakenIn(caminho_arq_);
   Inform("Conciliação concluída com sucesso!");
 }
 

@@ -156,16 +156,19 @@ TEST_F(ReturnTest, HostileFiles) {
   Desk desk(database_);
   desk.Open("TFmConcilia");
   Page(desk, "TabSheet2");
-  desk.Set("EdtCam", "/no/such/");
-  desk.Set("EdtArq", "file");
-  desk.Click("BitBtn6");
-  EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.");
-  desk.Answer("ok");
-  desk.Set("EdtCam", folder_.Path().string());
-  desk.Set("EdtArq", "");
-  desk.Click("BitBtn6");
-  EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.");
-  desk.Answer("ok");
+  // What isn't the user's own is as what isn't there.
+  Written("outro.ret", File(""));
+  for (const auto& [folder, file] : {std::pair<std::string, const char*>{"/no/such/", "file"},
+                                     {folder_.Path().string() + "/", "outro.ret"},
+                                     {folder_.Path().string(), ""},
+                                     {".", ""},
+                                     {"/etc/", "passwd"}}) {
+    desk.Set("EdtCam", folder);
+    desk.Set("EdtArq", file);
+    desk.Click("BitBtn6");
+    EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.") << folder << file;
+    desk.Answer("ok");
+  }
   EXPECT_EQ(Load(desk, ""), "Conta não encontrada.");
   desk.Set("EdtContaArq", kConta);
 

@@ -1,4 +1,6 @@
 // The page "Importação": files loaded for review, confirmed, refused; what is left after a fault.
+#include <sys/stat.h>
+
 #include "host/schema/check.h"
 #include "tests/reconciliation/extrato_desk.h"
 #include "tests/support/kills.h"
@@ -23,11 +25,26 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   EXPECT_EQ(desk.End(), "waiting file");
   desk.Do({{"do", "file"}, {"name", "novo.ofx"}, {"content", "PE9GWD4="}});
   EXPECT_EQ(desk.Text("EdtArq"), "novo.ofx");
-  EXPECT_TRUE(desk.Text("EdtCam").ends_with("/files/ana"));
+  EXPECT_EQ(desk.Text("EdtCam"), "");
+  // It goes once its lines are stored, and its name still counts.
+  const auto given = [&] {
+    return std::distance(std::filesystem::directory_iterator(folder_.Path() / "sessoes/ana"), {});
+  };
+  EXPECT_EQ(given(), 1);
+  for (const std::string& said :
+       {std::string(kOtherBank) + "\n" + kLoaded, std::string("Arquivo Já Carregado.")}) {
+    EXPECT_EQ(Load(desk, "", kOfx, "yes"), said);
+    EXPECT_EQ(Confirm(desk), kStored);
+    EXPECT_EQ(given(), 0);
+    Run("UPDATE OR INSERT INTO EXTRATO_001 (LANCTO, ARQUIVO) VALUES ('T00002', 'novo.ofx') MATCHING "
+        "(LANCTO)");
+  }
+  Run("DELETE FROM EXTRATO_001 WHERE LANCTO = 'T00002'");
+  EXPECT_EQ(Load(desk, "", kOfx), "Arquivo não encontrado.");
 
   EXPECT_EQ(Load(desk, File("open_tags.ofx", "NOVEMBRO.OFX"), kOfx), kLoaded);
   EXPECT_EQ(desk.Text("EdtArq"), "NOVEMBRO.OFX");
-  EXPECT_EQ(desk.Text("EdtCam"), folder_.Path().string() + "/");
+  EXPECT_EQ(desk.Text("EdtCam"), "");
   EXPECT_EQ(desk.Text("DtArq"), "19/11/2026");
   EXPECT_EQ(desk.Rows("TbImporta"),
             "33021-5|000123|2026-11-18|10.5000|D|TARIFA|\n"
@@ -65,7 +82,7 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
             "2 linhas carregadas. 2 já estão no extrato com a mesma conta, data, valor e documento.");
   EXPECT_EQ(desk.Text("EdtISaldo"), "1.489,50");
   // Also where the folder is typed with the name.
-  desk.Set("EdtCam", folder_.Path().string());
+  desk.Set("EdtCam", ".");
   desk.Set("EdtArq", "copia/NOVEMBRO.OFX");
   desk.Click("BitBtn6");
   EXPECT_EQ(desk.Messages() + desk.Text("EdtArq"), "Arquivo Já Carregado.NOVEMBRO.OFX");
@@ -171,15 +188,25 @@ TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
   Desk desk(database_);
   Import(desk);
   std::filesystem::create_directory(folder_.Path() / "pasta");
+  std::filesystem::create_symlink("truncated.ofx", folder_.Path() / "elo.ofx");
+  std::filesystem::create_symlink(folder_.Path(), folder_.Path() / "elo");
+  ASSERT_EQ(mkfifo((folder_.Path() / "cano.ofx").c_str(), 0600), 0);
   Written("grande.ofx", "");
   std::filesystem::resize_file(folder_.Path() / "grande.ofx", std::uintmax_t{2} << 30);
   std::string hostile = "<STMTTRN>\n<DTPOSTED>20261118\n<MEMO>";
   hostile.append(1 << 20, '<').append("\n<TRNAMT>").append(1 << 20, '9').append("\n</STMTTRN>\n");
   const std::pair<std::string, std::string> cases[] = {
-      {(folder_.Path() / "falta.ofx").string(), "Arquivo não encontrado."},
-      {(folder_.Path() / "pasta").string() + "/", "Arquivo não encontrado."},
+      {"falta.ofx", "Arquivo não encontrado."},
+      {"pasta/", "Arquivo não encontrado."},
+      // What isn't the user's own, by whatever way.
+      {(folder_.Path() / File("truncated.ofx")).string(), "Arquivo não encontrado."},
+      {"pasta/../truncated.ofx", "Arquivo não encontrado."},
+      {"../" + folder_.Path().filename().string() + "/truncated.ofx", "Arquivo não encontrado."},
+      {"elo.ofx", "Arquivo não encontrado."},
+      {"elo/truncated.ofx", "Arquivo não encontrado."},
+      {"cano.ofx", "Arquivo não encontrado."},
       {"/dev/zero", "Arquivo não encontrado."},
-      {(folder_.Path() / "grande.ofx").string(), "O arquivo é grande demais: o limite é de 64 MB."},
+      {"grande.ofx", "O arquivo é grande demais: o limite é de 64 MB."},
       {File("a_picture.ofx"), "O arquivo não é um texto: nenhuma linha foi lida."},
       {File("utf16.ofx"),
        "O arquivo está em UTF-16. Grave-o como UTF-8 ou Windows-1252 e carregue-o de novo."},
@@ -192,7 +219,7 @@ TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
     EXPECT_EQ(Load(desk, path, kOfx), said) << path;
     EXPECT_EQ(desk.End(), "idle");
   }
-  EXPECT_TRUE(Load(desk, folder_.Path() / "hostil.ofx", kOfx, "yes").ends_with(" 999.999.999.999,99."));
+  EXPECT_TRUE(Load(desk, "hostil.ofx", kOfx, "yes").ends_with(" 999.999.999.999,99."));
   EXPECT_EQ(Lines(), before);
 
   desk.Set("EdtIConta", "99999");
@@ -241,7 +268,9 @@ TEST_F(ExtratoTest, AKilledConfirmationLeavesAllOrNone) {
         auto desk = std::make_unique<DriveProcess>(database_);
         desk->Do({{"do", "open"}, {"class", "TFmCadExtrato"}});
         desk->Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
-        desk->Do({{"do", "set"}, {"control", "EdtCam"}, {"value", Written(name, Many(1000))}});
+        desk->Do({{"do", "set"},
+                  {"control", "EdtCam"},
+                  {"value", (folder_.Path() / Written(name, Many(1000))).string()}});
         desk->Do({{"do", "set"}, {"control", "EdtIConta"}, {"value", kOfx}});
         desk->Do({{"do", "click"}, {"control", "BitBtn6"}});
         desk->Do({{"do", "answer"}, {"value", "ok"}});

@@ -72,7 +72,8 @@ Desk::Desk(const std::filesystem::path& database, const std::string& user, const
   options.user = user;
   options.company = company;
   options.clock = Clock(Date::ParseNeutral(today));
-  options.folder = database.parent_path() / "files" / user;
+  options.folder = database.parent_path();
+  options.scratch = database.parent_path() / "sessoes" / user;
   options.templates = database.parent_path() / "relatorios";
   client_ = std::make_unique<DoorClient>(std::move(options), log_);
 }

@@ -45,7 +45,7 @@ using Fields = std::vector<std::pair<std::string, std::string>>;
 // A row of a set: its values by their fields.
 using Row = std::map<std::string, std::string>;
 
-// A user at the desk.
+// A user at the desk, whose own folder is the one in which the database stands.
 class Desk {
  public:
   Desk(const std::filesystem::path& database, const std::string& user = "ana",

@@ -1,6 +1,6 @@
 // The desk's page: it shows what the desk tells, sends what the user does, keeps the focus where the desk has
 // it, and keeps what is typed ahead.
-import { me as askMe, setPreference } from "./api.ts";
+import { me as askMe, setPreference, upload } from "./api.ts";
 import type { DeskContext } from "./context.ts";
 import { ButtonView } from "./controls/button.ts";
 import type { ControlView } from "./controls/control.ts";
@@ -502,7 +502,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
       case "file":
         return new FileDialog(
           out,
-          (name, content) => this.answer({ do: "file", name, content }),
+          (file, signal) => upload(this.door.name, file, signal),
+          (name, given) => this.answer({ do: "file", name, upload: given }),
           () => give("cancel"),
         );
       case "lookup": {

@@ -389,7 +389,7 @@ function controls(session, id) {
   button("Caixa", "&Caixa", async () => (c.Texto.text = (await session.ask("answer", { on: "input", title: "Observação", prompt: "Informe a observação", value: "REF. " })).value));
   button("Arquivo", "&Arquivo", async () => {
     const answer = await session.ask("file", { on: "file", control: "Abrir", filters: "Planilhas|*.xls;*.xlsx|Texto|*.txt" });
-    if (answer.do === "file") c.Texto.text = `${answer.name} ${Buffer.from(answer.content, "base64").length}`;
+    if (answer.do === "file") c.Texto.text = `${answer.name} ${session.uploads.get(answer.upload).length}`;
   });
   button("Detalhe", "&Detalhe", () =>
     session.ask("answer", {
