@@ -55,7 +55,7 @@ SessionOptions Ana(const std::filesystem::path& database) {
   options.user = "ana";
   options.company = "_001";
   options.clock = Clock(Today());
-  options.folder = database.parent_path() / "files";
+  options.folder = database.parent_path();
   return options;
 }
 

@@ -86,13 +86,13 @@ void Screen(const std::string& bytes) {
   Log log("/dev/null");
   Best shown, confirmed, bare;
   for (int run = 0; run < kRuns; ++run) {
-    const auto path = copy.Path().parent_path() / ("extrato" + std::to_string(run) + ".ofx");
+    const auto path = Ana(copy.Path()).folder / ("extrato" + std::to_string(run) + ".ofx");
     std::ofstream(path, std::ios::binary) << bytes;
     {
       DoorClient client(Ana(copy.Path()), log);
       Act(client, {{"do", "open"}, {"class", "TFmCadExtrato"}});
       Act(client, {{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
-      Act(client, {{"do", "set"}, {"control", "EdtCam"}, {"value", path.string()}});
+      Act(client, {{"do", "set"}, {"control", "EdtCam"}, {"value", path.filename().string()}});
       Act(client, {{"do", "set"}, {"control", "EdtIConta"}, {"value", kAccount}});
       shown.Take(Measure([&] {
         Act(client, {{"do", "click"}, {"control", "BitBtn6"}}, "waiting");

@@ -38,13 +38,8 @@ TfmChequePre::TfmChequePre(Application& application)
   Btincluir.SetFocus();
 }
 
-TfmChequePre::~TfmChequePre() {
-  // The table outlives the screen.
-  tbCheque_pre.AfterScroll = tbCheque_pre.AfterCancel = tbCheque_pre.BeforeEdit = nullptr;
-}
-
 void TfmChequePre::FormClose() {
-  tbCheque_pre.AfterScroll = tbCheque_pre.AfterCancel = tbCheque_pre.BeforeEdit = nullptr;
+  StopListening();
   // What wasn't confirmed isn't kept for the next one who has the table open.
   tbCheque_pre.Cancel();
   Screen::FormClose();
@@ -144,12 +139,12 @@ void TfmChequePre::LigaCampos() {
   EdtDup.OnExit = [this] { EdtDupExit(); };
   EdtBarra.OnExit = [this] { EdtDupExit(); };
 
-  tbCheque_pre.AfterScroll = [this] { MostraNomes(); };
-  tbCheque_pre.AfterCancel = [this] { MostraNomes(); };
-  tbCheque_pre.BeforeEdit = [this] {
+  Listen(tbCheque_pre.AfterScroll, [this] { MostraNomes(); });
+  Listen(tbCheque_pre.AfterCancel, [this] { MostraNomes(); });
+  Listen(tbCheque_pre.BeforeEdit, [this] {
     // A cheque goes to the other company as it is stored.
     if (Transferindo()) throw UserError("Durante a transferência o cheque não pode ser alterado.");
-  };
+  });
 }
 
 void TfmChequePre::LigaAcoes() {

@@ -15,7 +15,6 @@ namespace orv {
 class ORV_EXPORT TfmChequePre : public Child {
  public:
   explicit TfmChequePre(Application& application);
-  ~TfmChequePre() override;
 
   // The cheques themselves, shared with whoever else has them open.
   TOrvTable& tbCheque_pre = Tabela.tbCheque_pre();
@@ -204,9 +203,14 @@ class ORV_EXPORT TfmChequePre : public Child {
   bool Recusa(std::string_view message, Control& field);
   // Writes the row in edit with its audit line.
   void GravaCheque();
-  void BaixaMovimento();
+  // The condition that finds the movement of a cleared cheque where it isn't as the clearing left it; "" of a
+  // cheque that isn't cleared.
+  std::string MovimentoABaixar();
+  void BaixaMovimento(const std::string& movimento);
   // True when the movement and the cheque are written.
   bool LancaCheque();
+  // False, after telling the user, when the cheque can't go to the chosen company.
+  bool ValidaTransferencia();
   void Transfere();
   void ListaEmpresas();
   // The form after a confirmation that the database has.
@@ -236,6 +240,8 @@ class ORV_EXPORT TfmChequePre : public Child {
   // Asks, posts a movement, and moves the cheque on to `status`.
   void LancaEvento(std::string_view pergunta, const std::string& observacao, const char* status);
   void MudaStatus(const char* status);
+  // The condition that finds the movements under the cheque's number.
+  std::string MovimentosDoCheque();
   void DesfazMovimentos();
 };
 

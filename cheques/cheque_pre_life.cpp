@@ -1,6 +1,7 @@
 // The page "Cadastro": a cheque is cancelled, returned by the bank, presented again.
 #include "cheques/cheque_pre.h"
 #include "ledger/cc_lanc_fluxo.h"
+#include "rules/bloqueio.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -10,6 +11,13 @@ void TfmChequePre::BitBtn3Click() {
   if (Texto("STATUS") != "P") return Inform("Cheque não pode ser Cancelado. Não está Pendente.");
   if (Texto("CLIENTE") != Trim(Funcoes.BuscaParametro("FAC", 80)))
     return Inform("Não é possível cancelar cheques de terceiros.");
+  // Each row of a number goes.
+  const std::string contacor = Funcoes.DBLocal("CONTACOR", true);
+  if (Bloqueio(Contabil, Tabela)
+          .Movimentos(contacor, "LANCAMENTO IN (SELECT CONTACOR.LANCAMENTO FROM " + contacor +
+                                    " CONTACOR WHERE " + MovimentosDoCheque() + ")")) {
+    return;
+  }
   if (!Ask("Tem certeza que deseja cancelar o cheque?", true)) return;
   try {
     // Of two users only the one whose state stands undoes the settlements.
@@ -84,6 +92,12 @@ void TfmChequePre::MudaStatus(const char* status) {
   }
 }
 
+std::string TfmChequePre::MovimentosDoCheque() {
+  return "CONTACOR.DOCTO = " + Funcoes.Aspas(DBEDChequeNro.Text()) +
+         " AND CONTACOR.CONTA = " + Funcoes.Aspas(DBEDConta.Text()) +
+         " AND CONTACOR.BANCO = " + Funcoes.Aspas(DBEDCodBan.Text());
+}
+
 void TfmChequePre::DesfazMovimentos() {
   QryDup.Close();
   QryDup.SQL.Clear();
@@ -91,9 +105,7 @@ void TfmChequePre::DesfazMovimentos() {
   QryDup.SQL.Add("FROM " + Funcoes.DBLocal("CONTACOR", true) + " CONTACOR");
   QryDup.SQL.Add("LEFT OUTER JOIN " + Funcoes.DBLocal("PAGTO1", true) + " PAGTO1");
   QryDup.SQL.Add("ON CONTACOR.LANCAMENTO = PAGTO1.LANCAMENTO");
-  QryDup.SQL.Add("WHERE CONTACOR.DOCTO = " + Funcoes.Aspas(DBEDChequeNro.Text()));
-  QryDup.SQL.Add("AND CONTACOR.CONTA = " + Funcoes.Aspas(DBEDConta.Text()));
-  QryDup.SQL.Add("AND CONTACOR.BANCO = " + Funcoes.Aspas(DBEDCodBan.Text()));
+  QryDup.SQL.Add("WHERE " + MovimentosDoCheque());
   QryDup.Open();
   const std::string pagto = Funcoes.DBLocal("PAGTO", true), pagto1 = Funcoes.DBLocal("PAGTO1", true);
   for (; !QryDup.Eof(); QryDup.Next()) {

@@ -1,5 +1,6 @@
 // The page "Cadastro": a cheque is captured, altered, deleted, or handed over to another company.
 #include "cheques/cheque_pre.h"
+#include "rules/bloqueio.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -9,6 +10,8 @@ namespace {
 constexpr const char* kIdentidade = "CHAVE;BANCO;CONTA;NUMERO";
 constexpr const char* kNenhum = "Nenhum cheque selecionado.";
 constexpr const char* kExcluido = "Outro usuário alterou ou excluiu este cheque. Consulte-o novamente.";
+constexpr const char* kEmissao = "É necessário informar uma Data de Emissão válida para o Cheque.";
+constexpr const char* kVencimento = "É necessário informar uma Data de Vencimento válida para o Cheque.";
 
 }  // namespace
 
@@ -65,12 +68,18 @@ void TfmChequePre::BtnConfirmarClick() {
     if (tbCheque_pre.State() == DataSetState::Insert) {
       if (!LancaCheque()) return;
     } else {
+      const std::string movimento = MovimentoABaixar();
+      if (!movimento.empty() && Bloqueio(Contabil, Tabela)
+                                    .Movimentos(Funcoes.DBLocal("CONTACOR", true), movimento,
+                                                {tbCheque_pre["DT_BAIXA"].AsDate()})) {
+        return;
+      }
       GravaCheque();
-      if (Texto("STATUS") == "B") BaixaMovimento();
+      if (!movimento.empty()) BaixaMovimento(movimento);
       Tabela.CommitRetaining();
     }
   } else {
-    if (!Transferindo() || !Rele()) return;
+    if (!Transferindo() || !Rele() || !ValidaTransferencia()) return;
     Transfere();
   }
   Conclui();
@@ -143,8 +152,9 @@ bool TfmChequePre::Valida() {
   if (Vazio("NUMERO")) return Recusa("É necessário informar um Nro. Cheque.", DBEDChequeNro);
   if (Vazio("VALOR")) return Recusa("É necessário informar um Valor para o Cheque.", DBEDValor);
   if (tbCheque_pre.State() == DataSetState::Insert && (emissao.Empty() || emissao > Today())) {
-    return Recusa("É necessário informar uma Data de Emissão válida para o Cheque.", DBEDT_DtEmissao);
+    return Recusa(kEmissao, DBEDT_DtEmissao);
   }
+  if (Vazio("VENCIMENTO")) return Recusa(kVencimento, DBEDT_DtVencto);
   return true;
 }
 
@@ -186,13 +196,21 @@ void TfmChequePre::GravaCheque() {
   tbCheque_pre.Store();
 }
 
-void TfmChequePre::BaixaMovimento() {
+std::string TfmChequePre::MovimentoABaixar() {
+  if (Texto("STATUS") != "B") return "";
+  const Date baixa = tbCheque_pre["DT_BAIXA"].AsDate();
+  return "LANCAMENTO = " + Funcoes.Aspas(Texto("CHAVE")) + " AND DOCTO = " + Funcoes.Aspas(Texto("NUMERO")) +
+         " AND (PENDENTE IS DISTINCT FROM 'N'" +
+         (baixa.Empty() ? ")"
+                        : " OR DT_CONT IS DISTINCT FROM CAST(" + Funcoes.AspasData(baixa) + " AS DATE))");
+}
+
+void TfmChequePre::BaixaMovimento(const std::string& movimento) {
   const Date baixa = tbCheque_pre["DT_BAIXA"].AsDate();
   // A movement is never without its date.
   const std::string data = baixa.Empty() ? "" : "DT_CONT = " + Funcoes.AspasData(baixa) + ", ";
   Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CONTACOR", true) + " SET " + data +
-                              "PENDENTE = 'N' WHERE LANCAMENTO = " + Funcoes.Aspas(Texto("CHAVE")) +
-                              " AND DOCTO = " + Funcoes.Aspas(Texto("NUMERO")));
+                              "PENDENTE = 'N' WHERE " + movimento);
 }
 
 bool TfmChequePre::LancaCheque() {
@@ -209,10 +227,18 @@ void TfmChequePre::ListaEmpresas() {
   CBEmpresa.SetItems(std::move(nomes));
 }
 
-void TfmChequePre::Transfere() {
+bool TfmChequePre::ValidaTransferencia() {
   if (CBEmpresa.ItemIndex() < 0) throw UserError("Escolha a empresa para a qual o cheque vai.");
-  const std::string numero = Texto("NUMERO");
   QryEmp.SetRecNo(CBEmpresa.ItemIndex() + 1);
+  if (Trim(QryEmp["EMP_PAT"].AsString()) == Funcoes.vEmpresa_Atual())
+    return Recusa("O cheque já está nesta empresa. Escolha outra empresa.", CBEmpresa);
+  if (Vazio("EMISSAO")) return Recusa(kEmissao, DBEDT_DtEmissao);
+  if (Vazio("VENCIMENTO")) return Recusa(kVencimento, DBEDT_DtVencto);
+  return true;
+}
+
+void TfmChequePre::Transfere() {
+  const std::string numero = Texto("NUMERO");
   const std::string empresa(Trim(QryEmp["EMP_PAT"].AsString()));
   constexpr const char* kColunas[] = {
       "AGENCIA", "BANCO", "CHAVE",      "CLIENTE", "CONTA",         "DT_BAIXA", "DUPLICATA",  "LOTE",

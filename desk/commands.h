@@ -26,8 +26,10 @@ int RunDrive(const Drive& options);
 
 struct Serve {
   std::string database, listen = "127.0.0.1:8080", data, certificate, key, log, web, address, proxy, today;
-  int idle = 30, absolute = 12, grace = 10;  // minutes, hours, minutes
-  int windows = 8, upload = 64;              // of one user, megabytes
+  int idle = 30, absolute = 12, grace = 10;     // minutes, hours, minutes
+  int windows = 8, upload = 64, uploads = 256;  // of one user, megabytes
+  int connections = 512;                        // of one address
+  bool subdomains = false;
 };
 // Serves until SIGTERM or SIGINT.
 void RunServe(const Serve& options);

@@ -21,7 +21,8 @@ int RunDrive(const Drive& options) {
   session.user = options.user;
   session.company = options.company;
   if (!options.today.empty()) session.clock = Clock(Date::ParseNeutral(options.today));
-  session.folder = UserFolder(DataFolder(options.data), options.user);
+  session.folder = UserFolder(DataFolder(options.data), options.user, options.company);
+  session.machine_paths = true;
   session.templates = TemplatesFolder(DataFolder(options.data));
   DoorClient client(std::move(session), log);
 

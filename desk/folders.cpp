@@ -15,7 +15,8 @@ std::filesystem::path DataFolder(const std::string& given) {
   return std::filesystem::path(home != nullptr ? home : "/tmp") / ".local/share/orvcc";
 }
 
-std::filesystem::path UserFolder(const std::filesystem::path& data, std::string_view login) {
+std::filesystem::path UserFolder(const std::filesystem::path& data, std::string_view login,
+                                 std::string_view company) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   std::string name;
   for (const char c : Lower(Trim(login))) {
@@ -28,8 +29,10 @@ std::filesystem::path UserFolder(const std::filesystem::path& data, std::string_
     const auto byte = static_cast<unsigned char>(c);
     name += {'%', kHex[byte >> 4], kHex[byte & 15]};
   }
-  return data / "users" / name;
+  return data / "users" / name / company;
 }
+
+std::filesystem::path ScratchFolder(const std::filesystem::path& data) { return data / "sessoes"; }
 
 std::filesystem::path TemplatesFolder(const std::filesystem::path& data) { return data / "relatorios"; }
 

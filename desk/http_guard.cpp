@@ -1,6 +1,7 @@
 #include "desk/http_guard.h"
 
 #include <arpa/inet.h>
+#include <sodium.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -34,8 +35,20 @@ std::string WithoutPort(const std::string& host) {
 
 }  // namespace
 
-HttpGuard::HttpGuard(bool tls, std::string_view public_address, std::string proxy)
-    : tls_(tls), proxy_(std::move(proxy)) {
+std::string NetworkOf(const std::string& address) {
+  in6_addr bytes{};
+  if (inet_pton(AF_INET6, address.c_str(), &bytes) != 1) return address;
+  if (IN6_IS_ADDR_V4MAPPED(&bytes)) {
+    std::array<char, INET_ADDRSTRLEN> text{};
+    return inet_ntop(AF_INET, bytes.s6_addr + 12, text.data(), text.size());
+  }
+  std::array<char, 17> hex{};
+  sodium_bin2hex(hex.data(), hex.size(), bytes.s6_addr, 8);
+  return hex.data();
+}
+
+HttpGuard::HttpGuard(bool tls, std::string_view public_address, std::string proxy, bool subdomains)
+    : tls_(tls), subdomains_(subdomains), proxy_(std::move(proxy)) {
   std::string address = Lower(Trim(public_address));
   if (!address.empty() && address.back() == '/') address.pop_back();
   const bool https = address.starts_with("https://");
@@ -76,6 +89,11 @@ std::string HttpGuard::Asker(const HttpRequest& request) const {
   return address ? last : request.address;
 }
 
+std::string HttpGuard::AskersNetwork(const HttpRequest& request) const {
+  const std::string asker = Asker(request);
+  return asker == proxy_ ? "" : NetworkOf(asker);
+}
+
 std::string HttpGuard::Token(const HttpRequest& request) const {
   for (const std::string& part : Split(std::string(request.Header("cookie")), ";")) {
     const std::string_view pair = Trim(part);
@@ -106,7 +124,10 @@ void HttpGuard::Finish(HttpResponse& response) const {
   response.headers.emplace_back("Referrer-Policy", "no-referrer");
   response.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");
   response.headers.emplace_back("Cross-Origin-Resource-Policy", "same-origin");
-  if (secure_) response.headers.emplace_back("Strict-Transport-Security", "max-age=31536000");
+  if (secure_) {
+    response.headers.emplace_back("Strict-Transport-Security",
+                                  subdomains_ ? "max-age=31536000; includeSubDomains" : "max-age=31536000");
+  }
 }
 
 }  // namespace orv

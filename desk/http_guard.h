@@ -9,12 +9,16 @@
 
 namespace orv {
 
+// What one asker has: an IPv4 address, or of an IPv6 address the 2^64 beside it.
+std::string NetworkOf(const std::string& address);
+
 class HttpGuard {
  public:
   // `tls` when the desk itself speaks TLS. `public_address` is where browsers find the desk behind a proxy,
   // "https://mesa.exemplo.com", "" for none; `proxy` is the proxy's address, whose word on who asks is taken.
+  // With `subdomains` browsers are told to keep to TLS for the names below the desk's, too.
   // Raises UserError when the public address isn't one.
-  HttpGuard(bool tls, std::string_view public_address, std::string proxy);
+  HttpGuard(bool tls, std::string_view public_address, std::string proxy, bool subdomains = false);
 
   // The desk's own name: its public address, a number, the machine's name. Any other is somebody else's name
   // that leads here.
@@ -23,6 +27,8 @@ class HttpGuard {
   bool OriginAccepted(const HttpRequest& request) const;
   // The address of who asks.
   std::string Asker(const HttpRequest& request) const;
+  // The network of who asks, "" where the proxy doesn't tell.
+  std::string AskersNetwork(const HttpRequest& request) const;
 
   // "" when there is none.
   std::string Token(const HttpRequest& request) const;
@@ -37,6 +43,7 @@ class HttpGuard {
 
   bool tls_;
   bool secure_;
+  bool subdomains_;
   std::string public_origin_, public_host_;
   std::string proxy_;
   std::string machine_;

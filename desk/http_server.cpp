@@ -7,6 +7,7 @@
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 #include <deque>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -26,10 +27,16 @@ using beast::error_code;
 
 constexpr uint32_t kMaxHeader = 16 << 10;
 constexpr uint64_t kMaxBody = 64 << 10;
-constexpr std::size_t kFirstMessageLimit = 1 << 20;
+constexpr std::size_t kMaxMessage = 1 << 20;
+// A large body is taken in pieces, and may come no slower than this.
+constexpr std::size_t kPiece = 64 << 10;
+constexpr uint64_t kLeastRate = 32 << 10;  // bytes a second
 // What may wait for a browser that doesn't read, beside the message that is under way.
 constexpr std::size_t kMaxUnsent = 32 << 20;
 constexpr std::chrono::seconds kGoodbye{2};
+
+// A request whose body is read by whoever wants it.
+using Head = http::request<http::buffer_body>;
 
 // A connection between two requests, which may be cut at any time.
 class Waiting {
@@ -45,27 +52,55 @@ struct Network {
   HttpServer::Options options;
   HttpHandler& handler;
   std::size_t connections = 0;
+  struct Share {
+    std::size_t all = 0, unknown = 0;
+  };
+  std::map<std::string, Share> shares;
   bool stopping = false;
   std::set<Waiting*> waiting;
   // Last: what it still holds when it goes looks at the others.
   asio::io_context io{1};
 };
 
-// Counts a connection for as long as it lives.
+// Counts a connection, and for whom it is, for as long as it lives.
 class Counted {
  public:
   explicit Counted(Network& network) : network_(network) { ++network_.connections; }
   ~Counted() {
+    Leave();
     if (--network_.connections == 0 && network_.stopping) network_.io.stop();
   }
   Counted(const Counted&) = delete;
   Counted& operator=(const Counted&) = delete;
 
+  // False when whoever asks has as many as he may: the connection is then nobody's and must go.
+  bool Belongs(const Asker& asker) {
+    if (counted_ && asker.network == asker_.network && asker.known == asker_.known) return true;
+    Leave();
+    asker_ = asker;
+    if (asker.network.empty()) return true;
+    Network::Share& share = network_.shares[asker.network];
+    ++share.all;
+    if (!asker.known) ++share.unknown;
+    counted_ = true;
+    return share.all <= network_.options.max_of_one &&
+           (asker.known || share.unknown <= network_.options.max_unknown_of_one);
+  }
+
  private:
+  void Leave() {
+    if (!std::exchange(counted_, false)) return;
+    const auto share = network_.shares.find(asker_.network);
+    if (!asker_.known) --share->second.unknown;
+    if (--share->second.all == 0) network_.shares.erase(share);
+  }
+
   Network& network_;
+  Asker asker_;
+  bool counted_ = false;
 };
 
-HttpRequest Plain(const http::request<http::string_body>& message, std::string address) {
+HttpRequest Plain(const Head& message, std::string address) {
   HttpRequest request;
   request.method = std::string(message.method_string());
   const std::string target(message.target());
@@ -73,7 +108,6 @@ HttpRequest Plain(const http::request<http::string_body>& message, std::string a
   request.path = target.substr(0, mark);
   if (mark != std::string::npos) request.query = target.substr(mark + 1);
   request.address = std::move(address);
-  request.body = message.body();
   for (const auto& field : message) {
     std::string& value = request.headers[Lower(std::string(field.name_string()))];
     if (!value.empty()) value += ", ";
@@ -82,7 +116,7 @@ HttpRequest Plain(const http::request<http::string_body>& message, std::string a
   return request;
 }
 
-http::response<http::string_body> Message(HttpResponse response, const http::request<http::string_body>& to) {
+http::response<http::string_body> Message(HttpResponse response, const Head& to) {
   http::response<http::string_body> message(static_cast<http::status>(response.status), to.version());
   if (!response.type.empty()) message.set(http::field::content_type, response.type);
   for (const auto& [name, value] : response.headers) message.insert(name, value);
@@ -93,13 +127,21 @@ http::response<http::string_body> Message(HttpResponse response, const http::req
   return message;
 }
 
+// A body comes as it is or in chunks; of what else its sender understands by it the desk can't know the end.
+bool BodyUnderstood(const Head& message) {
+  const auto [begin, end] = message.equal_range(http::field::transfer_encoding);
+  if (begin == end) return true;
+  return std::next(begin) == end && message.version() == 11 &&
+         message.count(http::field::content_length) == 0 && beast::iequals(begin->value(), "chunked");
+}
+
 // A WebSocket on a stream.
 class SocketLink : public Link, public std::enable_shared_from_this<SocketLink> {
  public:
   SocketLink(std::shared_ptr<Counted> counted, Network& network, Stream stream)
       : counted_(std::move(counted)), network_(network), socket_(std::move(stream)) {}
 
-  void Accept(http::request<http::string_body> message, HttpRequest request) {
+  void Accept(Head message, HttpRequest request) {
     beast::get_lowest_layer(socket_).expires_never();
     socket_.set_option(
         websocket::stream_base::timeout{network_.options.request_time, std::chrono::seconds(60), true});
@@ -110,7 +152,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink> 
     deflate.client_max_window_bits = 11;
     deflate.memLevel = 4;
     socket_.set_option(deflate);
-    socket_.read_message_max(kFirstMessageLimit);
+    socket_.read_message_max(kMaxMessage);
     socket_.text(true);
     message_ = std::move(message);
     request_ = std::move(request);
@@ -138,8 +180,6 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink> 
     closing_ = true;
     if (queue_.empty()) SayGoodbye();
   }
-
-  void LimitMessages(std::size_t bytes) override { socket_.read_message_max(bytes); }
 
  private:
   void Read() {
@@ -198,7 +238,7 @@ class SocketLink : public Link, public std::enable_shared_from_this<SocketLink> 
   std::shared_ptr<Counted> counted_;
   Network& network_;
   websocket::stream<Stream> socket_;
-  http::request<http::string_body> message_;
+  Head message_;
   HttpRequest request_;
   beast::flat_buffer buffer_;
   std::deque<std::string> queue_;
@@ -220,6 +260,9 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
   void Cut() override { beast::get_lowest_layer(stream_).cancel(); }
 
   void Start() {
+    HttpRequest nothing;
+    nothing.address = address_;
+    if (!counted_->Belongs(network_.handler.Identify(nothing))) return;
     Deadline(network_.options.request_time);
     stream_.Handshake(Completion([self = shared_from_this()](error_code error) {
       if (!error) self->Wait();
@@ -253,50 +296,128 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
     Deadline(network_.options.request_time);
     parser_.emplace();
     parser_->header_limit(kMaxHeader);
-    parser_->body_limit(kMaxBody);
-    http::async_read(stream_, buffer_, *parser_,
-                     [self = shared_from_this()](error_code error, std::size_t) { self->Got(error); });
+    // Known once it is known what becomes of the body.
+    parser_->body_limit(boost::none);
+    http::async_read_header(stream_, buffer_, *parser_,
+                            [self = shared_from_this()](error_code error, std::size_t) {
+                              if (!self->Failed(error)) self->Got();
+                            });
   }
 
-  void Got(error_code error) {
+  // Whether the request is lost; it is answered where that can be.
+  bool Failed(error_code error) {
+    if (!error) return false;
     if (error == http::error::body_limit || error == http::error::header_limit) {
       Refuse(error == http::error::body_limit ? 413 : 431);
-      return;
-    }
-    if (error == http::error::end_of_stream || error == beast::error::timeout) return;
-    if (error) {
+    } else if (error == http::error::end_of_stream || error == beast::error::timeout) {
+      // Nobody is there to be answered.
+    } else if (error.category() == http::make_error_code(http::error::bad_method).category()) {
       // What isn't HTTP.
-      if (error.category() == http::make_error_code(http::error::bad_method).category()) Refuse(400);
+      Refuse(400);
+    }
+    return true;
+  }
+
+  // The header is there.
+  void Got() {
+    message_ = parser_->get();
+    request_ = Plain(message_, address_);
+    if (message_.count(http::field::host) > 1 || request_.path.empty() || request_.path[0] != '/' ||
+        !BodyUnderstood(message_)) {
+      Refuse(400);
+    } else if (!counted_->Belongs(network_.handler.Identify(request_))) {
+      Refuse(429);
+    } else if (websocket::is_upgrade(message_)) {
+      Upgrade();
+    } else {
+      Receive();
+    }
+  }
+
+  void Upgrade() {
+    HttpResponse answer = network_.handler.Upgrade(request_);
+    if (answer.status != 101) {
+      message_.keep_alive(false);
+      Answer(std::move(answer));
       return;
     }
-    message_ = parser_->release();
-    HttpRequest request = Plain(message_, address_);
-    if (message_.count(http::field::host) > 1 || request.path.empty() || request.path[0] != '/') {
+    // A browser says nothing before the door is open, and what was read with the request would be lost.
+    if (buffer_.size() > 0 || !parser_->is_done()) {
       Refuse(400);
       return;
     }
-    if (websocket::is_upgrade(message_)) {
-      HttpResponse answer = network_.handler.Upgrade(request);
-      if (answer.status != 101) {
-        message_.keep_alive(false);
-        Answer(std::move(answer));
-        return;
+    auto link = std::make_shared<SocketLink>(counted_, network_, std::move(stream_));
+    link->Accept(std::move(message_), std::move(request_));
+  }
+
+  // --- The body.
+
+  void Receive() {
+    const auto size = parser_->content_length();
+    BodyPlan plan = network_.handler.Receive(request_, size ? std::optional<uint64_t>(*size) : std::nullopt);
+    if (plan.refusal) {
+      message_.keep_alive(false);
+      Answer(std::move(*plan.refusal));
+      return;
+    }
+    sink_ = std::move(plan.sink);
+    if (sink_ != nullptr) {
+      Deadline(network_.options.request_time + std::chrono::seconds(size.value_or(0) / kLeastRate));
+    } else if (size && *size > kMaxBody) {
+      Refuse(413);
+      return;
+    } else {
+      parser_->body_limit(kMaxBody);
+    }
+    Body();
+  }
+
+  void Body() {
+    if (parser_->is_done()) {
+      Whole();
+      return;
+    }
+    const uint64_t left = parser_->content_length_remaining().value_or(kPiece);
+    piece_.resize(std::min<uint64_t>(left, kPiece));
+    auto& body = parser_->get().body();
+    body.data = piece_.data();
+    body.size = piece_.size();
+    body.more = true;
+    http::async_read(stream_, buffer_, *parser_, [self = shared_from_this()](error_code error, std::size_t) {
+      if (error == http::error::need_buffer) error = {};
+      if (!self->Failed(error)) self->Piece();
+    });
+  }
+
+  void Piece() {
+    piece_.resize(piece_.size() - parser_->get().body().size);
+    if (sink_ == nullptr) {
+      request_.body += piece_;
+      Body();
+      return;
+    }
+    sink_->Take(std::move(piece_), [self = shared_from_this()](bool kept) {
+      if (kept) {
+        self->Body();
+      } else {
+        self->Refuse(507);
       }
-      // A browser says nothing before the door is open, and what was read with the request would be lost.
-      if (buffer_.size() > 0) {
-        Refuse(400);
-        return;
-      }
-      auto link = std::make_shared<SocketLink>(counted_, network_, std::move(stream_));
-      link->Accept(std::move(message_), std::move(request));
+    });
+    piece_ = {};
+  }
+
+  void Whole() {
+    if (const auto sink = std::exchange(sink_, nullptr)) {
+      Answer(sink->Whole());
       return;
     }
     beast::get_lowest_layer(stream_).expires_never();
     network_.handler.Handle(
-        request, [self = shared_from_this()](HttpResponse response) { self->Answer(std::move(response)); });
+        request_, [self = shared_from_this()](HttpResponse response) { self->Answer(std::move(response)); });
   }
 
   void Refuse(int status) {
+    sink_ = nullptr;
     message_ = {};
     message_.version(11);
     message_.keep_alive(false);
@@ -333,8 +454,11 @@ class Connection : public Waiting, public std::enable_shared_from_this<Connectio
   Stream stream_;
   std::string address_;
   beast::flat_buffer buffer_;
-  std::optional<http::request_parser<http::string_body>> parser_;
-  http::request<http::string_body> message_;
+  std::optional<http::request_parser<http::buffer_body>> parser_;
+  Head message_;
+  HttpRequest request_;
+  std::shared_ptr<BodySink> sink_;
+  std::string piece_;
   http::response<http::string_body> answer_;
   std::optional<http::response_serializer<http::string_body>> serializer_;
   bool first_ = true;
@@ -384,7 +508,10 @@ struct HttpServer::Parts : Network {
     const tcp::endpoint remote = socket.remote_endpoint(error);
     if (error) return;
     socket.set_option(tcp::no_delay(true), error);
-    std::string address = remote.address().to_string();
+    asio::ip::address from = remote.address();
+    if (from.is_v6() && from.to_v6().is_v4_mapped())
+      from = asio::ip::make_address_v4(asio::ip::v4_mapped, from.to_v6());
+    std::string address = from.to_string();
     std::make_shared<Connection>(*this, Stream(std::move(socket), tls.get()), std::move(address))->Start();
   }
 

@@ -18,6 +18,8 @@ class HttpServer {
     int port = 0;                       // 0 for any that is free
     std::string certificate, key;       // PEM files; empty for no TLS
     std::size_t max_connections = 1024;
+    // Of them one network may have so many, and so many that aren't logged in.
+    std::size_t max_of_one = 512, max_unknown_of_one = 64;
     std::chrono::milliseconds request_time{15000};  // for a request to be there as a whole
     std::chrono::milliseconds keep_time{60000};     // between two requests
   };

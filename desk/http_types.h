@@ -2,9 +2,11 @@
 // network's thread.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,6 +38,28 @@ struct HttpResponse {
 
 using Respond = std::function<void(HttpResponse)>;
 
+// Takes a body that is too large for the memory, piece by piece. One that goes before it was told `Whole`
+// drops what it has.
+class BodySink {
+ public:
+  virtual ~BodySink() = default;
+  // `next` is called on the network's thread, with false when the piece can't be kept.
+  virtual void Take(std::string piece, std::function<void(bool)> next) = 0;
+  virtual HttpResponse Whole() = 0;
+};
+
+// What becomes of a request's body: without either it is small and comes with the request.
+struct BodyPlan {
+  std::shared_ptr<BodySink> sink;
+  std::optional<HttpResponse> refusal;
+};
+
+// Who asks, as far as it bounds the connections that he may have.
+struct Asker {
+  std::string network;  // "" for one that isn't bounded
+  bool known = false;   // is logged in
+};
+
 // One WebSocket. Its messages are texts.
 class Link {
  public:
@@ -44,8 +68,6 @@ class Link {
   virtual void Send(std::string text) = 0;
   // Closes after what was sent.
   virtual void Close() = 0;
-  // The largest message that may come from now on, in bytes. A larger one closes the link.
-  virtual void LimitMessages(std::size_t bytes) = 0;
 };
 
 // The desk's side of the network.
@@ -54,6 +76,10 @@ class HttpHandler {
   virtual ~HttpHandler() = default;
   // Adds what every answer carries.
   virtual void Finish(HttpResponse& response) = 0;
+  // Of a connection that has asked nothing yet only the address is known.
+  virtual Asker Identify(const HttpRequest& request) = 0;
+  // Asked before the body comes. `size` is what the request declares, if it does.
+  virtual BodyPlan Receive(const HttpRequest& request, std::optional<uint64_t> size) = 0;
   virtual void Handle(const HttpRequest& request, Respond respond) = 0;
   // Whether a WebSocket may be opened: status 101 lets it, any other is the answer.
   virtual HttpResponse Upgrade(const HttpRequest& request) = 0;

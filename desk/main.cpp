@@ -117,6 +117,18 @@ void AddServeCommands(CLI::App& app, Serve& serve, std::string& id) {
   command->add_option("--upload", serve.upload, "Tamanho máximo de um arquivo enviado, em MB")
       ->check(Between(1, 512))
       ->capture_default_str();
+  command
+      ->add_option("--uploads", serve.uploads,
+                   "Espaço dos arquivos enviados de um usuário, em MB, até que sejam confirmados")
+      ->check(Between(1, 1 << 20))
+      ->capture_default_str();
+  command
+      ->add_option("--connections", serve.connections,
+                   "Conexões de um endereço ao mesmo tempo; sem login, um oitavo delas")
+      ->check(Between(8, 1024))
+      ->capture_default_str();
+  command->add_flag("--hsts-subdomains", serve.subdomains,
+                    "TLS exigido também dos nomes abaixo do da mesa (HSTS includeSubDomains)");
   command->add_option("--today", serve.today, "O dia de hoje da mesa, aaaa-mm-dd");
   command->callback([&serve] { RunServe(serve); });
 

@@ -82,6 +82,9 @@ void RunServe(const Serve& options) {
   server_options.grace = std::chrono::minutes(options.grace);
   server_options.windows = static_cast<std::size_t>(options.windows);
   server_options.max_upload = static_cast<std::size_t>(options.upload) << 20;
+  server_options.max_uploads = static_cast<std::size_t>(options.uploads) << 20;
+  server_options.connections = static_cast<std::size_t>(options.connections);
+  server_options.subdomains = options.subdomains;
   if (!options.today.empty()) server_options.clock = Clock(Date::ParseNeutral(options.today));
 
   Server server(std::move(server_options), log);

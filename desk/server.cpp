@@ -1,6 +1,5 @@
 #include "desk/server.h"
 
-#include <arpa/inet.h>
 #include <sodium.h>
 
 #include <array>
@@ -27,6 +26,7 @@ constexpr int kPasswordThreads = 2;
 constexpr std::size_t kMostAttempts = 32;
 constexpr std::size_t kMostJobs = 256;
 constexpr std::string_view kReports = "/relatorio/";
+constexpr std::string_view kUpload = "/upload";
 constexpr std::size_t kMaxUser = 200, kMaxPassword = 1024;  // bytes
 
 HttpResponse Told(int status, std::string_view text) {
@@ -42,15 +42,6 @@ std::optional<std::string> Member(const Json& json, std::string_view name, std::
   const Json& member = json[name];
   if (!member.IsString() || member.String().size() > most || !ValidUtf8(member.String())) return std::nullopt;
   return member.String();
-}
-
-// Who has one IPv6 address has the 2^64 beside it.
-std::string Network(const std::string& address) {
-  std::array<unsigned char, sizeof(in6_addr)> bytes{};
-  if (inet_pton(AF_INET6, address.c_str(), bytes.data()) != 1) return address;
-  std::array<char, 17> hex{};
-  sodium_bin2hex(hex.data(), hex.size(), bytes.data(), 8);
-  return hex.data();
 }
 
 int64_t Minutes(std::chrono::steady_clock::duration time) {
@@ -83,18 +74,22 @@ class Server::Parts : private HttpHandler {
         log_(log),
         house_(options_.database, options_.clock, options_.cost),
         files_(options_.web),
-        guard_(!options_.certificate.empty(), options_.public_address, options_.proxy),
+        guard_(!options_.certificate.empty(), options_.public_address, options_.proxy, options_.subdomains),
+        uploads_(options_.max_uploads),
         logins_({options_.idle, options_.absolute, options_.windows}),
         network_(NetworkOptions(), *this),
         passwords_(kPasswordThreads, kMostAttempts),
         jobs_(1, kMostJobs),
-        sessions_({options_.grace, options_.windows, options_.max_upload, options_.messages_a_second},
+        sessions_({options_.grace, options_.windows, options_.messages_a_second},
                   {[this](const Login& login) { return OptionsOf(login); },
                    [this](const std::string& login) { logins_.Touch(login, options_.now()); },
                    [this] { return options_.now(); }},
                   log_, network_, jobs_),
         control_(std::make_unique<ServerControl>(
             options_.data, [this](const Json& question) { return Control(question); })) {
+    // The folder is this desk's alone from here on: what stands there a desk that was killed has left.
+    std::error_code error;
+    std::filesystem::remove_all(ScratchFolder(options_.data), error);
     thread_ = std::thread([this] { network_.Run(); });
     network_.Post([this] { Tick(); });
     log_.Write("serving", {{"address", Address()}});
@@ -147,6 +142,8 @@ class Server::Parts : private HttpHandler {
     network.certificate = options_.certificate;
     network.key = options_.key;
     network.request_time = options_.request_time;
+    network.max_of_one = options_.connections;
+    network.max_unknown_of_one = std::max<std::size_t>(options_.connections / 8, 1);
     return network;
   }
 
@@ -156,7 +153,9 @@ class Server::Parts : private HttpHandler {
     session.user = login.user;
     session.company = login.company;
     session.clock = options_.clock;
-    session.folder = UserFolder(options_.data, login.user);
+    session.folder = UserFolder(options_.data, login.user, login.company);
+    session.scratch = ScratchFolder(options_.data);
+    session.uploads = uploads_;
     session.templates = TemplatesFolder(options_.data);
     session.max_upload = options_.max_upload;
     session.max_rows = options_.max_rows;
@@ -166,6 +165,22 @@ class Server::Parts : private HttpHandler {
   // --- Requests.
 
   void Finish(HttpResponse& response) override { guard_.Finish(response); }
+
+  Asker Identify(const HttpRequest& request) override {
+    return {guard_.AskersNetwork(request), LoginOf(request) != nullptr};
+  }
+
+  // The file that a window was asked for; any other body is small.
+  BodyPlan Receive(const HttpRequest& request, std::optional<uint64_t> size) override {
+    if (request.path != kUpload || request.method != "POST") return {};
+    const auto refused = [](HttpResponse response) { return BodyPlan{nullptr, std::move(response)}; };
+    if (!guard_.HostAccepted(request)) return refused(Told(403, "Este nome não é o da mesa."));
+    if (!ChangeAccepted(request)) return refused(Told(403, "O pedido não veio de uma página da mesa."));
+    const Login* login = LoginOf(request);
+    if (login == nullptr) return refused(NotLoggedIn());
+    if (!size) return refused(Told(411, "O tamanho do arquivo não foi informado."));
+    return sessions_.Receive(*login, SessionOf(request), *size);
+  }
 
   void Handle(const HttpRequest& request, Respond respond) override {
     if (!guard_.HostAccepted(request)) {
@@ -262,7 +277,7 @@ class Server::Parts : private HttpHandler {
       return;
     }
     const std::string address = guard_.Asker(request);
-    if (const auto wait = throttle_.Begin(*user, Network(address), options_.now())) {
+    if (const auto wait = throttle_.Begin(*user, NetworkOf(address), options_.now())) {
       const std::string seconds = std::to_string(wait->count());
       HttpResponse response =
           Told(429, "Muitas tentativas. Espere " + seconds + (seconds == "1" ? " segundo" : " segundos") +
@@ -292,7 +307,7 @@ class Server::Parts : private HttpHandler {
       log_.Write("login refused", {{"user", attempt->user}, {"address", address}});
       return Told(401, "Usuário ou senha inválidos.");
     }
-    throttle_.Succeeded(typed, Network(address));
+    throttle_.Succeeded(typed, NetworkOf(address));
     if (attempt->verdict == ServerHouse::Verdict::NoCompany) return Told(400, "A empresa não existe.");
     if (stopping_) return Told(503, "A mesa está sendo encerrada.");
 
@@ -486,6 +501,7 @@ class Server::Parts : private HttpHandler {
   ServerHouse house_;
   HttpFiles files_;
   HttpGuard guard_;
+  UploadSpace uploads_;
   Logins logins_;
   LoginThrottle throttle_;
   HttpResponse companies_;

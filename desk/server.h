@@ -27,11 +27,14 @@ struct ServerOptions {
   std::chrono::seconds idle = std::chrono::minutes(30);
   std::chrono::seconds absolute = std::chrono::hours(12);
   std::chrono::seconds grace = std::chrono::minutes(10);
-  std::size_t windows = 8;                         // of one user
-  std::size_t max_upload = std::size_t{64} << 20;  // bytes
-  int64_t max_rows = 10000;                        // of a set in one answer to a read
-  double messages_a_second = 200;                  // of one window
-  std::chrono::milliseconds request_time{15000};   // for a request to be there as a whole
+  std::size_t windows = 8;                           // of one user
+  std::size_t max_upload = std::size_t{64} << 20;    // bytes
+  std::size_t max_uploads = std::size_t{256} << 20;  // bytes of all files of one user
+  std::size_t connections = 512;                  // of one address, an eighth of them before its users log in
+  bool subdomains = false;                        // TLS for the names below the desk's, too
+  int64_t max_rows = 10000;                       // of a set in one answer to a read
+  double messages_a_second = 200;                 // of one window
+  std::chrono::milliseconds request_time{15000};  // for a request to be there as a whole
   Clock clock;
   PasswordCost cost;  // what an unknown user's attempt costs
   // The time by which sessions age.

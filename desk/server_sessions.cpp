@@ -8,7 +8,6 @@
 namespace orv {
 namespace {
 
-constexpr std::size_t kSmallMessage = 1 << 20;
 // A message that is read off the network's thread.
 constexpr std::size_t kLongMessage = 64 << 10;
 // Objects that a link may send ahead of their answers.
@@ -19,7 +18,7 @@ constexpr std::size_t kMostReports = 20;
 Json ParseOrNull(const std::string& text) {
   try {
     return Json::Parse(text);
-  } catch (const JsonError&) {
+  } catch (const std::exception&) {
     // The session refuses what isn't an object, in its turn.
     return {};
   }
@@ -56,6 +55,8 @@ struct ServerSessions::Window {
   std::function<void()> next;  // reads on, once fewer are unanswered
   RateLimit rate;
   bool ending = false;
+  // A file is asked for.
+  bool file = false;
   std::string end_text;
   // The reports that may be fetched, by the secret part of their address; the oldest goes first.
   std::deque<std::pair<std::string, std::filesystem::path>> reports;
@@ -67,6 +68,48 @@ struct ServerSessions::Window {
     std::error_code error;
     std::filesystem::remove(file, error);
   }
+};
+
+// Writes a file off the network's thread, and hands it to the window's session.
+class ServerSessions::Receiver : public BodySink, public std::enable_shared_from_this<Receiver> {
+ public:
+  Receiver(const WindowPointer& window, Upload upload, HttpServer& network, Workers& workers)
+      : window_(window), upload_(std::move(upload)), network_(network), workers_(workers) {}
+
+  void Take(std::string piece, std::function<void(bool)> next) override {
+    const bool taken = workers_.Do([self = shared_from_this(), piece = std::move(piece), next] {
+      bool kept = true;
+      try {
+        self->upload_.Write(piece);
+      } catch (const UserError&) {
+        kept = false;
+      }
+      self->network_.Post([next, kept] { next(kept); });
+    });
+    if (!taken) next(false);
+  }
+
+  HttpResponse Whole() override {
+    const WindowPointer window = window_.lock();
+    if (window == nullptr || window->ending || !window->file) return NotAsked();
+    HttpResponse response;
+    response.body = Json{{"upload", window->session->Give(std::move(upload_))}}.Text();
+    return response;
+  }
+
+  static HttpResponse NotAsked() { return Refused(409, "Nenhum arquivo foi pedido."); }
+  static HttpResponse Refused(int status, std::string_view text) {
+    HttpResponse response;
+    response.status = status;
+    response.body = Json{{"text", text}}.Text();
+    return response;
+  }
+
+ private:
+  std::weak_ptr<Window> window_;
+  Upload upload_;
+  HttpServer& network_;
+  Workers& workers_;
 };
 
 ServerSessions::ServerSessions(Limits limits, Hooks hooks, Log& log, HttpServer& network, Workers& workers)
@@ -161,20 +204,41 @@ void ServerSessions::Detach(const std::shared_ptr<Link>& link) {
   window->away_since = hooks_.now();
 }
 
+BodyPlan ServerSessions::Receive(const Login& login, const std::string& session, uint64_t size) {
+  const auto found = windows_.find(session);
+  const bool own = found != windows_.end() && found->second->login == login.id && !found->second->ending;
+  if (!own || !found->second->file) return {nullptr, Receiver::NotAsked()};
+  hooks_.used(login.id);
+  try {
+    Upload upload = found->second->session->NewUpload(size);
+    return {std::make_shared<Receiver>(found->second, std::move(upload), network_, workers_), {}};
+  } catch (const UserError& e) {
+    return {nullptr, Receiver::Refused(413, e.what())};
+  }
+}
+
 void ServerSessions::Message(const std::shared_ptr<Link>& link, std::string text,
                              std::function<void()> next) {
   const WindowPointer window = Of(link);
   if (window == nullptr || window->ending) return;
   hooks_.used(window->login);
-  // One large message was asked for, not several.
-  if (text.size() > kSmallMessage) link->LimitMessages(kSmallMessage);
   if (text.size() <= kLongMessage) {
     Take(window, link, ParseOrNull(text), std::move(next));
     return;
   }
-  const bool taken = workers_.Do([this, window, link, text = std::move(text), next]() mutable {
-    auto in = std::make_shared<Json>(ParseOrNull(text));
-    network_.Post([this, window, link, in, next] { Take(window, link, std::move(*in), next); });
+  // What belongs to the link goes back with the object that was read, and dies where it lives: here.
+  struct Reading {
+    WindowPointer window;
+    std::shared_ptr<Link> link;
+    std::function<void()> next;
+    Json in;
+  };
+  auto reading = std::make_shared<Reading>(Reading{window, link, std::move(next), {}});
+  const bool taken = workers_.Do([this, reading = std::move(reading), text = std::move(text)]() mutable {
+    reading->in = ParseOrNull(text);
+    network_.Post([this, reading = std::move(reading)] {
+      Take(reading->window, reading->link, std::move(reading->in), std::move(reading->next));
+    });
   });
   // The display sends it again when it comes back.
   if (!taken) link->Close();
@@ -222,15 +286,12 @@ void ServerSessions::Out(const std::string& id, Said said) {
     return;
   }
   if (said.report.IsObject()) said.text = Addressed(*window, said.report).Text();
-  const bool settled = kind == "idle" || kind == "waiting";
-  if (settled && window->unanswered > 0) --window->unanswered;
-  if (window->link != nullptr) {
-    if (settled) {
-      // A file may come where one was asked for, and only there.
-      window->link->LimitMessages(said.file ? limits_.max_upload / 3 * 4 + kSmallMessage : kSmallMessage);
-    }
-    if (window->refreshing == 0 || kind == "progress") window->link->Send(std::move(said.text));
+  if (kind == "idle" || kind == "waiting") {
+    if (window->unanswered > 0) --window->unanswered;
+    window->file = said.file;
   }
+  if (window->link != nullptr && (window->refreshing == 0 || kind == "progress"))
+    window->link->Send(std::move(said.text));
   if (window->next && window->unanswered < kMostUnanswered) std::exchange(window->next, nullptr)();
 }
 

@@ -23,7 +23,6 @@ class ServerSessions {
   struct Limits {
     std::chrono::seconds grace = std::chrono::minutes(10);
     std::size_t per_user = 8;
-    std::size_t max_upload = std::size_t{64} << 20;
     double messages_a_second = 200;
   };
   struct Hooks {
@@ -46,6 +45,9 @@ class ServerSessions {
   void Detach(const std::shared_ptr<Link>& link);
   void Message(const std::shared_ptr<Link>& link, std::string text, std::function<void()> next);
 
+  // Where the file goes that a window of that login was asked for.
+  BodyPlan Receive(const Login& login, const std::string& session, uint64_t size);
+
   // Ends all sessions of a login; they are told the text once what they did is undone.
   void EndLogin(const std::string& login, const std::string& text);
   void EndAll(const std::string& text);
@@ -62,6 +64,7 @@ class ServerSessions {
 
  private:
   struct Window;
+  class Receiver;
   using WindowPointer = std::shared_ptr<Window>;
 
   void Begin(const Login& login, const std::shared_ptr<Link>& link);

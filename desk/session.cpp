@@ -18,7 +18,11 @@ constexpr std::size_t kMaxQueue = 10000;
 }  // namespace
 
 Session::Session(SessionOptions options, Log& log, Sink sink)
-    : options_(std::move(options)), log_(log), sink_(std::move(sink)) {
+    : options_(std::move(options)),
+      files_(options_.folder, options_.machine_paths),
+      log_(log),
+      sink_(std::move(sink)) {
+  if (options_.scratch.empty()) options_.scratch = options_.folder / "relatorios";
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setstacksize(&attributes, kStack);
@@ -37,7 +41,7 @@ void Session::Post(Json in) {
   {
     const std::lock_guard lock(mutex_);
     if (queue_.size() >= kMaxQueue) return;
-    queue_.push_back({std::move(in)});
+    queue_.push_back({.in = std::move(in), .cancels = cancel && gathering_});
     if (cancel && gathering_) cancel_ = true;
   }
   arrived_.notify_one();
@@ -47,7 +51,7 @@ bool Session::Refresh() {
   {
     const std::lock_guard lock(mutex_);
     if (!queue_.empty() && queue_.back().refresh) return false;
-    queue_.push_back({Json(), true});
+    queue_.push_back({.in = Json(), .refresh = true});
   }
   arrived_.notify_one();
   return true;
@@ -85,10 +89,14 @@ void Session::Run() {
     } catch (const SessionEnd&) {
       attachment_->Rollback();
     }
+    // The user hears that the session has ended, not that he closed his screens.
+    application_->SetObserver(nullptr);
     application_->CloseAll();
     attachment_->Rollback();
   } catch (const SessionEnd&) {
     // A screen that asked while it was closed for good.
+  } catch (const SilentAbort&) {
+    // One whose closing gave up.
   } catch (const std::exception& e) {
     log_.Write("session failed", {{"user", options_.user}, {"text", Masked(e.what())}});
     SendError(e.what());
@@ -108,8 +116,7 @@ void Session::Run() {
 void Session::Serve() {
   Settle({{"on", "idle"}});
   for (;;) {
-    const Json in = Take();
-    Handle(in);
+    Handle(Take().in);
     application_->FreeClosed();
     services_->AfterAction();
     Collect();
@@ -117,14 +124,14 @@ void Session::Serve() {
   }
 }
 
-Json Session::Take() {
+Session::Entry Session::Take() {
   for (;;) {
     std::unique_lock lock(mutex_);
     arrived_.wait(lock, [&] { return ending_ || !queue_.empty(); });
     if (ending_) throw SessionEnd{};
     Entry entry = std::move(queue_.front());
     queue_.pop_front();
-    if (!entry.refresh) return std::move(entry.in);
+    if (!entry.refresh) return entry;
     lock.unlock();
     SendAll();
   }
@@ -177,8 +184,7 @@ void Session::ScreenClosed(Screen& screen) {
   if (found == shown_.end()) return;
   Send({{"on", "closed"}, {"screen", found->second.id}});
   shown_.erase(found);
-  const Screen* top = application_->Top();
-  front_ = top == nullptr ? 0 : shown_[top].id;
+  front_ = TopId();
 }
 
 }  // namespace orv

@@ -19,6 +19,7 @@
 
 #include "desk/json.h"
 #include "desk/log.h"
+#include "desk/user_files.h"
 #include "frame/application.h"
 #include "host/data/attachment.h"
 #include "host/print/report.h"
@@ -32,12 +33,19 @@ struct SessionOptions {
   std::string user;
   std::string company;  // "_001"
   Clock clock;
-  // The user's own folder, for the files that are given to the desk.
+  // The user's own folder: the paths that he types lead to what is below it, and nowhere else.
   std::filesystem::path folder;
+  // A path from the root on is taken as it stands: for someone who has the machine's files at hand anyway.
+  bool machine_paths = false;
+  // Where the desk keeps reports, and what is given to it for the session's time; "" for a folder in the
+  // user's own.
+  std::filesystem::path scratch;
   // Templates of reports that take precedence over the desk's own.
   std::filesystem::path templates;
   // The largest file that may be given, in bytes.
   std::size_t max_upload = std::size_t{64} << 20;
+  // What all uploads of the user may take.
+  UploadSpace uploads{std::size_t{256} << 20};
   // The rows of each set that one read gives at most; none for all.
   std::optional<int64_t> max_rows;
 };
@@ -66,6 +74,12 @@ class Session : private UserInterface, private ApplicationObserver {
   void End();
   bool Ended() const { return ended_; }
 
+  // --- A file that comes beside the door, from any thread.
+  // Where a file of so many bytes is written. Raises UserError where it is too large.
+  Upload NewUpload(std::size_t size) const;
+  // Hands it over; the "upload" by which `file` names it, while a file is asked for.
+  std::string Give(Upload upload);
+
  private:
   // Thrown where the session's thread waits, when the session ends. Not an exception that anyone catches.
   struct SessionEnd {};
@@ -82,11 +96,18 @@ class Session : private UserInterface, private ApplicationObserver {
     std::string badge;
   };
 
+  struct Entry {
+    Json in;
+    bool refresh = false;
+    // A cancel of the gathering that ran when it came: it answers no question asked since.
+    bool cancels = false;
+  };
+
   static void* ThreadMain(void* self);
   void Run();
   void Serve();
   // Waits for the next object.
-  Json Take();
+  Entry Take();
   void Send(const Json& out) { sink_(out); }
   // Sends the "idle" or "waiting" that ends an answer.
   void Settle(Json out);
@@ -96,6 +117,8 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // --- Working on an object (session_actions.cpp).
   void Handle(const Json& in);
+  // What is under way from here on is no gathering, until one tells of itself.
+  void EndGathering();
   // Takes back what the action has written, also from what the shared tables hold.
   void Undo();
   void LogFailure(const Json& verb, const std::exception& e);
@@ -106,6 +129,8 @@ class Session : private UserInterface, private ApplicationObserver {
   void Key(const Json& in);
   void GridAction(const std::string& verb, const Json& in);
   Screen& TopScreen() const;
+  // The id of the screen on top, 0 without one.
+  int64_t TopId() const;
   // The control named in the object, which the user can reach.
   Control& Reachable(const Json& in, const char* member = "control") const;
   // Moves the focus as the user does. False when the field left keeps it.
@@ -126,6 +151,9 @@ class Session : private UserInterface, private ApplicationObserver {
                                       std::string_view value) override;
   LookupChoice Choose(TPesquisa& lookup) override;
   std::optional<std::string> OpenFile(std::string_view control, std::string_view filters) override;
+  std::optional<InputFile> OpenPath(std::string_view path) override { return files_.Open(path); }
+  bool IsFolder(std::string_view path) override { return files_.IsFolder(path); }
+  void TakenIn(std::string_view path) override { files_.Forget(path); }
   bool ConfirmPosting(std::string_view title, const std::vector<PostingLine>& lines) override;
   void Detail(std::string_view title, DataSet& rows) override;
   void Progress(int64_t value, int64_t of, std::string_view text) override;
@@ -137,27 +165,27 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // Sends a question and waits until `answer` takes an object as its answer; other objects are refused.
   void Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer);
-  std::string StoreFile(const std::string& name, const std::string& content);
+  Upload TakeUpload(const Json& in);
 
   void ScreenShown(Screen& screen) override;
   void ScreenClosed(Screen& screen) override;
 
   SessionOptions options_;
+  UserFiles files_;
   Log& log_;
   Sink sink_;
 
   std::mutex mutex_;
   std::condition_variable arrived_;
-  struct Entry {
-    Json in;
-    bool refresh = false;
-  };
   std::deque<Entry> queue_;
+  // What came beside the door and isn't asked for yet, by what names it.
+  std::map<std::string, Upload> uploads_;
   bool ending_ = false;
   std::atomic<bool> ended_{false};
-  // Set by a cancel that arrives while an action runs, taken by Progress.
-  std::atomic<bool> cancel_{false};
-  std::atomic<bool> gathering_{false};
+  // A gathering has told how far it is, and nothing was asked since; a cancel has come meanwhile, which its
+  // next telling takes. Both under the mutex.
+  bool gathering_ = false;
+  bool cancel_ = false;
   std::chrono::steady_clock::time_point last_progress_{};
 
   // Guarded by the mutex where it comes and goes, since End cancels what runs on it.

@@ -2,7 +2,6 @@
 #include "desk/session.h"
 #include "frame/registry.h"
 #include "frame/screen.h"
-#include "host/services/users.h"
 #include "toolkit/controls.h"
 #include "toolkit/grid.h"
 #include "toolkit/lookup.h"
@@ -27,8 +26,7 @@ std::string Given(const Json& value) {
 
 void Session::Handle(const Json& in) {
   attachment_->BeginAction();
-  cancel_ = false;
-  gathering_ = false;
+  EndGathering();
   try {
     Act(in);
     ReleaseClosed();
@@ -44,6 +42,11 @@ void Session::Handle(const Json& in) {
     LogFailure(in["do"], e);
     SendError(e.what());
   }
+}
+
+void Session::EndGathering() {
+  const std::lock_guard lock(mutex_);
+  gathering_ = cancel_ = false;
 }
 
 void Session::LogFailure(const Json& verb, const std::exception& e) {
@@ -80,6 +83,9 @@ void Session::ReleaseClosed() {
 void Session::Act(const Json& in) {
   if (!in.IsObject()) throw RequestError("Esperava-se um objeto.");
   const std::string verb = in["do"].IsNull() ? "" : in["do"].String();
+  // What was meant for another screen than the one that is on top now does nothing to this one.
+  if (in.Has("screen") && !(in["screen"] == Json(TopId())))
+    throw RequestError("A tela não está mais à frente.");
 
   if (verb == "read") {
     Send(State(in));
@@ -136,6 +142,11 @@ void Session::Act(const Json& in) {
   }
 }
 
+int64_t Session::TopId() const {
+  const Screen* top = application_->Top();
+  return top == nullptr ? 0 : shown_.at(top).id;
+}
+
 Screen& Session::TopScreen() const {
   Screen* top = application_->Top();
   if (top == nullptr) throw RequestError("Nenhuma tela está aberta.");
@@ -159,7 +170,7 @@ void Session::Open(const Json& in) {
     throw RequestError("Feche primeiro a janela \"" + top->Caption() + "\".");
   }
   const auto info = ClassRegistry::Instance().Find(name);
-  if (!info || !services_->Users().MayOpen(services_->Login(), info->class_name))
+  if (!info || !application_->MayOpen(info->class_name))
     throw RequestError("A tela \"" + name + "\" não está disponível.");
   for (Screen* screen : application_->Shown()) {
     if (SameText(screen->ClassName(), name)) {

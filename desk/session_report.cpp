@@ -87,7 +87,7 @@ void Session::RenderReport(const Json& in) {
   if (std::find(found->formats.begin(), found->formats.end(), format) == found->formats.end()) {
     throw RequestError("O relatório não tem o formato \"" + format + "\".");
   }
-  const std::filesystem::path folder = options_.folder / "relatorios";
+  const std::filesystem::path& folder = options_.scratch;
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   // A link that stands there by accident leads nowhere else.

@@ -67,8 +67,7 @@ Json Session::Tree(const Form& form) const {
 
 void Session::Collect() {
   for (Screen* screen : application_->Shown()) CollectScreen(*screen, shown_[screen]);
-  const Screen* top = application_->Top();
-  const int64_t front = top == nullptr ? 0 : shown_[top].id;
+  const int64_t front = TopId();
   if (front != front_ && front != 0) Send({{"on", "front"}, {"screen", front}});
   front_ = front;
 }

@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
+#include <utility>
 
+#include "desk/logins.h"
 #include "desk/session.h"
 #include "frame/screen.h"
 #include "toolkit/lookup.h"
@@ -85,17 +86,18 @@ void Session::Wait(const char* what, const Json& question, const std::function<b
     Json& open;
     ~Open() { open = Json(); }
   } const guard{question_};
+  EndGathering();
   Collect();
   question_ = question;
   Send(question);
   Settle(waiting);
   for (;;) {
     attachment_->LetGo();
-    const Json in = Take();
+    const auto [in, refresh, cancels] = Take();
     try {
       if (in["do"] == Json("read")) {
         Send(State(in));
-      } else if (answer(in)) {
+      } else if (!cancels && answer(in)) {
         return;
       }
     } catch (const UserError& e) {
@@ -197,38 +199,50 @@ LookupChoice Session::Choose(TPesquisa& lookup) {
 }
 
 std::optional<std::string> Session::OpenFile(std::string_view control, std::string_view filters) {
+  // What came and wasn't chosen goes with the question.
+  struct Asked {
+    Session& session;
+    ~Asked() {
+      const std::lock_guard lock(session.mutex_);
+      session.uploads_.clear();
+    }
+  } const asked{*this};
   std::optional<std::string> path;
   Wait("file", {{"on", "file"}, {"control", control}, {"filters", filters}}, [&](const Json& in) {
     if (in["do"] == Json("answer") && in["value"] == Json("cancel")) return true;
     if (!(in["do"] == Json("file"))) throw RequestError("A janela espera um arquivo.");
-    path = StoreFile(in["name"].String(), in["content"].String());
+    path = files_.Keep(in["name"].String(), TakeUpload(in));
     return true;
   });
   return path;
 }
 
-std::string Session::StoreFile(const std::string& name, const std::string& content) {
-  // A name is one file in the user's own folder: no path, no hidden file, no control character.
-  const bool bad = name.empty() || name.size() > 200 || name[0] == '.' || !ValidUtf8(name) ||
-                   name.find_first_of("/\\:*?\"<>|") != std::string::npos ||
-                   std::any_of(name.begin(), name.end(),
-                               [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; });
-  if (bad) throw RequestError("O nome do arquivo não é aceito.");
-  if (content.size() / 4 * 3 > options_.max_upload) {
-    throw RequestError("O arquivo é grande demais: o limite é de " +
-                       std::to_string(options_.max_upload >> 20) + " MB.");
+Upload Session::TakeUpload(const Json& in) {
+  if (in.Has("upload")) {
+    const std::lock_guard lock(mutex_);
+    auto given = uploads_.extract(in["upload"].String());
+    if (given.empty()) throw RequestError("O arquivo enviado não está mais aqui. Envie-o de novo.");
+    return std::move(given.mapped());
   }
-  const std::string bytes = Decoded(content);
-  std::error_code error;
-  std::filesystem::create_directories(options_.folder, error);
-  const std::filesystem::path path = options_.folder / name;
-  // What stood under the name may be a link that leads elsewhere.
-  std::filesystem::remove(path, error);
-  std::ofstream out(path, std::ios::binary);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  out.close();
-  if (!out) throw UserError("O arquivo não pôde ser gravado na pasta do usuário.");
-  return path.string();
+  const std::string& content = in["content"].String();
+  Upload upload = NewUpload(content.size() / 4 * 3);
+  upload.Write(Decoded(content));
+  return upload;
+}
+
+Upload Session::NewUpload(std::size_t size) const {
+  if (size > options_.max_upload) {
+    throw UserError("O arquivo é grande demais: o limite é de " + std::to_string(options_.max_upload >> 20) +
+                    " MB.");
+  }
+  return {options_.scratch, options_.uploads.Take(options_.user, size)};
+}
+
+std::string Session::Give(Upload upload) {
+  std::string name = RandomHex(128);
+  const std::lock_guard lock(mutex_);
+  uploads_.emplace(name, std::move(upload));
+  return name;
 }
 
 bool Session::ConfirmPosting(std::string_view title, const std::vector<PostingLine>& lines) {
@@ -270,12 +284,12 @@ void Session::Detail(std::string_view title, DataSet& rows) {
 }
 
 void Session::Progress(int64_t value, int64_t of, std::string_view text) {
-  gathering_ = true;
   {
     const std::lock_guard lock(mutex_);
     if (ending_) throw SessionEnd{};
+    gathering_ = true;
+    if (std::exchange(cancel_, false)) throw UserError("Operação cancelada.");
   }
-  if (cancel_.exchange(false)) throw UserError("Operação cancelada.");
   const auto now = std::chrono::steady_clock::now();
   if (now - last_progress_ < kProgressEvery && value != of) return;
   last_progress_ = now;
@@ -293,7 +307,7 @@ void Session::RunModal(Form& form) {
   while (!screen.Closed()) {
     Collect();
     Settle({{"on", "idle"}});
-    Handle(Take());
+    Handle(Take().in);
   }
   application_->HandleClosed(screen);
 }

@@ -18,7 +18,13 @@ Application::~Application() {
 Screen& Application::CreateScreen(std::string_view screen_class) {
   const auto info = ClassRegistry::Instance().Find(screen_class);
   if (!info) throw UserError("A tela \"" + std::string(screen_class) + "\" não existe.");
+  RequireRight(*info);
   return Adopt(info->create(*this));
+}
+
+void Application::RequireRight(const ScreenInfo& info) const {
+  if (info.kind == ScreenKind::Dialog || info.group.empty() || MayOpen(info.class_name)) return;
+  throw UserError("Usuário sem permissão para abrir a tela \"" + info.caption + "\".");
 }
 
 Screen& Application::Adopt(std::unique_ptr<Screen> screen) {
@@ -49,6 +55,8 @@ Screen* Application::FindComponent(std::string_view name) const {
 
 void Application::HandleShown(Screen& screen) {
   if (std::find(shown_.begin(), shown_.end(), &screen) != shown_.end()) return;
+  // Also of one that its opener constructed himself.
+  if (const auto info = ClassRegistry::Instance().Find(screen.ClassName())) RequireRight(*info);
   if (screen.Closed()) screen.Reopen();
   shown_.push_back(&screen);
   if (observer_ != nullptr) observer_->ScreenShown(screen);

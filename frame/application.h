@@ -1,8 +1,11 @@
 // A session's application: it owns the open screens and knows the services lent by the host.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "frame/services.h"
@@ -12,6 +15,7 @@
 namespace orv {
 
 class Screen;
+struct ScreenInfo;
 
 // The services that a session's screens work with.
 struct Services {
@@ -39,6 +43,10 @@ class Application {
   // Before the first screen; the services need the application themselves.
   void SetServices(Services services) { services_ = std::make_unique<Services>(services); }
   void SetObserver(ApplicationObserver* observer) { observer_ = observer; }
+  // Says whether the user may open the screen class; without it everything may be opened.
+  void SetRights(std::function<bool(const std::string& screen_class)> may_open) {
+    may_open_ = std::move(may_open);
+  }
 
   IFuncoes& Funcoes() const { return services_->funcoes; }
   IContabil& Contabil() const { return services_->contabil; }
@@ -47,7 +55,11 @@ class Application {
   Date Today() const { return clock_.Today(); }
   const Clock& GetClock() const { return clock_; }
 
-  // Creates a screen of a registered class and owns it. Raises UserError for an unknown class.
+  bool MayOpen(const std::string& screen_class) const { return !may_open_ || may_open_(screen_class); }
+
+  // Creates a screen of a registered class and owns it. Raises UserError for an unknown class, and for a
+  // screen of the menu that the user may not open, whoever asks for it. A dialog has no right of its own: it
+  // belongs to the screen that opens it.
   Screen& CreateScreen(std::string_view screen_class);
   // Takes over a screen that its caller constructed.
   Screen& Adopt(std::unique_ptr<Screen> screen);
@@ -71,10 +83,14 @@ class Application {
   void CloseAll();
 
  private:
+  // Raises UserError for a screen of the menu that the user may not open.
+  void RequireRight(const ScreenInfo& info) const;
+
   UserInterface& user_;
   Clock clock_;
   std::unique_ptr<Services> services_;
   ApplicationObserver* observer_ = nullptr;
+  std::function<bool(const std::string&)> may_open_;
   std::vector<std::unique_ptr<Screen>> owned_;
   std::vector<Screen*> shown_;
 };

@@ -28,25 +28,6 @@ class SetsHold {
   std::vector<TClientDataSet*> sets_;
 };
 
-// Tables are those of another company while it lives.
-class InCompany {
- public:
-  InCompany(TOrvTable& companies, const std::string& suffix)
-      : companies_(companies), before_(companies["EMP_PAT"].AsString()), moved_(suffix != before_) {
-    if (moved_) companies_.Locate("EMP_PAT", suffix);
-  }
-  ~InCompany() {
-    if (moved_) companies_.Locate("EMP_PAT", before_);
-  }
-  InCompany(const InCompany&) = delete;
-  InCompany& operator=(const InCompany&) = delete;
-
- private:
-  TOrvTable& companies_;
-  const std::string before_;
-  const bool moved_;
-};
-
 class EachRow : public RowSink {
  public:
   explicit EachRow(const std::function<void(std::span<Value>)>& row) : row_(row) {}
@@ -181,8 +162,7 @@ std::string ReportScreen::ForCompanies(std::string_view sql, std::string_view ma
 }
 
 std::string ReportScreen::ForCompany(std::string_view sql, std::string_view suffix) const {
-  const InCompany standing(Tabela.tbEmpresa(), std::string(suffix));
-  return Funcoes.DBLocal_SQL(sql, "");
+  return Funcoes.DBEmpresa_SQL(sql, suffix);
 }
 
 // --- From a figure to where it comes from.
@@ -191,6 +171,19 @@ void ReportScreen::ShowDetail(std::string_view title, std::string sql) {
   TOrvQuery rows(Tabela.IBDatabase());
   rows.SQL.SetText(std::move(sql));
   rows.Open();
+  Funcoes.TelaDetalhamento(title, rows);
+}
+
+void ReportScreen::ShowDetail(std::string_view title, std::string_view sql,
+                              std::span<const ReportField> fields,
+                              const std::function<void(std::span<Value>)>& complete) {
+  TClientDataSet rows("Detalhe");
+  LayDown(rows, fields);
+  ForEach(sql, [&](std::span<Value> values) {
+    complete(values);
+    AppendFitted(rows, values.first(fields.size()));
+  });
+  rows.First();
   Funcoes.TelaDetalhamento(title, rows);
 }
 

@@ -15,8 +15,14 @@ Screen::Screen(Application& application, std::string class_name, std::string nam
       kind_(kind) {}
 
 Screen::~Screen() {
-  // A screen that goes without a close, as at the end of a session, leaves no table open.
-  for (const std::string& name : tables_) Tabela.FechaTabela(name);
+  // A screen that goes without a close, as at the end of a session, leaves no table open. It may be going
+  // because a statement failed: none runs here, and nobody's handler.
+  StopListening();
+  for (const std::string& name : tables_) Tabela.SoltaTabela(name);
+}
+
+void Screen::Listen(Event& event, std::function<void()> handler) {
+  listening_.push_back(event.Listen(std::move(handler)));
 }
 
 void Screen::AbreTabelas(std::initializer_list<const char*> names) {
@@ -27,6 +33,7 @@ void Screen::AbreTabelas(std::initializer_list<const char*> names) {
 }
 
 void Screen::FormClose() {
+  StopListening();
   for (const std::string& name : tables_) Tabela.FechaTabela(name);
   tables_.clear();
   for (DataSet* set : Sets()) {

@@ -63,6 +63,9 @@ class Screen : public Form {
 
   // Opens shared tables until the screen is freed.
   void AbreTabelas(std::initializer_list<const char*> names);
+  // Hears of a shared table beside whoever else does, until the screen closes.
+  void Listen(Event& event, std::function<void()> handler);
+  void StopListening() { listening_.clear(); }
   // Wires the change, the exit and the choice of each field.
   void Lookups(std::vector<LookupTrio> lookups);
   // The field takes today when it is entered.
@@ -89,6 +92,7 @@ class Screen : public Form {
   ScreenKind kind_;
   bool free_on_close_ = true;
   std::vector<std::string> tables_;
+  std::vector<std::shared_ptr<const void>> listening_;
   std::vector<std::unique_ptr<LookupTrio>> lookups_;
 };
 

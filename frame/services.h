@@ -43,6 +43,8 @@ class IFuncoes {
   virtual std::string DBLocal(std::string_view table, bool local) const = 0;
   // The statement with each {X} replaced, and the literal '{}' by the suffix.
   virtual std::string DBLocal_SQL(std::string_view sql, std::string_view table) const = 0;
+  // The same for the company of that suffix, wherever Tabela.tbEmpresa stands.
+  virtual std::string DBEmpresa_SQL(std::string_view sql, std::string_view suffix) const = 0;
   // The statement once for each company in one UNION ALL. Raises UserError when the companies are more than
   // one statement can hold.
   virtual std::string UnionTodasEmpresas(std::string_view sql, std::string_view table, bool all) const = 0;
@@ -162,6 +164,8 @@ class IContabil {
   // True when the date lies in a closed period, after telling the user. "CT" tests the account on which
   // Tabela.TbCadConta stands, "CX" the cash.
   virtual bool PeriodoConciliado(Date date, std::string_view kind) = 0;
+  // The last day of that closed period, empty without one. Tells the user nothing.
+  virtual Date PeriodoFechadoAte(std::string_view kind) = 0;
   // The day on which a document due on `date` will be credited, by its situation (TABSIT) or "".
   virtual Date DataContabilizacaoBancaria(Date date, std::string_view situacao, bool working_day) = 0;
 };
@@ -173,6 +177,8 @@ class ITabela {
   // Counted by name, which ignores case: a table is open until its last close.
   virtual void AbreTabela(std::string_view name, bool reread) = 0;
   virtual void FechaTabela(std::string_view name) = 0;
+  // The same where nothing may run: the last one closes without an event and drops what is being typed.
+  virtual void SoltaTabela(std::string_view name) noexcept = 0;
   virtual TOrvDatabase& IBDatabase() = 0;
   // Commits the session's transaction, which stays open for the screens.
   virtual void CommitRetaining() = 0;

@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const std::string accounts[] = {"10250-1", "20418-7", "12"};
     const auto take = [&](const StatementLine& s) {
       ++lines;
-      Require(s.conta == accounts[1] && !s.dt_cont.Empty());
+      Require(s.conta == accounts[1] && !s.dt_cont.Empty() && s.valor.Abs() <= kMaxLineAmount);
       for (const std::string_view one : {s.docto, s.operacao, s.obs, s.chave}) {
         Require(ValidUtf8(one) && one.size() <= 3 * text.size() + 8);
       }

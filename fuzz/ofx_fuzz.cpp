@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     if (const auto bank = OfxBank(text)) Require(CharCount(*bank) <= 3 && ValidUtf8(*bank));
     const auto take = [&](const StatementLine& line) {
       ++lines;
-      Require(!line.dt_cont.Empty() && line.valor >= Currency());
+      Require(!line.dt_cont.Empty() && line.valor >= Currency() && line.valor <= kMaxLineAmount);
       Require(line.operacao == "C" || line.operacao == "D");
       Require(ValidUtf8(line.docto) && ValidUtf8(line.obs));
       Require(line.docto.size() + line.obs.size() <= text.size());

@@ -186,11 +186,20 @@ void TfmCC::LigaManutencao() {
 void TfmCC::LigaGrades() {
   CbEmpFinan.OnChange = [this] { BuscaFinanceiro(); };
 
-  TbContabil.BeforePost = [this] { TbContabilBeforePost(); };
+  const auto mexe = [this] { mexida_ = mexida_ || TbContabil.Tag == 0; };
+  TbContabil.BeforePost = [this, mexe] {
+    mexe();
+    TbContabilBeforePost();
+  };
   TbContabil.AfterPost = [this] { FiltraCCusto(); };
   TbContabil.AfterScroll = [this] { FiltraCCusto(); };
   TbContabil.AfterInsert = [this] { TbContabilAfterInsert(); };
-  TbContabil.BeforeDelete = [this] { TbContabilBeforeDelete(); };
+  TbContabil.BeforeDelete = [this, mexe] {
+    mexe();
+    TbContabilBeforeDelete();
+  };
+  TbCCusto.BeforePost = mexe;
+  TbCCusto.BeforeDelete = mexe;
   TbCCusto.OnNewRecord = [this] { TbCCustoNewRecord(); };
 
   DbgContabilidade.OnExit = [this] { TbContabil.PostIfEditing(); };

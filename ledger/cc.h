@@ -205,7 +205,7 @@ class ORV_EXPORT TfmCC : public Child {
                          TbCCusto,
                          {{"Codigo", "Código"},
                           {"CentroCusto", "Centro de Custo", 0, true},
-                          {"Perc", "Percentual"},
+                          {.field = "Perc", .title = "Percentual", .decimals = 4},
                           {"Valor", "Valor"}}};
   TPesquisa PqCCusto{*this, "PqCCusto",
                      Search("CENTROCUSTO", "CODIGO", {{"CODIGO", "Código"}, {"DESCRICAO", "Descrição"}})};
@@ -281,10 +281,13 @@ class ORV_EXPORT TfmCC : public Child {
 
   void BuscaLancamento(const std::string& lancamento, const std::string& docto, const std::string& conta,
                        const std::string& operacao);
-  // False when the movement may not change, after telling why.
+  // False when the movement may not change, after telling why: its number's rows, by the two dates and by the
+  // accounting date of each.
   bool ValidaLancamento(const std::string& lancamento, Date data1, Date data2, bool verificaConciliado);
   // A cheque behind a deleted movement is cancelled. False when there is none.
   bool CancelaCheque(const std::string& numero, const std::string& docto);
+  // False, after telling the user, with an empty date: the locks of closed periods would let it pass.
+  bool ValidaDatas();
   bool ValidaCampos();
   // The apportionment by class; without `grava` only what it asks the user. False where he refuses it.
   bool RateiaClasse(bool grava);
@@ -307,8 +310,12 @@ class ORV_EXPORT TfmCC : public Child {
 
   // --- The split (cc_split.cpp).
   void PartidaContabil();
-  void BuscaContabil();
+  // Reads the stored split. The grids hang all cost centres on the last entry; `como_gravado`, each on its
+  // own.
+  void BuscaContabil(bool como_gravado = false);
   void GravaContabilidade();
+  // The stored entries take what the movement's fields have changed of them.
+  void AcompanhaContabilidade();
   void GravaCentroCusto();
   void BuscaFinanceiro();
 
@@ -352,6 +359,8 @@ class ORV_EXPORT TfmCC : public Child {
   bool ComoConsultada() const;
   // The identity of the row that follows the selected one, of the last row its own.
   std::vector<Value> ProximaConsultada();
+  // The condition that finds all that is cleared along with the selected row.
+  std::string DaConsultada() const;
   // Changes the selected row and all of its number and document. False, with nothing changed, when the row
   // is no longer as the inquiry found it.
   bool AtualizaConsultada(const std::string& valores);
@@ -364,8 +373,16 @@ class ORV_EXPORT TfmCC : public Child {
   bool fin30_ = false, fin50_ = false, fin80_ = false, fin100_ = false;
   // The program fills the fields: what they propose to one another keeps out.
   bool preenche_ = false;
-  // The version of the loaded row, which each change of it renews; nothing for a movement not yet stored.
-  std::optional<int64_t> versao_;
+  // The loaded row as it is stored: its version, which each change of it renews, and what its entries have
+  // of it. Nothing for a movement not yet stored.
+  struct Gravada {
+    int64_t versao;
+    Date dt_cont;
+    std::string classe, historico, observacao;
+  };
+  std::optional<Gravada> gravada_;
+  // The user has changed the split since it was loaded.
+  bool mexida_ = false;
 };
 
 extern ORV_EXPORT thread_local TfmCC* fmCC;

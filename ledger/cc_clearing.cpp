@@ -1,6 +1,8 @@
 // The page "Acesso": the selected movement is cleared, or its clearing reversed.
 #include "ledger/cc.h"
 #include "ledger/class_account.h"
+#include "rules/bloqueio.h"
+#include "rules/compensacao.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -25,29 +27,34 @@ void TfmCC::SpeedButton8Click() {
     Abort();
   }
   if (TbConsulta.IsEmpty()) return Inform(kNenhum);
-  if (Tabela.TbCadConta().Locate("CONTA", TbConsulta.Conta.AsString()) &&
-      Contabil.PeriodoConciliado(DtBaixaComp.Date(), "CT")) {
-    return;
-  }
+  Bloqueio bloqueio(Contabil, Tabela);
+  if (bloqueio.Conta(TbConsulta.Conta.AsString(), {DtBaixaComp.Date()})) return;
   if (Compensado(TbConsulta.Pendente.AsString())) return Inform(kCompensado);
   const std::string lancamento = TbConsulta.Lancamento.AsString(), docto = TbConsulta.Docto.AsString();
   const std::vector<Value> proxima = ProximaConsultada();
 
   // The user isn't asked about what another one has done already.
   if (!ComoConsultada()) return AvisaMudanca();
+  // All that is cleared along leaves its day and comes to the clearing's.
+  const std::string contacor = Funcoes.DBLocal("CONTACOR", true);
+  if (bloqueio.Movimentos(contacor, DaConsultada(), {DtBaixaComp.Date()})) return;
   const std::string numero = Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true);
   const auto partida = PartidaDaCompensacao(numero);
   if (partida && !partida->ConfirmaDadosContabilidade(0)) return;
 
   const std::string data = Funcoes.AspasData(DtBaixaComp.Date());
+  const auto anteriores =
+      Tabela.IBDatabase().Rows("SELECT DISTINCT LANC_CON FROM " + contacor + " WHERE " + DaConsultada());
   if (!AtualizaConsultada("PENDENTE = 'N', DT_CONT = " + data + ", LANC_CON = " + Funcoes.Aspas(numero)))
     return AvisaMudanca();
-  if (partida) {
-    partida->GravaContabilidadeFinan();
-    Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) +
-                                " SET STATUS = 'B', DT_BAIXA = " + data + " WHERE " +
-                                Igual("CHAVE", lancamento) + " AND " + Igual("NUMERO", docto));
-  }
+  // What was cleared along under another number is now cleared under this one alone.
+  for (const auto& anterior : anteriores)
+    ApagaPartidasDaCompensacao(Funcoes, Contabil, Tabela, anterior[0].AsString());
+  if (partida) partida->GravaContabilidadeFinan();
+  // A cheque behind the movement is settled with it, whether the clearing has accounting or not.
+  Tabela.IBDatabase().Execute(
+      "UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'B', DT_BAIXA = " + data + " WHERE " +
+      Igual("CHAVE", lancamento) + " AND " + Igual("NUMERO", docto) + " AND STATUS = 'P'");
   Funcoes.GeraLog("CONTA CORRENTE", "COMPENSAÇÃO DO LANCAMENTO " + lancamento, TOperacaoLog::Processo,
                   lancamento);
   Tabela.CommitRetaining();
@@ -67,8 +74,9 @@ void TfmCC::SpeedButton6Click() {
 
   if (!AtualizaConsultada("PENDENTE = 'S', LANC_CON = ''")) return AvisaMudanca();
   Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'P' WHERE " +
-                              Igual("CHAVE", lancamento) + " AND " + Igual("NUMERO", docto));
-  if (!compensacao.empty()) Contabil.DeletaContabilidadeFinan(compensacao);
+                              Igual("CHAVE", lancamento) + " AND " + Igual("NUMERO", docto) +
+                              " AND STATUS = 'B'");
+  ApagaPartidasDaCompensacao(Funcoes, Contabil, Tabela, compensacao);
   Funcoes.GeraLog("CONTA CORRENTE", "ESTORNO DE COMPENSAÇÃO LANC. " + lancamento, TOperacaoLog::Processo,
                   lancamento);
   Tabela.CommitRetaining();
@@ -128,12 +136,16 @@ bool TfmCC::ComoConsultada() const {
               .empty();
 }
 
+std::string TfmCC::DaConsultada() const {
+  return Igual("LANCAMENTO", TbConsulta.Lancamento.AsString()) + " AND " +
+         Igual("DOCTO", TbConsulta.Docto.AsString());
+}
+
 bool TfmCC::AtualizaConsultada(const std::string& valores) {
   const std::string altera = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) + " SET " + valores + " WHERE ";
   // One statement both looks and changes the row, so that of two users only the first one does.
   if (Tabela.IBDatabase().Execute(altera + LinhaConsultada()) == 0) return false;
-  Tabela.IBDatabase().Execute(altera + Igual("LANCAMENTO", TbConsulta.Lancamento.AsString()) + " AND " +
-                              Igual("DOCTO", TbConsulta.Docto.AsString()));
+  Tabela.IBDatabase().Execute(altera + DaConsultada());
   return true;
 }
 

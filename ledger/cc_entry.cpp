@@ -1,5 +1,7 @@
 // The page "Manutenção": a movement is shown, made, changed, deleted, confirmed.
 #include "ledger/cc.h"
+#include "rules/bloqueio.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -99,17 +101,25 @@ void TfmCC::SpeedButton1Click() {
 }
 
 void TfmCC::SpeedButton2Click() {
-  const bool conta = Tabela.TbCadConta().Locate("CONTA", EdtConta.Text());
-  if (Contabil.PeriodoConciliado(EdtDtCont.Date(), "CX")) return;
-  // Of an unknown account there is no period; that it is missing is told below.
-  if (conta && Contabil.PeriodoConciliado(EdtDtCont.Date(), "CT")) return;
+  if (!ValidaDatas()) return;
+  // Where the amount comes from counts like where it goes to. Of an unknown account there is no period; that
+  // it is missing is told below.
+  std::vector<Date> datas = {EdtDtCont.Date()};
+  if (gravada_) datas.push_back(gravada_->dt_cont);
+  if (Bloqueio(Contabil, Tabela).Movimento(EdtConta.Text(), datas)) return;
   if (!ValidaCampos()) return;
+  // What nobody touched is looked at, and stays, as it is stored, whatever the grids can show of it.
+  TbContabil.PostIfEditing();
+  TbCCusto.PostIfEditing();
+  const bool intacta = fin30_ && gravada_ && !mexida_;
+  if (intacta) BuscaContabil(true);
   if (fin50_ && !ValidaCentroCusto()) return;
   // All that the user may be asked or told comes before the first write.
   if (!RateiaClasse(false)) return;
   if (fin30_ && !ValidaContabilidade()) return;
   if (!RateiaClasse(true)) return;
-  if (fin30_) {
+  const bool partidas = fin30_ && !intacta;
+  if (partidas) {
     // The entries are committed before the movement is written.
     ExigeInalterado();
     Contabil.DeletaContabilidadeFinan(EdtLancto.Text());
@@ -117,12 +127,13 @@ void TfmCC::SpeedButton2Click() {
   }
   try {
     GravaLancamento();
+    if (intacta) AcompanhaContabilidade();
     Funcoes.GeraLog("CONTACOR",
                     "INC. ALT. DOCTO: " + EdtNumDoc.Text() + " LANCTO: " + EdtLancto.Text() +
                         " VALOR: " + EdtValor.Text(),
                     TOperacaoLog::Inclusao, EdtNumDoc.Text());
   } catch (const DatabaseError& e) {
-    if (!fin30_) throw;
+    if (!partidas) throw;
     throw DatabaseError(e.Why(), e.Code(), ReplaceAll(e.what(), " Nada foi gravado.", "") + kSoPartidas,
                         e.Detail());
   }
@@ -149,19 +160,28 @@ bool TfmCC::Recusa(std::string_view message, Control& field) {
 }
 
 bool TfmCC::ValidaLancamento(const std::string& lancamento, Date data1, Date data2, bool verificaConciliado) {
-  bool valido = !Contabil.PeriodoConciliado(data1, "CX");
   const auto linhas =
-      Tabela.IBDatabase().Rows("SELECT CONTA, LANC_CON FROM " + Funcoes.DBLocal("CONTACOR", true) +
+      Tabela.IBDatabase().Rows("SELECT CONTA, LANC_CON, DT_CONT FROM " + Funcoes.DBLocal("CONTACOR", true) +
                                " WHERE " + Igual("LANCAMENTO", lancamento));
+  std::vector<Date> contabilizadas = {data1};
+  for (const auto& linha : linhas) contabilizadas.push_back(linha[2].AsDate());
+  Bloqueio bloqueio(Contabil, Tabela);
+  bool valido = !bloqueio.Caixa(contabilizadas);
   for (const auto& linha : linhas) {
-    if (Tabela.TbCadConta().Locate("CONTA", linha[0]) && Contabil.PeriodoConciliado(data2, "CT"))
-      valido = false;
+    if (bloqueio.Conta(linha[0].AsString(), {data2, data1, linha[2].AsDate()})) valido = false;
     if (verificaConciliado && !linha[1].AsString().empty()) {
       Inform("Lançamento já conciliado.");
       valido = false;
     }
   }
   return valido;
+}
+
+bool TfmCC::ValidaDatas() {
+  if (EdtDtLanc.Date().Empty()) return Recusa("Data de Lançamento Inválida.", EdtDtLanc);
+  if (EdtDtVencto.Date().Empty()) return Recusa("Data de Vencimento Inválida.", EdtDtVencto);
+  if (EdtDtCont.Date().Empty()) return Recusa("Data de Contabilização Inválida.", EdtDtCont);
+  return true;
 }
 
 bool TfmCC::ValidaCampos() {
@@ -173,7 +193,8 @@ bool TfmCC::ValidaCampos() {
     return Recusa("Classe Inválida, Não é possível lançar com classe do tipo Título.", EdtTipo);
   }
   if (EdtHis.Empty()) return Recusa("Histórico Inválido.", EdtHis);
-  if (EdtConta.Empty()) return Recusa("Conta Inexistente.", EdtConta);
+  if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(EdtConta.Text())))
+    return Recusa("Conta Inexistente.", EdtConta);
   if (EdtNumDoc.Empty()) return Recusa("Documento Inexistente.", EdtNumDoc);
   return true;
 }
@@ -243,10 +264,10 @@ void TfmCC::ValorDocumento() {
     return;
   }
   const Value soma = Tabela.IBDatabase().Scalar(
-      "SELECT SUM(VALOR) AS VALOR FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+      "SELECT " + Soma("VALOR") + " AS VALOR FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
       Igual("DOCTO", EdtNumDoc.Text()) + " AND " + Igual("CONTA", EdtConta.Text()) + " AND " +
       Igual("OPERACAO", CbOper.Text()) + " AND DT_LAN = " + Funcoes.AspasData(EdtDtLanc.Date()));
-  EdtValDoc.SetAmount(soma.AsCurrency());
+  EdtValDoc.SetAmount(SomaDe(soma));
 }
 
 // --- The row.
@@ -295,17 +316,17 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   EdtLancConc.SetText(linha[13].AsString());
   const std::string pendente = linha[14].AsString();
   RgSituacao.SetItemIndex(pendente == "C" ? kConciliado : pendente == "S" ? kPendente : kBaixado);
-  versao_ = linha[15].AsInteger();
+  gravada_ = {linha[15].AsInteger(), EdtDtCont.Date(), EdtTipo.Text(), EdtHis.Text(), EdtObs.Text()};
   // The sum needs account, operation and date, which came after the document.
   ValorDocumento();
 }
 
 void TfmCC::ExigeInalterado() const {
-  if (!versao_) return;
+  if (!gravada_) return;
   const auto linhas = Tabela.IBDatabase().Rows(
       "SELECT FIRST 1 1 FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
       Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) +
-      " AND RDB$RECORD_VERSION = " + std::to_string(*versao_));
+      " AND RDB$RECORD_VERSION = " + std::to_string(gravada_->versao));
   if (linhas.empty()) throw UserError(kAlterado);
 }
 
@@ -314,8 +335,8 @@ void TfmCC::RetiraLancamento() {
   const int64_t retiradas = Tabela.IBDatabase().Execute(
       "DELETE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
       Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) +
-      (versao_ ? " AND RDB$RECORD_VERSION = " + std::to_string(*versao_) : ""));
-  if (versao_ && retiradas == 0) throw UserError(kAlterado);
+      (gravada_ ? " AND RDB$RECORD_VERSION = " + std::to_string(gravada_->versao) : ""));
+  if (gravada_ && retiradas == 0) throw UserError(kAlterado);
 }
 
 void TfmCC::GravaLancamento() {
@@ -338,7 +359,7 @@ void TfmCC::GravaLancamento() {
 
 void TfmCC::LimpaTela() {
   const Filling filling(preenche_);
-  versao_.reset();
+  gravada_.reset();
   for (Edit* campo : std::initializer_list<Edit*>{&EdtLancConc, &EdtLancto, &EdtConta, &EdtCodBan, &EdtNumDoc,
                                                   &EdtTipoDocto, &EdtDtLanc, &EdtDtVencto, &EdtDtCont,
                                                   &EdtTipo, &EdtHis, &EdtValor, &EdtValDoc, &EdtObs}) {

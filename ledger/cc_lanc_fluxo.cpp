@@ -1,6 +1,7 @@
 #include "ledger/cc_lanc_fluxo.h"
 
 #include "frame/entry/unit.h"
+#include "rules/bloqueio.h"
 
 namespace orv {
 
@@ -65,12 +66,15 @@ void TFmCCLancFluxo::EdtTipoChange() {
 }
 
 void TFmCCLancFluxo::BitBtn1Click() {
-  // Of an unknown account there is no period; that it is missing is told below.
-  if (Tabela.TbCadConta().Locate("CONTA", EdtConta.Text()) &&
-      Contabil.PeriodoConciliado(DtLancto.Date(), "CT")) {
+  // The locks of closed periods would let an empty date pass. Of an unknown account there is no period; that
+  // it is missing is told below.
+  if (!ValidaDatas()) return;
+  Bloqueio bloqueio(Contabil, Tabela);
+  if (bloqueio.Conta(EdtConta.Text(), {DtLancto.Date(), DtCont.Date()}) || bloqueio.Caixa({DtCont.Date()}))
     return;
-  }
   if (!ValidaCampos()) return;
+  const std::string antiga = ContaAntiga();
+  if (!antiga.empty() && bloqueio.Conta(antiga, {DtCont.Date()})) return;
   if (Lancamento.empty()) Lancamento = Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true);
 
   // All questions come before the first write.
@@ -78,7 +82,7 @@ void TFmCCLancFluxo::BitBtn1Click() {
   const auto partidas = Partidas();
   RateiaClasse(true);
   partidas->GravaContabilidadeFinan();
-  LancaMovimento();
+  LancaMovimento(antiga);
   Funcoes.GeraLog("CONTA CORRENTE", "INCLUSÃO DO LANCAMENTO " + Lancamento, TOperacaoLog::Processo,
                   Lancamento);
   if (AoGravar) AoGravar();
@@ -100,6 +104,12 @@ bool TFmCCLancFluxo::Recusa(std::string_view message, Control& field) {
 
 bool TFmCCLancFluxo::Existe(std::string_view tabela, std::string_view chave, const Edit& campo) {
   return Funcoes.Existe(tabela, chave, Funcoes.Aspas(campo.Text()));
+}
+
+bool TFmCCLancFluxo::ValidaDatas() {
+  if (DtLancto.Date().Empty()) return Recusa("Data de lançamento inválida.", DtLancto);
+  if (DtCont.Date().Empty()) return Recusa("Data de contabilização inválida.", DtCont);
+  return true;
 }
 
 bool TFmCCLancFluxo::ValidaCampos() {
@@ -164,20 +174,23 @@ std::unique_ptr<TContabil> TFmCCLancFluxo::Partidas() {
   return partidas;
 }
 
-void TFmCCLancFluxo::LancaMovimento() {
-  // The movement that this one replaces, where there is one under its number.
+std::string TFmCCLancFluxo::ContaAntiga() {
+  if (Lancamento.empty()) return "";
   const auto antigos = Tabela.IBDatabase().Rows("SELECT CONTA FROM " + Funcoes.DBLocal("CONTACOR", true) +
                                                 " WHERE LANCAMENTO = " + Funcoes.Aspas(Lancamento) +
                                                 " AND DOCTO = " + Funcoes.Aspas(EdtDocto.Text()) +
                                                 " AND OPERACAO = " + Funcoes.Aspas(Operacao()));
+  return antigos.empty() ? "" : antigos.back()[0].AsString();
+}
+
+void TFmCCLancFluxo::LancaMovimento(const std::string& antiga) {
   const auto lanca = [this](const std::string& conta, const std::string& operacao) {
     Contabil.LancaContaCorrente(Lancamento, EdtDocto.Text(), "", conta, EdtTipo.Text(), EdtHis.Text(), "L",
                                 "S", operacao, EdtObs.Text(), EdtValor.Amount(), DtLancto.Date(),
                                 DtCont.Date(), DtCont.Date(), "");
   };
   lanca(EdtConta.Text(), Operacao());
-  if (antigos.empty()) return;
-  const std::string antiga = antigos.back()[0].AsString();
+  if (antiga.empty()) return;
   Tabela.TbCadConta().Locate("CONTA", antiga);
   lanca(antiga, Operacao(true));
 }

@@ -58,6 +58,7 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
   void BitBtn2Click();
   void EdtTipoChange();
 
+  bool ValidaDatas();
   bool ValidaCampos();
   // Tells what is wrong and brings the user there. Always false.
   bool Recusa(std::string_view message, Control& field);
@@ -71,7 +72,10 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
   std::string ContaContabil();
   // The entries, confirmed by the user. Ends the action where he refuses them.
   std::unique_ptr<TContabil> Partidas();
-  void LancaMovimento();
+  // The account of the movement that this one replaces, "" where there is none under its number.
+  std::string ContaAntiga();
+  // Posts the movement, and undoes the replaced one on its account.
+  void LancaMovimento(const std::string& antiga);
 };
 
 extern ORV_EXPORT thread_local TFmCCLancFluxo* FmCCLancFluxo;

@@ -93,9 +93,10 @@ std::string TfmCC::DescricaoDe(std::string_view tabela, const std::string& codig
 
 // --- Loading.
 
-void TfmCC::BuscaContabil() {
+void TfmCC::BuscaContabil(bool como_gravado) {
   const ProgramFill fill(TbContabil);
   EsvaziaRateio();
+  mexida_ = false;
   if (EdtLancto.Empty()) return;
 
   const auto plano = Funcoes.DBLocal("CONTA_CONT", true);
@@ -115,11 +116,12 @@ void TfmCC::BuscaContabil() {
   }
 
   const auto centros = Tabela.IBDatabase().Rows(
-      "SELECT R.CONTA, R.CENTROCUSTO, C.DESCRICAO, R.PERC_RAT, R.VALOR_RAT FROM " +
+      "SELECT R.CONTA, R.CENTROCUSTO, C.DESCRICAO, R.PERC_RAT, R.VALOR_RAT, R.ORDEM FROM " +
       Funcoes.DBLocal("CENTRO_RATEIO", true) + " R LEFT OUTER JOIN " + Funcoes.DBLocal("CENTROCUSTO", true) +
       " C ON R.CENTROCUSTO = C.CODIGO WHERE " + Igual("R.LANCAMENTO", EdtLancto.Text()));
   for (const auto& centro : centros) {
     TbCCusto.Append();
+    if (como_gravado) TbCCusto.Ordem = centro[5].AsString();
     TbCCusto.Conta = centro[0];
     TbCCusto.Codigo = centro[1].AsString();
     TbCCusto.CentroCusto = centro[2].AsString();
@@ -253,7 +255,7 @@ void TfmCC::DbgRateioCCKey(KeyPress& key) {
     TbCCusto.Valor = valor * (TbCCusto.Perc.AsFloat() / 100);
   } else if (SameText(coluna, "Valor") && !valor.IsZero()) {
     PostAndEdit(TbCCusto);
-    TbCCusto.Perc = RoundFloat2(TbCCusto.Valor.AsFloat() * 100 / valor.ToDouble());
+    TbCCusto.Perc = RoundFloat(TbCCusto.Valor.AsFloat() * 100 / valor.ToDouble(), 2);
   }
 }
 
@@ -319,6 +321,7 @@ void TfmCC::ArredondaRateio() {
     if (row + 1 < TbCCusto.DisplayCount()) outros += parte.Round2();
   }
   if (soma == valor) return;
+  const ProgramFill fill(TbContabil);
 
   // All in whole cents, and the last row takes what the others leave. A credit without cost centres gets a
   // row of nobody's, which isn't stored.
@@ -348,6 +351,20 @@ void TfmCC::GravaContabilidade() {
     GravaCentroCusto();
   }
   Tabela.CommitRetaining();
+}
+
+void TfmCC::AcompanhaContabilidade() {
+  std::vector<std::string> colunas;
+  const auto acompanha = [&](bool mudou, const char* coluna, const std::string& valor) {
+    if (mudou) colunas.push_back(coluna + (" = " + valor));
+  };
+  acompanha(EdtDtCont.Date() != gravada_->dt_cont, "DATA", Funcoes.AspasData(EdtDtCont.Date()));
+  acompanha(EdtTipo.Text() != gravada_->classe, "CLASSE", Funcoes.Aspas(EdtTipo.Text()));
+  acompanha(EdtHis.Text() != gravada_->historico, "HISTORICO", Funcoes.Aspas(EdtHis.Text()));
+  acompanha(EdtObs.Text() != gravada_->observacao, "OBSERVACAO", Funcoes.Aspas(EdtObs.Text()));
+  if (colunas.empty()) return;
+  Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CONTABIL", true) + " SET " + Join(colunas, ", ") +
+                              " WHERE " + Igual("LANCAMENTO", EdtLancto.Text()));
 }
 
 void TfmCC::GravaCentroCusto() {

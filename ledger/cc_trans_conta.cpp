@@ -2,6 +2,7 @@
 
 #include "frame/entry/unit.h"
 #include "ledger/class_account.h"
+#include "rules/bloqueio.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -100,8 +101,14 @@ void TFmCCTransConta::IncluiObservacao() {
 }
 
 void TFmCCTransConta::BitBtn1Click() {
+  if (!ValidaCampos()) return;
   const std::string numero = Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true);
-  if (Fechado(EdtConta) || Fechado(EdtContaDest)) return;
+  Bloqueio bloqueio(Contabil, Tabela);
+  const std::vector<Date> datas = {DtCont.Date()};
+  if (bloqueio.Conta(EdtConta.Text(), datas) || bloqueio.Conta(EdtContaDest.Text(), datas) ||
+      bloqueio.Caixa(datas)) {
+    return;
+  }
   if (!LancaContabilidade(numero)) return;
   LancaMovimentos(numero);
   Funcoes.GeraLog("TRANSFERENCIA ENTRE CONTAS",
@@ -113,8 +120,18 @@ void TFmCCTransConta::BitBtn1Click() {
   Close();
 }
 
-bool TFmCCTransConta::Fechado(const Edit& conta) {
-  return Tabela.TbCadConta().Locate("CONTA", conta.Text()) && Contabil.PeriodoConciliado(DtCont.Date(), "CT");
+bool TFmCCTransConta::ValidaCampos() {
+  const auto recusa = [this](const char* mensagem, Control& campo) {
+    Inform(mensagem);
+    campo.SetFocus();
+    return false;
+  };
+  if (DtLan.Date().Empty()) return recusa("A Data de Lançamento informada é inválida.", DtLan);
+  if (DtCont.Date().Empty()) return recusa("A Data de Contabilização informada é inválida.", DtCont);
+  for (Edit* conta : {&EdtConta, &EdtContaDest}) {
+    if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(conta->Text()))) return recusa(kConta, *conta);
+  }
+  return true;
 }
 
 bool TFmCCTransConta::LancaContabilidade(const std::string& numero) {

@@ -51,8 +51,9 @@ class ORV_EXPORT TFmCCTransConta : public Dialog {
   void EdtHisEntChange();
   void IncluiObservacao();
 
-  // True, after telling the user, when the period of the account is closed.
-  bool Fechado(const Edit& conta);
+  // False, after telling the user, with an empty date or without both accounts: of these there is no closed
+  // period that could hold the transfer.
+  bool ValidaCampos();
   // False when the user refuses the entry, which then isn't written.
   bool LancaContabilidade(const std::string& numero);
   void LancaMovimentos(const std::string& numero);

@@ -70,7 +70,7 @@ void TFmCadExtrato::Desenha() {
         EdtIConta PqIConta EdtINomeConta EdtISaldo BitBtn6 /
         LbCarga /
         DBGrid3 /
-        EdtSaldoFinal BitBtn4
+        EdtSaldoFinal BitBtn4 LbParada
       }
     })");
 

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "reconciliation/aviso.h"
 #include "reconciliation/formats/bank_text.h"
 #include "reconciliation/formats/ofx.h"
 #include "toolkit/client_dataset.h"
@@ -120,6 +122,8 @@ class ORV_EXPORT TFmCadExtrato : public Child {
                      false};
   MoneyEdit EdtSaldoFinal{*this, "EdtSaldoFinal", "Saldo Final"};
   Button BitBtn4{*this, "BitBtn4", "&Confirmar"};
+  // Where the load stopped, if it didn't come to the end of the file.
+  Aviso LbParada{*this, "LbParada"};
 
  private:
   // --- Creation (cadextrado.cpp).
@@ -161,23 +165,43 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   void BitBtn3Click();
   void BitBtn4Click();
   void CarregaArquivo();
+  // The name by which the file is known.
+  std::string Arquivo() const;
+  // Forgets what was loaded.
+  void Esquece();
   // False when the user wants nothing of a file of another bank.
   bool AceitaBanco(const std::string& texto, const std::string& banco);
   PositionLayout Posicoes(const std::string& banco);
+  // True when the account's lines of the file were confirmed up to where its load had stopped.
+  bool Interrompido();
+  // How often each line stands in EXTRATO, where `condicao` finds it.
+  using Contagem = std::unordered_map<std::string, int64_t>;
+  Contagem Gravadas(const std::string& condicao);
   // Fills TbImporta, the balance and the line that tells of the load.
-  void LeArquivo(const std::string& texto, const PositionLayout& posicoes);
-  // Takes a line into TbImporta and into the balance.
-  StatementSink Inclui(Currency& saldo);
+  void LeArquivo(const std::string& texto, const PositionLayout& posicoes, Contagem confirmadas);
+  // Takes a line into TbImporta and into the balance, unless it is one of those that were confirmed before.
+  StatementSink Inclui(Currency& saldo, Contagem confirmadas);
   std::string Resumo(const BankTextSummary& lidas) const;
   std::string Resumo(const OfxSummary& lidos) const;
-  // Tells how many of the lines loaded stand in EXTRATO with the same account, date, amount and document.
+  // Tells how many of the lines loaded stand in EXTRATO with the same account, date, amount, side and
+  // document.
   std::string Repetidas();
   void GravaExtrato();
+  // Keeps how the file ended, beside its lines.
+  void GravaFim(int64_t linhas);
 
   // The period of the lines found.
   std::pair<std::string, std::string> consultado_;
   // The file chosen is no OFX.
   bool NotOFX = true;
+  struct Carga {
+    // The file's lines that were confirmed before, and so are left out.
+    std::size_t confirmadas = 0;
+    // The line of the file at which the load stopped, 0 where it came to the end.
+    std::size_t parada = 0;
+  } carga_;
+  // The paths of the file whose lines are in review and of the one confirmed last.
+  std::string carregado_, confirmado_;
   // The account whose balance stands in EdtSaldo.
   std::string conta_do_saldo_;
 };

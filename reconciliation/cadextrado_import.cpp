@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <unordered_map>
+#include <utility>
 
 #include "reconciliation/cadextrado.h"
 #include "reconciliation/formats/outside_file.h"
@@ -12,10 +13,37 @@ namespace orv {
 namespace {
 
 constexpr const char* kFiltros = "bbt|*.bbt|txt|*.txt|ofx|*.ofx|ret|*.ret|Todos(*.*)|*.*";
+constexpr const char* kAnterior = "de carga anterior";
 constexpr std::size_t kArquivo = 50, kDocto = 10, kObs = 50;
 
 std::string Conta(std::size_t n, const char* um, const char* varios) {
   return std::to_string(n) + " " + (n == 1 ? um : varios);
+}
+
+// How many lines came in, and why others didn't.
+std::string Carregadas(int64_t linhas, const std::vector<std::pair<std::size_t, std::string>>& fora) {
+  std::string texto = Conta(static_cast<std::size_t>(linhas), "linha carregada", "linhas carregadas");
+  std::size_t total = 0;
+  std::vector<std::string> motivos;
+  for (const auto& [n, motivo] : fora) {
+    total += n;
+    if (n > 0) motivos.push_back(std::to_string(n) + " " + motivo);
+  }
+  if (total > 0)
+    texto += "; " + Conta(total, "deixada de fora", "deixadas de fora") + " (" + Join(motivos, ", ") + ")";
+  return texto + ".";
+}
+
+// A line as it is known again. A document is kept cut.
+std::string Chave(const Value& dia, const Value& valor, const Value& operacao, const Value& docto) {
+  return std::to_string(dia.AsDate().Days()) + "|" + valor.AsCurrency().Neutral() + "|" +
+         std::string(operacao.Text()) + "|" + std::string(Trim(CutChars(docto.Text(), kDocto)));
+}
+
+// True when the line is one of those counted, which it then no longer is.
+bool Retira(std::unordered_map<std::string, int64_t>& contagem, const std::string& chave) {
+  const auto achada = contagem.find(chave);
+  return achada != contagem.end() && achada->second-- > 0;
 }
 
 }  // namespace
@@ -41,13 +69,13 @@ void TFmCadExtrato::LigaImportacao() {
 
 void TFmCadExtrato::EdtCamExit() {
   const std::filesystem::path caminho(EdtCam.Text());
-  std::error_code erro;
-  if (caminho.filename().empty() || std::filesystem::is_directory(caminho, erro)) return;
+  if (caminho.filename().empty() || User().IsFolder(EdtCam.Text())) return;
   EdtArq.SetText(caminho.filename().string());
   EdtCam.SetText(caminho.parent_path().string());
 }
 
 void TFmCadExtrato::EdtArqChange() {
+  carga_.confirmadas = 0;
   NotOFX = Upper(std::filesystem::path(EdtArq.Text()).extension().string()) != ".OFX";
 }
 
@@ -59,13 +87,16 @@ void TFmCadExtrato::BitBtn3Click() {
   EdtCam.SetText(caminho.parent_path().string());
 }
 
-void TFmCadExtrato::EdtIContaChange() { EdtISaldo.SetAmount(SaldoExtrato(EdtIConta.Text())); }
+void TFmCadExtrato::EdtIContaChange() {
+  carga_.confirmadas = 0;
+  EdtISaldo.SetAmount(SaldoExtrato(EdtIConta.Text()));
+}
 
 // --- The load.
 
 void TFmCadExtrato::CarregaArquivo() {
-  TbImporta.EmptyDataSet();
-  LbCarga.SetCaption("");
+  Esquece();
+  carregado_.clear();
   // A file is known by its name, whatever folder was typed with it.
   if (const std::filesystem::path arquivo(EdtArq.Text()); arquivo.has_parent_path()) {
     EdtCam.SetText((std::filesystem::path(EdtCam.Text()) / arquivo.parent_path()).string());
@@ -73,12 +104,22 @@ void TFmCadExtrato::CarregaArquivo() {
   }
   if (!EdtCam.Empty() && !EdtCam.Text().ends_with('/')) EdtCam.SetText(EdtCam.Text() + "/");
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
-  if (!OutsideFileExists(caminho)) {
+  const auto arquivo = User().OpenPath(caminho);
+  // The copy of a file that was confirmed is gone, and its name still counts.
+  if (!arquivo && caminho != confirmado_) {
     Inform("Arquivo não encontrado.");
     return;
   }
-  if (Funcoes.Existe("EXTRATO", "ARQUIVO", Funcoes.Aspas(CutChars(EdtArq.Text(), kArquivo)))) {
-    Inform("Arquivo Já Carregado.");
+  Contagem confirmadas;
+  if (Funcoes.Existe("EXTRATO", "ARQUIVO", Funcoes.Aspas(Arquivo()))) {
+    if (!Interrompido()) {
+      Inform("Arquivo Já Carregado.");
+      return;
+    }
+    confirmadas = Gravadas("ARQUIVO = " + Funcoes.Aspas(Arquivo()));
+  }
+  if (!arquivo) {
+    Inform("Arquivo não encontrado.");
     return;
   }
   const std::string banco =
@@ -86,15 +127,25 @@ void TFmCadExtrato::CarregaArquivo() {
   const PositionLayout posicoes = Posicoes(banco);
   std::string texto;
   try {
-    texto = OutsideText(OutsideFileBytes(caminho));
+    texto = OutsideText(arquivo->Bytes(kMaxOutsideFile));
   } catch (const UserError& e) {
     Inform(e.what());
     return;
   }
   if (!NotOFX && !AceitaBanco(texto, banco)) return;
 
-  LeArquivo(texto, posicoes);
+  carregado_ = caminho;
+  LeArquivo(texto, posicoes, std::move(confirmadas));
   Inform("Arquivo carregado com sucesso.");
+}
+
+std::string TFmCadExtrato::Arquivo() const { return std::string(CutChars(EdtArq.Text(), kArquivo)); }
+
+bool TFmCadExtrato::Interrompido() {
+  return Tabela.IBDatabase()
+             .Scalar("SELECT PARADA FROM " + Funcoes.DBLocal("ARQUIVO_EXTRATO", true) + " WHERE ARQUIVO = " +
+                     Funcoes.Aspas(Arquivo()) + " AND CONTA = " + Funcoes.Aspas(EdtIConta.Text()))
+             .AsInteger() > 0;
 }
 
 bool TFmCadExtrato::AceitaBanco(const std::string& texto, const std::string& banco) {
@@ -114,10 +165,12 @@ PositionLayout TFmCadExtrato::Posicoes(const std::string& banco) {
   return posicoes;
 }
 
-void TFmCadExtrato::LeArquivo(const std::string& texto, const PositionLayout& posicoes) {
+void TFmCadExtrato::LeArquivo(const std::string& texto, const PositionLayout& posicoes,
+                              Contagem confirmadas) {
   const BusyMark busy(Funcoes, *this);
   const ControlsHold hold(TbImporta);
   Currency saldo = EdtISaldo.Amount();
+  const StatementSink inclui = Inclui(saldo, std::move(confirmadas));
   OfxSummary ofx;
   BankTextSummary lidas;
   const auto mostra = [&] {
@@ -132,20 +185,22 @@ void TFmCadExtrato::LeArquivo(const std::string& texto, const PositionLayout& po
            Tabela.IBDatabase().Rows("SELECT CONTA FROM " + Funcoes.DBLocal("CADCONTA", true))) {
         contas.push_back(linha[0].AsString());
       }
-      ReadBankText(texto, posicoes, contas, EdtIConta.Text(), Inclui(saldo), lidas);
+      ReadBankText(texto, posicoes, contas, EdtIConta.Text(), inclui, lidas);
     } else {
-      ReadOfx(texto, {Inclui(saldo), [this](Date dia) { DtArq.SetDate(dia.Empty() ? Today() : dia); }}, ofx);
+      ReadOfx(texto, {inclui, [this](Date dia) { DtArq.SetDate(dia.Empty() ? Today() : dia); }}, ofx);
     }
   } catch (...) {
     // What was read before the fault stays, and is told.
+    carga_.parada = NotOFX ? lidas.line : ofx.line;
+    if (carga_.parada > 0) LbParada.Mostra("Interrompido na linha " + std::to_string(carga_.parada));
     mostra();
     throw;
   }
   mostra();
 }
 
-StatementSink TFmCadExtrato::Inclui(Currency& saldo) {
-  return [this, &saldo,
+StatementSink TFmCadExtrato::Inclui(Currency& saldo, Contagem confirmadas) {
+  return [this, &saldo, confirmadas = std::move(confirmadas),
           linha = std::vector<Value>(TbImporta.Fields().size())](const StatementLine& lida) mutable {
     const auto celula = [&](const Field& campo) -> Value& {
       return linha[static_cast<std::size_t>(campo.Index())];
@@ -160,7 +215,14 @@ StatementSink TFmCadExtrato::Inclui(Currency& saldo) {
     guarda(TbImporta.Operacao, lida.operacao);
     guarda(TbImporta.Obs, lida.obs);
     guarda(TbImporta.Chave, lida.chave);
-    saldo += celula(TbImporta.Operacao).Text() == "C" ? lida.valor : -lida.valor;
+    if (!confirmadas.empty() &&
+        Retira(confirmadas, Chave(celula(TbImporta.DtCont), celula(TbImporta.Valor),
+                                  celula(TbImporta.Operacao), celula(TbImporta.Docto)))) {
+      ++carga_.confirmadas;
+      return;
+    }
+    const Currency valor = celula(TbImporta.Valor).AsCurrency();
+    saldo += celula(TbImporta.Operacao).Text() == "C" ? valor : -valor;
     TbImporta.AppendRow(linha);
   };
 }
@@ -168,28 +230,16 @@ StatementSink TFmCadExtrato::Inclui(Currency& saldo) {
 // --- What became of the file's lines.
 
 std::string TFmCadExtrato::Resumo(const BankTextSummary& lidas) const {
-  std::string texto = Conta(lidas.lines, "linha carregada", "linhas carregadas");
-  std::vector<std::string> fora;
-  if (lidas.other_account > 0) fora.push_back(std::to_string(lidas.other_account) + " de outra conta");
-  if (lidas.refused > 0)
-    fora.push_back(std::to_string(lidas.refused) + " sem chave ou marcadas para não importar");
-  if (!fora.empty()) {
-    texto += "; " + Conta(lidas.other_account + lidas.refused, "deixada de fora", "deixadas de fora") + " (" +
-             Join(fora, ", ") + ")";
-  }
-  return texto + ".";
+  return Carregadas(TbImporta.RecordCount(), {{carga_.confirmadas, kAnterior},
+                                              {lidas.other_account, "de outra conta"},
+                                              {lidas.refused, "sem chave ou marcadas para não importar"}});
 }
 
 std::string TFmCadExtrato::Resumo(const OfxSummary& lidos) const {
-  std::string texto = Conta(lidos.lines, "linha carregada", "linhas carregadas");
-  std::vector<std::string> fora;
-  if (lidos.unfinished > 0) fora.push_back(std::to_string(lidos.unfinished) + " sem fim no arquivo");
-  if (lidos.unbegun > 0) fora.push_back(std::to_string(lidos.unbegun) + " sem início");
-  if (!fora.empty()) {
-    texto += "; " + Conta(lidos.unfinished + lidos.unbegun, "deixada de fora", "deixadas de fora") + " (" +
-             Join(fora, ", ") + ")";
-  }
-  texto += ".";
+  std::string texto = Carregadas(TbImporta.RecordCount(), {{carga_.confirmadas, kAnterior},
+                                                           {lidos.unfinished, "sem fim no arquivo"},
+                                                           {lidos.unbegun, "sem início"},
+                                                           {lidos.no_amounts, "sem valor"}});
   if (lidos.unread_amounts > 0)
     texto += " " + Conta(lidos.unread_amounts, "valor ilegível entrou", "valores ilegíveis entraram") +
              " com 0,00.";
@@ -199,6 +249,22 @@ std::string TFmCadExtrato::Resumo(const OfxSummary& lidos) const {
              ".";
   }
   return texto;
+}
+
+TFmCadExtrato::Contagem TFmCadExtrato::Gravadas(const std::string& condicao) {
+  struct Linhas : RowSink {
+    void Columns(const std::vector<Column>&) override {}
+    bool Row(std::span<Value> linha) override {
+      ++contagem[Chave(linha[0], linha[1], linha[2], linha[3])];
+      return true;
+    }
+    Contagem contagem;
+  } linhas;
+  Tabela.IBDatabase().Fetch("SELECT DT_CONT, VALOR, OPERACAO, DOCTO FROM " +
+                                Funcoes.DBLocal("EXTRATO", true) +
+                                " WHERE CONTA = " + Funcoes.Aspas(EdtIConta.Text()) + " AND " + condicao,
+                            linhas);
+  return std::move(linhas.contagem);
 }
 
 std::string TFmCadExtrato::Repetidas() {
@@ -211,32 +277,13 @@ std::string TFmCadExtrato::Repetidas() {
   }
   if (linhas == 0) return "";
 
-  const auto chave = [](const Value& dia, const Value& valor, const Value& docto) {
-    return std::to_string(dia.AsDate().Days()) + "|" + std::to_string(valor.AsCurrency().Raw()) + "|" +
-           std::string(Trim(docto.Text()));
-  };
-  struct Gravadas : RowSink {
-    void Columns(const std::vector<Column>&) override {}
-    bool Row(std::span<Value> linha) override {
-      ++chaves[chave(linha[0], linha[1], linha[2])];
-      return true;
-    }
-    explicit Gravadas(std::string (*c)(const Value&, const Value&, const Value&)) : chave(c) {}
-    std::string (*chave)(const Value&, const Value&, const Value&);
-    std::unordered_map<std::string, int64_t> chaves;
-  } gravadas(chave);
-  Tabela.IBDatabase().Fetch("SELECT DT_CONT, VALOR, DOCTO FROM " + Funcoes.DBLocal("EXTRATO", true) +
-                                " WHERE CONTA = " + Funcoes.Aspas(EdtIConta.Text()) +
-                                " AND DT_CONT BETWEEN " + Funcoes.AspasData(de) + " AND " +
-                                Funcoes.AspasData(ate),
-                            gravadas);
+  Contagem gravadas = Gravadas("DT_CONT BETWEEN " + Funcoes.AspasData(de) + " AND " + Funcoes.AspasData(ate));
   std::size_t repetidas = 0;
-  for (int64_t i = 0; i < linhas && !gravadas.chaves.empty(); ++i) {
+  for (int64_t i = 0; i < linhas && !gravadas.empty(); ++i) {
     // Each line that stands there is found once.
-    const auto achada =
-        gravadas.chaves.find(chave(TbImporta.Cell(i, TbImporta.DtCont), TbImporta.Cell(i, TbImporta.Valor),
-                                   TbImporta.Cell(i, TbImporta.Docto)));
-    if (achada != gravadas.chaves.end() && achada->second-- > 0) ++repetidas;
+    const auto celula = [&](const Field& campo) { return TbImporta.Cell(i, campo); };
+    repetidas += Retira(gravadas, Chave(celula(TbImporta.DtCont), celula(TbImporta.Valor),
+                                        celula(TbImporta.Operacao), celula(TbImporta.Docto)));
   }
   if (repetidas == 0) return "";
   return " " + Conta(repetidas, "já está", "já estão") +
@@ -248,12 +295,21 @@ std::string TFmCadExtrato::Repetidas() {
 void TFmCadExtrato::BitBtn4Click() {
   TbImporta.PostIfEditing();
   GravaExtrato();
+  // Of a file that stopped the rest is still to be read.
+  if (carga_.parada == 0) User().TakenIn(carregado_);
+  if (!carregado_.empty()) confirmado_ = std::exchange(carregado_, "");
   Inform("Arquivo importado com sucesso.");
-  TbImporta.EmptyDataSet();
-  LbCarga.SetCaption("");
+  Esquece();
   // The lines are among those of the other page, and in the balance before a next file.
   EdtIContaChange();
   if (!TbExtrato.Editing()) TbExtrato.Refresh();
+}
+
+void TFmCadExtrato::Esquece() {
+  TbImporta.EmptyDataSet();
+  LbCarga.SetCaption("");
+  LbParada.Mostra("");
+  carga_ = {};
 }
 
 void TFmCadExtrato::GravaExtrato() {
@@ -263,7 +319,7 @@ void TFmCadExtrato::GravaExtrato() {
       Funcoes.Proximos("EXTRATO", "LANCTO", 6, true, static_cast<std::size_t>(linhas));
   const Value banco =
       Funcoes.Busca_Valor("CADCONTA", "CONTA", "BANCO", Funcoes.Aspas(EdtIConta.Text()), true, true);
-  const Value arquivo = CutChars(EdtArq.Text(), kArquivo), conta = EdtIConta.Text();
+  const Value arquivo = Arquivo(), conta = EdtIConta.Text();
   const Value data = DtArq.Date().Empty() ? Date::FromDays(Date::kZeroDays) : DtArq.Date();
 
   int64_t i = 0;
@@ -292,7 +348,18 @@ void TFmCadExtrato::GravaExtrato() {
                                    ++i;
                                    return true;
                                  });
+  GravaFim(linhas);
   Tabela.CommitRetaining();
+}
+
+void TFmCadExtrato::GravaFim(int64_t linhas) {
+  // A file of which nothing is there has no end to keep.
+  if (linhas == 0 && carga_.confirmadas == 0) return;
+  Tabela.IBDatabase().Execute("UPDATE OR INSERT INTO " + Funcoes.DBLocal("ARQUIVO_EXTRATO", true) +
+                              " (ARQUIVO, CONTA, LINHAS, PARADA) VALUES (" + Funcoes.Aspas(Arquivo()) + ", " +
+                              Funcoes.Aspas(EdtIConta.Text()) + ", " +
+                              std::to_string(static_cast<std::size_t>(linhas) + carga_.confirmadas) + ", " +
+                              std::to_string(carga_.parada) + ") MATCHING (ARQUIVO, CONTA)");
 }
 
 }  // namespace orv

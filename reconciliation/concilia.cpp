@@ -82,6 +82,7 @@ void TFmConcilia::Desenha() {
         GbMov { OrvDBGrid1 / EdtTotMov EdtSaldoMov EdtSaldoMovCon }
         GbArq { OrvDBGrid2 / EdtTotExt EdtSaldoExt EdtSaldoExtCon } /
         GbSugestao { GridSugestao } /
+        LbVolta /
         EdtDif EdtPrazo BtSugerir BitBtn4 BitBtn8 BitBtn7 BitBtn5 BitBtn9 BitBtn3
       }
       TabSheet2 {
@@ -89,6 +90,7 @@ void TFmConcilia::Desenha() {
         EdtContaArq PqContaArq EdtDescContaArq EdtBancoArq /
         CbDias BitBtn6 DtIniArq DtFimArq /
         OrvDBGrid3 /
+        LbRetorno /
         BitBtn10 BitBtn11 BitBtn12
       }
       TabSheet3 {

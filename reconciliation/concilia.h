@@ -6,13 +6,16 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "reconciliation/aviso.h"
 #include "reconciliation/formats/cheque_return.h"
+#include "rules/bloqueio.h"
 #include "toolkit/client_dataset.h"
 
 namespace orv {
@@ -152,6 +155,8 @@ class ORV_EXPORT TFmConcilia : public Child {
                            {"Data_Arq", "Data", 0, true},
                            {"Valor_Arq", "Valor", 0, true}}};
 
+  // What a reconciliation takes back when it is undone.
+  Aviso LbVolta{*this, "LbVolta"};
   MoneyEdit EdtDif{*this, "EdtDif", "Diferença"};
   // How many days a line may lie from the movement that it is proposed for.
   Edit EdtPrazo{*this, "EdtPrazo", "Prazo (dias)", 3};
@@ -209,6 +214,8 @@ class ORV_EXPORT TFmConcilia : public Child {
                          {"Classe", "Classe Ger.", 0, true},
                          {"DescClasse", "Descrição", 0, true}},
                         false};
+  // What was left out of the confirmation.
+  Aviso LbRetorno{*this, "LbRetorno"};
   Button BitBtn10{*this, "BitBtn10", "&Confirmar"};
   Button BitBtn11{*this, "BitBtn11", "&Imprimir"};
   Button BitBtn12{*this, "BitBtn12", "&Fechar"};
@@ -328,13 +335,33 @@ class ORV_EXPORT TFmConcilia : public Child {
   struct Movimento {
     std::string lancto, docto, operacao, historico, lanc_con;
     Currency valor;
+    // In TbMov, from 0.
+    int64_t lugar = 0;
     bool cheque = false;
+  };
+  // What is tied under one number.
+  struct Conjunto {
+    std::vector<Movimento> movimentos;
+    // Places in TbArq, from 0.
+    std::vector<int64_t> linhas;
+    // Of the first line; empty without one.
+    Date data;
+    std::string numero;
   };
   void BitBtn4Click();
   void BitBtn8Click();
   std::vector<Movimento> Marcados();
-  // The place of the first ticked line, -1 without one.
-  int64_t PrimeiraLinha();
+  // Takes apart what is ticked: first what the user put together, then each proposal that still stands as it
+  // was made. At least one.
+  std::vector<Conjunto> Conjuntos(std::vector<Movimento> movimentos);
+  // The day that a movement of the set gets, empty where it keeps its own.
+  Date Dia(const Conjunto& conjunto) const { return fin110_ ? conjunto.data : Date(); }
+  // True, after the user was told, when the account's balance in a closed period would change.
+  bool Fechado(const std::vector<Conjunto>& conjuntos);
+  // The same of a reconciliation that is taken back, in all accounts.
+  bool VoltaFechado(const std::string& numero);
+  // Tells what a reconciliation takes back.
+  void MostraVolta(const std::string& numero);
   // Finds out which of them hold a cheque.
   void ProcuraCheques(std::vector<Movimento>& movimentos);
   // True when the table has the row that the condition finds.
@@ -346,13 +373,21 @@ class ORV_EXPORT TFmConcilia : public Child {
   // Runs changes, many in one statement; how many rows they touched.
   int64_t Executa(const std::vector<std::string>& comandos);
   // Each raises UserError where a row is no longer as it was loaded.
-  void ConciliaMovimentos(const std::vector<Movimento>& movimentos, const std::string& numero, Date data);
-  void ConciliaLinhas(const std::string& numero);
+  void ConciliaMovimentos(const std::vector<Conjunto>& conjuntos);
+  void ConciliaLinhas(const std::vector<Conjunto>& conjuntos);
 
   // --- Cheques (concilia_cheques.cpp).
   void SpeedButton1Click();
   void BitBtn6Click();
   void BitBtn10Click();
+  // A movement to be cleared, as it was loaded.
+  struct Compensada {
+    std::string lancto, docto, operacao;
+    Currency valor;
+    Date data;
+  };
+  // The numbers of those whose clearing would change a balance in a closed period.
+  std::set<std::string> ComPeriodoFechado(const std::vector<Compensada>& linhas);
   void CarregaPendentes();
   void CarregaArquivo(const std::vector<ChequeReturn>& retornos);
   // The text of the return file; nothing where it is refused, after telling why.
@@ -365,13 +400,20 @@ class ORV_EXPORT TFmConcilia : public Child {
   // Ticks what is proposed and lists it. The places are those of the open rows in their sets.
   void MostraSugestoes(const std::vector<Suggestion>& sugestoes, const std::vector<int64_t>& lugares_mov,
                        const std::vector<int64_t>& lugares_arq, std::size_t cheques);
+  // The groups of which all is still ticked.
+  std::set<int64_t> SugestoesInteiras();
+  // Takes the ticks of what was proposed away, where the user hasn't changed them.
+  void DesmarcaSugestoes();
   void EsqueceSugestoes();
   void TbSugestaoAfterScroll();
 
+  Bloqueio bloqueio_{Contabil, Tabela};
   // Parameter: a reconciled movement takes the date of the statement.
   bool fin110_ = false;
   // The accounts of what TbMov and TbArquivo hold.
   std::string conta_, conta_arq_;
+  // The file of cheques that was loaded.
+  std::string caminho_arq_;
   // The days that were confirmed since that load, by the movement's number.
   std::map<std::string, Date> gravadas_;
   Currency tot_mov_, tot_ext_;

@@ -28,6 +28,11 @@ struct ChequeHash {
   }
 };
 
+std::vector<std::string> Lote(const std::vector<std::string>& todos, std::size_t de) {
+  return {todos.begin() + static_cast<std::ptrdiff_t>(de),
+          todos.begin() + static_cast<std::ptrdiff_t>(std::min(de + kLote, todos.size()))};
+}
+
 // The days until a cheque's money is there.
 int Float(Date data) {
   constexpr int kSexta = 5, kSabado = 6;
@@ -39,7 +44,6 @@ int Float(Date data) {
 void TFmConcilia::SpeedButton1Click() {
   const auto arquivo = User().OpenFile("SpeedButton1", kFiltros);
   if (!arquivo) return;
-  // The path is whole.
   EdtCam.SetText(*arquivo);
   EdtArq.Clear();
 }
@@ -48,6 +52,7 @@ void TFmConcilia::BitBtn6Click() {
   const BusyMark busy(Funcoes, *this);
   const auto retornos = LeArquivo();
   if (!retornos) return;
+  caminho_arq_ = EdtCam.Text() + EdtArq.Text();
   CarregaPendentes();
   CarregaArquivo(*retornos);
   TbArquivo.SetFilter("Compensar = 'S'");
@@ -56,7 +61,8 @@ void TFmConcilia::BitBtn6Click() {
 
 std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
   const std::string caminho = EdtCam.Text() + EdtArq.Text();
-  if (!OutsideFileExists(caminho)) {
+  const auto arquivo = User().OpenPath(caminho);
+  if (!arquivo) {
     Inform("Arquivo não encontrado.");
     return std::nullopt;
   }
@@ -65,7 +71,7 @@ std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
     return std::nullopt;
   }
   try {
-    const std::string texto = OutsideText(OutsideFileBytes(caminho));
+    const std::string texto = OutsideText(arquivo->Bytes(kMaxOutsideFile));
     PositionLayout posicoes;
     for (const auto& linha : Tabela.IBDatabase().Rows(
              "SELECT CAMPO, INICIO, TAMANHO FROM " + Funcoes.DBLocal("POSICAO", true) +
@@ -88,6 +94,7 @@ void TFmConcilia::CarregaPendentes() {
   TbArquivo.EmptyDataSet();
   conta_arq_ = EdtContaArq.Text();
   gravadas_.clear();
+  LbRetorno.Mostra("");
   struct Pendentes : RowSink {
     explicit Pendentes(ArquivoSet& s) : set(s) {}
     void Columns(const std::vector<Column>&) override {}
@@ -127,13 +134,10 @@ void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
   }
   std::unordered_map<Cheque, std::string, ChequeHash> lancamentos;
   for (std::size_t de = 0; de < numeros.size(); de += kLote) {
-    const std::vector<std::string> lote(
-        numeros.begin() + static_cast<std::ptrdiff_t>(de),
-        numeros.begin() + static_cast<std::ptrdiff_t>(std::min(de + kLote, numeros.size())));
     for (const auto& linha : Tabela.IBDatabase().Rows(
              "SELECT RB.LANCAMENTO, R.BANCO_CH, R.AGENCIA_CH, R.CONTA_CH, R.NUMERO_CH FROM " +
              Funcoes.DBLocal("RECEBER", true) + " R JOIN " + Funcoes.DBLocal("RECEBERB", true) +
-             " RB ON RB.NUMERO = R.NUMERO WHERE R.NUMERO_CH IN (" + Join(lote, ",") + ")")) {
+             " RB ON RB.NUMERO = R.NUMERO WHERE R.NUMERO_CH IN (" + Join(Lote(numeros, de), ",") + ")")) {
       // A comparison in the database takes a null for no text, and trailing blanks for nothing.
       if (std::any_of(linha.begin() + 1, linha.end(), [](const Value& v) { return v.IsNull(); })) continue;
       Cheque cheque;
@@ -167,12 +171,7 @@ void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
 
 void TFmConcilia::BitBtn10Click() {
   TbArquivo.PostIfEditing();
-  struct Linha {
-    std::string lancto, docto, operacao;
-    Currency valor;
-    Date data;
-  };
-  std::vector<Linha> linhas;
+  std::vector<Compensada> linhas;
   const int64_t total = TbArquivo.RecordCount();
   for (int64_t i = 0; i < total; ++i) {
     const auto celula = [&](const Field& campo) { return TbArquivo.Cell(i, campo); };
@@ -186,8 +185,10 @@ void TFmConcilia::BitBtn10Click() {
   }
 
   const BusyMark busy(Funcoes, *this);
+  const std::set<std::string> fechadas = ComPeriodoFechado(linhas);
+  std::erase_if(linhas, [&](const Compensada& linha) { return fechadas.contains(linha.lancto); });
   std::unordered_set<std::string> gravados;
-  for (const Linha& linha : linhas) {
+  for (const Compensada& linha : linhas) {
     const std::string dia = Funcoes.AspasData(linha.data), numero = Funcoes.Aspas(linha.lancto);
     const auto gravada = gravadas_.find(linha.lancto);
     const std::string antes = gravada == gravadas_.end() ? dia : Funcoes.AspasData(gravada->second);
@@ -208,8 +209,39 @@ void TFmConcilia::BitBtn10Click() {
     Tabela.IBDatabase().Execute(altera);
   }
   Tabela.CommitRetaining();
-  for (const Linha& linha : linhas) gravadas_[linha.lancto] = linha.data;
+  for (const Compensada& linha : linhas) gravadas_[linha.lancto] = linha.data;
+  LbRetorno.Mostra(fechadas.empty()
+                       ? ""
+                       : "Não compensados, pois mudariam um período fechado: " +
+                             Join(std::vector<std::string>(fechadas.begin(), fechadas.end()), ", ") + ".");
+  // Lines that were left may be confirmed once their period is open.
+  if (fechadas.empty()) User().TakenIn(caminho_arq_);
   Inform("Conciliação concluída com sucesso!");
+}
+
+std::set<std::string> TFmConcilia::ComPeriodoFechado(const std::vector<Compensada>& linhas) {
+  std::map<std::string, Date> dias;
+  for (const Compensada& linha : linhas) dias[linha.lancto] = linha.data;
+  std::vector<std::string> numeros;
+  for (const auto& [lancto, dia] : dias) numeros.push_back(Funcoes.Aspas(lancto));
+  // A number can stand in several accounts, each with its own closed period.
+  std::map<std::string, Date> ate;
+  std::set<std::string> fechadas;
+  for (std::size_t de = 0; de < numeros.size(); de += kLote) {
+    for (const auto& linha : Tabela.IBDatabase().Rows(
+             "SELECT LANCAMENTO, CONTA, DT_CONT, PENDENTE FROM " + Funcoes.DBLocal("CONTACOR", true) +
+             " WHERE LANCAMENTO IN (" + Join(Lote(numeros, de), ",") + ")")) {
+      const std::string lancto = linha[0].AsString(), conta = linha[1].AsString();
+      const auto dia = dias.find(lancto);
+      const Date antes = linha[2].AsDate();
+      if (dia == dias.end() || (linha[3].Text() == "N" && antes == dia->second)) continue;
+      const auto [fim, nova] = ate.try_emplace(conta);
+      if (nova) fim->second = bloqueio_.FechadoAte(conta);
+      if (fim->second.Empty()) continue;
+      if (dia->second <= fim->second || (!antes.Empty() && antes <= fim->second)) fechadas.insert(lancto);
+    }
+  }
+  return fechadas;
 }
 
 }  // namespace orv

@@ -63,6 +63,25 @@ void Marca(MemoryDataSet& set, Field& marca, int64_t lugar, const char* valor) {
   set.Post();
 }
 
+// Ticks are set without what follows a click.
+class Marcacao {
+ public:
+  Marcacao(TClientDataSet& mov, TClientDataSet& arq) : mov_(mov), arq_(arq) { mov_.Tag = arq_.Tag = 2; }
+  ~Marcacao() { mov_.Tag = arq_.Tag = 0; }
+  Marcacao(const Marcacao&) = delete;
+  Marcacao& operator=(const Marcacao&) = delete;
+  // Once all is marked: back to where the user was.
+  void Volta() {
+    mov_.SetRecNo(no_mov_);
+    arq_.SetRecNo(no_arq_);
+  }
+
+ private:
+  TClientDataSet &mov_, &arq_;
+  const ControlsHold movimentos_{mov_}, linhas_{arq_};
+  const int64_t no_mov_ = mov_.RecNo(), no_arq_ = arq_.RecNo();
+};
+
 std::string Plural(std::size_t n, const char* um, const char* varios) {
   return std::to_string(n) + " " + (n == 1 ? um : varios);
 }
@@ -79,6 +98,7 @@ void TFmConcilia::BtSugerirClick() {
   const BusyMark busy(Funcoes, *this);
   TbMov.PostIfEditing();
   TbArq.PostIfEditing();
+  DesmarcaSugestoes();
   EsqueceSugestoes();
   const Abertos movimentos = LeAbertos(TbMov, TbMov.Conciliar, "S", TbMov.LancCon, TbMov.Operacao,
                                        TbMov.Valor, TbMov.Docto, TbMov.Data);
@@ -86,9 +106,38 @@ void TFmConcilia::BtSugerirClick() {
                                    TbArq.Docto, TbArq.Data);
   std::vector<Suggestion> sugestoes = Suggest(movimentos.itens, linhas.itens, static_cast<int>(prazo));
   const std::size_t cheques = RetiraCheques(sugestoes, movimentos.lugares);
-  if (sugestoes.empty()) return Inform("Nenhuma correspondência encontrada no prazo de " + texto + " dias.");
-  MostraSugestoes(sugestoes, movimentos.lugares, linhas.lugares, cheques);
+  if (!sugestoes.empty()) MostraSugestoes(sugestoes, movimentos.lugares, linhas.lugares, cheques);
   CalculaTotais();
+  if (sugestoes.empty()) Inform("Nenhuma correspondência encontrada no prazo de " + texto + " dias.");
+}
+
+std::set<int64_t> TFmConcilia::SugestoesInteiras() {
+  std::set<int64_t> todas, mudadas;
+  const int64_t linhas = TbSugestao.RecordCount();
+  for (int64_t i = 0; i < linhas; ++i) {
+    const auto celula = [&](const Field& campo) { return TbSugestao.Cell(i, campo).AsInteger(); };
+    const int64_t grupo = celula(TbSugestao.Grupo);
+    todas.insert(grupo);
+    if (TbMov.Cell(celula(TbSugestao.LugarMov) - 1, TbMov.Conciliar).Text() != "N" ||
+        TbArq.Cell(celula(TbSugestao.LugarArq) - 1, TbArq.Concilia).Text() != "S") {
+      mudadas.insert(grupo);
+    }
+  }
+  for (const int64_t grupo : mudadas) todas.erase(grupo);
+  return todas;
+}
+
+void TFmConcilia::DesmarcaSugestoes() {
+  const std::set<int64_t> inteiras = SugestoesInteiras();
+  Marcacao marcacao(TbMov, TbArq);
+  const int64_t linhas = TbSugestao.RecordCount();
+  for (int64_t i = 0; i < linhas; ++i) {
+    const auto celula = [&](const Field& campo) { return TbSugestao.Cell(i, campo).AsInteger(); };
+    if (!inteiras.contains(celula(TbSugestao.Grupo))) continue;
+    Marca(TbMov, TbMov.Conciliar, celula(TbSugestao.LugarMov) - 1, "S");
+    Marca(TbArq, TbArq.Concilia, celula(TbSugestao.LugarArq) - 1, "N");
+  }
+  marcacao.Volta();
 }
 
 std::size_t TFmConcilia::RetiraCheques(std::vector<Suggestion>& sugestoes,
@@ -123,19 +172,8 @@ std::size_t TFmConcilia::RetiraCheques(std::vector<Suggestion>& sugestoes,
 void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
                                   const std::vector<int64_t>& lugares_mov,
                                   const std::vector<int64_t>& lugares_arq, std::size_t cheques) {
-  const ControlsHold movimentos(TbMov), linhas(TbArq), hold(TbSugestao);
-  struct Carga {
-    explicit Carga(TFmConcilia& t) : tela(t), mov(t.TbMov.RecNo()), arq(t.TbArq.RecNo()) {
-      tela.TbMov.Tag = tela.TbArq.Tag = 2;
-    }
-    ~Carga() {
-      tela.TbMov.SetRecNo(mov);
-      tela.TbArq.SetRecNo(arq);
-      tela.TbMov.Tag = tela.TbArq.Tag = 0;
-    }
-    TFmConcilia& tela;
-    int64_t mov, arq;
-  } const carga(*this);
+  const ControlsHold hold(TbSugestao);
+  Marcacao marcacao(TbMov, TbArq);
 
   std::array<std::size_t, 3> por_motivo{};
   std::vector<Value> linha(TbSugestao.Fields().size());
@@ -168,6 +206,7 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
       }
     }
   }
+  marcacao.Volta();
 
   std::vector<std::string> partes;
   const auto parte = [&](SuggestReason motivo, const char* texto) {

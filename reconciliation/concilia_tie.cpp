@@ -3,6 +3,7 @@
 #include <set>
 
 #include "reconciliation/concilia.h"
+#include "rules/compensacao.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -17,6 +18,20 @@ constexpr std::size_t kLote = 500;
 // Changes sent at once: each alone costs the engine more to read than to do. It takes 127 in one block, and
 // 64 KiB of text.
 constexpr std::size_t kComandos = 100, kTexto = 40000;
+
+// The earliest of some days: a closed period takes in all that lie before its end.
+struct PrimeiroDia {
+  Date dia;
+  void Toma(Date outro) {
+    if (!outro.Empty() && (dia.Empty() || outro < dia)) dia = outro;
+  }
+};
+
+// A movement's number and document, as the database compares them.
+using Par = std::pair<std::string, std::string>;
+Par ParDe(std::string_view lancto, std::string_view docto) {
+  return {std::string(Trim(lancto)), std::string(Trim(docto))};
+}
 
 [[noreturn]] void Mudou(const std::string& o_que) {
   throw UserError("Outro usuário alterou ou conciliou " + o_que +
@@ -37,30 +52,35 @@ void TFmConcilia::BitBtn4Click() {
   CalculaTotais();
   if (tot_mov_ != tot_ext_) return Inform(kDiferentes);
   std::vector<Movimento> movimentos = Marcados();
-  const int64_t linha = PrimeiraLinha();
-  if ((linha >= 0 || !movimentos.empty()) && EdtConta.Text() != conta_)
-    return Recusa("A conta foi trocada depois da consulta. Consulte novamente.", EdtConta);
   ProcuraCheques(movimentos);
-  if (movimentos.size() > 1 &&
-      std::any_of(movimentos.begin(), movimentos.end(), [](const Movimento& m) { return m.cheque; })) {
-    return Inform(kMultiplos);
-  }
-  const std::string numero = Funcoes.Proximo("CONTACOR", "LANC_CON", 6, true);
+  const bool cheque =
+      std::any_of(movimentos.begin(), movimentos.end(), [](const Movimento& m) { return m.cheque; });
+  const bool varios = movimentos.size() > 1;
+  std::vector<Conjunto> conjuntos = Conjuntos(std::move(movimentos));
+  const bool nada = conjuntos.front().movimentos.empty() && conjuntos.front().linhas.empty();
+  if (!nada && EdtConta.Text() != conta_)
+    return Recusa("A conta foi trocada depois da consulta. Consulte novamente.", EdtConta);
+  if (varios && cheque) return Inform(kMultiplos);
+  if (Fechado(conjuntos)) return;
+  const std::vector<std::string> numeros =
+      Funcoes.Proximos("CONTACOR", "LANC_CON", 6, true, conjuntos.size());
+  for (std::size_t i = 0; i < conjuntos.size(); ++i) conjuntos[i].numero = numeros[i];
 
   // What is asked comes before the first write: nothing is held while the user thinks.
   std::unique_ptr<TContabil> partida;
-  if (!movimentos.empty() && movimentos.front().cheque) {
-    const Movimento& cheque = movimentos.front();
-    if (!Ha("CONTACOR", ComoCarregado(cheque, numero))) Mudou("o lançamento " + cheque.lancto);
-    partida = PartidaDoCheque(cheque, numero);
+  if (cheque) {
+    const Conjunto& deste = *std::find_if(conjuntos.begin(), conjuntos.end(),
+                                          [](const Conjunto& c) { return !c.movimentos.empty(); });
+    const Movimento& movimento = deste.movimentos.front();
+    if (!Ha("CONTACOR", ComoCarregado(movimento, deste.numero))) Mudou("o lançamento " + movimento.lancto);
+    partida = PartidaDoCheque(movimento, deste.numero);
     if (!partida) return;
   }
 
   const BusyMark busy(Funcoes, *this);
-  const Date data = linha < 0 ? TbArq.Data.AsDate() : TbArq.Cell(linha, TbArq.Data).AsDate();
-  ConciliaMovimentos(movimentos, numero, data);
+  ConciliaMovimentos(conjuntos);
   if (partida) partida->GravaContabilidadeFinan();
-  ConciliaLinhas(numero);
+  ConciliaLinhas(conjuntos);
   Tabela.CommitRetaining();
   CarregaMovimentos();
   CalculaTotais();
@@ -74,17 +94,81 @@ std::vector<TFmConcilia::Movimento> TFmConcilia::Marcados() {
     const auto texto = [&](const Field& campo) { return TbMov.Cell(i, campo).AsString(); };
     movimentos.push_back({texto(TbMov.Lancto), texto(TbMov.Docto), texto(TbMov.Operacao) == "C" ? "+" : "-",
                           texto(TbMov.Historico), texto(TbMov.LancCon),
-                          TbMov.Cell(i, TbMov.Valor).AsCurrency()});
+                          TbMov.Cell(i, TbMov.Valor).AsCurrency(), i});
   }
   return movimentos;
 }
 
-int64_t TFmConcilia::PrimeiraLinha() {
+std::vector<TFmConcilia::Conjunto> TFmConcilia::Conjuntos(std::vector<Movimento> movimentos) {
+  // The group of each place; without one the place is the user's own.
+  std::map<int64_t, int64_t> do_movimento, da_linha;
+  const std::set<int64_t> inteiras = SugestoesInteiras();
+  const int64_t sugeridas = TbSugestao.RecordCount();
+  for (int64_t i = 0; i < sugeridas; ++i) {
+    const auto celula = [&](const Field& campo) { return TbSugestao.Cell(i, campo).AsInteger(); };
+    const int64_t grupo = celula(TbSugestao.Grupo);
+    if (!inteiras.contains(grupo)) continue;
+    do_movimento.emplace(celula(TbSugestao.LugarMov) - 1, grupo);
+    da_linha.emplace(celula(TbSugestao.LugarArq) - 1, grupo);
+  }
+  const auto grupo_de = [](const std::map<int64_t, int64_t>& grupos, int64_t lugar) {
+    const auto achado = grupos.find(lugar);
+    return achado == grupos.end() ? 0 : achado->second;
+  };
+  // Rows of one number and document are settled together, so that they can't be tied apart.
+  std::map<Par, std::set<int64_t>> grupos_do_par;
+  for (const Movimento& m : movimentos)
+    grupos_do_par[ParDe(m.lancto, m.docto)].insert(grupo_de(do_movimento, m.lugar));
+  std::set<int64_t> juntos;
+  for (const auto& [par, grupos] : grupos_do_par) {
+    if (grupos.size() > 1) juntos.insert(grupos.begin(), grupos.end());
+  }
+
+  std::map<int64_t, Conjunto> por_grupo;
+  const auto conjunto = [&](int64_t grupo) -> Conjunto& {
+    return por_grupo[juntos.contains(grupo) ? 0 : grupo];
+  };
+  for (Movimento& m : movimentos)
+    conjunto(grupo_de(do_movimento, m.lugar)).movimentos.push_back(std::move(m));
   const int64_t linhas = TbArq.RecordCount();
   for (int64_t i = 0; i < linhas; ++i) {
-    if (TbArq.Cell(i, TbArq.Concilia).Text() == "S") return i;
+    if (TbArq.Cell(i, TbArq.Concilia).Text() != "S") continue;
+    Conjunto& deste = conjunto(grupo_de(da_linha, i));
+    if (deste.linhas.empty()) deste.data = TbArq.Cell(i, TbArq.Data).AsDate();
+    deste.linhas.push_back(i);
   }
-  return -1;
+  std::vector<Conjunto> conjuntos;
+  for (auto& [grupo, deste] : por_grupo) conjuntos.push_back(std::move(deste));
+  if (conjuntos.empty()) conjuntos.emplace_back();
+  return conjuntos;
+}
+
+bool TFmConcilia::Fechado(const std::vector<Conjunto>& conjuntos) {
+  std::map<Par, Date> dias;
+  std::vector<std::string> chaves;
+  for (const Conjunto& conjunto : conjuntos) {
+    for (const Movimento& m : conjunto.movimentos) {
+      dias.emplace(ParDe(m.lancto, m.docto), Dia(conjunto));
+      chaves.push_back(Funcoes.Aspas(m.lancto));
+    }
+  }
+  PrimeiroDia primeiro;
+  for (std::size_t de = 0; de < chaves.size(); de += kLote) {
+    const std::vector<std::string> lote(
+        chaves.begin() + static_cast<std::ptrdiff_t>(de),
+        chaves.begin() + static_cast<std::ptrdiff_t>(std::min(de + kLote, chaves.size())));
+    for (const auto& linha : Tabela.IBDatabase().Rows(
+             "SELECT LANCAMENTO, DOCTO, DT_CONT, PENDENTE FROM " + Funcoes.DBLocal("CONTACOR", true) +
+             " WHERE CONTA = " + Funcoes.Aspas(conta_) + " AND LANCAMENTO IN (" + Join(lote, ",") + ")")) {
+      const auto dia = dias.find(ParDe(linha[0].Text(), linha[1].Text()));
+      if (dia == dias.end()) continue;
+      const Date antes = linha[2].AsDate(), depois = dia->second.Empty() ? antes : dia->second;
+      if (linha[3].Text() == "N" && antes == depois) continue;
+      primeiro.Toma(antes);
+      primeiro.Toma(depois);
+    }
+  }
+  return bloqueio_.Movimento(conta_, {primeiro.dia});
 }
 
 void TFmConcilia::ProcuraCheques(std::vector<Movimento>& movimentos) {
@@ -92,15 +176,14 @@ void TFmConcilia::ProcuraCheques(std::vector<Movimento>& movimentos) {
     const std::size_t ate = std::min(de + kLote, movimentos.size());
     std::vector<std::string> chaves;
     for (std::size_t i = de; i < ate; ++i) chaves.push_back(Funcoes.Aspas(movimentos[i].lancto));
-    std::set<std::pair<std::string, std::string>> cheques;
+    std::set<Par> cheques;
     for (const auto& linha :
          Tabela.IBDatabase().Rows("SELECT CHAVE, NUMERO FROM " + Funcoes.DBLocal("CHEQUE_PRE", true) +
                                   " WHERE CHAVE IN (" + Join(chaves, ",") + ")")) {
-      cheques.emplace(Trim(linha[0].Text()), Trim(linha[1].Text()));
+      cheques.insert(ParDe(linha[0].Text(), linha[1].Text()));
     }
     for (std::size_t i = de; i < ate; ++i) {
-      movimentos[i].cheque =
-          cheques.contains({std::string(Trim(movimentos[i].lancto)), std::string(Trim(movimentos[i].docto))});
+      movimentos[i].cheque = cheques.contains(ParDe(movimentos[i].lancto, movimentos[i].docto));
     }
   }
 }
@@ -145,53 +228,67 @@ int64_t TFmConcilia::Executa(const std::vector<std::string>& comandos) {
   return linhas;
 }
 
-void TFmConcilia::ConciliaMovimentos(const std::vector<Movimento>& movimentos, const std::string& numero,
-                                     Date data) {
-  const std::string dia = data.Empty() ? "NULL" : Funcoes.AspasData(data);
-  const std::string altera = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) +
-                             " SET PENDENTE = 'N', LANC_CON = " + Funcoes.Aspas(numero) +
-                             (fin110_ && !data.Empty() ? ", DT_CONT = " + dia : "") + " WHERE ";
+void TFmConcilia::ConciliaMovimentos(const std::vector<Conjunto>& conjuntos) {
+  const std::string tabela = Funcoes.DBLocal("CONTACOR", true);
+  const auto altera = [&](const Conjunto& conjunto) {
+    const Date dia = Dia(conjunto);
+    return "UPDATE " + tabela + " SET PENDENTE = 'N', LANC_CON = " + Funcoes.Aspas(conjunto.numero) +
+           (dia.Empty() ? "" : ", DT_CONT = " + Funcoes.AspasData(dia)) + " WHERE ";
+  };
   // One statement both looks and changes the row, so that of two users only the first one does.
   std::vector<std::string> comandos;
-  for (const Movimento& movimento : movimentos) comandos.push_back(altera + ComoCarregado(movimento, numero));
-  if (Executa(comandos) != static_cast<int64_t>(movimentos.size())) {
-    for (const Movimento& movimento : movimentos) {
-      if (!Ha("CONTACOR", ComoCarregado(movimento, numero))) Mudou("o lançamento " + movimento.lancto);
+  for (const Conjunto& conjunto : conjuntos) {
+    for (const Movimento& m : conjunto.movimentos)
+      comandos.push_back(altera(conjunto) + ComoCarregado(m, conjunto.numero));
+  }
+  if (Executa(comandos) != static_cast<int64_t>(comandos.size())) {
+    for (const Conjunto& conjunto : conjuntos) {
+      for (const Movimento& m : conjunto.movimentos) {
+        if (!Ha("CONTACOR", ComoCarregado(m, conjunto.numero))) Mudou("o lançamento " + m.lancto);
+      }
     }
   }
   comandos.clear();
-  for (const Movimento& movimento : movimentos) {
-    const std::string lancto = Funcoes.Aspas(movimento.lancto), docto = Funcoes.Aspas(movimento.docto);
-    comandos.push_back(altera + "LANCAMENTO = " + lancto + " AND DOCTO = " + docto +
-                       " AND CONTA = " + Funcoes.Aspas(conta_));
-    if (!movimento.cheque) continue;
-    comandos.push_back("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'B', DT_BAIXA = " +
-                       dia + " WHERE CHAVE = " + lancto + " AND NUMERO = " + docto + " AND STATUS = 'P'");
+  for (const Conjunto& conjunto : conjuntos) {
+    for (const Movimento& m : conjunto.movimentos) {
+      const std::string lancto = Funcoes.Aspas(m.lancto), docto = Funcoes.Aspas(m.docto);
+      const std::string deste =
+          "LANCAMENTO = " + lancto + " AND DOCTO = " + docto + " AND CONTA = " + Funcoes.Aspas(conta_);
+      comandos.push_back(altera(conjunto) + deste);
+      if (!m.cheque) continue;
+      // Without a line the cheque was settled on its own day.
+      comandos.push_back("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'B', DT_BAIXA = " +
+                         (conjunto.data.Empty()
+                              ? "(SELECT MIN(DT_CONT) FROM " + tabela + " WHERE " + deste + ")"
+                              : Funcoes.AspasData(conjunto.data)) +
+                         " WHERE CHAVE = " + lancto + " AND NUMERO = " + docto + " AND STATUS = 'P'");
+    }
   }
   Executa(comandos);
-  for (const Movimento& movimento : movimentos) {
-    Funcoes.GeraLog("CONCILIACAO", "CONCILIACAO DO LANCAMENTO " + movimento.lancto, TOperacaoLog::Processo,
-                    movimento.lancto);
+  for (const Conjunto& conjunto : conjuntos) {
+    for (const Movimento& m : conjunto.movimentos)
+      Funcoes.GeraLog("CONCILIACAO", "CONCILIACAO DO LANCAMENTO " + m.lancto, TOperacaoLog::Processo,
+                      m.lancto);
   }
 }
 
-void TFmConcilia::ConciliaLinhas(const std::string& numero) {
-  const std::string altera = "UPDATE " + Funcoes.DBLocal("EXTRATO", true) +
-                             " SET CONCILIADO = 'S', LANC_CON = " + Funcoes.Aspas(numero) + " WHERE ";
+void TFmConcilia::ConciliaLinhas(const std::vector<Conjunto>& conjuntos) {
   std::vector<std::string> comandos, como_lidas;
   std::vector<int64_t> lugares;
-  const int64_t linhas = TbArq.RecordCount();
-  for (int64_t i = 0; i < linhas; ++i) {
-    if (TbArq.Cell(i, TbArq.Concilia).Text() != "S") continue;
-    const auto aspas = [&](const Field& campo) { return Funcoes.Aspas(TbArq.Cell(i, campo).Text()); };
-    como_lidas.push_back(
-        "LANCTO = " + aspas(TbArq.Lancto) + " AND CONTA = " + Funcoes.Aspas(conta_) +
-        " AND OPERACAO = " + aspas(TbArq.Operacao) +
-        " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(TbArq.Cell(i, TbArq.Valor).AsCurrency()) +
-        " AND ((COALESCE(CONCILIADO, 'N') = 'N' AND COALESCE(LANC_CON, '') = " + aspas(TbArq.LancCon) +
-        ") OR LANC_CON = " + Funcoes.Aspas(numero) + ")");
-    comandos.push_back(altera + como_lidas.back());
-    lugares.push_back(i);
+  for (const Conjunto& conjunto : conjuntos) {
+    const std::string numero = Funcoes.Aspas(conjunto.numero);
+    for (const int64_t i : conjunto.linhas) {
+      const auto aspas = [&](const Field& campo) { return Funcoes.Aspas(TbArq.Cell(i, campo).Text()); };
+      como_lidas.push_back(
+          "LANCTO = " + aspas(TbArq.Lancto) + " AND CONTA = " + Funcoes.Aspas(conta_) +
+          " AND OPERACAO = " + aspas(TbArq.Operacao) +
+          " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(TbArq.Cell(i, TbArq.Valor).AsCurrency()) +
+          " AND ((COALESCE(CONCILIADO, 'N') = 'N' AND COALESCE(LANC_CON, '') = " + aspas(TbArq.LancCon) +
+          ") OR LANC_CON = " + numero + ")");
+      comandos.push_back("UPDATE " + Funcoes.DBLocal("EXTRATO", true) +
+                         " SET CONCILIADO = 'S', LANC_CON = " + numero + " WHERE " + como_lidas.back());
+      lugares.push_back(i);
+    }
   }
   if (Executa(comandos) == static_cast<int64_t>(comandos.size())) return;
   for (std::size_t i = 0; i < como_lidas.size(); ++i) {
@@ -207,26 +304,51 @@ void TFmConcilia::BitBtn8Click() {
   BitBtn1Click();
   const std::string numero(Trim(EdtConcilia.Text()));
   if (TbMov.IsEmpty() || numero.empty()) return Inform(kSemConciliacao);
+  MostraVolta(numero);
+  if (VoltaFechado(numero)) return;
   if (!Ask("Tem certeza que deseja voltar conciliação?", true)) return;
 
-  const std::string lancto = TbMov.Lancto.AsString(), docto = TbMov.Docto.AsString();
+  const std::string lancto = TbMov.Lancto.AsString();
   const std::string desta = " WHERE LANC_CON = " + Funcoes.Aspas(numero);
-  const std::string da_chave = "CHAVE = " + Funcoes.Aspas(lancto);
   TOrvDatabase& db = Tabela.IBDatabase();
   if (db.Execute("UPDATE " + Funcoes.DBLocal("CONTACOR", true) + " SET PENDENTE = 'S', LANC_CON = ''" +
                  desta) == 0) {
     EdtConcilia.Clear();
     throw UserError("Outro usuário já voltou a conciliação " + numero + ". Nada foi gravado.");
   }
-  db.Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'P' WHERE " + da_chave +
-             " AND STATUS = 'B'");
+  db.Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) +
+             " SET STATUS = 'P' WHERE CHAVE = " + Funcoes.Aspas(lancto) + " AND STATUS = 'B'");
   db.Execute("UPDATE " + Funcoes.DBLocal("EXTRATO", true) + " SET CONCILIADO = 'N', LANC_CON = ''" + desta);
-  if (Ha("CHEQUE_PRE", da_chave + " AND NUMERO = " + Funcoes.Aspas(docto)))
-    Contabil.DeletaContabilidadeFinan(numero);
+  ApagaPartidasDaCompensacao(Funcoes, Contabil, Tabela, numero);
   Funcoes.GeraLog("CONCILIACAO", "VOLTA CONCILIACAO DO LANCAMENTO " + lancto, TOperacaoLog::Processo, lancto);
   EdtConcilia.Clear();
   Tabela.CommitRetaining();
   BitBtn1Click();
+}
+
+void TFmConcilia::MostraVolta(const std::string& numero) {
+  const auto soma = [&](const char* tabela, const char* debito, const char* um, const char* varios) {
+    const auto linha =
+        Tabela.IBDatabase().Rows("SELECT COUNT(*), SUM(CASE WHEN OPERACAO = " + Funcoes.Aspas(debito) +
+                                 " THEN -VALOR ELSE VALOR END) FROM " + Funcoes.DBLocal(tabela, true) +
+                                 " WHERE LANC_CON = " + Funcoes.Aspas(numero));
+    const int64_t n = linha.front()[0].AsInteger();
+    return std::to_string(n) + " " + (n == 1 ? um : varios) + ", total " +
+           linha.front()[1].AsCurrency().Brazil();
+  };
+  LbVolta.Mostra("A conciliação " + numero +
+                 " volta inteira: " + soma("CONTACOR", "-", "lançamento", "lançamentos") + "; " +
+                 soma("EXTRATO", "D", "linha do extrato", "linhas do extrato") + ".");
+}
+
+bool TFmConcilia::VoltaFechado(const std::string& numero) {
+  for (const auto& linha :
+       Tabela.IBDatabase().Rows("SELECT CONTA, MIN(DT_CONT) FROM " + Funcoes.DBLocal("CONTACOR", true) +
+                                " WHERE LANC_CON = " + Funcoes.Aspas(numero) +
+                                " AND COALESCE(PENDENTE, '') <> 'S' GROUP BY CONTA")) {
+    if (bloqueio_.Movimento(linha[0].AsString(), {linha[1].AsDate()})) return true;
+  }
+  return false;
 }
 
 }  // namespace orv

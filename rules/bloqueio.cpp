@@ -3,16 +3,55 @@
 #include <algorithm>
 
 namespace orv {
+namespace {
 
-bool Bloqueio::Caixa(std::initializer_list<Date> datas) { return Fechado(datas, "CX"); }
+// The accounts are open while it lives, also for a screen that doesn't hold them.
+class ContasAbertas {
+ public:
+  explicit ContasAbertas(ITabela& tabela) : tabela_(tabela) { tabela_.AbreTabela("TbCadConta", false); }
+  ~ContasAbertas() { tabela_.FechaTabela("TbCadConta"); }
+  ContasAbertas(const ContasAbertas&) = delete;
+  ContasAbertas& operator=(const ContasAbertas&) = delete;
 
-bool Bloqueio::Conta(std::string_view conta, std::initializer_list<Date> datas) {
+ private:
+  ITabela& tabela_;
+};
+
+}  // namespace
+
+bool Bloqueio::Caixa(const std::vector<Date>& datas) { return Fechado(datas, "CX"); }
+
+bool Bloqueio::Conta(std::string_view conta, const std::vector<Date>& datas) {
+  const ContasAbertas abertas(tabela_);
   return tabela_.TbCadConta().Locate("CONTA", Value(conta)) && Fechado(datas, "CT");
 }
 
-bool Bloqueio::Fechado(std::initializer_list<Date> datas, std::string_view kind) {
+bool Bloqueio::Movimentos(const std::string& contacor, const std::string& condicao,
+                          const std::vector<Date>& tambem) {
+  const auto linhas =
+      tabela_.IBDatabase().Rows("SELECT DISTINCT CONTA, DT_CONT FROM " + contacor + " WHERE " + condicao);
+  if (linhas.empty()) return false;
+  std::vector<Date> todas = tambem;
+  for (const auto& linha : linhas) todas.push_back(linha[1].AsDate());
+  if (Caixa(todas)) return true;
+  return std::any_of(linhas.begin(), linhas.end(), [&](const auto& linha) {
+    std::vector<Date> datas = tambem;
+    datas.push_back(linha[1].AsDate());
+    return Conta(linha[0].AsString(), datas);
+  });
+}
+
+Date Bloqueio::FechadoAte(std::string_view conta) {
+  const ContasAbertas abertas(tabela_);
+  const Date caixa = contabil_.PeriodoFechadoAte("CX");
+  return tabela_.TbCadConta().Locate("CONTA", Value(conta))
+             ? std::max(caixa, contabil_.PeriodoFechadoAte("CT"))
+             : caixa;
+}
+
+bool Bloqueio::Fechado(const std::vector<Date>& datas, std::string_view kind) {
   // Each date once: the user is told once.
-  for (const Date* data = datas.begin(); data != datas.end(); ++data) {
+  for (auto data = datas.begin(); data != datas.end(); ++data) {
     if (std::find(datas.begin(), data, *data) == data && contabil_.PeriodoConciliado(*data, kind))
       return true;
   }

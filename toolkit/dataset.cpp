@@ -38,14 +38,22 @@ std::string_view StateName(DataSetState state) {
   return "";
 }
 
-namespace {
+// --- Event.
 
-// By value: a handler may put another in its place, or drop its field.
-void Fire(std::function<void()> event) {
-  if (event) event();
+std::shared_ptr<const void> Event::Listen(Handler handler) {
+  auto kept = std::make_shared<const Handler>(std::move(handler));
+  std::erase_if(listeners_, [](const auto& gone) { return gone.expired(); });
+  listeners_.push_back(kept);
+  return kept;
 }
 
-}  // namespace
+void Event::operator()() const {
+  const auto listeners = listeners_;
+  if (const Handler own = own_) own();
+  for (const auto& one : listeners) {
+    if (const auto listener = one.lock()) (*listener)();
+  }
+}
 
 // --- Field.
 
@@ -73,7 +81,8 @@ void Field::Set(Value value) {
   owner_.SetCurrentValue(index_, Convert(std::move(value)));
   if (!owner_.preparing_) owner_.touched_ = true;
   owner_.Changed();
-  Fire(OnChange);
+  // By value: a handler may put another in its place, or drop its field.
+  if (const auto change = OnChange) change();
 }
 
 // --- DataSet: fields.
@@ -154,14 +163,14 @@ void DataSet::CheckBrowse() {
 
 void DataSet::LeaveRow() {
   CheckBrowse();
-  Fire(BeforeScroll);
+  BeforeScroll();
   // A handler may have gone on editing.
   CheckBrowse();
 }
 
 void DataSet::Scrolled() {
   Changed();
-  Fire(AfterScroll);
+  AfterScroll();
 }
 
 void DataSet::First() {
@@ -201,7 +210,7 @@ void DataSet::SetRecNo(int64_t number) {
 void DataSet::BeginInsert(bool append) {
   CheckModify();
   CheckBrowse();
-  Fire(BeforeInsert);
+  BeforeInsert();
   LeaveRow();
   DoInsert(append);
   touched_ = false;
@@ -214,12 +223,12 @@ void DataSet::BeginInsert(bool append) {
       explicit Preparing(bool& f) : flag(f) { flag = true; }
       ~Preparing() { flag = false; }
     } preparing(preparing_);
-    Fire(OnNewRecord);
+    OnNewRecord();
   } catch (...) {
     DropEdit();
     throw;
   }
-  Fire(AfterInsert);
+  AfterInsert();
   Scrolled();
 }
 
@@ -233,24 +242,24 @@ void DataSet::Edit() {
     BeginInsert(true);
     return;
   }
-  Fire(BeforeEdit);
+  BeforeEdit();
   if (Editing()) return;
   DoEdit();
   touched_ = false;
   SetState(DataSetState::Edit);
-  Fire(AfterEdit);
+  AfterEdit();
 }
 
 void DataSet::Post() {
   if (!Editing()) throw UserError("A tabela \"" + name_ + "\" não está em edição.");
-  Fire(BeforePost);
+  BeforePost();
   // A handler may have posted or cancelled the row itself.
   if (!Editing()) return;
   DoPost();
   SetState(DataSetState::Browse);
   SetEnds(IsEmpty(), IsEmpty());
   Changed();
-  Fire(AfterPost);
+  AfterPost();
 }
 
 void DataSet::PostIfEditing() {
@@ -272,12 +281,12 @@ void DataSet::DropEdit() {
 
 void DataSet::Cancel() {
   if (!Editing()) return;
-  Fire(BeforeCancel);
+  BeforeCancel();
   // The cursor goes back from the new row to the one before.
   const bool scrolls = state_ == DataSetState::Insert;
-  if (scrolls) Fire(BeforeScroll);
+  if (scrolls) BeforeScroll();
   DropEdit();
-  Fire(AfterCancel);
+  AfterCancel();
   if (scrolls) Scrolled();
 }
 
@@ -288,15 +297,15 @@ void DataSet::Delete() {
     return;
   }
   if (IsEmpty()) throw UserError("A tabela \"" + name_ + "\" está vazia.");
-  Fire(BeforeDelete);
-  Fire(BeforeScroll);
+  BeforeDelete();
+  BeforeScroll();
   DropEdit();
   if (IsEmpty()) return;
   // Without a row behind it the cursor is on the last one, and a walk has come to its end.
   const bool was_last = DoDelete();
   SetEnds(IsEmpty(), was_last);
   Changed();
-  Fire(AfterDelete);
+  AfterDelete();
   Scrolled();
 }
 

@@ -68,6 +68,30 @@ class Field {
   int index_;
 };
 
+// What happens to a set: one handler of its owner's, and any number of listeners that come and go.
+class Event {
+ public:
+  using Handler = std::function<void()>;
+  Event() = default;
+  Event(const Event&) = delete;
+  Event& operator=(const Event&) = delete;
+
+  // The owner's handler, nullptr for none.
+  Event& operator=(Handler handler) {
+    own_ = std::move(handler);
+    return *this;
+  }
+  // A listener, called behind those that were there, until what is given back is let go.
+  [[nodiscard]] std::shared_ptr<const void> Listen(Handler handler);
+  explicit operator bool() const { return own_ != nullptr || !listeners_.empty(); }
+  // A handler may put another in its place, or end the set's life.
+  void operator()() const;
+
+ private:
+  Handler own_;
+  std::vector<std::weak_ptr<const Handler>> listeners_;
+};
+
 enum class DataSetState : uint8_t { Inactive, Browse, Edit, Insert };
 
 // The neutral name of a state: "inactive", "browse", "edit", "insert".
@@ -162,13 +186,13 @@ class DataSet {
   int Tag = 0;
 
   // --- Events, in the order in which they fire.
-  std::function<void()> AfterOpen, AfterClose;
-  std::function<void()> BeforeInsert, OnNewRecord, AfterInsert;
-  std::function<void()> BeforeEdit, AfterEdit;
-  std::function<void()> BeforePost, AfterPost;
-  std::function<void()> BeforeCancel, AfterCancel;
-  std::function<void()> BeforeDelete, AfterDelete;
-  std::function<void()> BeforeScroll, AfterScroll;
+  Event AfterOpen, AfterClose;
+  Event BeforeInsert, OnNewRecord, AfterInsert;
+  Event BeforeEdit, AfterEdit;
+  Event BeforePost, AfterPost;
+  Event BeforeCancel, AfterCancel;
+  Event BeforeDelete, AfterDelete;
+  Event BeforeScroll, AfterScroll;
 
  protected:
   friend class Field;

@@ -27,7 +27,8 @@ struct GridColumn {
   // Set on a column that is shown as a check box: what is stored for ticked and for not ticked.
   std::string checked = "";
   std::string unchecked = "";
-  // Decimals shown of an amount or a number.
+  // Decimals of an amount or a number, 2 to 4, as it is typed and shown; those beyond two only where they
+  // aren't zeros.
   int decimals = 2;
   // Words for the codes that it holds; another code is shown as it is.
   std::vector<CodeWord> words = {};

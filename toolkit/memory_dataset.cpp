@@ -55,7 +55,7 @@ void MemoryDataSet::OpenRows() {
 }
 
 void MemoryDataSet::Opened() {
-  if (AfterOpen) AfterOpen();
+  AfterOpen();
   if (Active() && !IsEmpty()) Scrolled();
 }
 
@@ -80,7 +80,7 @@ void MemoryDataSet::Close() {
   active_filter_ = nullptr;
   SetState(DataSetState::Inactive);
   SetEnds(true, true);
-  if (AfterClose) AfterClose();
+  AfterClose();
 }
 
 bool MemoryDataSet::Before(RowId a, RowId b) const {
@@ -180,7 +180,7 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
   }
   const RowId found = FirstMatch(IndexOn(columns), std::move(wanted));
   if (found == kNoRow) return false;
-  if (BeforeScroll) BeforeScroll();
+  BeforeScroll();
   CheckBrowse();
   if (found >= store_.Bound() || !store_.IsLive(found) || !Passes(found)) return false;
   StandAt(found);

@@ -45,7 +45,7 @@ void TOrvTable::Open() {
   SetState(DataSetState::Browse);
   // Whether there are rows shows when the first one is asked for.
   SetEnds(true, false);
-  if (AfterOpen) AfterOpen();
+  AfterOpen();
   if (AfterScroll && Active() && HasRow()) Scrolled();
 }
 
@@ -60,12 +60,18 @@ void TOrvTable::MakeOrder() {
 void TOrvTable::Close() {
   if (!Active()) return;
   if (Editing()) Cancel();
+  Abandon();
+  AfterClose();
+}
+
+void TOrvTable::Abandon() {
+  stale_ = false;
+  buffer_.clear();
   Forget();
   block_.clear();
   at_ = -1;
   SetState(DataSetState::Inactive);
   SetEnds(true, true);
-  if (AfterClose) AfterClose();
 }
 
 void TOrvTable::Forget() {
@@ -356,7 +362,7 @@ bool TOrvTable::Locate(std::string_view names, std::span<const Value> values) {
   if (here && by_key) return true;
   Rows found = Select(Join(parts, " AND "), false, 0, 1);
   if (found.empty()) return false;
-  if (BeforeScroll) BeforeScroll();
+  BeforeScroll();
   StandOn(std::move(found), 0, std::nullopt);
   SetEnds(false, false);
   Scrolled();

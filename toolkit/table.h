@@ -32,6 +32,8 @@ class TOrvTable : public DataSet {
 
   void Open() override;
   void Close() override;
+  // Closes without an event and without a statement, wherever one may not run.
+  void Abandon();
   // Reads the rows anew and stays on the present one where it is still there.
   void Refresh();
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "toolkit/input_file.h"
+
 namespace orv {
 
 class DataSet;
@@ -60,8 +62,15 @@ class UserInterface {
                                               std::string_view value) = 0;
   // Lets the user choose in the lookup's open list.
   virtual LookupChoice Choose(TPesquisa& lookup) = 0;
-  // Asks for a file; the path of the user's own copy, or nothing. `filters` is "bbt|*.bbt|Todos|*.*".
+  // Asks for a file; the path by which the user's own copy is opened, or nothing. `filters` is
+  // "bbt|*.bbt|Todos|*.*".
   virtual std::optional<std::string> OpenFile(std::string_view control, std::string_view filters) = 0;
+  // --- Files by their paths as typed: the one way in which a screen reaches a file. What isn't the user's
+  // own is as if it weren't there.
+  virtual std::optional<InputFile> OpenPath(std::string_view) { return std::nullopt; }
+  virtual bool IsFolder(std::string_view) { return false; }
+  // What the file held is stored: the copy that the user gave may go.
+  virtual void TakenIn(std::string_view) {}
   // Shows the lines of a posting and waits for the user's yes.
   virtual bool ConfirmPosting(std::string_view title, const std::vector<PostingLine>& lines) = 0;
   // Shows the rows of a drill-down and waits until they are closed.

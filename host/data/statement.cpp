@@ -68,32 +68,4 @@ void BulkInsert::Add(std::span<const Value> values) {
 
 int64_t BulkInsert::Finish() { return std::exchange(rows_, 0); }
 
-IndexPause::IndexPause(Attachment& attachment, std::string_view table) : attachment_(attachment) {
-  const auto found = attachment.Rows(
-      "SELECT I.RDB$INDEX_NAME FROM RDB$INDICES I LEFT JOIN RDB$RELATION_CONSTRAINTS C"
-      " ON C.RDB$INDEX_NAME = I.RDB$INDEX_NAME WHERE C.RDB$INDEX_NAME IS NULL"
-      " AND COALESCE(I.RDB$INDEX_INACTIVE, 0) = 0 AND I.RDB$RELATION_NAME = " +
-      Quote(Upper(table)));
-  for (const auto& row : found) {
-    const std::string name(row[0].Text());
-    attachment.ExecuteDdl("ALTER INDEX " + Plain(name) + " INACTIVE");
-    indexes_.push_back(name);
-  }
-}
-
-IndexPause::~IndexPause() {
-  try {
-    Resume();
-  } catch (const UserError&) {
-    // The data is whole without them; whoever wants to hear of it calls `Resume`.
-  }
-}
-
-void IndexPause::Resume() {
-  while (!indexes_.empty()) {
-    attachment_.ExecuteDdl("ALTER INDEX " + indexes_.back() + " ACTIVE");
-    indexes_.pop_back();
-  }
-}
-
 }  // namespace orv

@@ -59,20 +59,4 @@ class BulkInsert {
   int64_t rows_ = 0;
 };
 
-// A table's indexes, those of keys apart, switched off while it is loaded. They come back, each built in one
-// go, by `Resume`, or at the end of its life. Both ends commit. Nobody else may work with the table
-// meanwhile.
-class IndexPause {
- public:
-  IndexPause(Attachment& attachment, std::string_view table);
-  ~IndexPause();
-  IndexPause(const IndexPause&) = delete;
-  IndexPause& operator=(const IndexPause&) = delete;
-  void Resume();
-
- private:
-  Attachment& attachment_;
-  std::vector<std::string> indexes_;
-};
-
 }  // namespace orv

@@ -67,6 +67,10 @@ const Rule kRules[] = {
      "E.CONTA) WHERE E.SOMA <> M.SOMA",
      "conciliação %1 da conta %2: o extrato soma %3 e os lançamentos somam %4."},
 
+    {"SELECT A.ARQUIVO, A.PARADA, A.CONTA FROM {ARQUIVO_EXTRATO} A WHERE A.PARADA > 0 AND EXISTS (SELECT 1 "
+     "FROM {EXTRATO} E WHERE E.ARQUIVO = A.ARQUIVO AND E.CONTA = A.CONTA)",
+     "arquivo %1: interrompido na linha %2, conta %3; falta carregar o resto."},
+
     // Receivables.
     {"SELECT T.NUMERO, T.VALOR_PAGO, T.SOMA FROM (SELECT R.NUMERO, COALESCE(R.VALOR_PAGO, 0) AS VALOR_PAGO, "
      "COALESCE((SELECT SUM(B.VALOR_PAGO) FROM {RECEBERB} B WHERE B.NUMERO = R.NUMERO), 0) AS SOMA FROM "

@@ -86,8 +86,17 @@ void Company::Make() {
   OutsideWork();
   CloseBooks();
   rows_.Close();
+  StatementFiles();
   Parameters();
   Sequences();
+}
+
+// Each came to its end.
+void Company::StatementFiles() {
+  const std::string& pat = company_.emp_pat;
+  db_.Execute("INSERT INTO ARQUIVO_EXTRATO" + pat +
+              " (ARQUIVO, CONTA, LINHAS, PARADA) SELECT ARQUIVO, CONTA, COUNT(*), 0 FROM EXTRATO" + pat +
+              " GROUP BY ARQUIVO, CONTA");
 }
 
 void Company::Parameters() {

@@ -105,6 +105,7 @@ class Company {
   void Codes();
   void Rates();
   void Terms();
+  void StatementFiles();
   void Parameters();
   void Layouts();
 

@@ -84,6 +84,13 @@ const Step kSteps[] = {
        Append(ddl, *FindTable("PREFERENCIA"), "");
        RunDdl(db, ddl);
      }},
+    {3,
+     [](Attachment& db) {
+       std::vector<std::string> ddl;
+       for (const std::string& company : CompanySuffixes(db))
+         Append(ddl, *FindTable("ARQUIVO_EXTRATO"), company);
+       RunDdl(db, ddl);
+     }},
 };
 
 }  // namespace

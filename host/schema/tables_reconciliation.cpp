@@ -14,6 +14,13 @@ std::vector<TableDef> ReconciliationTables() {
        {"LANCTO"},
        {{{"CONTA", "DT_CONT"}}, {{"DT_CONT"}}, {{"ARQUIVO"}}, {{"LANC_CON"}}}},
 
+      // How each file of a bank ended when its lines were confirmed: PARADA is the line of the file at which
+      // the load stopped, 0 where it came to the end. LINHAS were taken in.
+      {"ARQUIVO_EXTRATO",
+       {Text("ARQUIVO", 50), Account("CONTA"), Integer("LINHAS"), Integer("PARADA")},
+       {"ARQUIVO", "CONTA"},
+       {}},
+
       {"POSICAO",
        {Bank("BANCO"), Text("TIPO", 2), Text("CAMPO", 20), Integer("INICIO"), Integer("TAMANHO"),
         Text("MASCARA", 10), Text("SEPARADOR", 5), Integer("LINHA")},

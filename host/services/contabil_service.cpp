@@ -137,14 +137,20 @@ bool ContabilService::SetRateioClasse(std::string_view numero, std::string_view 
   return true;
 }
 
+std::string ContabilService::LockAccount(std::string_view kind) {
+  TOrvTable& accounts = tabela_.TbCadConta();
+  if (kind != "CT" || !accounts.Active() || accounts.IsEmpty()) return "";
+  return std::string(Trim(accounts["CONTA"].AsString()));
+}
+
+Date ContabilService::PeriodoFechadoAte(std::string_view kind) {
+  return locks_.ClosedUntil(tabela_.Standing(), kind, LockAccount(kind));
+}
+
 bool ContabilService::PeriodoConciliado(Date date, std::string_view kind) {
   if (date.Empty()) return false;
-  std::string account;
-  if (kind == "CT") {
-    TOrvTable& accounts = tabela_.TbCadConta();
-    if (accounts.Active() && !accounts.IsEmpty()) account = Trim(accounts["CONTA"].AsString());
-  }
-  const Date until = locks_.ClosedUntil(tabela_.Standing(), kind, account);
+  const std::string account = LockAccount(kind);
+  const Date until = PeriodoFechadoAte(kind);
   if (until.Empty() || date > until) return false;
   const std::string text = kind == "CX" ? "Período do caixa fechado até " + until.Brazil() + "."
                            : account.empty()

@@ -42,6 +42,7 @@ class ContabilService : public IContabil {
                        Currency valor, std::string_view carteira, bool confirm, Date data,
                        bool store) override;
   bool PeriodoConciliado(Date date, std::string_view kind) override;
+  Date PeriodoFechadoAte(std::string_view kind) override;
   Date DataContabilizacaoBancaria(Date date, std::string_view situacao, bool working_day) override;
 
   // --- For a posting.
@@ -56,6 +57,8 @@ class ContabilService : public IContabil {
                    bool one_order, const std::vector<Share>& shares);
 
  private:
+  // The account whose period is asked for: of "CT" that of the current row, "" else.
+  std::string LockAccount(std::string_view kind);
   int FloatDays(std::string_view situacao, const std::string& company);
   // The shares of a class, by its rules or as the user gives them. False when he gives up.
   bool SharesOf(std::string_view classe, Currency total, bool confirm, std::vector<Share>& shares);

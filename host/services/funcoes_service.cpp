@@ -44,6 +44,10 @@ std::string FuncoesService::DBLocal_SQL(std::string_view sql, std::string_view) 
   return p_.tabela.GetCompanies().ForCompany(sql, p_.tabela.Standing());
 }
 
+std::string FuncoesService::DBEmpresa_SQL(std::string_view sql, std::string_view suffix) const {
+  return p_.tabela.GetCompanies().ForCompany(sql, suffix);
+}
+
 std::string FuncoesService::UnionTodasEmpresas(std::string_view sql, std::string_view table, bool all) const {
   return all ? p_.tabela.GetCompanies().ForAll(sql, table) : DBLocal_SQL(sql, table);
 }

@@ -47,6 +47,7 @@ class FuncoesService : public IFuncoes {
   std::string vEmpresa_Atual() const override { return p_.company; }
   std::string DBLocal(std::string_view table, bool local) const override;
   std::string DBLocal_SQL(std::string_view sql, std::string_view table) const override;
+  std::string DBEmpresa_SQL(std::string_view sql, std::string_view suffix) const override;
   std::string UnionTodasEmpresas(std::string_view sql, std::string_view table, bool all) const override;
 
   std::string Busca_Valor(std::string_view table, std::string_view keys, std::string_view column,

@@ -77,6 +77,9 @@ SessionServices::SessionServices(Application& application, Attachment& db, std::
                                  std::string_view company)
     : parts_(std::make_unique<Parts>(application, db, login, company)) {
   application.SetServices(Get());
+  application.SetRights([&parts = *parts_](const std::string& screen_class) {
+    return parts.users.MayOpen(parts.login, screen_class);
+  });
 }
 
 SessionServices::~SessionServices() = default;

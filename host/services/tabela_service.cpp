@@ -89,9 +89,18 @@ void TabelaService::AbreTabela(std::string_view name, bool reread) {
 
 void TabelaService::FechaTabela(std::string_view name) {
   Shared& shared = Find(name);
+  if (Closes(shared)) shared.table.Close();
+}
+
+void TabelaService::SoltaTabela(std::string_view name) noexcept {
+  Shared& shared = Find(name);
+  if (Closes(shared)) shared.table.Abandon();
+}
+
+bool TabelaService::Closes(Shared& shared) const {
   // A close too many, and any close of the companies: those stay open for the session.
-  if (shared.opened == 0 || (shared.opened == 1 && &shared == tables_.front().get())) return;
-  if (--shared.opened == 0) shared.table.Close();
+  if (shared.opened == 0 || (shared.opened == 1 && &shared == tables_.front().get())) return false;
+  return --shared.opened == 0;
 }
 
 TOrvTable& TabelaService::Table(std::string_view name) { return Find(name).table; }

@@ -21,6 +21,7 @@ class TabelaService : public ITabela {
 
   void AbreTabela(std::string_view name, bool reread) override;
   void FechaTabela(std::string_view name) override;
+  void SoltaTabela(std::string_view name) noexcept override;
   TOrvDatabase& IBDatabase() override { return db_; }
   void CommitRetaining() override { db_.CommitRetaining(); }
   TOrvTable& Table(std::string_view name) override;
@@ -37,6 +38,8 @@ class TabelaService : public ITabela {
  private:
   struct Shared;
   Shared& Find(std::string_view name);
+  // Counts a close; true when it was the last one.
+  bool Closes(Shared& shared) const;
 
   TOrvDatabase& db_;
   std::vector<std::unique_ptr<Shared>> tables_;

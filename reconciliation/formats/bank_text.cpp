@@ -151,6 +151,7 @@ class Reader {
     // A line too short to have a date has none that can be read.
     const Date day = dia_ ? *dia_ : DateByMask("", "");
     const Currency amount = ImpliedAmount(valor_);
+    RequireLineAmount(amount, amount.Brazil());
     ++summary_.lines;
     sink_({resolved_, docto_, day, amount, operacao_, obs_, chave_});
   }
@@ -180,6 +181,7 @@ void ReadBankText(std::string_view text, const PositionLayout& layout, std::span
   std::string_view line;
   if (!lines.Next(line)) return;
   while (lines.Next(line)) {
+    summary.line = lines.Number();
     if (Trim(line).empty()) continue;
     try {
       reader.Line(line);

@@ -12,6 +12,7 @@
 namespace orv {
 
 struct BankTextSummary {
+  std::size_t line = 0;           // of the file: the latest that was looked at, from 1
   std::size_t read = 0;           // lines after the first, blank ones apart
   std::size_t lines = 0;          // handed on
   std::size_t other_account = 0;  // left out, since they aren't of the account asked for

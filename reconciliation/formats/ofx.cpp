@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
+#include <optional>
 #include <utility>
 
 #include "reconciliation/formats/outside_file.h"
@@ -133,7 +135,7 @@ class Reader {
         summary_.unfinished += open_;
         open_ = true;
         date_ = docto_ = memo_ = {};
-        amount_ = "0";
+        amount_.reset();
         return;
       case Tag::Posted:
         date_ = value;
@@ -172,17 +174,23 @@ class Reader {
 
  private:
   void HandOn(std::size_t line) {
+    const std::string_view text = amount_.value_or("");
     const Date day = Day(date_);
-    if (day.Empty()) {
-      const ConversionError error(std::string(CutChars(date_, 30)), "uma data válida");
-      throw UserError("Linha " + std::to_string(line) + " do arquivo: " + error.what());
+    const std::optional<Currency> amount = OfxAmount(text);
+    try {
+      if (day.Empty()) throw ConversionError(std::string(CutChars(date_, 30)), "uma data válida");
+      RequireLineAmount(amount.value_or(Currency()), CutChars(text, 40));
+    } catch (const ConversionError& e) {
+      throw UserError("Linha " + std::to_string(line) + " do arquivo: " + e.what());
     }
-    const bool debit = amount_.starts_with('-');
-    const std::optional<Currency> amount = OfxAmount(amount_);
+    if (!amount_) {
+      ++summary_.no_amounts;
+      return;
+    }
     summary_.unread_amounts += !amount;
     ++summary_.lines;
-    events_.line({"", Plain(docto_, docto_room_), day, amount.value_or(Currency()), debit ? "D" : "C",
-                  Plain(memo_, memo_room_), ""});
+    events_.line({"", Plain(docto_, docto_room_), day, amount.value_or(Currency()),
+                  text.starts_with('-') ? "D" : "C", Plain(memo_, memo_room_), ""});
   }
 
   void NoteAccount(std::string_view account) {
@@ -201,7 +209,8 @@ class Reader {
   OfxSummary& summary_;
   // The transaction that was begun.
   bool open_ = false;
-  std::string_view date_, amount_, docto_, memo_;
+  std::string_view date_, docto_, memo_;
+  std::optional<std::string_view> amount_;
   std::string docto_room_, memo_room_;
 };
 
@@ -225,6 +234,7 @@ void ReadOfx(std::string_view text, const OfxEvents& events, OfxSummary& summary
   Reader reader(events, summary);
   TextLines lines(text);
   for (std::string_view line; lines.Next(line);) {
+    summary.line = lines.Number();
     Tags(Trim(line), [&](Tag tag, std::string_view value) { reader.Take(tag, value, lines.Number()); });
   }
   reader.Finish();
@@ -242,7 +252,7 @@ std::optional<Currency> OfxAmount(std::string_view text) {
 
   int64_t raw = 0;
   int digits = 0, decimals = 0;
-  bool up = false;
+  bool up = false, fits = true;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
     if (c == '.' || c == ',') {
@@ -257,15 +267,12 @@ std::optional<Currency> OfxAmount(std::string_view text) {
       if (decimals == 5) up = c >= '5';
       continue;
     }
-    if (__builtin_mul_overflow(raw, 10, &raw) || __builtin_add_overflow(raw, c - '0', &raw))
-      return std::nullopt;
+    fits = fits && !__builtin_mul_overflow(raw, 10, &raw) && !__builtin_add_overflow(raw, c - '0', &raw);
   }
   if (digits == 0) return std::nullopt;
-  for (int i = std::min(decimals, 4); i < 4; ++i) {
-    if (__builtin_mul_overflow(raw, 10, &raw)) return std::nullopt;
-  }
-  if (__builtin_add_overflow(raw, int64_t{up}, &raw)) return std::nullopt;
-  return Currency::FromRaw(raw);
+  for (int i = std::min(decimals, 4); i < 4; ++i) fits = fits && !__builtin_mul_overflow(raw, 10, &raw);
+  fits = fits && !__builtin_add_overflow(raw, int64_t{up}, &raw);
+  return Currency::FromRaw(fits ? raw : std::numeric_limits<int64_t>::max());
 }
 
 }  // namespace orv

@@ -18,9 +18,11 @@ struct OfxSummary {
   static constexpr std::size_t kAccounts = 8;
   std::vector<std::string> accounts;
   bool more_accounts = false;
+  std::size_t line = 0;            // of the file: the latest that was looked at, from 1
   std::size_t lines = 0;           // transactions handed on
   std::size_t unfinished = 0;      // transactions without their end, left out
   std::size_t unbegun = 0;         // ends without their transaction, left out
+  std::size_t no_amounts = 0;      // transactions without an amount and so without a side, left out
   std::size_t unread_amounts = 0;  // transactions handed on with zero, since their amount is no number
 };
 
@@ -35,12 +37,12 @@ struct OfxEvents {
 std::optional<std::string> OfxBank(std::string_view text);
 
 // Hands on each transaction when its end is reached, with `conta` and `chave` empty. A line of the file may
-// hold several tags. Raises UserError, which names the line, for a
-// transaction whose date isn't one; those before it were handed on.
+// hold several tags. Raises UserError, which names the line, for a transaction whose date isn't one or whose
+// amount is beyond kMaxLineAmount; those before it were handed on.
 void ReadOfx(std::string_view text, const OfxEvents& events, OfxSummary& summary);
 
 // The amount without its sign: a point or a comma before the decimals, the other one between thousands.
-// Nothing for what isn't a number or doesn't fit.
+// Nothing for what isn't a number; the greatest amount there is for what doesn't fit.
 std::optional<Currency> OfxAmount(std::string_view text);
 
 }  // namespace orv

@@ -1,12 +1,7 @@
 #include "reconciliation/formats/outside_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
 
@@ -16,28 +11,9 @@
 namespace orv {
 namespace {
 
-constexpr const char* kUnreadable = "O arquivo não pôde ser lido.";
 constexpr const char* kNotText = "O arquivo não é um texto: nenhuma linha foi lida.";
 constexpr const char* kUtf16 =
     "O arquivo está em UTF-16. Grave-o como UTF-8 ou Windows-1252 e carregue-o de novo.";
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return fd_; }
-
- private:
-  int fd_;
-};
-
-std::string TooLarge() {
-  return "O arquivo é grande demais: o limite é de " + std::to_string(kMaxOutsideFile >> 20) + " MB.";
-}
 
 // What a byte asks for.
 enum : uint8_t { kPlain = 0, kHigh = 1, kControl = 2, kReturn = 4, kZero = 8 };
@@ -117,33 +93,6 @@ std::string FromMixed(std::string_view bytes) {
 }
 
 }  // namespace
-
-bool OutsideFileExists(const std::string& path) {
-  struct stat info {};
-  return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-}
-
-std::string OutsideFileBytes(const std::string& path) {
-  // A pipe put in the file's place must not hold the session.
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat info {};
-  if (file.Get() < 0 || ::fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode))
-    throw UserError(kUnreadable);
-  if (info.st_size > static_cast<off_t>(kMaxOutsideFile)) throw UserError(TooLarge());
-
-  // One byte more than it had shows a file that grows.
-  std::string bytes(static_cast<std::size_t>(info.st_size) + 1, '\0');
-  std::size_t have = 0;
-  while (have < bytes.size()) {
-    const ssize_t got = ::read(file.Get(), bytes.data() + have, bytes.size() - have);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throw UserError(kUnreadable);
-    if (got == 0) break;
-    have += static_cast<std::size_t>(got);
-  }
-  bytes.resize(have < bytes.size() ? have : bytes.size() - 1);
-  return bytes;
-}
 
 std::string OutsideText(std::string bytes) {
   if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) throw UserError(kUtf16);

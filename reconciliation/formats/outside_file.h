@@ -1,4 +1,4 @@
-// A file that came from outside, as text: read with a bound, its encoding found by its bytes, its lines.
+// A file that came from outside, as text: its encoding found by its bytes, its lines.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +9,6 @@ namespace orv {
 
 // The largest file that is read, in bytes.
 constexpr std::size_t kMaxOutsideFile = std::size_t{64} << 20;
-
-// True for a regular file, or a link to one.
-bool OutsideFileExists(const std::string& path);
-
-// The bytes of a regular file. Raises UserError when it can't be read or is larger than the bound.
-std::string OutsideFileBytes(const std::string& path);
 
 // The bytes as UTF-8 without its mark. Bytes that aren't UTF-8 are taken as Windows-1252, whose printed
 // characters include those of ISO-8859-1, whatever the file says of itself. Lines end in LF or CR LF; other

@@ -1,7 +1,7 @@
 // The page on the desk itself: a demo company, its database and its rules, by keyboard alone.
 import assert from "node:assert/strict";
 import { after, afterEach, before, describe, test } from "node:test";
-import { described, enter as logInAt, findings, focusIs, keys, launch, openPage, openScreen, picture, shows, told } from "./support/browser.mjs";
+import { described, enter as logInAt, findings, focusIs, keys, launch, logIn, openPage, openScreen, picture, shows, told } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
 
 let browser;
@@ -32,6 +32,11 @@ async function enter(options) {
   return page;
 }
 
+async function logInAgain(page) {
+  await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
+  await logIn(page);
+  await page.getByRole("button", { name: "Telas" }).waitFor();
+}
 async function openLedger(page) {
   await openScreen(page, "corr", "Movimento de Contas Correntes");
   await focusIs(page, "Incluir");
@@ -217,6 +222,26 @@ test("only what the user may open and do", async () => {
   await picture(page, "no-right");
 });
 
+test("a desk that dies takes nothing along that was typed", async () => {
+  const page = await enter();
+  await openLedger(page);
+  await keys(page, "Alt+i");
+  await typePosting(page, "10250-1", "RECIBO 7", "77,5", "Sobrevive");
+  await shows(page, "Valor", "77,50");
+  await desk.crash();
+  await logInAgain(page);
+  await page.getByText("Movimento de Contas Correntes”").waitFor();
+  await picture(page, "offer");
+  await page.getByRole("button", { name: "Retomar" }).click();
+  await shows(page, "Observação", "Sobrevive");
+  await shows(page, "Valor", "77,50");
+  await described(page, "RECEITAS EVENTUAIS");
+  await keys(page, "Alt+o");
+  await focusIs(page, "Incluir");
+  await find(page, "RECIBO 7");
+  await shows(page, "Conta", "10250-1");
+});
+
 test("a stop tells the users, undoes what is open, and leaves a log without amounts", async () => {
   const page = await enter();
   await openLedger(page);
@@ -231,4 +256,8 @@ test("a stop tells the users, undoes what is open, and leaves a log without amou
   assert.match(desk.run(["audit", "--last", "20"]), /EXCLUS/);
   assert.match(desk.run(["check"]), /nada|nenhum|sem/i);
   await desk.start();
+  // The page that stood at the log-in all the while finds the companies by itself.
+  await logInAgain(page);
+  await page.getByRole("button", { name: "Descartar" }).click();
+  await page.locator(".offers").waitFor({ state: "hidden" });
 });

@@ -72,6 +72,15 @@ describe("typing", () => {
         await focusIs(page, "Conta");
         assert.deepEqual(desk.session().posted.at(-1), { conta: "0001-5", documento: `DOC ${round}`, valor: `${round}.234,50`, obs: "texto digitado com pressa" });
       }
+      // Both lines count in the totals; where an account isn't there, Enter says no.
+      await keys(page, "0001-5", "Tab", "SEM CONTA", "Enter", "5", "Enter", "0212", "Tab", "1234,5", "Enter", "Alt+o");
+      const confirm = page.getByRole("dialog", { name: "Confirmação contábil" });
+      await confirm.waitFor();
+      assert.match(await confirm.locator("tfoot").innerText(), /Total a débito\s+1\.247,00\s+Total a crédito\s+1\.247,00/);
+      await focusIs(page, "Não");
+      await keys(page, "Enter");
+      await confirm.waitFor({ state: "detached" });
+      assert.equal(desk.session().posted.length, 3);
       const dates = sentSets().filter(([name]) => name === "Lancamento" || name === "Vencimento").map(([, value]) => value);
       assert.deepEqual([...new Set(dates)], ["05/11/2026", "02/12/2026"]);
     });
@@ -117,11 +126,11 @@ describe("typing", () => {
     await page.getByRole("dialog", { name: "Pesquisa: Conta" }).waitFor();
     await keys(page, "Escape");
     await focusIs(page, "Valor");
-    await keys(page, "1,2,3", "Tab");
-    await page.getByRole("alertdialog").getByText('"1,2,3" não é um valor.').waitFor();
+    await keys(page, "12a3", "Tab");
+    await page.getByRole("alertdialog").getByText('"12a3" não é um valor.').waitFor();
     await keys(page, "Enter");
     await focusIs(page, "Valor");
-    assert.equal(await field(page, "Valor").inputValue(), "1,2,3");
+    assert.equal(await field(page, "Valor").inputValue(), "12a3");
     await keys(page, "Escape");
     assert.equal(await field(page, "Valor").inputValue(), "");
   });
@@ -145,6 +154,38 @@ describe("typing", () => {
     await keys(page, "ArrowDown", " ", "ArrowDown", " ", "Enter");
     await until("escolhidas", async () => (await field(page, "Contas").inputValue()) === "0002-3,9000-1");
   });
+});
+
+describe("a press is for what was seen", () => {
+  for (const delay of [0, 150]) {
+    test(`two in one burst do one thing, ${delay} ms away`, async () => {
+      desk.delay = delay;
+      const page = await enter();
+      await openScreen(page, "cheques", "Cheques");
+      const button = (name) => page.getByRole("button", { name, exact: true });
+      const clicks = () => desk.session().log.filter((one) => one.do === "click").map((one) => one.control).join(" ");
+      await button("Compensar").dblclick();
+      await focusIs(page, "Compensar");
+      await keys(page, "Enter", "Enter");
+      await page.getByText("3 de 5", { exact: true }).waitFor();
+      // Where the first one stood the second finds another button, or another screen.
+      await button("Incluir").dblclick();
+      await focusIs(page, "Confirmar");
+      await keys(page, "Alt+o");
+      await focusIs(page, "Incluir");
+      await keys(page, "Alt+d");
+      await focusIs(page, "Conta Origem");
+      await button("Fechar").last().dblclick();
+      await focusIs(page, "Diálogo");
+      assert.equal(clicks(), "Compensar Compensar Incluir Confirmar Dialogo Fechar");
+      await keys(page, "Alt+d");
+      await focusIs(page, "Conta Origem");
+      if (delay > 0) await keys(page, "Alt+f", "Alt+c", "Tab", "Enter");
+      else await keys(page, "Alt+f");
+      await focusIs(page, "Diálogo");
+      assert.equal(clicks(), "Compensar Compensar Incluir Confirmar Dialogo Fechar Dialogo Fechar");
+    });
+  }
 });
 
 describe("connection", () => {
@@ -206,10 +247,34 @@ describe("connection", () => {
   test("a session that is gone is told, and login stands there when nobody is logged in", async () => {
     const page = await enter();
     await openScreen(page, "mcc", "Movimento");
+    await focusIs(page, "Conta");
+    await keys(page, "F4");
+    await page.getByText("Banco do Litoral").waitFor();
+    await keys(page, "litoral", "Enter");
+    await focusIs(page, "Conta");
+    await keys(page, "Tab", "DOC 1");
+    await field(page, "Valor").click();
+    await focusIs(page, "Valor");
+    await keys(page, "12");
     desk.sessions.clear();
     desk.drop();
     await page.getByText("A sessão anterior terminou").waitFor();
     await keys(page, "Enter");
+    // What stood typed in the form is offered again, the last field unsent as it was.
+    await page.getByText("3 campos digitados").waitFor();
+    assert.deepEqual(await findings(page), []);
+    await page.keyboard.press("Control+Alt+r");
+    await until("preenchida", async () => (await field(page, "Valor").inputValue()) === "12,00");
+    assert.deepEqual(sentSets(), [["Conta", "0010-0"], ["Documento", "DOC 1"], ["Valor", "12"]]);
+    await page.locator(".offers").waitFor({ state: "hidden" });
+    await keys(page, "Alt+o");
+    await page.getByRole("dialog", { name: "Confirmação contábil" }).waitFor();
+    await keys(page, "Enter");
+    await until("gravado", () => desk.session().posted?.length === 1);
+    assert.equal(await page.evaluate(() => Object.keys(sessionStorage).filter((key) => key.startsWith("orv-drafts")).length), 0);
+    await keys(page, "0001-5", "Tab");
+    await focusIs(page, "Documento");
+    await page.getByRole("tab", { name: "Movimento" }).locator(".tab-close").click();
     await focusIs(page, "Procurar tela");
     desk.logged = false;
     desk.drop();
@@ -230,7 +295,12 @@ describe("grid", () => {
     await until("linha 301", () => desk.session().top.sets.TbConsulta.row === 300);
     await page.getByText("301 de 100.000").waitFor();
     // Typed at once after a leap, into a row whose cells aren't there yet.
-    await keys(page, "Control+End", "ArrowRight", "ArrowRight", "ArrowRight", "Acerto", "Tab", "12,5", "Enter", " ");
+    await keys(page, "Control+End", "ArrowRight", "ArrowRight", "ArrowRight", "Acerto", "Tab", "12a3", "Enter");
+    // What is no amount stays in its cell, to be put right.
+    await page.getByRole("alertdialog").getByText('"12a3" não é um valor.').waitFor();
+    await keys(page, "Enter");
+    assert.equal(await page.locator(".grid-editor").inputValue(), "12a3");
+    await keys(page, "12,5", "Enter", " ");
     await until("editada", () => desk.session().top.sets.TbConsulta.edits.get(99_999)?.length === 3);
     assert.deepEqual(desk.session().top.sets.TbConsulta.edits.get(99_999), [[3, "Acerto"], [4, "12,50"], [5, "N"]]);
     await until("mostrada", async () => /Acerto\s+12,50/.test(await currentRow(page)));
@@ -239,7 +309,7 @@ describe("grid", () => {
     await page.getByText("0000001").waitFor();
     await keys(page, "Control+Home", "Delete");
     await until("tecla", () => desk.session().log.at(-1).key === "Delete");
-    assert.deepEqual({ ...desk.session().log.at(-1), n: 0 }, { do: "key", control: "Grade1", key: "Delete", row: 0, column: "PENDENTE", n: 0 });
+    assert.deepEqual({ ...desk.session().log.at(-1), n: 0 }, { screen: desk.session().top.id, do: "key", control: "Grade1", key: "Delete", row: 0, column: "PENDENTE", n: 0 });
     assert.deepEqual(await findings(page), []);
     assert.equal(await grid(page).getAttribute("aria-rowcount"), "100001");
   });

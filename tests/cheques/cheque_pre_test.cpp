@@ -242,6 +242,8 @@ TEST_F(ChequeTest, CancellationUndoesSettlements) {
   }
   Desk desk(database_);
   desk.Open("TfmChequePre");
+  Closed(desk, "BitBtn3", "CX");
+  EXPECT_EQ(desk.End() + Cheques(), "idleC1|P;C2|P;C3|P");
   for (int row = 0; row < 3; ++row) {
     Stand(desk, row);
     desk.Click("BitBtn3");
@@ -298,6 +300,8 @@ TEST_F(ChequeTest, Alteration) {
   desk.Do({{"do", "dblclick"}, {"control", "DBGrid2"}, {"row", 0}, {"column", "CHAVE"}});
   EXPECT_EQ(desk.Messages(), "Confirme ou desista primeiro do cheque em edição.");
   desk.Answer("ok");
+  Closed(desk, "BtnConfirmar", "CX");
+  EXPECT_EQ(desk.End() + Mode(desk), "idleedit confirm");
   desk.Click("BtnConfirmar");
   EXPECT_EQ(desk.Messages() + Mode(desk), "browse");
   for (const char* control : {"DBGrid1"}) EXPECT_TRUE(desk.Enabled(control)) << control;
@@ -390,7 +394,17 @@ TEST_F(ChequeTest, TransferToAnotherCompany) {
   CloseLists(desk);
   EXPECT_EQ(desk.Messages(), "error: Escolha a empresa para a qual o cheque vai.");
   EXPECT_EQ(Cheques() + Audit() + " " + Mode(desk), "C1|D;C2|P browse confirm company");
-  desk.Set("CBEmpresa", "1");
+  Run("UPDATE CHEQUE_PRE_001 SET VENCIMENTO = NULL WHERE CHAVE = 'C2'");
+  const char* refusals[] = {"O cheque já está nesta empresa. Escolha outra empresa.",
+                            "É necessário informar uma Data de Vencimento válida para o Cheque."};
+  for (const char* company : {"0", "1"}) {
+    desk.Set("CBEmpresa", company);
+    desk.Click("BtnConfirmar");
+    EXPECT_EQ(desk.Messages(), refusals[*company - '0']);
+    desk.Answer("ok");
+    EXPECT_EQ(Cheques() + " " + Mode(desk), "C1|D;C2|P browse confirm company");
+  }
+  Run("UPDATE CHEQUE_PRE_001 SET VENCIMENTO = '11/12/2026' WHERE CHAVE = 'C2'");
   desk.Click("BtnConfirmar");
   EXPECT_EQ(desk.Messages() + Mode(desk) + desk.Text("EDChave"), "browseC1");
   const std::string columns =

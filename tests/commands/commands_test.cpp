@@ -311,7 +311,8 @@ TEST_F(CommandsTest, CheckTellsContradictionsAndChangesNothing) {
 
 TEST_F(CommandsTest, UpgradeBringsAnOlderOneUp) {
   EXPECT_EQ(Good({"upgrade"}), "O banco já está na versão " + std::to_string(kSchemaVersion) + ".\n");
-  Ddl("DROP TABLE PREFERENCIA");
+  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ARQUIVO_EXTRATO_002"})
+    Ddl("DROP TABLE " + std::string(table));
   DeskTest::Run("UPDATE VERSAO_ESQUEMA SET VERSAO = 1");
   EXPECT_NE(Bad({"check"}).find("Execute \"orvcc upgrade\"."), std::string::npos);
   EXPECT_NE(Bad({"drive", "--user", "ana"}).find("Execute \"orvcc upgrade\"."), std::string::npos);

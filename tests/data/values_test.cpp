@@ -173,20 +173,5 @@ TEST_F(DataTest, StatementsSurviveAChangeOfSchema) {
   EXPECT_TRUE(database->HasPendingWrites());
 }
 
-TEST_F(DataTest, IndexesComeBackAfterALoad) {
-  database->ExecuteDdl("CREATE TABLE T (ID INTEGER NOT NULL PRIMARY KEY, C VARCHAR(10))");
-  database->ExecuteDdl("CREATE INDEX T_C ON T (C)");
-  const std::string inactive = "SELECT COUNT(*) FROM RDB$INDICES WHERE RDB$INDEX_INACTIVE = 1";
-  {
-    IndexPause pause(*database, "T");
-    EXPECT_EQ(Text(inactive), "1");
-    BulkInsert bulk(*database, "T", {"ID", "C"});
-    bulk.Add({1, "a"});
-    bulk.Finish();
-  }
-  EXPECT_EQ(Text(inactive), "0");
-  EXPECT_EQ(Count("T"), 1);
-}
-
 }  // namespace
 }  // namespace orv

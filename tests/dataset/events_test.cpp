@@ -33,7 +33,7 @@ class Events : public testing::Test {
   }
 
   void Listen() {
-    const auto note = [this](std::function<void()>& event, const char* name) {
+    const auto note = [this](Event& event, const char* name) {
       event = [this, name] { trace += (trace.empty() ? "" : " ") + std::string(name); };
     };
     note(set.BeforeInsert, "BeforeInsert"), note(set.OnNewRecord, "OnNewRecord");
@@ -95,6 +95,21 @@ TEST_F(Events, OneSequenceForEveryChange) {
   set.Open();
   EXPECT_EQ(Trace(), "AfterOpen");
   EXPECT_TRUE(set.IsEmpty() && set.Bof() && set.Eof());
+}
+
+TEST_F(Events, ListenersStandBesideTheOwnersHandlerAndGo) {
+  const auto note = [this](const char* who) { return [this, who] { trace += who; }; };
+  set.AfterScroll = note("own ");
+  auto first = set.AfterScroll.Listen(note("first "));
+  std::shared_ptr<const void> second;
+  const auto third = set.AfterScroll.Listen([&] { trace += "third ", second.reset(); });
+  second = set.AfterScroll.Listen(note("second "));
+  set.Next();
+  EXPECT_EQ(Trace(), "own first third ") << "one that has gone meanwhile isn't called";
+  first.reset();
+  set.AfterScroll = nullptr;
+  set.Next();
+  EXPECT_EQ(Trace(), "third ");
 }
 
 TEST_F(Events, AnUntouchedInsertionIsDropped) {

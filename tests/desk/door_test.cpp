@@ -1,4 +1,8 @@
 // The door, verb by verb, on a sample screen over a real database.
+#include <array>
+
+#include "host/services/audit.h"
+#include "host/services/users.h"
 #include "tests/desk/sample_screen.h"
 #include "tests/support/desk_test.h"
 
@@ -30,6 +34,7 @@ TEST_F(DoorTest, EachObjectIsAnsweredOnceAndWhatCannotBeDoneRunsNothing) {
                            R"({"do":"click","control":7})",
                            R"({"do":"click","control":"Nada"})",
                            R"({"do":"click","control":"EdtTexto"})",
+                           R"({"do":"click","control":"BtGrava","screen":99})",
                            R"({"do":"set","control":"EdtNomeBanco","value":"x"})",
                            R"({"do":"set","control":"EdtTexto"})",
                            R"({"do":"set","control":"EdtValor","value":"1,2,3"})",
@@ -138,8 +143,13 @@ TEST_F(DoorTest, AGridIsFilledChangedOrderedAndEmptied) {
   }
   desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 0}});
   EXPECT_EQ(desk_.Rows("TbLinhas"), "B|1000.1000|S\nA|1000.1000|S\n");
-  cell(0, "Valor", "dez");
-  EXPECT_EQ(desk_.Messages(), "error: \"dez\" não é um valor válido.");
+  for (const auto& [typed, told] :
+       {std::pair("12a3", "não é um valor. Escreva como 1.234,56."),
+        std::pair("12,345", "não é um valor. Escreva como 1.234,56."),
+        std::pair("900000000000000,00", "é grande demais. O maior valor é 999.999.999.999,99.")}) {
+    cell(0, "Valor", typed);
+    EXPECT_EQ(desk_.Messages(), "error: \"" + std::string(typed) + "\" " + told);
+  }
   desk_.Do({{"do", "title"}, {"control", "Grade"}, {"column", "Codigo"}});
   EXPECT_EQ(desk_.Rows("TbLinhas"), "A|1000.1000|S\nB|1000.1000|S\n");
   desk_.Do({{"do", "dblclick"}, {"control", "Grade"}, {"row", 0}, {"column", "Codigo"}});
@@ -165,6 +175,9 @@ TEST_F(DoorTest, QuestionsWaitForTheirOwnAnswers) {
   EXPECT_EQ(desk_.End(), "waiting answer");
   desk_.Answer("yes");
   EXPECT_EQ(Label(), "sim");
+  desk_.Click("BtPergunta");
+  desk_.Answer("cancel");
+  EXPECT_EQ(desk_.Messages() + Label(), "não") << "a no, which ends no gathering";
   desk_.Click("BtData");
   desk_.Answer("31/02/2026");
   EXPECT_EQ(desk_.End(), "waiting answer");
@@ -183,7 +196,7 @@ TEST_F(DoorTest, QuestionsWaitForTheirOwnAnswers) {
   EXPECT_EQ(Label(), "recusado");
 }
 
-TEST_F(DoorTest, AFileGoesIntoTheUsersOwnFolderAndNowhereElse) {
+TEST_F(DoorTest, AFileIsKeptUnderNoNameOfTheUsers) {
   for (const char* name : {"../fora.txt", "/etc/passwd", "a/b.txt", ".oculto", "", "x\ny"}) {
     desk_.Click("BtArquivo");
     desk_.Do({{"do", "file"}, {"name", name}, {"content", "b2k="}});
@@ -193,13 +206,17 @@ TEST_F(DoorTest, AFileGoesIntoTheUsersOwnFolderAndNowhereElse) {
   desk_.Click("BtArquivo");
   desk_.Do({{"do", "file"}, {"name", "a.txt"}, {"content", "não é base64"}});
   EXPECT_EQ(desk_.End(), "waiting file");
-  const std::filesystem::path folder = folder_.Path() / "files" / "ana";
-  std::filesystem::create_directories(folder);
-  std::filesystem::create_symlink(folder_.Path() / "alvo.txt", folder / "extrato março.txt");
-  desk_.Do({{"do", "file"}, {"name", "extrato março.txt"}, {"content", "b2k="}});
-  EXPECT_EQ(Label(), (folder / "extrato março.txt").string());
+  // The name is the user's; on the disk the file has another, and what stands under the name stays as it is.
+  const std::filesystem::path folder = folder_.Path() / "sessoes" / "ana";
+  std::filesystem::create_symlink(folder_.Path() / "alvo.txt", folder_.Path() / "extrato março.txt");
+  for (int times = 0; times < 2; ++times) {
+    if (times > 0) desk_.Click("BtArquivo");
+    desk_.Do({{"do", "file"}, {"name", "extrato março.txt"}, {"content", "b2k="}});
+    EXPECT_EQ(Label(), "extrato março.txt");
+    ASSERT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+    EXPECT_EQ(std::filesystem::file_size(std::filesystem::directory_iterator(folder)->path()), 2U);
+  }
   EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "alvo.txt")) << "a link isn't followed";
-  EXPECT_EQ(std::filesystem::file_size(folder / "extrato março.txt"), 2U);
 }
 
 TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
@@ -219,9 +236,14 @@ TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
   EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ") << "a dialog is modal";
   desk_.Click("BtFalha");
   EXPECT_EQ(desk_.Messages(), "error: Falha no diálogo.");
-  desk_.Click("BtOk");
+  const Json dialog = desk_.State()["screens"].Items().back()["id"];
+  desk_.Do({{"do", "click"}, {"control", "BtOk"}, {"screen", dialog}});
   EXPECT_EQ(Label(), "voltou 0");
-  EXPECT_EQ(Banks("'X01','H01'"), "X01");
+  // The second of two clicks was meant for the dialog, whose button has a namesake beneath.
+  desk_.Set("EdtTexto", "G02");
+  desk_.Do({{"do", "click"}, {"control", "BtGrava"}, {"screen", dialog}});
+  EXPECT_EQ(desk_.Messages(), "error: A tela não está mais à frente.");
+  EXPECT_EQ(Banks("'X01','H01','G02'"), "X01");
 
   // The opening action fails after its dialog wrote: all of it goes.
   Run("DELETE FROM CADBAN_001 WHERE BANCO = 'X01'");
@@ -235,38 +257,42 @@ TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
   EXPECT_EQ(Banks("'Z01'"), "Z01") << "the screen stays usable";
 }
 
-TEST_F(DoorTest, ALongGatheringIsCancelled) {
-  // The cancel is sent when the first sign of progress arrives, as a person would.
-  SessionOptions options;
-  options.database = database_.string();
-  options.user = "ana";
-  options.company = "_001";
-  options.folder = folder_.Path();
-  Log log((folder_.Path() / "long.log").string());
-  std::mutex mutex;
-  std::condition_variable arrived;
-  int idles = 0;
-  std::string error;
-  Session* session = nullptr;
-  const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
-    const std::lock_guard lock(mutex);
-    if (out["on"] == Json("progress") && session != nullptr) {
-      session->Post({{"do", "answer"}, {"value", "cancel"}});
-      session = nullptr;
+TEST_F(DoorTest, ALongGatheringIsCancelledAndNothingElse) {
+  // The cancel is sent when the first sign of progress arrives, as a person would. A question that was asked
+  // meanwhile isn't answered by it.
+  for (const char* button : {"BtLonga", "BtPergunta"}) {
+    SessionOptions options;
+    options.database = database_.string();
+    options.user = "ana";
+    options.company = "_001";
+    options.folder = folder_.Path();
+    Log log((folder_.Path() / "long.log").string());
+    std::mutex mutex;
+    std::condition_variable arrived;
+    int settled = 0;
+    std::string error, last;
+    Session* session = nullptr;
+    const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
+      const std::lock_guard lock(mutex);
+      if (out["on"] == Json("progress") && session != nullptr) {
+        session->Post({{"do", "answer"}, {"value", "cancel"}});
+        session = nullptr;
+      }
+      if (out["on"] == Json("error")) error = out["text"].String();
+      last = out["on"].String();
+      settled += last == "idle" || last == "waiting";
+      arrived.notify_one();
+    });
+    {
+      const std::lock_guard lock(mutex);
+      session = one.get();
     }
-    if (out["on"] == Json("error")) error = out["text"].String();
-    if (out["on"] == Json("idle")) ++idles;
-    arrived.notify_one();
-  });
-  {
-    const std::lock_guard lock(mutex);
-    session = one.get();
+    one->Post({{"do", "open"}, {"class", "TfmAmostra"}});
+    one->Post({{"do", "click"}, {"control", button}});
+    std::unique_lock lock(mutex);
+    arrived.wait(lock, [&] { return settled == 4; });
+    EXPECT_EQ(error + last, std::string(button) == "BtLonga" ? "Operação cancelada.idle" : "waiting");
   }
-  one->Post({{"do", "open"}, {"class", "TfmAmostra"}});
-  one->Post({{"do", "click"}, {"control", "BtLonga"}});
-  std::unique_lock lock(mutex);
-  arrived.wait(lock, [&] { return idles == 4; });
-  EXPECT_EQ(error, "Operação cancelada.");
 }
 
 TEST_F(DoorTest, ASessionThatEndsInAQuestionLeavesNothingBehind) {
@@ -282,6 +308,21 @@ TEST_F(DoorTest, OnlyWhatTheUserMayOpenOpens) {
   Desk leo(database_, "leo");
   leo.Open("TfmAmostra");
   EXPECT_EQ(leo.Messages(), "error: A tela \"TfmAmostra\" não está disponível.");
+  Audit audit(Db(), Clock(), "", "");
+  for (const auto& [screen, page, button, other] :
+       {std::array{"TFmConcilia", "TabSheet1", "BitBtn9", "Cadastro de Extrato Bancário"},
+        std::array{"TFmCadExtrato", "TabSheet2", "BitBtn2", "Conciliação"}}) {
+    Users(Db(), audit).Grant("leo", {screen, "*"});
+    Db().CommitRetaining();
+    Desk one(database_, "leo");
+    one.Open(screen);
+    one.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", page}});
+    one.Click(button);
+    EXPECT_EQ(one.Messages(),
+              std::string("error: Usuário sem permissão para abrir a tela \"") + other + "\".");
+    EXPECT_EQ(one.State()["screens"].Items().size(), 1U);
+    Users(Db(), audit).Revoke("leo", screen);
+  }
   EXPECT_THROW(Desk(database_, "ninguém"), UserError);
   EXPECT_THROW(Desk(database_, "ana", "_009"), UserError);
 }

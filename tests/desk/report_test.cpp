@@ -53,7 +53,7 @@ class ReportTest : public DeskTest {
     const Json told = Told();
     if (told.IsNull()) return desk_.Messages();
     const std::filesystem::path file = told["file"].String();
-    EXPECT_EQ(file.parent_path(), folder_.Path() / "files" / "ana" / "relatorios");
+    EXPECT_EQ(file.parent_path(), folder_.Path() / "sessoes" / "ana");
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
@@ -114,10 +114,9 @@ TEST_F(ReportTest, IsIncompleteRatherThanMissing) {
 
 TEST_F(ReportTest, IsWrittenNowhereElse) {
   const Json told = Launch("Amostra");
-  std::filesystem::create_directories(folder_.Path() / "files" / "ana");
+  std::filesystem::create_directories(folder_.Path() / "sessoes");
   std::filesystem::create_directories(folder_.Path() / "fora");
-  std::filesystem::create_directory_symlink(folder_.Path() / "fora",
-                                            folder_.Path() / "files" / "ana" / "relatorios");
+  std::filesystem::create_directory_symlink(folder_.Path() / "fora", folder_.Path() / "sessoes" / "ana");
   EXPECT_EQ(Written(told["id"], "txt"), "error: A pasta dos relatórios não pode ser usada.");
   EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "fora"));
 }

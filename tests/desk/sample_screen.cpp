@@ -37,7 +37,11 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   Grade.OnKey = [this](KeyPress& key) { LbSoma.SetCaption(key.column + " " + key.key); };
   Grade.OnTitleClick = [this](const std::string& column) { Linhas.SetIndexFieldNames(column); };
   Grade.OnDblClick = [this] { LbSoma.SetCaption("duplo " + Linhas.Codigo.AsString()); };
-  BtPergunta.OnClick = [this] { LbSoma.SetCaption(Ask("Continua?", true) ? "sim" : "não"); };
+  BtPergunta.OnClick = [this] {
+    User().Progress(1, 2, "Antes");
+    LbSoma.SetCaption(Ask("Continua?", true) ? "sim" : "não");
+    User().Progress(2, 2, "Depois");
+  };
   BtData.OnClick = [this] {
     Date date = Today();
     const bool given = Funcoes.InputBoxData(Caption(), "Qual a data?", date);

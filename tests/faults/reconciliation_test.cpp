@@ -58,7 +58,7 @@ class TieFaultsTest : public ConciliaTest {
            Sql("SELECT COUNT(*) FROM AUDITORIA");
   }
 
-  std::vector<TieAction> Actions() {
+  std::vector<TieAction> Actions(const std::string& file = "cheques.ret") {
     const Json open{{"do", "open"}, {"class", "TFmConcilia"}}, yes{{"do", "answer"}, {"value", "yes"}},
         page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet2"}};
     const Json account = Set("EdtConta", kConta), consult = Click("BitBtn1");
@@ -76,7 +76,7 @@ class TieFaultsTest : public ConciliaTest {
         {"return",
          {open,
           page,
-          Set("EdtCam", (folder_.Path() / "cheques.ret").string()),
+          Set("EdtCam", file),
           Set("EdtArq", ""),
           Set("EdtContaArq", kOutra),
           Click("BitBtn6"),
@@ -132,7 +132,7 @@ TEST_F(TieFaultsTest, EveryStatementCanFail) {
 TEST_F(TieFaultsTest, KilledActionsLeaveAllOrNothing) {
   Run("UPDATE POSICAO_001 SET BANCO = '902', TIPO = 'EX' WHERE BANCO = '901'");
   constexpr int kKills = 10;
-  for (const TieAction& action : Actions()) {
+  for (const TieAction& action : Actions(folder_.Path() / "cheques.ret")) {
     SCOPED_TRACE(action.name);
     ExpectAllOrNothing(
         kKills, action.last,

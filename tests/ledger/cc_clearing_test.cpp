@@ -76,7 +76,8 @@ TEST_F(ClearingTest, TheSelectionWalksOn) {
   for (const char* numero : {"A1", "A2", "A3"}) Store({.numero = numero, .docto = numero, .pendente = "S"});
   // Both rows of a transfer are cleared together, the settled one too.
   Store({.numero = "T1", .docto = "A2", .tipo = "TR", .conta = kOutraConta, .pendente = "S"});
-  Store({.numero = "T1", .docto = "A2", .tipo = "TR", .operacao = "+", .pendente = "N"});
+  Store({.numero = "T1", .docto = "A2", .tipo = "TR", .lanc_con = "L9", .operacao = "+", .pendente = "N"});
+  Run("INSERT INTO CONTABIL_001 (LANCAMENTO) VALUES ('L9')");
   Desk desk(database_);
   desk.Open("TfmCC");
   EXPECT_EQ(Consult(desk), "A1 A2 A3 T1");
@@ -84,23 +85,39 @@ TEST_F(ClearingTest, TheSelectionWalksOn) {
   desk.Click("SpeedButton8");
   EXPECT_EQ(Found(desk) + " at " + Selected(desk), "A1 A3 T1 at A3");
   Select(desk, 2);
+  // Each of them holds the locks, by the day that it leaves as well.
+  Run("UPDATE CONTACOR_001 SET DT_LAN = '11/22/2026' WHERE LANCAMENTO = 'T1'");
+  desk.Set("DtBaixaComp", "25/11/2026");
+  Closed(desk, "SpeedButton8", "CT", kConta);
+  Closed(desk, "SpeedButton8", "CX");
+  desk.Set("DtBaixaComp", "20/11/2026");
   desk.Click("SpeedButton8");
   EXPECT_EQ(Found(desk) + " at " + Selected(desk), "A1 A3 at A1");
   EXPECT_EQ(Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON), MIN(PENDENTE), MIN(DT_CONT) FROM CONTACOR_001 "
                 "WHERE LANCAMENTO = 'T1'"),
             "2|1|N|2026-11-20");
+  EXPECT_EQ(Count("CONTABIL_001", "LANCAMENTO = 'L9'"), "0");
   // Among all movements the cleared one stays, and the selection goes on as well.
   EXPECT_EQ(Consult(desk, {{"RgBusca", "Todos"}}), "A1 A2 T1 A3 T1");
   desk.Click("SpeedButton8");
   EXPECT_EQ(Selected(desk), "A2");
+  Consult(desk, {{"EdtConsLanc", "T1"}, {"EdtConsConta", kOutraConta}});
+  Closed(desk, "SpeedButton6", "CT", kConta);
+  EXPECT_EQ(desk.End() + Count("CONTACOR_001", "LANCAMENTO = 'T1' AND PENDENTE = 'N'"), "idle2");
 }
 
 TEST_F(ClearingTest, ChequesFollow) {
   Store({.numero = "A1", .docto = "77", .pendente = "S", .historico = "004", .tipo_doc = "CH"});
   Cheque("A1", "77", "P");
   Cheque("A1", "78", "P");
+  // Of a captured cheque the movement is of no kind; one that came back stays so.
+  for (const char* docto : {"79", "80"})
+    Store({.numero = "A2", .docto = docto, .pendente = "S", .tipo_doc = ""});
+  Cheque("A2", "79", "P");
+  Cheque("A2", "80", "D");
   const auto cheques = [&] {
-    return Sql("SELECT NUMERO, STATUS, DT_BAIXA FROM CHEQUE_PRE_001 WHERE CHAVE = 'A1' ORDER BY 1");
+    return Sql(
+        "SELECT NUMERO, STATUS, DT_BAIXA FROM CHEQUE_PRE_001 WHERE CHAVE < 'A3' AND CHAVE > 'A' ORDER BY 1");
   };
   const std::string before = Movement("A1");
   Desk desk(database_);
@@ -110,30 +127,34 @@ TEST_F(ClearingTest, ChequesFollow) {
   desk.Click("SpeedButton8");
   desk.Answer("no");
   EXPECT_EQ(desk.End() + desk.Messages(), "idle");
-  EXPECT_EQ(Movement("A1") + cheques() + Process(), before + "77|P|-;78|P|-");
-  EXPECT_EQ(Found(desk), "A1");
+  EXPECT_EQ(Movement("A1") + cheques() + Process(), before + "77|P|-;78|P|-;79|P|-;80|D|-");
+  EXPECT_EQ(Found(desk), "A1 A2 A2");
 
   desk.Click("SpeedButton8");
   desk.Answer("yes");
-  EXPECT_EQ(cheques(), "77|B|2026-11-20;78|P|-");
+  for (int i = 0; i < 2; ++i) desk.Click("SpeedButton8");
+  EXPECT_EQ(cheques() + desk.Messages(), "77|B|2026-11-20;78|P|-;79|B|2026-11-20;80|D|-");
   const std::string lanc_con = Clearing("A1");
   EXPECT_NE(Entries(lanc_con), "");
+  Run("INSERT INTO CENTRO_RATEIO_001 (LANCAMENTO, CENTROCUSTO) VALUES ('" + lanc_con + "', '0100')");
 
-  EXPECT_EQ(Consult(desk, {{"RgBusca", "Baixados"}}), "A1");
-  desk.Click("SpeedButton6");
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Baixados"}}), "A1 A2 A2");
+  for (int i = 0; i < 3; ++i) desk.Click("SpeedButton6");
   EXPECT_EQ(desk.End() + desk.Messages(), "idle");
   // The dates stay where the clearing put them.
-  EXPECT_EQ(cheques(), "77|P|2026-11-20;78|P|-");
-  EXPECT_EQ(Entries(lanc_con), "");
+  EXPECT_EQ(cheques(), "77|P|2026-11-20;78|P|-;79|P|2026-11-20;80|D|-");
+  EXPECT_EQ(Entries(lanc_con) + Shares(lanc_con), "");
   EXPECT_EQ(Movement("A1"), ReplaceAll(before, "|2026-11-10|150", "|2026-11-20|150"));
   EXPECT_EQ(Found(desk), "");
-  EXPECT_EQ(Process(), "COMPENSAÇÃO DO LANCAMENTO A1|3|A1;ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1");
+  EXPECT_TRUE(Process().ends_with("ESTORNO DE COMPENSAÇÃO LANC. A2|3|A2")) << Process();
 }
 
 TEST_F(ClearingTest, ReversesWhatWasNeverCleared) {
   Store({.numero = "A1", .docto = "1", .pendente = "S"});
-  Store({.numero = "A2", .docto = "2", .pendente = "N"});
-  Run("INSERT INTO CONTABIL_001 (LANCAMENTO, CONTA_C, CONTA_D, VALOR) VALUES ('', '1', '2', 3)");
+  // Tied to a statement under what is a movement's number as well.
+  Store({.numero = "A2", .docto = "2", .lanc_con = "A1", .pendente = "N"});
+  for (const char* number : {"''", "'A1'"})
+    Run("INSERT INTO CONTABIL_001 (LANCAMENTO) VALUES (" + std::string(number) + ")");
   const std::string pending = Movement("A1"), settled = Movement("A2");
   Desk desk(database_);
   desk.Open("TfmCC");
@@ -142,9 +163,9 @@ TEST_F(ClearingTest, ReversesWhatWasNeverCleared) {
   EXPECT_EQ(Movement("A1"), pending);
   Select(desk, 1);
   desk.Click("SpeedButton6");
-  EXPECT_EQ(Movement("A2"), ReplaceAll(settled, "|N|", "|S|"));
+  EXPECT_EQ(Movement("A2"), ReplaceAll(settled, "|N|A1", "|S|"));
   EXPECT_EQ(Process(), "ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1;ESTORNO DE COMPENSAÇÃO LANC. A2|3|A2");
-  EXPECT_EQ(Count("CONTABIL_001", "LANCAMENTO = ''"), "1");
+  EXPECT_EQ(Count("CONTABIL_001", "LANCAMENTO IN ('', 'A1')"), "2");
 }
 
 TEST_F(ClearingTest, RefusesInOrder) {

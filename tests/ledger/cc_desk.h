@@ -135,6 +135,15 @@ class CcTest : public DeskTest {
     CloseLists(desk);
     return desk.Messages();
   }
+  // Presses the button while a period is closed, which the user is told.
+  void Closed(Desk& desk, const char* button, const std::string& kind, const std::string& account = "") {
+    Lock(kind, account);
+    desk.Click(button);
+    EXPECT_EQ(desk.Messages(), kind == "CX" ? "Período do caixa fechado até 20/11/2026."
+                                            : "Período fechado até 20/11/2026 para a conta " + account + ".");
+    desk.Answer("ok");
+    Unlock(kind);
+  }
   // Loads a stored movement through the screen's own list; `row` among those of the number.
   static void Load(Desk& desk, std::string_view numero, int row = 0) {
     desk.Click("btnConsulta");

@@ -163,20 +163,31 @@ TEST_F(DialogTest, TransferRefusesInOrder) {
   const std::string before = AllMovements();
   Lock("CT", kConta);
   Lock("CT", kOutraConta);
+  Lock("CX", "");
   Desk desk(database_);
-  Transfer(desk);
+  Transfer(desk, {{"DtLan", ""}, {"DtCont", ""}, {"EdtContaDest", ""}});
   struct Step {
     std::string right, message;
   };
+  // A date that is entered takes today.
   const Step steps[] = {
-      {"", "Período fechado até 20/11/2026 para a conta 10250-1."},
+      {"", "A Data de Lançamento informada é inválida."},
+      {"", "A Data de Contabilização informada é inválida."},
+      {"", "A conta informada é inválida."},
+      {kOutraConta, "Período fechado até 20/11/2026 para a conta 10250-1."},
       {"DELETE FROM BLOQUEIO WHERE CONTA = '10250-1'",
        "Período fechado até 20/11/2026 para a conta 20418-7."},
+      {"DELETE FROM BLOQUEIO WHERE TIPO = 'CT'", "Período do caixa fechado até 20/11/2026."},
       {"DELETE FROM BLOQUEIO", ""},
   };
   for (const Step& step : steps) {
-    if (!step.right.empty()) Run(step.right);
+    if (step.right == kOutraConta) {
+      Fill(desk, {{"EdtContaDest", step.right}});
+    } else if (!step.right.empty()) {
+      Run(step.right);
+    }
     desk.Click("BitBtn1");
+    CloseLists(desk);
     EXPECT_EQ(desk.Messages(), step.message);
     desk.Answer(step.message.empty() ? "no" : "ok");
     EXPECT_EQ(desk.End() + Top(desk), "idleTFmCCTransConta");
@@ -195,6 +206,7 @@ TEST_F(DialogTest, QuickEntryRefusesInOrder) {
   const std::string before = AllMovements();
   Run("UPDATE SUBGRUPO_001 SET RATEIO = 'S' WHERE CODIGO = '2102'");
   Lock("CT", kConta);
+  Lock("CX", "");
   Desk desk(database_);
   desk.Open("TFmCCLancFluxo");
   desk.Set("EdtConta", kConta);
@@ -202,17 +214,18 @@ TEST_F(DialogTest, QuickEntryRefusesInOrder) {
     Fields right;
     std::string message, focus;
   };
+  const char* kClosed = "Período fechado até 20/11/2026 para a conta 10250-1.";
   const Step steps[] = {
-      {{{"DtLancto", "20/11/2026"}, {"DtCont", "21/11/2026"}},
-       "Período fechado até 20/11/2026 para a conta 10250-1.",
-       "BitBtn1"},
+      // A date that is entered takes today.
+      {{}, "Data de lançamento inválida.", "DtLancto"},
+      {{}, "Data de contabilização inválida.", "DtCont"},
+      {{{"DtLancto", "20/11/2026"}, {"DtCont", "21/11/2026"}}, kClosed, "BitBtn1"},
       {{{"EdtConta", ""}}, "Valor inválido.", "EdtValor"},
       {{{"EdtValor", "0,00"}}, "Valor inválido.", "EdtValor"},
       {{{"EdtValor", "80,00"}}, "Conta inválida.", "EdtConta"},
-      // The period is that of the posting, whatever the accounting's.
-      {{{"EdtConta", kConta}, {"DtLancto", "21/11/2026"}, {"DtCont", "01/11/2026"}},
-       "Histórico inválido.",
-       "EdtHis"},
+      {{{"EdtConta", kConta}, {"DtLancto", "21/11/2026"}, {"DtCont", "01/11/2026"}}, kClosed, "BitBtn1"},
+      {{{"EdtConta", kOutraConta}}, "Período do caixa fechado até 20/11/2026.", "BitBtn1"},
+      {{{"DtCont", "21/11/2026"}}, "Histórico inválido.", "EdtHis"},
       {{{"EdtHis", "019"}}, "Classe gerencial inválida.", "EdtTipo"},
       {{{"EdtTipo", "2102"}}, "Documento inválido.", "EdtDocto"},
   };

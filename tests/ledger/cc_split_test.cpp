@@ -29,6 +29,19 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
                 numero + "' AND VALOR = 65"),
             "NF 77|NF 77|-|CC|3103|012|2026-11-20|PAPEL E TINTA");
 
+  // What nobody touches stays as it is, of a debit and of a credit.
+  for (const char* oper : {"-", "+"}) {
+    const std::string kept = New(desk, {{"EdtTipo", "3103"}, {"CbOper", oper}});
+    EXPECT_EQ(Confirm(desk), "");
+    const std::string split = Entries(kept) + Shares(kept);
+    Load(desk, kept);
+    desk.Click("BitBtn2");
+    Fill(desk, {{"EdtDtVencto", "30/11/2026"}, {"EdtObs", "OUTRA"}});
+    EXPECT_EQ(Confirm(desk), "");
+    EXPECT_EQ(Entries(kept) + Shares(kept), split);
+    EXPECT_EQ(Count("CONTABIL_001", "OBSERVACAO = 'OUTRA' AND LANCAMENTO = '" + kept + "'"), "2");
+  }
+
   // Only neighbours are compared, and the class's own bank account takes over from that of any class.
   Rule("2101", "4.1.04.001", "50", "0100", "100");
   Rule("2101", "4.1.01.001", "30", "0100", "100");
@@ -207,20 +220,6 @@ TEST_F(CcTest, StoredSplitChangesOnlyByHand) {
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Entries(numero), "1.1.02.001|4.1.04.001|120.0000");
   EXPECT_EQ(Shares(numero), "1|4.1.04.001|DOCUMENTO-LO|0100|CC|100|120.0000");
-}
-
-TEST_F(CcTest, ParametersShowThePanels) {
-  const auto visible = [&](const char* control) {
-    Desk desk(database_);
-    desk.Open("TfmCC");
-    return desk.Property(control, "visible").Bool();
-  };
-  EXPECT_FALSE(visible("PanelCont"));
-  Fin({40});
-  EXPECT_TRUE(visible("PanelCont"));
-  EXPECT_FALSE(visible("GroupBox3"));
-  Fin({50});
-  EXPECT_TRUE(visible("GroupBox3"));
 }
 
 TEST_F(CcTest, ApportionsByClass) {

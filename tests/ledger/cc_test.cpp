@@ -90,6 +90,7 @@ TEST_F(CcTest, ConfirmationRefusesInOrder) {
       {"EdtConta", "", "Histórico Inválido.", "EdtHis"},
       {"EdtHis", "ZZZ", "Conta Inexistente.", "EdtConta"},
       {"EdtConta", kConta, "Documento Inexistente.", "EdtNumDoc"},
+      {"DELETE FROM CADCONTA_001 WHERE CONTA = '10250-1'", "", "Conta Inexistente.", "EdtConta"},
   };
   for (const Step& step : steps) {
     if (step.right.starts_with("DELETE")) {
@@ -105,6 +106,7 @@ TEST_F(CcTest, ConfirmationRefusesInOrder) {
     EXPECT_EQ(desk.Text("EdtLancto"), numero);
   }
   EXPECT_EQ(Audit(), "");
+  Run("INSERT INTO CADCONTA_001 (CONTA, BANCO) VALUES ('10250-1', '901')");
   // An unknown history and a zero amount pass.
   desk.Set("EdtNumDoc", "1");
   EXPECT_EQ(Confirm(desk), "");
@@ -119,6 +121,21 @@ TEST_F(CcTest, AccountingDateMayNotPrecede) {
   Load(desk, "T00001");
   desk.Click("BitBtn2");
   EXPECT_EQ(desk.FocusName(), "EdtDtVencto");
+  // An empty date lies in no closed period, and a period closed meanwhile lets nothing out either.
+  const std::string before = Movement("T00001");
+  Lock("CX", "");
+  Fill(desk, {{"EdtDtLanc", ""}, {"EdtDtVencto", ""}, {"EdtDtCont", ""}});
+  const std::string refusals[][3] = {{"EdtDtLanc", "Data de Lançamento Inválida.", "10/11/2026"},
+                                     {"EdtDtVencto", "Data de Vencimento Inválida.", "12/11/2026"},
+                                     {"EdtDtCont", "Data de Contabilização Inválida.", "25/11/2026"},
+                                     {"SpeedButton2", "Período do caixa fechado até 20/11/2026.", ""}};
+  for (const auto& [focus, message, right] : refusals) {
+    EXPECT_EQ(Confirm(desk), message);
+    desk.Answer("ok");
+    EXPECT_EQ(desk.FocusName() + Movement("T00001"), focus + before);
+    if (!right.empty()) Fill(desk, {{focus, right}});
+  }
+  Unlock("CX");
   desk.Set("EdtDtCont", "09/11/2026");
   desk.Focus("EdtObs");
   EXPECT_EQ(desk.Messages(), kDateOrder);

@@ -99,6 +99,8 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
   Cell(desk, "OrvDBGrid3", 1, "Compensar", false);
   desk.Do({{"do", "cell"}, {"control", "OrvDBGrid3"}, {"row", 0}, {"column", "Dt_Comp"}, {"value", ""}});
   const std::string before = All();
+  // What another account's closed period holds is left, and told on the page.
+  Run("INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', 'CT', '20418-7', '11/10/2026')");
   desk.Click("BitBtn10");
   EXPECT_EQ(desk.Messages(), "Informe a data de compensação do lançamento A1.");
   desk.Answer("ok");
@@ -108,15 +110,22 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
            {"row", 0},
            {"column", "Dt_Comp"},
            {"value", "19/11/2026"}});
-  desk.Click("BitBtn10");
-  EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
-  desk.Answer("ok");
+  const auto confirmed = [&] {
+    desk.Click("BitBtn10");
+    EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
+    desk.Answer("ok");
+    return desk.Property("LbRetorno", "caption").String();
+  };
+  EXPECT_EQ(confirmed(), "Não compensados, pois mudariam um período fechado: A1.");
+  EXPECT_EQ(Movements(), "A1|S||2026-11-10;A1|S||2026-11-10;A2|S||2026-11-10;A3|N||2026-11-18");
+  Run("DELETE FROM BLOQUEIO");
+  EXPECT_EQ(confirmed(), "");
   const std::string left = "A1|N||2026-11-19;A1|N||2026-11-19;A2|S||2026-11-10;A3|N||2026-11-18/";
   EXPECT_EQ(All(), left + "/A1|P|-//");
-  // Once more changes nothing.
-  desk.Click("BitBtn10");
-  EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
-  desk.Answer("ok");
+  // Once more changes nothing, closed or not.
+  Run("INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', 'CX', '', '11/30/2026')");
+  EXPECT_EQ(confirmed(), "");
+  Run("DELETE FROM BLOQUEIO");
   EXPECT_EQ(All(), left + "/A1|P|-//");
   // A day that was wrong is put right.
   desk.Do({{"do", "cell"},
@@ -124,9 +133,7 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
            {"row", 0},
            {"column", "Dt_Comp"},
            {"value", "20/11/2026"}});
-  desk.Click("BitBtn10");
-  EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
-  desk.Answer("ok");
+  EXPECT_EQ(confirmed(), "");
   EXPECT_TRUE(All().starts_with("A1|N||2026-11-20;A1|N||2026-11-20;A2|S|")) << All();
 
   // Another user was faster.
@@ -149,16 +156,19 @@ TEST_F(ReturnTest, HostileFiles) {
   Desk desk(database_);
   desk.Open("TFmConcilia");
   Page(desk, "TabSheet2");
-  desk.Set("EdtCam", "/no/such/");
-  desk.Set("EdtArq", "file");
-  desk.Click("BitBtn6");
-  EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.");
-  desk.Answer("ok");
-  desk.Set("EdtCam", folder_.Path().string());
-  desk.Set("EdtArq", "");
-  desk.Click("BitBtn6");
-  EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.");
-  desk.Answer("ok");
+  // What isn't the user's own is as what isn't there.
+  Written("outro.ret", File(""));
+  for (const auto& [folder, file] : {std::pair<std::string, const char*>{"/no/such/", "file"},
+                                     {folder_.Path().string() + "/", "outro.ret"},
+                                     {folder_.Path().string(), ""},
+                                     {".", ""},
+                                     {"/etc/", "passwd"}}) {
+    desk.Set("EdtCam", folder);
+    desk.Set("EdtArq", file);
+    desk.Click("BitBtn6");
+    EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.") << folder << file;
+    desk.Answer("ok");
+  }
   EXPECT_EQ(Load(desk, ""), "Conta não encontrada.");
   desk.Set("EdtContaArq", kConta);
 

@@ -205,18 +205,37 @@ TEST_F(ConciliaTest, ManyAreTiedAtOnce) {
       "|| :I, "
       "'D' || :I, '10250-1', '11/10/2026', :I, '-', 'S'); INSERT INTO EXTRATO_001 (LANCTO, DOCTO, CONTA, "
       "DT_CONT, "
-      "VALOR, OPERACAO, CONCILIADO) VALUES ('L' || :I, 'D' || :I, '10250-1', '11/10/2026', :I, 'D', 'N'); "
+      "VALOR, OPERACAO, CONCILIADO) VALUES ('L' || :I, 'D' || :I, '10250-1', DATEADD(MOD(:I, 7) DAY TO "
+      "DATE '11/10/2026'), :I, 'D', 'N'); "
       "END END");
+  Fin110();
   Desk desk(database_);
   Open(desk);
   Consult(desk);
   desk.Click("BtSugerir");
+  // Once more proposes the same; what the user changes of it is his own, 1 and 2 against 3.
+  desk.Click("BtSugerir");
+  const auto row = [&](const char* set, const char* number) {
+    const auto all = Split(Column(desk, set, 2), " ");
+    return static_cast<int>(std::find(all.begin(), all.end(), number) - all.begin());
+  };
+  TickMov(desk, row("TbMov", "M3"), false);
+  TickArq(desk, row("TbArq", "L1"), false);
+  TickArq(desk, row("TbArq", "L2"), false);
   desk.Click("BitBtn4");
   EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(Listed(desk), "M3 / L1 L2");
+  EXPECT_EQ(
+      Sql("SELECT COUNT(DISTINCT M.LANC_CON), COUNT(*) FROM CONTACOR_001 M JOIN EXTRATO_001 E ON "
+          "E.LANC_CON = M.LANC_CON AND E.DT_CONT = M.DT_CONT AND (E.DOCTO = M.DOCTO OR E.DOCTO = 'D3')"),
+      "298|299");
+  TickMov(desk, 0);
+  for (const int line : {0, 1}) TickArq(desk, line);
+  desk.Click("BitBtn4");
   EXPECT_EQ(Listed(desk), " / ");
   EXPECT_EQ(Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON) FROM CONTACOR_001 WHERE PENDENTE = 'N'") +
                 Sql("SELECT COUNT(*), COUNT(DISTINCT LANC_CON) FROM EXTRATO_001 WHERE CONCILIADO = 'S'"),
-            "300|1300|1");
+            "300|299300|299");
 }
 
 }  // namespace

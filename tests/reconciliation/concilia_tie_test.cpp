@@ -69,6 +69,8 @@ TEST_F(TieTest, MovementsThatCancelOutNeedNoLine) {
   Fin110();
   Store(Mov{.numero = "A1"});
   Store(Mov{.numero = "A2", .operacao = "+"});
+  // A line that has nothing to do with them doesn't date them.
+  Store(Line{.lancto = "E1"});
   Desk desk(database_);
   Open(desk);
   Consult(desk);
@@ -187,10 +189,16 @@ TEST_F(TieTest, TheUndoTakesTheWholeNumber) {
   for (const char* numero : {"A1", "A2"}) Store(Mov{.numero = numero, .pendente = "N", .lanc_con = "000009"});
   Store(Mov{.numero = "A3", .pendente = "N"});
   Store(Line{.lancto = "E1", .conciliado = "S", .lanc_con = "000009"});
-  Run("INSERT INTO CONTABIL_001 (LANCAMENTO, CONTA_C, CONTA_D, VALOR) VALUES ('000009', '1', '2', 3)");
+  for (const char* table : {"CONTABIL_001", "CENTRO_RATEIO_001"})
+    Run("INSERT INTO " + std::string(table) + " (LANCAMENTO) VALUES ('000009')");
+  // A number that a movement bears as well.
+  Store(Mov{.numero = "A4", .pendente = "N", .lanc_con = "000010"});
+  Store(Mov{.numero = "000010", .conta = kOutra});
+  Run("INSERT INTO CONTABIL_001 (LANCAMENTO, OBSERVACAO) VALUES ('000010', 'VENDA')");
+  Run("INSERT INTO CONTABIL_001 (LANCAMENTO, OBSERVACAO) VALUES ('000010', 'COMPENSAÇÃO DOCTO NR: 1.')");
   Desk desk(database_);
   Open(desk);
-  EXPECT_EQ(Consult(desk, {{"RgBusca", "Conciliados"}}), "A1 A2 A3 / E1");
+  EXPECT_EQ(Consult(desk, {{"RgBusca", "Conciliados"}}), "A1 A2 A3 A4 / E1");
   // Cleared without a number: by the file of the other page, or by the ledger.
   desk.Do({{"do", "row"}, {"control", "OrvDBGrid1"}, {"row", 2}});
   desk.Click("BitBtn8");
@@ -199,13 +207,67 @@ TEST_F(TieTest, TheUndoTakesTheWholeNumber) {
   desk.Do({{"do", "row"}, {"control", "OrvDBGrid1"}, {"row", 1}});
   desk.Click("BitBtn8");
   EXPECT_EQ(Listed(desk), "A1 A2 / E1");
+  EXPECT_EQ(desk.Property("LbVolta", "caption").String(),
+            "A conciliação 000009 volta inteira: 2 lançamentos, total -200,00; 1 linha do extrato, total "
+            "-100,00.");
   desk.Answer("yes");
-  EXPECT_EQ(Movements(), "A1|S||2026-11-10;A2|S||2026-11-10;A3|N||2026-11-10");
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM CENTRO_RATEIO_001 WHERE LANCAMENTO = '000009'"), "0");
+  EXPECT_TRUE(
+      Movements().ends_with("A1|S||2026-11-10;A2|S||2026-11-10;A3|N||2026-11-10;A4|N|000010|2026-11-10"));
   EXPECT_EQ(Lines(), "E1|N|");
   EXPECT_EQ(Audit(), "VOLTA CONCILIACAO DO LANCAMENTO A1|3|A1");
-  // Without a cheque the entries under the number are another's matter.
-  EXPECT_NE(Posted(), "");
-  EXPECT_EQ(Listed(desk), "A3 / ");
+  EXPECT_EQ(Listed(desk) + desk.Property("LbVolta", "caption").String(), "A3 A4 / ");
+  desk.Do({{"do", "row"}, {"control", "OrvDBGrid1"}, {"row", 1}});
+  desk.Click("BitBtn8");
+  desk.Answer("yes");
+  EXPECT_EQ(Sql("SELECT LANCAMENTO, OBSERVACAO FROM CONTABIL_001"), "000010|VENDA");
+}
+
+TEST_F(TieTest, ClosedPeriodsStay) {
+  struct Case {
+    const char *kind, *account, *until;
+    bool dated;
+    const char* message;
+  };
+  const Case cases[] = {
+      {"CT", kConta, "11/10/2026", false, "Período fechado até 10/11/2026 para a conta 10250-1."},
+      {"CX", "", "11/10/2026", false, "Período do caixa fechado até 10/11/2026."},
+      // The line's day alone is closed.
+      {"CT", kConta, "11/08/2026", true, "Período fechado até 08/11/2026 para a conta 10250-1."},
+      {"CT", kConta, "11/08/2026", false, ""},
+      {"CT", kOutra, "11/10/2026", true, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.kind) + c.account + c.until + std::to_string(c.dated));
+    for (const char* table : {"CONTACOR_001", "EXTRATO_001", "BLOQUEIO"})
+      Run("DELETE FROM " + std::string(table));
+    Run("DELETE FROM PARAMETRO WHERE NUMERO = 110");
+    if (c.dated) Fin110();
+    Store(Mov{.numero = "A1", .docto = "7"});
+    Store(Line{.lancto = "E1", .dt_cont = "11/08/2026"});
+    const std::string lock = "INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', '";
+    Run(lock + c.kind + "', '" + c.account + "', '" + c.until + "')");
+    Desk desk(database_);
+    Open(desk);
+    Consult(desk);
+    TickMov(desk, 0);
+    TickArq(desk, 0);
+    const std::string before = All();
+    desk.Click("BitBtn4");
+    EXPECT_EQ(desk.Messages(), c.message);
+    EXPECT_EQ(All() == before, *c.message != '\0');
+    if (*c.message != '\0') continue;
+    // The way back, also of what stands in another account under the number.
+    Run("DELETE FROM BLOQUEIO");
+    Store(Mov{.numero = "A1", .docto = "7", .pendente = "N", .lanc_con = Tie("A1"), .conta = kOutra});
+    Run(lock + "CT', '20418-7', '11/10/2026')");
+    Consult(desk, {{"RgBusca", "Conciliados"}});
+    const std::string tied = All();
+    desk.Click("BitBtn8");
+    EXPECT_EQ(desk.Messages(), "Período fechado até 10/11/2026 para a conta 20418-7.");
+    desk.Answer("ok");
+    EXPECT_EQ(desk.End() + All(), "idle" + tied);
+  }
 }
 
 // Two users with the same rows on the screen.

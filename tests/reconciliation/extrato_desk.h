@@ -21,16 +21,16 @@ class ExtratoTest : public DeskTest {
   static void Page(Desk& desk, std::string_view page) {
     desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", page}});
   }
-  // A copy of a made file under another name.
+  // A copy of a made file under another name, in the user's own folder; the path by which he names it.
   std::string File(const std::string& made, const std::string& name = "") {
-    const std::filesystem::path path = folder_.Path() / (name.empty() ? made : name);
-    std::filesystem::copy_file(ORV_FILES + made, path, std::filesystem::copy_options::overwrite_existing);
-    return path.string();
+    const std::string path = name.empty() ? made : name;
+    std::filesystem::copy_file(ORV_FILES + made, folder_.Path() / path,
+                               std::filesystem::copy_options::overwrite_existing);
+    return path;
   }
   std::string Written(const std::string& name, const std::string& bytes) {
-    const std::string path = (folder_.Path() / name).string();
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path;
+    std::ofstream(folder_.Path() / name, std::ios::binary) << bytes;
+    return name;
   }
   // An open screen on its page of files.
   static void Import(Desk& desk) {
@@ -59,6 +59,7 @@ class ExtratoTest : public DeskTest {
   }
   // The line that tells of the load.
   static std::string Told(Desk& desk) { return desk.Property("LbCarga", "caption").String(); }
+  static std::string Stopped(Desk& desk) { return desk.Property("LbParada", "caption").String(); }
   // The rows that came with a file.
   std::string Stored(const std::string& arquivo) {
     return Sql(

@@ -1,4 +1,7 @@
 // The page "Importação": files loaded for review, confirmed, refused; what is left after a fault.
+#include <sys/stat.h>
+
+#include "host/schema/check.h"
 #include "tests/reconciliation/extrato_desk.h"
 #include "tests/support/kills.h"
 
@@ -22,11 +25,26 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   EXPECT_EQ(desk.End(), "waiting file");
   desk.Do({{"do", "file"}, {"name", "novo.ofx"}, {"content", "PE9GWD4="}});
   EXPECT_EQ(desk.Text("EdtArq"), "novo.ofx");
-  EXPECT_TRUE(desk.Text("EdtCam").ends_with("/files/ana"));
+  EXPECT_EQ(desk.Text("EdtCam"), "");
+  // It goes once its lines are stored, and its name still counts.
+  const auto given = [&] {
+    return std::distance(std::filesystem::directory_iterator(folder_.Path() / "sessoes/ana"), {});
+  };
+  EXPECT_EQ(given(), 1);
+  for (const std::string& said :
+       {std::string(kOtherBank) + "\n" + kLoaded, std::string("Arquivo Já Carregado.")}) {
+    EXPECT_EQ(Load(desk, "", kOfx, "yes"), said);
+    EXPECT_EQ(Confirm(desk), kStored);
+    EXPECT_EQ(given(), 0);
+    Run("UPDATE OR INSERT INTO EXTRATO_001 (LANCTO, ARQUIVO) VALUES ('T00002', 'novo.ofx') MATCHING "
+        "(LANCTO)");
+  }
+  Run("DELETE FROM EXTRATO_001 WHERE LANCTO = 'T00002'");
+  EXPECT_EQ(Load(desk, "", kOfx), "Arquivo não encontrado.");
 
   EXPECT_EQ(Load(desk, File("open_tags.ofx", "NOVEMBRO.OFX"), kOfx), kLoaded);
   EXPECT_EQ(desk.Text("EdtArq"), "NOVEMBRO.OFX");
-  EXPECT_EQ(desk.Text("EdtCam"), folder_.Path().string() + "/");
+  EXPECT_EQ(desk.Text("EdtCam"), "");
   EXPECT_EQ(desk.Text("DtArq"), "19/11/2026");
   EXPECT_EQ(desk.Rows("TbImporta"),
             "33021-5|000123|2026-11-18|10.5000|D|TARIFA|\n"
@@ -64,7 +82,7 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
             "2 linhas carregadas. 2 já estão no extrato com a mesma conta, data, valor e documento.");
   EXPECT_EQ(desk.Text("EdtISaldo"), "1.489,50");
   // Also where the folder is typed with the name.
-  desk.Set("EdtCam", folder_.Path().string());
+  desk.Set("EdtCam", ".");
   desk.Set("EdtArq", "copia/NOVEMBRO.OFX");
   desk.Click("BitBtn6");
   EXPECT_EQ(desk.Messages() + desk.Text("EdtArq"), "Arquivo Já Carregado.NOVEMBRO.OFX");
@@ -73,10 +91,14 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   // Of two equal lines one stands there; what is no whole transaction is told.
   const std::string uma = "<STMTTRN>\n<DTPOSTED>20261118\n<TRNAMT>-10.50\n<CHECKNUM>000123\n";
   const std::string fim = "</STMTTRN>\n";
-  EXPECT_EQ(Load(desk, Written("dobro.ofx", "<BANKID>0903\n" + uma + fim + uma + fim + fim + uma), kOfx),
+  EXPECT_EQ(Load(desk,
+                 Written("dobro.ofx", "<BANKID>0903\n" + uma + fim + uma + fim + fim +
+                                          "<STMTTRN>\n<DTPOSTED>20261118\n" + fim + uma),
+                 kOfx),
             kLoaded);
   EXPECT_EQ(Told(desk),
-            "2 linhas carregadas; 2 deixadas de fora (1 sem fim no arquivo, 1 sem início). 1 já está no "
+            "2 linhas carregadas; 3 deixadas de fora (1 sem fim no arquivo, 1 sem início, 1 sem valor). 1 já "
+            "está no "
             "extrato com a mesma conta, data, valor e documento.");
 }
 
@@ -131,9 +153,34 @@ TEST_F(ExtratoTest, LoadsTextByItsLayout) {
   EXPECT_EQ(Load(desk, File("separated_bad_date.txt"), kSeparado),
             "error: Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.");
   EXPECT_EQ(Told(desk), "1 linha carregada.");
+  EXPECT_EQ(Stopped(desk), "Interrompido na linha 3");
   EXPECT_EQ(desk.Rows("TbImporta"), "20418-7|D1|2026-11-18|1.0000|C|X|\n");
   EXPECT_EQ(Confirm(desk), kStored);
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt'"), "1");
+
+  // The desk remembers, and takes the rest of that file in, once; a line is bounded in its amount.
+  const auto told = [&] { return Join(CheckData(Db()), "\n"); };
+  EXPECT_EQ(told(),
+            "Empresa _001, arquivo separated_bad_date.txt: interrompido na linha 3, conta 20418-7; falta "
+            "carregar o resto.");
+  const auto again = [&](const std::string& third) {
+    const std::string line = "20418-7;20261118;D1;X;100;C\n";
+    return Load(desk, Written("separated_bad_date.txt", "h\n" + line + third + line), kSeparado);
+  };
+  EXPECT_EQ(again("20418-7;20261118;D3;X;100000000000000;C\n"),
+            "error: Linha 3 do arquivo: \"1.000.000.000.000,00\" não é um valor até 999.999.999.999,99.");
+  Confirm(desk);
+  EXPECT_EQ(again("20418-7;20261118;D3;X;99999999999999;D\n"), kLoaded);
+  EXPECT_EQ(Told(desk) + Stopped(desk),
+            "2 linhas carregadas; 1 deixada de fora (1 de carga anterior). 1 já está no extrato com a mesma "
+            "conta, data, valor e documento.");
+  EXPECT_EQ(Confirm(desk), kStored);
+  EXPECT_EQ(told(), "");
+  EXPECT_EQ(desk.Text("EdtISaldo"), desk.Text("EdtSaldoFinal"));
+  EXPECT_EQ(Sql("SELECT DOCTO, VALOR FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt' ORDER BY "
+                "LANCTO"),
+            "D1|1.0000;D3|999999999999.9900;D1|1.0000");
+  EXPECT_EQ(again(""), "Arquivo Já Carregado.");
 }
 
 TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
@@ -141,15 +188,25 @@ TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
   Desk desk(database_);
   Import(desk);
   std::filesystem::create_directory(folder_.Path() / "pasta");
+  std::filesystem::create_symlink("truncated.ofx", folder_.Path() / "elo.ofx");
+  std::filesystem::create_symlink(folder_.Path(), folder_.Path() / "elo");
+  ASSERT_EQ(mkfifo((folder_.Path() / "cano.ofx").c_str(), 0600), 0);
   Written("grande.ofx", "");
   std::filesystem::resize_file(folder_.Path() / "grande.ofx", std::uintmax_t{2} << 30);
   std::string hostile = "<STMTTRN>\n<DTPOSTED>20261118\n<MEMO>";
   hostile.append(1 << 20, '<').append("\n<TRNAMT>").append(1 << 20, '9').append("\n</STMTTRN>\n");
   const std::pair<std::string, std::string> cases[] = {
-      {(folder_.Path() / "falta.ofx").string(), "Arquivo não encontrado."},
-      {(folder_.Path() / "pasta").string() + "/", "Arquivo não encontrado."},
+      {"falta.ofx", "Arquivo não encontrado."},
+      {"pasta/", "Arquivo não encontrado."},
+      // What isn't the user's own, by whatever way.
+      {(folder_.Path() / File("truncated.ofx")).string(), "Arquivo não encontrado."},
+      {"pasta/../truncated.ofx", "Arquivo não encontrado."},
+      {"../" + folder_.Path().filename().string() + "/truncated.ofx", "Arquivo não encontrado."},
+      {"elo.ofx", "Arquivo não encontrado."},
+      {"elo/truncated.ofx", "Arquivo não encontrado."},
+      {"cano.ofx", "Arquivo não encontrado."},
       {"/dev/zero", "Arquivo não encontrado."},
-      {(folder_.Path() / "grande.ofx").string(), "O arquivo é grande demais: o limite é de 64 MB."},
+      {"grande.ofx", "O arquivo é grande demais: o limite é de 64 MB."},
       {File("a_picture.ofx"), "O arquivo não é um texto: nenhuma linha foi lida."},
       {File("utf16.ofx"),
        "O arquivo está em UTF-16. Grave-o como UTF-8 ou Windows-1252 e carregue-o de novo."},
@@ -162,8 +219,7 @@ TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
     EXPECT_EQ(Load(desk, path, kOfx), said) << path;
     EXPECT_EQ(desk.End(), "idle");
   }
-  EXPECT_EQ(Load(desk, folder_.Path() / "hostil.ofx", kOfx, "yes"), std::string(kOtherBank) + "\n" + kLoaded);
-  EXPECT_EQ(Told(desk), "1 linha carregada. 1 valor ilegível entrou com 0,00.");
+  EXPECT_TRUE(Load(desk, "hostil.ofx", kOfx, "yes").ends_with(" 999.999.999.999,99."));
   EXPECT_EQ(Lines(), before);
 
   desk.Set("EdtIConta", "99999");
@@ -212,7 +268,9 @@ TEST_F(ExtratoTest, AKilledConfirmationLeavesAllOrNone) {
         auto desk = std::make_unique<DriveProcess>(database_);
         desk->Do({{"do", "open"}, {"class", "TFmCadExtrato"}});
         desk->Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
-        desk->Do({{"do", "set"}, {"control", "EdtCam"}, {"value", Written(name, Many(1000))}});
+        desk->Do({{"do", "set"},
+                  {"control", "EdtCam"},
+                  {"value", (folder_.Path() / Written(name, Many(1000))).string()}});
         desk->Do({{"do", "set"}, {"control", "EdtIConta"}, {"value", kOfx}});
         desk->Do({{"do", "click"}, {"control", "BitBtn6"}});
         desk->Do({{"do", "answer"}, {"value", "ok"}});

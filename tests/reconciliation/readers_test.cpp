@@ -1,4 +1,5 @@
 // The readers of bank statements over the files in files/, each named after what is odd in it.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -10,6 +11,7 @@
 #include "reconciliation/formats/outside_file.h"
 #include "tests/support/desk_test.h"
 #include "toolkit/error.h"
+#include "toolkit/input_file.h"
 #include "toolkit/text.h"
 
 namespace orv::test {
@@ -28,7 +30,9 @@ struct Taken {
   }
 };
 
-std::string Read(const std::string& name) { return OutsideText(OutsideFileBytes(ORV_FILES + name)); }
+std::string Read(const std::string& name) {
+  return OutsideText(InputFile::Open(AT_FDCWD, ORV_FILES + name, false)->Bytes(kMaxOutsideFile));
+}
 
 struct OfxRead {
   std::string lines;
@@ -108,12 +112,14 @@ TEST(OfxTest, TellsWhatElseTheFileHeld) {
 
 TEST(OfxTest, AmountsInAnyHand) {
   const std::pair<const char*, const char*> good[] = {
-      {"10", "10.0000"},       {"-10.5", "10.5000"},          {"+.5", "0.5000"},       {"1.234", "1.2340"},
-      {"1.2345678", "1.2346"}, {"1.234.567", "1234567.0000"}, {" -  3,00 ", "3.0000"},
+      {"10", "10.0000"},       {"-10.5", "10.5000"},
+      {"+.5", "0.5000"},       {"1.234", "1.2340"},
+      {"1.2345678", "1.2346"}, {"1.234.567", "1234567.0000"},
+      {" -  3,00 ", "3.0000"}, {"99999999999999999999", "922337203685477.5807"},
   };
   for (const auto& [text, amount] : good) EXPECT_EQ(OfxAmount(text).value().Neutral(), amount) << text;
   for (const char* text :
-       {"", "-", ".", "1.2.3", "1,23,456.00", "1.234,5.6", "1e5", "--1", "12a", "99999999999999999999"}) {
+       {"", "-", ".", "1.2.3", "1,23,456.00", "1.234,5.6", "1e5", "--1", "12a", "99999999999999999999x"}) {
     EXPECT_FALSE(OfxAmount(text)) << text;
   }
 }
@@ -273,12 +279,10 @@ TEST(OutsideFileTest, RefusesWhatIsNoText) {
   const std::string large = folder.Path() / "large.ofx", pipe = folder.Path() / "pipe.ofx";
   std::ofstream(large).close();
   std::filesystem::resize_file(large, std::uintmax_t{2} << 30);
-  EXPECT_TRUE(OutsideFileExists(large));
-  EXPECT_THROW(OutsideFileBytes(large), UserError);
+  EXPECT_THROW(InputFile::Open(AT_FDCWD, large, false)->Bytes(kMaxOutsideFile), UserError);
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   for (const std::string& path : {pipe, folder.Path().string(), std::string("/dev/zero"), std::string()}) {
-    EXPECT_FALSE(OutsideFileExists(path)) << path;
-    EXPECT_THROW(OutsideFileBytes(path), UserError) << path;
+    EXPECT_FALSE(InputFile::Open(AT_FDCWD, path, true)) << path;
   }
 }
 

@@ -73,21 +73,24 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   TempDatabase db;
   CreateSchema(*db, {{"_001", "Primeira", ""}});
   // As the first version was.
-  db->ExecuteDdl("DROP TABLE PREFERENCIA");
+  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001"})
+    db->ExecuteDdl("DROP TABLE " + std::string(table));
   db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = 1");
   db->CommitRetaining();
   EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }),
-            "O banco de dados é da versão 1, e esta mesa precisa da versão 2. Execute \"orvcc upgrade\".");
+            "O banco de dados é da versão 1, e esta mesa precisa da versão " +
+                std::to_string(kSchemaVersion) + ". Execute \"orvcc upgrade\".");
   UpgradeSchema(*db);
   RequireCurrentSchema(*db);
-  EXPECT_TRUE(Exists(*db, "PREFERENCIA"));
+  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001"}) EXPECT_TRUE(Exists(*db, table)) << table;
   UpgradeSchema(*db);
   EXPECT_EQ(SchemaVersion(*db), kSchemaVersion);
 
-  db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = 3");
+  db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = VERSAO + 1");
   db->CommitRetaining();
-  const std::string newer =
-      "O banco de dados é da versão 3, e esta mesa precisa da versão 2. Atualize o programa.";
+  const std::string newer = "O banco de dados é da versão " + std::to_string(kSchemaVersion + 1) +
+                            ", e esta mesa precisa da versão " + std::to_string(kSchemaVersion) +
+                            ". Atualize o programa.";
   EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }), newer);
   EXPECT_EQ(Refusal([&] { UpgradeSchema(*db); }), newer);
 }

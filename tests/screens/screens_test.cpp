@@ -105,6 +105,20 @@ TEST_F(ScreensTest, ClassAndCaptionAgreeWithTheRegistry) {
   });
 }
 
+// At the end of a session a screen may go while its statements fail: a handler that it ran then would take
+// the whole desk with it.
+TEST_F(ScreensTest, AScreenThatGoesUnclosedRunsNothing) {
+  const Module module("orvCC");
+  auto application = std::make_unique<Application>(user_, Clock(Date::ParseNeutral(kToday)));
+  SessionServices services(*application, Db(), "ana", "_001");
+  TOrvTable& cheques = application->Tabela().tbCheque_pre();
+  application->CreateScreen("TfmChequePre");
+  cheques.Append();
+  cheques.AfterCancel = [] { throw UserError("A consulta foi cancelada."); };
+  application.reset();
+  EXPECT_FALSE(cheques.Active());
+}
+
 TEST_F(ScreensTest, EveryControlHasItsPlace) {
   ForEach([&](const ScreenInfo&, Screen& screen) {
     std::set<std::string> names;

@@ -23,7 +23,7 @@ Browser::Headers With(const Browser& browser, int port, bool tls, const Browser:
 
 Answer Browser::Ask(std::string_view method, std::string_view target, std::string_view body,
                     const Headers& headers) {
-  wire::Connection connection(port_, tls_);
+  wire::Connection connection(port_, tls_, ciphers);
   return {wire::Ask(connection, method, target, With(*this, port_, tls_, headers), body)};
 }
 

@@ -28,6 +28,8 @@ class Browser {
   Answer LogIn(std::string_view user, std::string_view password, std::string_view company = "_001");
 
   std::string cookie;
+  // Of TLS 1.2, as its names are written; "" for what is newest.
+  std::string ciphers;
 
  private:
   friend class Door;

@@ -4,7 +4,6 @@
 #include <random>
 #include <thread>
 
-#include "desk/folders.h"
 #include "frame/registry.h"
 #include "frame/screen.h"
 #include "tests/server/server_test.h"
@@ -108,7 +107,6 @@ class HostileTest : public ServerTest {
     const auto state = Only(door.Do({{"do", "read"}, {"control", control}}), "state");
     return state.at(0)["screens"].Items().at(0)["controls"][control][property].String();
   }
-  std::filesystem::path AnasFolder() const { return UserFolder(options_.data, "ana"); }
 
   Gate gate_;
 };
@@ -333,6 +331,11 @@ TEST_F(HostileTest, WhatIsTooLargeIsRefused) {
       {login + "Content-Length: 2\r\nContent-Length: 70000\r\n\r\n{}", "400"},
       {login + "Transfer-Encoding: chunked\r\n\r\n" + chunk + chunk + chunk, "413"},
       {login + "Transfer-Encoding: chunked\r\n\r\nffffffffffffffff\r\n", "413"},
+      // Where the body ends isn't known: what follows would be taken for a request.
+      {login + "Transfer-Encoding: gzip\r\n\r\nGET /companies" + host + "\r\n", "400"},
+      {login + "Transfer-Encoding: identity\r\n\r\n", "400"},
+      {login + "Transfer-Encoding: gzip, chunked\r\n\r\n0\r\n\r\n", "400"},
+      {login + "Transfer-Encoding: chunked\r\nTransfer-Encoding: x\r\n\r\n0\r\n\r\n", "400"},
   };
   for (const auto& [request, status] : kCases) {
     SCOPED_TRACE(request.substr(0, 120));
@@ -342,6 +345,7 @@ TEST_F(HostileTest, WhatIsTooLargeIsRefused) {
     const std::string said = raw.Rest();
     // Who goes on sending what nobody reads may miss the answer.
     EXPECT_TRUE(said.empty() ? request.size() > 65536 : said.substr(9, 3) == status) << said;
+    EXPECT_EQ(said.find("HTTP/1.1 ", 1), std::string::npos) << said;
   }
 
   // Messages: declared too long, in pieces without end, and blown up by what compression saves.
@@ -373,56 +377,100 @@ TEST_F(HostileTest, WhatIsTooLargeIsRefused) {
   EXPECT_TRUE(Idle(leo->Do(kRead)));
 }
 
-TEST_F(HostileTest, FilesComeWithinTheLimitAndIntoTheUsersFolder) {
-  options_.max_upload = 1 << 20;
+TEST_F(HostileTest, FilesComeWithinTheirBoundsAndGoAgain) {
+  constexpr int kLimit = 1 << 20;
+  options_.max_upload = kLimit;
+  options_.max_uploads = kLimit + 8192;
+  Write("data/sessoes/saldos.pdf", "de uma mesa que foi morta");
   Serve();
+  const std::filesystem::path kept = options_.data / "sessoes";
+  const auto count = [&] {
+    return std::filesystem::exists(kept) ? std::distance(std::filesystem::directory_iterator(kept), {}) : 0;
+  };
+  EXPECT_EQ(count(), 0);
   Browser ana = Ana();
-  auto door = std::make_unique<Door>(ana);
-  const std::string session = door->Session();
-  door->Await();
-  door->Do(kOpen);
-  const auto give = [&](const std::string& name, const std::string& content) {
-    return door->Do({{"do", "file"}, {"name", name}, {"content", content}});
+  Door door(ana);
+  const std::string session = door.Session(), address = "/upload?session=" + session;
+  door.Await();
+  door.Do(kOpen);
+  const auto send = [&](std::size_t size) { return ana.Ask("POST", address, std::string(size, 'x')); };
+  const auto give = [&](const std::string& name, const Answer& sent) {
+    return door.Do({{"do", "file"}, {"name", name}, {"upload", Json::Parse(sent.body)["upload"]}});
   };
   const auto waits = [](const std::vector<Json>& all) {
     return all.back()["on"] == Json("waiting") && all.back()["for"] == Json("file");
   };
-  ASSERT_TRUE(waits(door->Do(Click("BtArquivo"))));
 
-  const std::filesystem::path outside = folder_.Path() / "fora";
-  std::filesystem::create_directories(AnasFolder());
-  std::filesystem::create_directories(outside);
-  Write("fora/alvo.txt", "intocado");
-  std::filesystem::create_symlink(outside, AnasFolder() / "pasta");
-  std::filesystem::create_symlink(outside / "alvo.txt", AnasFolder() / "elo.txt");
-  for (const std::string& name :
-       {std::string("../fora.txt"), std::string(".."), std::string("."), outside.string() + "/novo.txt",
-        std::string("pasta/novo.txt"), std::string("pasta/../../fora/novo.txt"), std::string("..\\novo.txt"),
-        std::string("a.txt\0.pdf", 10), std::string("%2e%2e/novo.txt"), std::string("~/novo.txt"),
-        std::string("a\x7f.txt"), std::string(300, 'a')}) {
-    EXPECT_TRUE(waits(give(name, "b2k="))) << name;
+  EXPECT_EQ(send(2).status, 409) << "nobody asked for it";
+  ASSERT_TRUE(waits(door.Do(Click("BtArquivo"))));
+  EXPECT_EQ(Visitor().Ask("POST", address, "x").status, 401);
+  EXPECT_EQ(Ana().Ask("POST", address, "x").status, 409) << "another login's window";
+  EXPECT_EQ(ana.Ask("POST", address, "x", {{"Origin", "null"}}).status, 403);
+  const std::string head = "POST " + address +
+                           " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server_->Port()) +
+                           "\r\nCookie: " + ana.cookie + "\r\n";
+  for (const auto& [rest, status] : {std::pair{"Transfer-Encoding: chunked\r\n\r\n0\r\n\r\n", "411"},
+                                     {"Content-Length: 18446744073709551615\r\n\r\n", "413"},
+                                     {"Content-Length: 1000\r\n\r\nabc", "400"}}) {
+    Raw raw(server_->Port());
+    raw.Send(head + rest);
+    raw.Done();
+    EXPECT_EQ(raw.Rest().substr(9, 3), status) << rest;
   }
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(outside), {}), 1);
+  EXPECT_EQ(send(kLimit + 1).Text(), "O arquivo é grande demais: o limite é de 1 MB.");
+  EXPECT_EQ(count(), 0) << "what didn't come whole stays";
 
-  // A little over is told, far over costs the link; the dialog stays open.
-  const auto over = give("grande.txt", std::string((1 << 20) / 3 * 4 + 64, 'A'));
-  EXPECT_EQ(ErrorOf(over), "O arquivo é grande demais: o limite é de 1 MB.");
-  EXPECT_TRUE(waits(over));
-  EXPECT_TRUE(give("grande.txt", std::string(4 << 20, 'A')).back().IsNull());
-  door = std::make_unique<Door>(ana, session);
-  EXPECT_EQ(door->Session(), session);
-  EXPECT_TRUE(waits(door->Await()));
-  EXPECT_FALSE(std::filesystem::exists(AnasFolder() / "grande.txt"));
+  for (const char* name : {"../fora.txt", "..", "", "a/b.txt", "a\\b.txt", "a\x7f.txt", ".oculto"})
+    EXPECT_TRUE(waits(give(name, send(2)))) << name;
+  EXPECT_TRUE(waits(door.Do({{"do", "file"}, {"name", "a.txt"}, {"upload", "../saldos.pdf"}})));
+  EXPECT_EQ(count(), 0);
 
-  // A link's name is taken for a file of one's own.
-  EXPECT_TRUE(Idle(give("elo.txt", "b2k=")));
-  EXPECT_EQ(Shown(*door, "LbArquivo", "caption"), (AnasFolder() / "elo.txt").string());
-  EXPECT_FALSE(std::filesystem::is_symlink(AnasFolder() / "elo.txt"));
-  EXPECT_EQ(std::filesystem::file_size(outside / "alvo.txt"), 8U);
-  // A link to a folder goes the same way.
-  door->Do(Click("BtArquivo"));
-  EXPECT_TRUE(Idle(give("pasta", std::string((1 << 20) / 3 * 4, 'A'))));
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(outside), {}), 1);
+  // A name is the user's own affair, also where the desk has a folder of that name.
+  EXPECT_TRUE(Idle(give("sessoes", send(kLimit))));
+  EXPECT_EQ(Shown(door, "LbArquivo", "caption"), "sessoes");
+  EXPECT_EQ(count(), 1);
+  EXPECT_EQ(std::filesystem::file_size(std::filesystem::directory_iterator(kept)->path()), kLimit);
+  ASSERT_TRUE(waits(door.Do(Click("BtArquivo"))));
+  const Answer full = send(kLimit);
+  EXPECT_EQ(full.status, 413);
+  EXPECT_TRUE(full.Text().starts_with("Os arquivos que você enviou já ocupam o limite de 1 MB."))
+      << full.body;
+  // What was sent and not chosen goes with the question, what was replaced or stored at once.
+  EXPECT_EQ(send(2).status, 200);
+  EXPECT_TRUE(Idle(give("sessoes", send(2))));
+  EXPECT_EQ(count(), 1);
+  door.Do(Click("BtArquivo"));
+  EXPECT_TRUE(Idle(give("outro.txt", send(kLimit))));
+  server_->Stop();
+  EXPECT_EQ(count(), 0);
+}
+
+TEST_F(HostileTest, AnAddressHasItsShareOfTheConnections) {
+  options_.connections = 24;
+  const auto ask = [&](Raw& raw, const std::string& headers) {
+    raw.Send("GET /companies HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server_->Port()) + "\r\n" +
+             headers + "\r\n");
+    EXPECT_TRUE(raw.Ready(30000));
+  };
+  Serve();
+  std::vector<std::unique_ptr<Raw>> held;
+  for (int i = 0; i < 3; ++i) ask(*held.emplace_back(std::make_unique<Raw>(server_->Port())), "");
+  EXPECT_EQ(Raw(server_->Port()).Rest(), "");
+  held.clear();
+
+  // Behind the proxy it is the address that the proxy tells, and who is logged in may have more.
+  options_.proxy = "127.0.0.1";
+  server_.reset();
+  Serve();
+  const std::string ana = "Cookie: " + Ana().cookie + "\r\n", from = "X-Forwarded-For: 1.2.3.4\r\n";
+  for (int i = 0; i < 3; ++i) ask(*held.emplace_back(std::make_unique<Raw>(server_->Port())), from);
+  for (int i = 0; i < 21; ++i) ask(*held.emplace_back(std::make_unique<Raw>(server_->Port())), from + ana);
+  for (const auto& [headers, status] :
+       {std::pair{from, "429"}, {from + ana, "429"}, {std::string("X-Forwarded-For: 1.2.3.5\r\n"), "200"}}) {
+    Raw raw(server_->Port());
+    ask(raw, headers + "Connection: close\r\n");
+    EXPECT_EQ(raw.Rest().substr(9, 3), status) << headers;
+  }
 }
 
 TEST_F(HostileTest, NothingIsReachedThatIsntShown) {

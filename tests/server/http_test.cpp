@@ -161,6 +161,7 @@ TEST_F(ServerTest, TlsMakesTheCookieSecure) {
   options_.key = (folder_.Path() / "mesa.key").string();
   EXPECT_THROW(Serve(), UserError);
   MakeCertificate(options_.certificate, options_.key);
+  options_.subdomains = true;
   Serve();
   EXPECT_EQ(server_->Address().substr(0, 8), "https://");
   Browser browser(server_->Port(), true);
@@ -168,8 +169,19 @@ TEST_F(ServerTest, TlsMakesTheCookieSecure) {
   ASSERT_EQ(in.status, 200);
   EXPECT_EQ(in.Header("set-cookie").substr(0, 13), "__Host-orvcc=");
   EXPECT_EQ(in.Header("set-cookie").substr(13 + 32), "; Path=/; HttpOnly; SameSite=Strict; Secure");
-  EXPECT_NE(in.Header("strict-transport-security"), "");
+  EXPECT_EQ(in.Header("strict-transport-security"), "max-age=31536000; includeSubDomains");
   EXPECT_EQ(browser.Get("/me").status, 200);
+  for (const auto& [ciphers, taken] : {std::pair{"ECDHE-ECDSA-AES128-GCM-SHA256", true},
+                                       {"ECDHE-ECDSA-CHACHA20-POLY1305", true},
+                                       {"ECDHE-ECDSA-AES128-SHA256", false},
+                                       {"ECDHE-ECDSA-AES256-SHA", false}}) {
+    browser.ciphers = ciphers;
+    if (taken) {
+      EXPECT_EQ(browser.Get("/me").status, 200) << ciphers;
+    } else {
+      EXPECT_ANY_THROW(browser.Get("/me")) << ciphers;
+    }
+  }
 }
 
 TEST(HttpGuardTest, BehindAProxy) {
@@ -221,9 +233,9 @@ TEST(LoginsTest, BoundsWhatIsKept) {
 }
 
 TEST(FoldersTest, NoLoginLeavesItsFolder) {
-  EXPECT_EQ(UserFolder("/d", "Ana.Prado"), "/d/users/ana.prado");
-  EXPECT_EQ(UserFolder("/d", "../x"), "/d/users/%2E.%2Fx");
-  EXPECT_EQ(UserFolder("/d", "."), "/d/users/%2E");
+  EXPECT_EQ(UserFolder("/d", "Ana.Prado", "_001"), "/d/users/ana.prado/_001");
+  EXPECT_EQ(UserFolder("/d", "../x", "_001"), "/d/users/%2E.%2Fx/_001");
+  EXPECT_EQ(UserFolder("/d", ".", "_001"), "/d/users/%2E/_001");
 }
 
 TEST(LogTest, AmountsAreTakenOut) {

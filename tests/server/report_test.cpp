@@ -83,7 +83,7 @@ TEST_F(ServerReportTest, IsGivenToItsOwnLoginAndGoesWithTheWindow) {
   // The file's name is the address's, and harms no header.
   EXPECT_EQ(ana.Get("/relatorio/" + secret + "/a%22%0d%0ab.html").Header("content-disposition").find("\r"),
             std::string::npos);
-  const std::filesystem::path folder = options_.data / "users" / "ana" / "relatorios";
+  const std::filesystem::path folder = options_.data / "sessoes";
   EXPECT_FALSE(std::filesystem::is_empty(folder));
   EXPECT_EQ(ana.Ask("POST", "/logout").status, 200);
   while (!door->Next().IsNull()) {

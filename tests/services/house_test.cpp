@@ -208,6 +208,9 @@ TEST_F(HouseTest, StatementsReachTheCompaniesTheyShould) {
   EXPECT_EQ(walked, "CADCONTA_001 CADCONTA_001 ;CADCONTA_002 CADCONTA_002 333-3;");
   EXPECT_EQ(Funcoes().vEmpresa_Atual(), "_001");
   main_->services->AfterAction();
+  // A company is named without walking to it, which would take a statement there and one back.
+  companies.AfterScroll = [] { FAIL(); };
+  EXPECT_EQ(Sql(Funcoes().DBEmpresa_SQL(sql, "_002")), "333-3|_002");
   EXPECT_EQ(Funcoes().DBLocal("CADCONTA", true), "CADCONTA_001");
   EXPECT_EQ(Funcoes().DBLocal("EMPRESA", true), "EMPRESA");
   EXPECT_EQ(Funcoes().DBLocal("CADCONTA", false), "CADCONTA");

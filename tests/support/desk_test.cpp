@@ -72,7 +72,8 @@ Desk::Desk(const std::filesystem::path& database, const std::string& user, const
   options.user = user;
   options.company = company;
   options.clock = Clock(Date::ParseNeutral(today));
-  options.folder = database.parent_path() / "files" / user;
+  options.folder = database.parent_path();
+  options.scratch = database.parent_path() / "sessoes" / user;
   options.templates = database.parent_path() / "relatorios";
   client_ = std::make_unique<DoorClient>(std::move(options), log_);
 }
@@ -114,10 +115,10 @@ void ExpectFile(const std::string& made, const std::filesystem::path& file) {
 std::string Desk::Messages() const {
   std::string text;
   for (const Json& out : latest_) {
-    const bool message = out["on"] == Json("message");
-    if (!message && !(out["on"] == Json("error"))) continue;
+    const bool message = out["on"] == Json("message"), note = out["on"] == Json("note");
+    if (!message && !note && !(out["on"] == Json("error"))) continue;
     if (!text.empty()) text += "\n";
-    text += (message ? "" : "error: ") + out["text"].String();
+    text += (message ? "" : note ? "note: " : "error: ") + out["text"].String();
   }
   return text;
 }

@@ -45,7 +45,7 @@ using Fields = std::vector<std::pair<std::string, std::string>>;
 // A row of a set: its values by their fields.
 using Row = std::map<std::string, std::string>;
 
-// A user at the desk.
+// A user at the desk, whose own folder is the one in which the database stands.
 class Desk {
  public:
   Desk(const std::filesystem::path& database, const std::string& user = "ana",
@@ -69,7 +69,7 @@ class Desk {
 
   // --- Of the latest answer.
   const std::vector<Json>& Latest() const { return latest_; }
-  // Texts of the messages shown, one a line; errors as "error: ...".
+  // Texts of the messages shown, one a line; errors as "error: ...", notes as "note: ...".
   std::string Messages() const;
   // "idle" or "waiting answer", "waiting lookup"...
   std::string End() const;

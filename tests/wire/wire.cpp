@@ -17,15 +17,23 @@
 namespace orv::wire {
 
 struct Connection::Tls {
-  SSL_CTX* context = SSL_CTX_new(TLS_client_method());
-  SSL* link = SSL_new(context);
+  explicit Tls(const std::string& ciphers) : context(SSL_CTX_new(TLS_client_method())) {
+    if (!ciphers.empty()) {
+      SSL_CTX_set_max_proto_version(context, TLS1_2_VERSION);
+      SSL_CTX_set_cipher_list(context, ciphers.c_str());
+    }
+    link = SSL_new(context);
+  }
+  SSL_CTX* context;
+  SSL* link;
   ~Tls() {
     SSL_free(link);
     SSL_CTX_free(context);
   }
 };
 
-Connection::Connection(int port, bool tls) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+Connection::Connection(int port, bool tls, const std::string& ciphers)
+    : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<uint16_t>(port));
@@ -34,7 +42,7 @@ Connection::Connection(int port, bool tls) : socket_(socket(AF_INET, SOCK_STREAM
   const int at_once = 1;
   setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &at_once, sizeof at_once);
   if (open && tls) {
-    tls_ = std::make_unique<Tls>();
+    tls_ = std::make_unique<Tls>(ciphers);
     SSL_set_fd(tls_->link, socket_);
     open = SSL_connect(tls_->link) == 1;
   }

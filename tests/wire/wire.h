@@ -14,8 +14,9 @@ using Headers = std::map<std::string, std::string>;
 // A connection to this machine.
 class Connection {
  public:
-  // Raises std::runtime_error when nobody listens there.
-  explicit Connection(int port, bool tls = false);
+  // `ciphers` are those of TLS 1.2, as their names are written, "" for what is newest. Raises
+  // std::runtime_error when nobody listens there or nothing is agreed on.
+  explicit Connection(int port, bool tls = false, const std::string& ciphers = "");
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;

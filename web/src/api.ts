@@ -68,6 +68,24 @@ export async function login(user: string, password: string, company: string): Pr
   return { ok: false, text: response.status === 401 ? "Usuário ou senha inválidos." : "Não foi possível entrar." };
 }
 
+// Gives a file to the session that asks for it; the name by which the door takes it, or why the desk didn't.
+export async function upload(session: string, file: File, signal: AbortSignal): Promise<{ upload: string } | { text: string }> {
+  let response: Response;
+  try {
+    response = await fetch(`/upload?session=${encodeURIComponent(session)}`, {
+      method: "POST",
+      headers: { "Content-Type": "application/octet-stream" },
+      body: file,
+      signal,
+    });
+  } catch {
+    return { text: `O arquivo "${file.name}" não foi enviado. Verifique a rede e tente de novo.` };
+  }
+  if (response.ok) return (await response.json()) as { upload: string };
+  const text = await textOf(response);
+  return { text: text !== "" ? text : `O arquivo "${file.name}" não foi aceito.` };
+}
+
 export async function logout(): Promise<void> {
   await fetch("/logout", { method: "POST" }).catch(() => {});
 }

@@ -1,4 +1,5 @@
 // What a control and a grid may ask of the desk's page.
+import type { ControlView } from "./controls/control.ts";
 import type { In } from "./protocol.ts";
 import type { Item } from "./queue.ts";
 import type { Day } from "./text/date.ts";
@@ -11,8 +12,15 @@ export interface DeskContext {
   // The same before anything that is typed after it; `done` once the rows are at hand.
   readFirst(control: string, from: number, count: number, done: () => void): void;
   has(key: string): boolean;
-  // Runs what a pointer did: now, or in its place behind the keys that were typed before.
+  // Runs what a pointer did: now, or in its place behind the keys that were typed before, if its screen is
+  // still on top then.
   act(run: () => void): void;
+  // The same for a press that does something. It is meant for what the user saw: dropped where an earlier one
+  // of the pointer or of that key isn't answered yet, and where the control, or a row that it could be about,
+  // has become another meanwhile. `clicks` counts those of one burst of the pointer's, 0 for a key.
+  press(control: ControlView, clicks: number, run: () => void): void;
+  // What stands in a control was typed by the user and may not have been sent.
+  typed(control: ControlView): void;
   // True while keys wait for an answer of the desk.
   readonly holding: boolean;
   readonly today: Day;

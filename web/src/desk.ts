@@ -1,7 +1,9 @@
 // The desk's page: it shows what the desk tells, sends what the user does, keeps the focus where the desk has
 // it, and keeps what is typed ahead.
-import { me as askMe, setPreference } from "./api.ts";
+import { me as askMe, setPreference, upload } from "./api.ts";
 import type { DeskContext } from "./context.ts";
+import { ButtonView } from "./controls/button.ts";
+import type { ControlView } from "./controls/control.ts";
 import { Dialog } from "./dialogs/dialog.ts";
 import { FileDialog } from "./dialogs/file.ts";
 import { HelpDialog } from "./dialogs/help.ts";
@@ -11,14 +13,18 @@ import { ProgressDialog } from "./dialogs/progress.ts";
 import { ReportDialog } from "./dialogs/report.ts";
 import { ConfirmDialog, DetailDialog } from "./dialogs/tables.ts";
 import { Door, type DoorUser, type Link } from "./door.ts";
+import { Drafts } from "./drafts.ts";
 import { Frame, type FrameUser } from "./frame.ts";
-import { belongsToBrowser, isModifier, pressOf, type Ahead, type Press } from "./keys.ts";
-import type { In, Me, MenuEntry, Out, Question, StateOut } from "./protocol.ts";
+import { belongsToBrowser, isModifier, pressOf, strokeOf, type Ahead, type Press } from "./keys.ts";
+import type { ChangeOut, In, Me, MenuEntry, Out, Question, StateOut } from "./protocol.ts";
 import type { Item } from "./queue.ts";
 import { ScreenView } from "./screen.ts";
+import { TakeUp, type TakeUpUser } from "./takeup.ts";
 import { fromNeutral, localToday, type Day } from "./text/date.ts";
 
 const kMostAhead = 2000;
+// Presses of one key that follow each other faster were meant for what was shown before the first of them.
+const kBurst = 400;
 
 export interface DeskOptions {
   // The session to come back to, null for a new one.
@@ -28,8 +34,10 @@ export interface DeskOptions {
   leave: () => void;
 }
 
-export class Desk implements DeskContext, DoorUser, FrameUser {
+export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   private frame: Frame;
+  private drafts: Drafts;
+  private takeUp: TakeUp;
   private door: Door;
   // From bottom to top.
   private screens: ScreenView[] = [];
@@ -50,7 +58,9 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     private me: Me,
     private options: DeskOptions,
   ) {
-    this.frame = new Frame(me, this);
+    this.drafts = new Drafts(`orv-drafts:${me.user}:${me.company}`, sessionStorage);
+    this.takeUp = new TakeUp(this.drafts, this);
+    this.frame = new Frame(me, this, this.takeUp.element);
     root.replaceChildren(this.frame.element);
     const { signal } = this.abort;
     document.addEventListener("keydown", (event) => this.keyDown(event), { capture: true, signal });
@@ -79,7 +89,12 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   // --- DeskContext.
 
   send(object: In, options: Partial<Item> = {}): void {
-    this.door.push({ object, purpose: "screen", hold: true, ...options });
+    // A report belongs to the window, everything else to the screen that the user sees.
+    const screen = this.top?.id;
+    const meant = screen === undefined || object.do === "report" ? object : { screen, ...object };
+    this.door.push({ object: meant, purpose: "screen", hold: true, ...options });
+    this.pressed = options.press ?? false;
+    if (object.do === "set" || object.do === "check") this.typed(this.top?.find(String(object["control"])));
     this.mark();
   }
   read(control: string, from: number, count: number): void {
@@ -97,8 +112,43 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     return this.door.queue.has(key);
   }
   act(run: () => void): void {
-    if (this.holding) this.type({ kind: "act", run });
+    const on = this.top;
+    this.later(() => on === this.top && run());
+  }
+  private later(run: () => void, press = false): void {
+    if (this.holding) this.type({ kind: "act", run, press });
     else run();
+  }
+
+  // What was pressed last, how it looked, and when.
+  private last = { by: "none", sight: "", at: 0 };
+  // The key that is being worked on.
+  private stroke = "";
+  // The last that went out was a press; what is done now was typed directly behind it.
+  private pressed = false;
+  private burst = false;
+
+  press(control: ControlView, clicks: number, run: () => void): void {
+    const top = this.top;
+    if (top === undefined) return;
+    // The same key typed twice before the first was answered; another key names what it means.
+    if (this.flushing && this.burst && this.stroke === this.last.by) return;
+    // One that isn't answered changes what this one was aimed at.
+    if (this.door.queue.pressing || (!this.flushing && this.ahead.some((one) => one.kind === "act" && one.press))) return;
+    const by = clicks > 0 ? "pointer" : this.stroke;
+    const shown = top.sight(control, top.grids);
+    const again = by === this.last.by && (clicks > 0 ? clicks > 1 : performance.now() - this.last.at < kBurst);
+    if (again && shown !== this.last.sight) return;
+    this.last = { by, sight: shown, at: performance.now() };
+    const grids = top.grids.filter((one) => one === top.focused);
+    const seen = top.sight(control, grids);
+    this.later(() => !(this.flushing && this.burst) && top === this.top && top.sight(control, grids) === seen && run(), true);
+  }
+  typed(control: ControlView | undefined): void {
+    const top = this.top;
+    if (top === undefined || control?.screen !== top) return;
+    top.touch(control);
+    this.drafts.keep(top.drafted());
   }
   get holding(): boolean {
     return this.door.queue.holding || (this.ahead.length > 0 && !this.flushing);
@@ -122,6 +172,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   private answer(object: In): void {
     if (this.question === null || this.answered) return;
     this.answered = true;
+    this.pressed = false;
     this.question.element.hidden = true;
     this.door.push({ object, purpose: "answer", hold: true });
     this.mark();
@@ -130,37 +181,45 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   // --- FrameUser.
 
   open(entry: MenuEntry): void {
-    this.act(() => {
-      this.top?.commit();
-      this.send({ do: "open", class: entry.class });
-    });
+    this.openScreen(entry.class);
   }
   raise(id: number): void {
     const screen = this.screens.find((one) => one.id === id);
-    if (screen === undefined || screen === this.topChild) return;
-    this.act(() => {
-      this.top?.commit();
-      this.send({ do: "open", class: screen.screenClass });
-    });
+    if (screen !== undefined && screen !== this.topChild) this.openScreen(screen.screenClass);
   }
   close(id: number): void {
     this.raise(id);
-    const go = (): void => {
-      this.top?.commit();
-      this.send({ do: "close" });
-    };
-    this.act(() => {
+    this.later(() => {
+      const go = (): void => {
+        this.top?.commit();
+        this.send({ do: "close", screen: id });
+      };
       const badge = this.screens.find((one) => one.id === id)?.badge ?? "";
       if (badge === "") go();
       else this.confirm("Fechar", `${badge}: o que não foi confirmado será perdido.\nDeseja fechar?`, go);
     });
   }
+
+  // --- TakeUpUser.
+
+  mayOpen(screenClass: string): boolean {
+    return !this.top?.dialog && this.me.menu.some((entry) => entry.class === screenClass);
+  }
+  openScreen(screenClass: string): void {
+    this.later(() => {
+      this.top?.commit();
+      this.send({ do: "open", class: screenClass });
+    });
+  }
+  settled(): void {
+    this.settle();
+  }
   leave(): void {
     if (this.screens.length === 0) {
-      this.options.leave();
+      this.goOut();
       return;
     }
-    this.confirm("Sair", "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?", () => this.options.leave());
+    this.confirm("Sair", "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?", () => this.goOut());
   }
   // A question of the page itself; No is what Enter means.
   private confirm(title: string, text: string, yes: () => void): void {
@@ -169,6 +228,10 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       if (value === "yes") yes();
     });
     this.openBox(box);
+  }
+  private goOut(): void {
+    this.drafts.clear();
+    this.options.leave();
   }
   menuClosed(): void {
     this.settle();
@@ -192,6 +255,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
         this.screens.find((one) => one.id === out.id)?.destroy();
         this.screens = this.screens.filter((one) => one.id !== out.id);
         const screen: ScreenView = new ScreenView(this, out, () => this.act(() => this.send({ do: "close" })));
+        const draft = this.drafts.of(out.class);
+        if (draft !== undefined) screen.redraw(draft);
         this.screens.push(screen);
         (screen.dialog ? this.root : this.frame.main).append(screen.element);
         screen.hideEmptyRows();
@@ -199,11 +264,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
         break;
       }
       case "change":
-        this.screens.find((one) => one.id === out.screen)?.change(out);
+        this.changed(out);
         if (out.badge !== undefined) this.showTabs();
-        break;
-      case "note":
-        this.frame.toast(out.kind, out.text);
         break;
       case "front": {
         const screen = this.screens.find((one) => one.id === out.screen);
@@ -212,11 +274,15 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
         this.showScreens();
         break;
       }
-      case "closed":
-        this.screens.find((one) => one.id === out.screen)?.destroy();
-        this.screens = this.screens.filter((one) => one.id !== out.screen);
+      case "closed": {
+        const screen = this.screens.find((one) => one.id === out.screen);
+        if (screen === undefined) break;
+        this.drafts.keep({ ...screen.drafted(), fields: [] });
+        screen.destroy();
+        this.screens = this.screens.filter((one) => one !== screen);
         this.showScreens();
         break;
+      }
       case "message":
       case "input":
       case "lookup":
@@ -238,6 +304,9 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       case "error":
         this.failed(out.text);
         break;
+      case "note":
+        this.frame.toast(out.kind, out.text);
+        break;
       case "state":
         this.stateRead(out);
         break;
@@ -254,8 +323,17 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     }
   }
 
+  private changed(out: ChangeOut): void {
+    const screen = this.screens.find((one) => one.id === out.screen);
+    if (screen === undefined) return;
+    const { object, press } = this.door.queue.current ?? {};
+    const opened = screen.change(out, object?.do === "choose");
+    if (opened && press && object?.["screen"] === screen.id) screen.began(String(object["control"]));
+  }
+
   private session = "";
   private hello(session: string): void {
+    this.drafts.begin(session);
     const draft = this.top?.draft;
     this.draft = draft !== undefined && draft !== null && session === this.session ? { id: this.top!.id, ...draft } : null;
     if (this.greeted && session !== this.session) {
@@ -280,7 +358,10 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
   private idle(): void {
     this.endQuestion();
     this.endProgress();
+    this.door.queue.keepScreen(this.top?.id ?? 0);
+    for (const screen of this.screens) this.drafts.keep(screen.drafted());
     this.ready();
+    if (!this.holding && this.topBox === null) this.takeUp.go();
   }
 
   private waiting(): void {
@@ -308,8 +389,11 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     while (this.ahead.length > 0 && !this.door.queue.holding) {
       const next = this.ahead.shift()!;
       const top = this.top;
+      this.burst = this.pressed;
+      this.pressed = false;
+      if (next.kind === "press") this.stroke = strokeOf(next.press);
       if (next.kind === "act") next.run();
-      else if (top === undefined || this.question !== null) continue;
+      else if (top === undefined || this.question !== null || this.gone(next.screen)) continue;
       else if (next.kind === "text") top.textAhead(next.text);
       else top.pressAhead(next.press);
     }
@@ -317,9 +401,14 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     this.mark();
   }
 
+  // What was typed for a screen that has closed isn't meant for the one beneath.
+  private gone(screen: number): boolean {
+    return screen !== 0 && !this.screens.some((one) => one.id === screen);
+  }
+
   // --- Screens.
 
-  private get top(): ScreenView | undefined {
+  get top(): ScreenView | undefined {
     return this.screens[this.screens.length - 1];
   }
   private get topChild(): ScreenView | undefined {
@@ -331,6 +420,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     const active = this.topChild;
     for (const screen of this.screens) if (!screen.dialog) screen.element.hidden = screen !== active;
     this.showTabs();
+    this.takeUp.show();
     document.title = active === undefined ? this.me.companyName : `${active.caption} · ${this.me.companyName}`;
     // A dialog that comes back to the front stands over the others.
     for (const screen of this.screens) {
@@ -421,7 +511,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       case "file":
         return new FileDialog(
           out,
-          (name, content) => this.answer({ do: "file", name, content }),
+          (file, signal) => upload(this.door.name, file, signal),
+          (name, given) => this.answer({ do: "file", name, upload: given }),
           () => give("cancel"),
         );
       case "lookup": {
@@ -545,17 +636,24 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     }
     const top = this.top;
     if (this.frame.menuOpen || top === undefined) return;
-    if ((event.target as Element).closest?.(".top") !== null) return;
+    if ((event.target as Element).closest?.(".top, .offers") !== null) return;
     const all = press.ctrl && press.key.toLowerCase() === "a" && document.activeElement?.getAttribute("role") === "grid";
     if (belongsToBrowser(press) && !all) return;
-    if (this.holding) {
-      // An accent that waits for its letter is put together by the browser first.
-      if (event.key === "Dead" || event.key === "Process") return;
-      this.type({ kind: "press", press });
+    const focused = top.focused;
+    // A key held down goes through fields and rows, and presses nothing a second time.
+    if (event.repeat && focused instanceof ButtonView && (press.key === "Enter" || press.key === " ")) {
       event.preventDefault();
       return;
     }
-    const focused = top.focused;
+    if (this.holding) {
+      // An accent that waits for its letter is put together by the browser first.
+      if (event.key === "Dead" || event.key === "Process") return;
+      this.type({ kind: "press", press, screen: top.id });
+      event.preventDefault();
+      return;
+    }
+    this.stroke = strokeOf(press);
+    if (this.stroke !== this.last.by) this.last.by = "none";
     if (focused !== undefined && !focused.element.contains(document.activeElement)) top.syncFocus();
     if (top.press(press)) event.preventDefault();
   }
@@ -565,6 +663,10 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     if (ctrl && alt && key.toLowerCase() === "m") {
       if (this.top?.dialog) return true;
       this.frame.toggleMenu();
+      return true;
+    }
+    if (ctrl && alt && key.toLowerCase() === "r") {
+      this.takeUp.first();
       return true;
     }
     const forward = (ctrl && key === "Tab" && !shift) || (alt && !shift && key === "PageDown");
@@ -583,7 +685,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     if (!this.waitsForDesk(event) || !event.cancelable) return;
     event.preventDefault();
     const text = event.data ?? event.dataTransfer?.getData("text/plain") ?? "";
-    if (text !== "") this.type({ kind: "text", text });
+    if (text !== "") this.type({ kind: "text", text, screen: this.top?.id ?? 0 });
   }
   private composed(event: CompositionEvent): void {
     if (!this.waitsForDesk(event)) return;
@@ -591,7 +693,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
     if (!(input instanceof HTMLInputElement)) return;
     const end = input.selectionEnd ?? input.value.length;
     input.setRangeText("", Math.max(0, end - event.data.length), end, "end");
-    this.type({ kind: "text", text: event.data });
+    this.type({ kind: "text", text: event.data, screen: this.top?.id ?? 0 });
   }
   private waitsForDesk(event: Event): boolean {
     const inScreen = (event.target as Element).closest?.(".screen, .dialog-screen") !== null;

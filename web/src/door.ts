@@ -139,6 +139,11 @@ export class Door {
     socket.send(JSON.stringify({ ...object, n: this.number }));
   }
 
+  // The session's name, for what is asked beside the door.
+  get name(): string {
+    return this.session;
+  }
+
   // The link is whole and the desk has answered everything.
   get quiet(): boolean {
     return this.ready && this.queue.idle;

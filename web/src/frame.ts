@@ -3,6 +3,7 @@ import { el, icon } from "./dom.ts";
 import { MenuBoard } from "./menu.ts";
 import type { Me, MenuEntry } from "./protocol.ts";
 
+
 export interface FrameUser {
   open(entry: MenuEntry): void;
   raise(id: number): void;
@@ -34,6 +35,7 @@ export class Frame {
   constructor(
     me: Me,
     private user: FrameUser,
+    offers: HTMLElement,
   ) {
     this.home = new MenuBoard(me.menu, (entry) => user.open(entry), () => {});
     this.homeBox = el(
@@ -81,7 +83,7 @@ export class Frame {
     );
     this.status = el("div", { class: "link-status", role: "status", hidden: true });
     this.main = el("main", { class: "desk" }, this.homeBox);
-    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox, this.toasts);
+    this.element = el("div", { class: "frame" }, top, this.status, offers, this.main, this.overBox, this.toasts);
   }
 
   // --- The menu over the screens.
@@ -105,6 +107,8 @@ export class Frame {
     this.menuButton.setAttribute("aria-expanded", "false");
     if (back) this.user.menuClosed();
   }
+
+  // --- What should be noticed and needs no answer: it goes at a click, or after a while.
 
   // --- Tabs.
 
@@ -170,12 +174,13 @@ export class Frame {
     }, 250);
   }
 
-  // Six seconds, and never in the way of a key.
+  // Six seconds, a warning twice as long, and never in the way of a key.
   toast(kind: string, text: string): void {
+    for (const same of [...this.toasts.children]) if (same.textContent === text) same.remove();
     const toast = el("div", { class: `toast toast-${kind}` }, icon(kind === "stored" ? "check" : kind === "warning" ? "warning" : "information"), el("span", {}, text));
     this.toasts.append(toast);
     while (this.toasts.childElementCount > 3) this.toasts.firstElementChild!.remove();
-    window.setTimeout(() => toast.remove(), 6000);
+    window.setTimeout(() => toast.remove(), kind === "warning" ? 12_000 : 6000);
   }
 
   link(text: string): void {

@@ -7,10 +7,11 @@ export interface Press {
   shift: boolean;
 }
 
+// `screen` is the one that was on top then, 0 for none.
 export type Ahead =
-  | { kind: "press"; press: Press }
-  | { kind: "text"; text: string }
-  | { kind: "act"; run: () => void };
+  | { kind: "press"; press: Press; screen: number }
+  | { kind: "text"; text: string; screen: number }
+  | { kind: "act"; run: () => void; press?: boolean };
 
 export function pressOf(event: KeyboardEvent): Press {
   return {
@@ -20,6 +21,8 @@ export function pressOf(event: KeyboardEvent): Press {
     shift: event.shiftKey,
   };
 }
+
+export const strokeOf = (press: Press): string => `${press.alt ? "Alt+" : ""}${press.key}`;
 
 export function isCharacter(press: Press): boolean {
   return [...press.key].length === 1 && !press.ctrl && !press.alt;

@@ -4,6 +4,8 @@ import { el, icon } from "./dom.ts";
 
 const kLastUser = "orv-last-user";
 const kLastCompany = "orv-last-company";
+const kNoAnswer = "O servidor não responde. A página tenta de novo em instantes.";
+const kRetry = 2000;
 
 export class LoginPage {
   readonly element: HTMLElement;
@@ -41,20 +43,28 @@ export class LoginPage {
     void this.load();
   }
 
+  // Until the desk answers: it may be starting anew.
   private async load(): Promise<void> {
     try {
       const all = await companies();
       this.company.replaceChildren(...all.map((one) => el("option", { value: one.suffix }, one.name)));
       const last = localStorage.getItem(kLastCompany);
       if (last !== null && all.some((one) => one.suffix === last)) this.company.value = last;
+      if (this.alert.textContent === kNoAnswer) this.alert.textContent = "";
     } catch {
-      this.alert.textContent = "O servidor não responde. Recarregue a página em instantes.";
+      this.alert.textContent = kNoAnswer;
+      window.setTimeout(() => this.element.isConnected && void this.load(), kRetry);
     }
   }
 
   private async submit(): Promise<void> {
     if (this.button.disabled) return;
     this.alert.textContent = "";
+    // Without companies there is none to log in at.
+    if (this.company.options.length === 0) {
+      this.alert.textContent = kNoAnswer;
+      return;
+    }
     this.button.disabled = true;
     this.button.textContent = "Entrando…";
     const password = this.password.value;

@@ -71,9 +71,11 @@ export interface ConfirmLine {
   debitDescription: string;
   credit: string;
   creditDescription: string;
+  // As people read it, "1.234,56".
   amount: string;
   note: string;
-  unknown: boolean | string;
+  // An account of the line isn't there.
+  unknown: boolean;
 }
 
 export interface ConfirmOut {

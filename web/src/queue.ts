@@ -9,6 +9,8 @@ export interface Item {
   purpose: Purpose;
   // Keys typed after it wait for its answer, since it may move the focus or ask something.
   hold: boolean;
+  // It does something once and for all, as a button does: a second one isn't sent before it is answered.
+  press?: boolean;
   // An item still waiting is replaced by a later one of the same key.
   key?: string;
   // Told once, with the desk's answer or when the item is dropped unsent.
@@ -76,6 +78,11 @@ export class OutQueue {
     this.drop((item) => item.purpose === "screen");
   }
 
+  // Another screen is on top: what was meant for the one that was is void.
+  keepScreen(id: number): void {
+    this.drop((item) => item.object["screen"] !== undefined && item.object["screen"] !== id);
+  }
+
   clear(): void {
     this.flying = null;
     this.drop(() => true);
@@ -96,6 +103,10 @@ export class OutQueue {
 
   get holding(): boolean {
     return (this.flying?.hold ?? false) || this.waiting.some((item) => item.hold);
+  }
+
+  get pressing(): boolean {
+    return (this.flying?.press ?? false) || this.waiting.some((item) => item.press);
   }
 
   get idle(): boolean {

@@ -12,6 +12,8 @@ import { makeControl } from "./controls/make.ts";
 import { TextView } from "./controls/text.ts";
 import { GridControl } from "./grid/control.ts";
 import type { DeskContext } from "./context.ts";
+import type { Draft, Kept } from "./drafts.ts";
+import type { Item } from "./queue.ts";
 import type { ChangeOut, ScreenOut, StateOut, TreeNode } from "./protocol.ts";
 
 export class ScreenView implements ScreenContext {
@@ -74,7 +76,7 @@ export class ScreenView implements ScreenContext {
     if (role !== "") control.element.classList.add(`role-${role}`);
     const around = this.holder;
     if (around !== undefined) this.holders.set(control, around);
-    if (control instanceof PanelView || control instanceof PageView) this.holder = control;
+    if (control instanceof PanelView || control instanceof PageView || control instanceof PagesView) this.holder = control;
     if (control instanceof PanelView || control instanceof PageView) {
       this.drawRows(control.body, node.layout ?? []);
     } else if (control instanceof PagesView) {
@@ -242,14 +244,20 @@ export class ScreenView implements ScreenContext {
 
   // --- From the desk.
 
-  change(out: ChangeOut): void {
+  // `chosen`: what a lookup put into fields is the user's, as if he had typed it. True when fields were opened
+  // for typing.
+  change(out: ChangeOut, chosen: boolean): boolean {
+    let opened = false;
     if (out.badge !== undefined) this.badge = out.badge;
     for (const [name, properties] of Object.entries(out.controls ?? {})) {
       const control = this.byName.get(name);
-      // A field that takes another text as it is entered says so, and Escape brings the former one back.
       const before = control?.text("text") ?? "";
       control?.update(properties);
+      // A field that takes another text as it is entered says so, and Escape brings the former one back.
       if (name === out.focus && before !== "" && control instanceof TextView && "text" in properties) control.overwritten(before);
+      if (control === undefined || control.content === null) continue;
+      opened ||= properties["enabled"] === true;
+      if (chosen && properties["text"] !== undefined) this.touch(control);
     }
     if (out.controls !== undefined) for (const fold of this.folds) fold.render();
     for (const [name, state] of Object.entries(out.sets ?? {})) {
@@ -262,6 +270,7 @@ export class ScreenView implements ScreenContext {
       this.markFocus();
     }
     if (out.controls !== undefined) this.hideEmptyRows();
+    return opened;
   }
 
   state(state: StateOut["screens"][number], of: string, from: number): void {
@@ -478,6 +487,61 @@ export class ScreenView implements ScreenContext {
     if (!(menu instanceof MenuView)) return false;
     menu.open(x, y);
     return true;
+  }
+
+  // --- What is typed and not confirmed.
+
+  // The fields that the user has put something into, in that order.
+  private touched = new Set<ControlView>();
+  // The button whose press opened fields for typing.
+  private begun: ButtonView | null = null;
+
+  touch(control: ControlView): void {
+    this.touched.add(control);
+  }
+  began(button: string): void {
+    const control = this.byName.get(button);
+    if (control instanceof ButtonView) this.begun = control;
+  }
+  // What was told of a screen that is drawn anew.
+  redraw(draft: Draft): void {
+    for (const [name] of draft.fields) this.byName.has(name) && this.touch(this.byName.get(name)!);
+    if (draft.begin !== null) this.began(draft.begin.name);
+  }
+
+  // What was cleared or closed to typing, as a confirmation does, is no draft any more.
+  drafted(): Draft {
+    for (const control of this.touched) {
+      if (!control.enabled || (control.content ?? "") === "") this.touched.delete(control);
+    }
+    const begin = this.begun === null ? null : { name: this.begun.name, caption: this.begun.caption };
+    return { class: this.screenClass, caption: this.caption, begin, fields: [...this.touched].map((one) => [one.name, one.content!]) };
+  }
+
+  // Presses the button that opened the fields then; false where it can't be pressed.
+  begin(button: string): boolean {
+    const control = this.byName.get(button);
+    if (!(control instanceof ButtonView) || !control.enabled || !control.visible) return false;
+    control.click();
+    return true;
+  }
+  // The field takes a content now.
+  takes(name: string): boolean {
+    const control = this.byName.get(name);
+    return control !== undefined && control.enabled && control.content !== null;
+  }
+  // Gives a field its content again: its page first, then the field.
+  give([name, content]: Kept, done: Item["done"]): void {
+    for (let holder = this.holders.get(this.byName.get(name)!); holder !== undefined; holder = this.holders.get(holder)) {
+      const pages = this.holders.get(holder);
+      if (holder instanceof PageView && pages instanceof PagesView && !holder.visible) pages.choose(holder);
+    }
+    this.desk.send({ do: "set", control: name, value: content }, { done });
+  }
+
+  // What a press on a control is about, as it is shown, with the rows on which these grids stand.
+  sight(control: ControlView, grids: GridControl[]): string {
+    return [this.id, control.name, control.enabled, control.visible, control.caption, ...grids.map((one) => one.grid.row)].join("|");
   }
 
   // --- Drawn anew after a lost connection.

@@ -11,9 +11,9 @@ import { dist, enter, launch, root } from "./browser.mjs";
 
 const kProgram = process.env.ORVCC ?? ["debug", "release"].map((build) => join(root, "build", build, "bin", "orvcc")).find((path) => existsSync(path));
 
-// A link to `port` that holds what passes for `delay` milliseconds, and can be broken.
-async function startLink(port) {
-  const link = { delay: 0, open: true, port: 0 };
+// A link to the port `to` that holds what passes for `delay` milliseconds, and can be broken.
+async function startLink() {
+  const link = { delay: 0, open: true, port: 0, to: 0 };
   const sockets = new Set();
   const carry = (from, to) => {
     from.on("data", (bytes) => (link.delay === 0 ? to.write(bytes) : setTimeout(() => to.destroyed || to.write(bytes), link.delay)));
@@ -25,7 +25,7 @@ async function startLink(port) {
       near.destroy();
       return;
     }
-    const far = connect(port, "127.0.0.1");
+    const far = connect(link.to, "127.0.0.1");
     for (const one of [near, far]) {
       sockets.add(one);
       one.on("close", () => sockets.delete(one));
@@ -60,9 +60,19 @@ export async function startRealDesk(prepare = () => {}, scale = 1) {
   run(["lock", "set", "--account", "20418-7", "--until", "2026-11-30"]);
   prepare(run);
   let process_ = null;
-  let link = null;
+  const link = await startLink();
+  const end = async (signal) => {
+    if (process_ === null) return 0;
+    const ended = new Promise((resolve) => process_.once("exit", resolve));
+    process_.kill(signal);
+    process_ = null;
+    return await ended;
+  };
   const desk = {
     run,
+    link,
+    // Where browsers find it, however often it is started.
+    url: `http://127.0.0.1:${link.port}`,
     async start() {
       process_ = spawn(kProgram, ["serve", "--database", database, "--listen", "127.0.0.1:0", "--data", join(folder, "data"), "--web", dist, "--log", join(folder, "log"), "--today", "2026-11-20"], { stdio: ["ignore", "pipe", "inherit"] });
       const lines = createInterface({ input: process_.stdout });
@@ -70,21 +80,20 @@ export async function startRealDesk(prepare = () => {}, scale = 1) {
         lines.once("line", (text) => resolve([text]));
         process_.once("exit", (code) => reject(new Error(`orvcc serve: ${code}`)));
       });
-      link = await startLink(Number(/:(\d+) /.exec(line)[1]));
-      desk.link = link;
-      desk.url = `http://127.0.0.1:${link.port}`;
+      link.to = Number(/:(\d+) /.exec(line)[1]);
+    },
+    // Ended in the middle of whatever it does, and started anew.
+    async crash() {
+      await end("SIGKILL");
+      await desk.start();
     },
     log: () => readFileSync(join(folder, "log"), "utf8"),
     // A clean end; the result is the exit code.
-    async stop() {
-      link?.stop();
-      if (process_ === null) return 0;
-      const ended = new Promise((resolve) => process_.once("exit", resolve));
-      process_.kill("SIGTERM");
-      process_ = null;
-      return await ended;
+    stop: () => end("SIGTERM"),
+    remove: () => {
+      link.stop();
+      rmSync(folder, { recursive: true, force: true });
     },
-    remove: () => rmSync(folder, { recursive: true, force: true }),
   };
   await desk.start();
   return desk;

@@ -23,6 +23,7 @@ export class SmallSession {
     this.received = 0;
     this.log = [];
     this.cancelled = false;
+    this.uploads = new Map();
     void this.serve();
   }
   send(object) {
@@ -158,6 +159,11 @@ export async function startSmallDesk(folder, { delay = 0 } = {}) {
       desk.logged
         ? json(response, 200, { user: "ana", company: "_001", companyName: "Comercial Aroeira Ltda.", menu: kMenu, today: "2026-11-23" })
         : json(response, 401, { text: "Entre com seu usuário." }),
+    "POST /upload": (body, response, query) => {
+      const { uploads } = sessions.get(query.get("session"));
+      uploads.set(`u${uploads.size}`, body);
+      json(response, 200, { upload: `u${uploads.size - 1}` });
+    },
     "POST /logout": (_, response) => {
       desk.logged = false;
       json(response, 200, {});
@@ -173,12 +179,12 @@ export async function startSmallDesk(folder, { delay = 0 } = {}) {
     },
   };
   const server = createServer((request, response) => {
-    const path = new URL(request.url, "http://desk").pathname;
+    const { pathname: path, searchParams } = new URL(request.url, "http://desk");
     const route = routes[`${request.method} ${path}`];
     if (route !== undefined) {
       let body = "";
       request.on("data", (chunk) => (body += chunk));
-      request.on("end", () => route(body, response));
+      request.on("end", () => route(body, response, searchParams));
       return;
     }
     try {

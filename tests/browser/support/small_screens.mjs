@@ -328,7 +328,7 @@ function movement(session, id) {
         title: "Confirmação contábil",
         lines: [
           { debit: "1.1.01.002", debitDescription: "Bancos conta movimento", credit: "1.1.03.001", creditDescription: "Duplicatas a receber", amount: c.Valor.text, note: "RECEBIMENTO DOC. " + c.Documento.text, unknown: false },
-          { debit: "4.2.09.999", debitDescription: "", credit: "1.1.01.002", creditDescription: "Bancos conta movimento", amount: "12,50", note: "TARIFA", unknown: true },
+          { debit: "4.2.09.999", debitDescription: "", credit: "1.1.01.002", creditDescription: "Bancos conta movimento", amount: "12,50", note: "TARIFA", unknown: c.Documento.text === "SEM CONTA" },
         ],
       });
       if (answer.value === "yes") {
@@ -389,7 +389,7 @@ function controls(session, id) {
   button("Caixa", "&Caixa", async () => (c.Texto.text = (await session.ask("answer", { on: "input", title: "Observação", prompt: "Informe a observação", value: "REF. " })).value));
   button("Arquivo", "&Arquivo", async () => {
     const answer = await session.ask("file", { on: "file", control: "Abrir", filters: "Planilhas|*.xls;*.xlsx|Texto|*.txt" });
-    if (answer.do === "file") c.Texto.text = `${answer.name} ${Buffer.from(answer.content, "base64").length}`;
+    if (answer.do === "file") c.Texto.text = `${answer.name} ${session.uploads.get(answer.upload).length}`;
   });
   button("Detalhe", "&Detalhe", () =>
     session.ask("answer", {
@@ -421,6 +421,26 @@ function controls(session, id) {
   return s;
 }
 
+// What a press does changes what stands there: the current row, the buttons, the screen on top.
+function cheques(session, id) {
+  const s = new SmallScreen(session, id, "Cheques", "Cheques Recebidos", "child");
+  const set = Object.assign(new LedgerSet(5), { name: "TbCheques" });
+  ledgerGrid(s, "Grade", set, false);
+  for (const [name, caption] of [["Incluir", "&Incluir"], ["Confirmar", "C&onfirmar"], ["Compensar", "&Compensar"], ["Dialogo", "&Diálogo"]]) s.add(name, "button", caption);
+  const typing = (on) => {
+    s.controls.Confirmar.visible = on;
+    s.controls.Incluir.visible = !on;
+    s.focus = on ? "Confirmar" : "Incluir";
+  };
+  s.controls.Compensar.handlers = { click: () => (set.row += 1) };
+  s.controls.Incluir.handlers = { click: () => typing(true) };
+  s.controls.Confirmar.handlers = { click: () => typing(false) };
+  s.controls.Dialogo.handlers = { click: () => session.show("Dialogo") };
+  s.rows = [["Grade"], ["Incluir", "Confirmar", "Compensar", "Dialogo"]];
+  typing(false);
+  return s;
+}
+
 function dialog(session, id) {
   const s = new SmallScreen(session, id, "Dialogo", "Transferência entre Contas", "dialog");
   s.add("Origem", "edit", "Conta Origem", { maxLength: 13 });
@@ -445,6 +465,8 @@ export function makeScreen(name, session, id) {
       return movement(session, id);
     case "Controles":
       return controls(session, id);
+    case "Cheques":
+      return cheques(session, id);
     case "Dialogo":
       return dialog(session, id);
     case "Grade":

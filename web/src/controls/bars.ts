@@ -29,6 +29,9 @@ export class TrackView extends ControlView {
   override get focusElement(): HTMLElement {
     return this.input;
   }
+  override get content(): string | null {
+    return String(this.local ?? this.number("position"));
+  }
 
   override render(): void {
     this.showState(this.element, this.input);

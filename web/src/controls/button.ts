@@ -21,7 +21,7 @@ export class ButtonView extends ControlView {
     this.element.addEventListener("mousedown", (event) => event.preventDefault());
     this.element.addEventListener("click", (event) => {
       event.preventDefault();
-      this.desk.act(() => this.click());
+      this.click(event.detail);
     });
     this.render();
   }
@@ -48,10 +48,13 @@ export class ButtonView extends ControlView {
     if (this.caption === "") this.element.setAttribute("aria-label", this.label || "Ação");
   }
 
-  protected click(): void {
-    if (!this.enabled || !this.visible) return;
-    this.screen.commit();
-    this.send("click");
+  // `clicks` of the pointer in one burst, 0 for a key.
+  click(clicks = 0): void {
+    this.desk.press(this, clicks, () => {
+      if (!this.enabled || !this.visible) return;
+      this.screen.commit();
+      this.send("click", {}, { press: true });
+    });
   }
 
   override press(press: Press): boolean {
@@ -194,7 +197,7 @@ export class MenuItemView extends ControlView {
     this.element = el("button", { type: "button", class: "menu-item", role: "menuitem", tabindex: "-1" });
     this.element.addEventListener("click", () => {
       this.menu?.close(true);
-      this.send("menu");
+      this.desk.press(this, 1, () => this.send("menu", {}, { press: true }));
     });
     this.render();
   }

@@ -46,6 +46,9 @@ abstract class ChoiceView extends ControlView {
   get index(): number {
     return this.local ?? this.number("index", -1);
   }
+  override get content(): string | null {
+    return String(this.index);
+  }
 
   protected choose(index: number): void {
     if (index < 0 || index === this.index || !this.enabled) {
@@ -285,6 +288,9 @@ export class CheckView extends ControlView {
   }
   override get focusElement(): HTMLElement {
     return this.input;
+  }
+  override get content(): string | null {
+    return String(this.local ?? this.flag("checked"));
   }
 
   override render(): void {

@@ -79,7 +79,7 @@ export class PagesView extends ControlView {
     page.onTab = () => this.desk.act(() => this.choose(page));
   }
 
-  private choose(page: PageView): void {
+  choose(page: PageView): void {
     if (page.tab.hidden || page.tab.disabled || page.name === this.text("page")) return;
     this.screen.commit();
     this.send("page", { page: page.name });

@@ -2,6 +2,7 @@
 import { readCaption } from "../text/caption.ts";
 import type { DeskContext } from "../context.ts";
 import type { Press } from "../keys.ts";
+import type { Item } from "../queue.ts";
 import type { Properties, Property, SetState, StateOut, TreeNode } from "../protocol.ts";
 
 // What a control may ask of the screen in which it stands.
@@ -80,6 +81,10 @@ export abstract class ControlView {
   get takesFocus(): boolean {
     return false;
   }
+  // What the user has put into it, as "set" would give it; null for what takes nothing.
+  get content(): string | null {
+    return null;
+  }
   get canFocus(): boolean {
     return this.takesFocus && this.enabled && this.visible;
   }
@@ -115,8 +120,8 @@ export abstract class ControlView {
   access(): void {}
   destroy(): void {}
 
-  protected send(verb: string, members: Record<string, unknown> = {}): void {
-    this.desk.send({ do: verb, control: this.name, ...members });
+  protected send(verb: string, members: Record<string, unknown> = {}, options: Partial<Item> = {}): void {
+    this.desk.send({ do: verb, control: this.name, ...members }, options);
   }
   protected sendKey(key: string): void {
     this.send("key", { key });

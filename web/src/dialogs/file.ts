@@ -1,9 +1,8 @@
 // A file is handed to the desk: chosen or dropped here, sent as it is.
+import type { upload } from "../api.ts";
 import { el, icon } from "../dom.ts";
 import type { FileOut } from "../protocol.ts";
 import { Dialog } from "./dialog.ts";
-
-const kMostBytes = 64 * 1024 * 1024;
 
 // "Planilhas|*.xls;*.xlsx|Todos|*.*" as the browser's own filter.
 export function acceptOf(filters: string): string {
@@ -20,10 +19,12 @@ export function acceptOf(filters: string): string {
 export class FileDialog extends Dialog {
   private choose: HTMLButtonElement;
   private status: HTMLElement;
+  private sending: AbortController | null = null;
 
   constructor(
     out: FileOut,
-    private give: (name: string, content: string) => void,
+    private send: (file: File, signal: AbortSignal) => ReturnType<typeof upload>,
+    private give: (name: string, upload: string) => void,
     cancel: () => void,
   ) {
     super({ title: "Escolher arquivo", className: "dialog-file", cancel });
@@ -36,7 +37,7 @@ export class FileDialog extends Dialog {
     this.body.append(drop);
     if (accept !== "") this.body.append(el("p", { class: "file-hint" }, `Tipos aceitos: ${accept.replace(/,/g, ", ")}`));
     this.choose.addEventListener("click", () => input.click());
-    input.addEventListener("change", () => this.take(input.files?.[0]));
+    input.addEventListener("change", () => void this.take(input.files?.[0]));
     drop.addEventListener("dragover", (event) => {
       event.preventDefault();
       drop.classList.add("is-over");
@@ -45,25 +46,27 @@ export class FileDialog extends Dialog {
     drop.addEventListener("drop", (event) => {
       event.preventDefault();
       drop.classList.remove("is-over");
-      this.take(event.dataTransfer?.files[0]);
+      void this.take(event.dataTransfer?.files[0]);
     });
     this.addButton({ caption: "Cancelar", run: cancel });
   }
 
-  private take(file: File | undefined): void {
+  private async take(file: File | undefined): Promise<void> {
     if (file === undefined) return;
-    if (file.size > kMostBytes) {
-      this.status.textContent = `O arquivo "${file.name}" passa do limite de 64 MB.`;
-      return;
-    }
+    // A second choice takes the place of one under way.
+    this.sending?.abort();
+    const sending = new AbortController();
+    this.sending = sending;
     this.status.textContent = `Enviando "${file.name}"…`;
-    const reader = new FileReader();
-    reader.onload = () => {
-      const text = String(reader.result);
-      this.give(file.name, text.slice(text.indexOf(",") + 1));
-    };
-    reader.onerror = () => (this.status.textContent = `O arquivo "${file.name}" não pôde ser lido.`);
-    reader.readAsDataURL(file);
+    const sent = await this.send(file, sending.signal);
+    if (sending.signal.aborted) return;
+    if ("upload" in sent) this.give(file.name, sent.upload);
+    else this.status.textContent = sent.text;
+  }
+
+  override destroy(): void {
+    this.sending?.abort();
+    super.destroy();
   }
 
   override focusFirst(): void {

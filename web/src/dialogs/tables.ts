@@ -2,7 +2,7 @@
 import { el, icon } from "../dom.ts";
 import type { ConfirmOut, DetailOut } from "../protocol.ts";
 import type { Press } from "../keys.ts";
-import { addAmounts, showAmount } from "../text/money.ts";
+import { addAmounts, readAmount, showAmount } from "../text/money.ts";
 import { GridView, type GridOwner } from "../grid/view.ts";
 import { kBlock } from "../grid/blocks.ts";
 import { columnKind, shownCell } from "./cells.ts";
@@ -13,32 +13,28 @@ function cell(text: string, className = ""): HTMLElement {
 }
 
 export class ConfirmDialog extends Dialog {
-  private yes: HTMLButtonElement;
+  private initial: HTMLButtonElement;
 
   constructor(out: ConfirmOut, answer: (value: string) => void) {
     super({ title: out.title || "Confirmação contábil", className: "dialog-confirm", cancel: () => answer("no") });
     const head = ["Débito", "Crédito", "Valor", "Histórico"].map((title) => el("th", { scope: "col", class: title === "Valor" ? "amount" : "" }, title));
     const rows = out.lines.map((line) => {
-      const unknown = line.unknown === true || (typeof line.unknown === "string" && line.unknown !== "");
       const account = (code: string, description: string): HTMLElement =>
         el("td", {}, el("span", { class: "account" }, code), el("span", { class: "account-name" }, description));
       const row = el(
         "tr",
-        { class: unknown ? "is-unknown" : "" },
+        { class: line.unknown ? "is-unknown" : "" },
         account(line.debit, line.debitDescription),
         account(line.credit, line.creditDescription),
-        cell(/^-?\d+(\.\d+)?$/.test(line.amount) ? showAmount(line.amount) : line.amount, "amount"),
+        cell(line.amount, "amount"),
         cell(line.note),
       );
-      if (unknown) {
-        const what = typeof line.unknown === "string" ? `Conta não cadastrada: ${line.unknown}` : "Conta não cadastrada";
-        row.lastElementChild!.prepend(el("span", { class: "flag" }, icon("warning"), what));
-      }
+      if (line.unknown) row.lastElementChild!.prepend(el("span", { class: "flag" }, icon("warning"), "Conta não cadastrada"));
       return row;
     });
     const table = el("table", { class: "lines" }, el("thead", {}, el("tr", {}, ...head)), el("tbody", {}, ...rows));
     const side = (title: string, account: "debit" | "credit"): HTMLElement => {
-      const sum = addAmounts(out.lines.filter((line) => line[account] !== "").map((line) => line.amount));
+      const sum = addAmounts(out.lines.filter((line) => line[account] !== "").map((line) => readAmount(line.amount)));
       return el("td", {}, title, " ", el("strong", {}, showAmount(sum)));
     };
     const total = el("tr", {}, side("Total a débito", "debit"), side("Total a crédito", "credit"), cell(""), cell(""));
@@ -47,11 +43,14 @@ export class ConfirmDialog extends Dialog {
       el("p", { class: "lead" }, "Confira os lançamentos contábeis antes de gravar."),
       el("div", { class: "lines-box", tabindex: "0", role: "region", "aria-label": "Lançamentos contábeis" }, table),
     );
-    this.yes = this.addButton({ caption: "&Sim, gravar", primary: true, run: () => answer("yes") });
-    this.addButton({ caption: "&Não", run: () => answer("no") });
+    // What would go to an account that isn't there isn't posted by a mere Enter.
+    const doubtful = out.lines.some((line) => line.unknown);
+    const yes = this.addButton({ caption: "&Sim, gravar", primary: !doubtful, run: () => answer("yes") });
+    const no = this.addButton({ caption: "&Não", primary: doubtful, run: () => answer("no") });
+    this.initial = doubtful ? no : yes;
   }
   override focusFirst(): void {
-    this.yes.focus();
+    this.initial.focus();
   }
 }
 

@@ -7,6 +7,8 @@ export interface Column {
   width: number;
   kind: "text" | "number" | "date" | "check";
   readOnly: boolean;
+  // Of an amount or a number, where it is typed.
+  decimals?: number;
   checked: string;
   unchecked: string;
   // The words for codes, with the tones in which they are shown.
@@ -14,7 +16,7 @@ export interface Column {
 }
 
 export function readColumn(text: string): Column {
-  const [field = "", title = "", width = "0", kind = "text", readOnly = "0", , checked = "", unchecked = "", ...codes] =
+  const [field = "", title = "", width = "0", kind = "text", readOnly = "0", decimals = "2", checked = "", unchecked = "", ...codes] =
     text.split("\t");
   const words = new Map<string, { word: string; tone: string }>();
   for (let at = 0; at + 2 < codes.length; at += 3) words.set(codes[at]!, { word: codes[at + 1]!, tone: codes[at + 2]! });
@@ -24,6 +26,7 @@ export function readColumn(text: string): Column {
     width: Number(width) || 0,
     kind: kind === "number" || kind === "date" || kind === "check" ? kind : "text",
     readOnly: readOnly === "1",
+    decimals: Number(decimals),
     checked,
     unchecked,
     ...(words.size > 0 ? { words } : {}),
