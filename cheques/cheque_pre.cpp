@@ -2,6 +2,7 @@
 #include "cheques/cheque_pre.h"
 
 #include "frame/entry/unit.h"
+#include "frame/registry.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -57,32 +58,44 @@ void TfmChequePre::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        edtACliente PqACliente EdtANomeCli edtAFornec PqAFornec edtANomeFor
-        edtABanco PqABanco EdtANomeBanco /
-        rgASituacao BitBtn6 BitBtn9 /
-        GbAEmissao { dtAEmiIni dtAEmiFim } GbAVencimento { dtAVencIni dtAVencFim } /
-        DBGrid2
+        @bar {
+          edtACliente PqACliente EdtANomeCli GbAVencimento { dtAVencIni dtAVencFim } rgASituacao
+          @more {
+            edtAFornec PqAFornec edtANomeFor edtABanco PqABanco EdtANomeBanco
+            GbAEmissao { dtAEmiIni dtAEmiFim }
+          }
+          @primary BitBtn6
+        } /
+        DBGrid2 /
+        @actions { @apart BitBtn9 }
       }
       TabSheet2 {
         PainelDados {
-          EDChave DBEDCodBan PqBanco EDNomeBanco RgSituacao /
-          DBEDAgencia DBEDConta DBEDChequeNro DBEDValor DBEDT_DtEmissao DBEDT_DtVencto
-          DBEDT_DtDevolucao Label12 /
-          DBEDTCodCli PqCliente EDCliente EdtCpf DBEDCodRep PqRepresentante EDRepresentante /
-          EdtCodFor PqForneced EdtNomeFor EdtObs RgTipo /
-          EdtDup EdtEmissor EdtCnpjEmi EdtBarra
+          @form {
+            EDChave:2 DBEDCodBan PqBanco EDNomeBanco RgSituacao:5 /
+            DBEDAgencia:2 DBEDConta:2 DBEDChequeNro:2 @amount DBEDValor:3 /
+            DBEDT_DtEmissao:2 DBEDT_DtVencto:2 DBEDT_DtDevolucao:2 Label12:4 /
+            DBEDTCodCli PqCliente EDCliente EdtCpf DBEDCodRep:5 PqRepresentante EDRepresentante /
+            EdtCodFor:5 PqForneced EdtNomeFor EdtObs:4 RgTipo:3 /
+            EdtDup:2 EdtEmissor:4 EdtCnpjEmi:3 EdtBarra:3
+          }
         } /
         DBGrid1 /
-        PainelConfirma { Label15 CBEmpresa BtnConfirmar BtnDesistir }
-        PainelControle {
-          sbPrimeiro sbAnterior sbProximo sbUltimo Btincluir BtnAltera BtExcluir BtnConsulta PqConsulta /
-          BitBtn3 BitBtn4 BitBtn7 BitBtn2 BitBtn5 BtSaida
+        @actions {
+          PainelConfirma { Label15 CBEmpresa @primary BtnConfirmar BtnDesistir }
+          PainelControle {
+            @nav sbPrimeiro @nav sbAnterior @nav sbProximo @nav sbUltimo
+            @primary Btincluir BtnAltera BtnConsulta PqConsulta BitBtn4 BitBtn7 BitBtn2 BitBtn5
+            @danger BitBtn3 @danger BtExcluir @apart BtSaida
+          }
         }
       }
     })");
 
   // This list opens by a button of its own.
   PqConsulta.SetVisible(false);
+  // There is no button to a screen that isn't there.
+  BitBtn5.SetVisible(ClassRegistry::Instance().Find("TFmCadChequeLote").has_value());
   EDChave.SetReadOnly(true);
   DBEDT_DtDevolucao.SetReadOnly(true);
   DBEDT_DtDevolucao.SetEnabled(false);

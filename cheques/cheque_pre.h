@@ -12,6 +12,13 @@
 
 namespace orv {
 
+// How a cheque's state and kind are shown.
+inline const std::vector<CodeWord> kEstados = {{"P", "Pendente", "warning"},
+                                               {"B", "Baixado", ""},
+                                               {"C", "Cancelado", "muted"},
+                                               {"D", "Devolvido", "error"}};
+inline const std::vector<CodeWord> kTipos = {{"R", "Recebido", "muted"}, {"P", "Emitido", "muted"}};
+
 class ORV_EXPORT TfmChequePre : public Child {
  public:
   explicit TfmChequePre(Application& application);
@@ -24,27 +31,25 @@ class ORV_EXPORT TfmChequePre : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
+  // The first field reached is no date: those are overwritten when they are entered.
   Edit edtACliente{*this, "edtACliente", "Cliente", 5};
   TPesquisa PqACliente{*this, "PqACliente", Entidades()};
   ReadOnlyEdit EdtANomeCli{*this, "EdtANomeCli"};
+  GroupBox GbAVencimento{*this, "GbAVencimento", "Vencimento"};
+  DateEdit dtAVencIni{*this, "dtAVencIni", "De"};
+  DateEdit dtAVencFim{*this, "dtAVencFim", "Até"};
+  RadioGroup rgASituacao{
+      *this, "rgASituacao", "Situação", {"Pendente", "Baixado", "Cancelado", "Devolvido", "Todos"}, 4};
   Edit edtAFornec{*this, "edtAFornec", "Fornecedor", 5};
   TPesquisa PqAFornec{*this, "PqAFornec", Entidades()};
   ReadOnlyEdit edtANomeFor{*this, "edtANomeFor"};
   Edit edtABanco{*this, "edtABanco", "Banco", 3};
   TPesquisa PqABanco{*this, "PqABanco", Bancos()};
   ReadOnlyEdit EdtANomeBanco{*this, "EdtANomeBanco"};
-  RadioGroup rgASituacao{
-      *this, "rgASituacao", "Situação", {"Pendente", "Baixado", "Cancelado", "Devolvido", "Todos"}, 4};
-  Button BitBtn6{*this, "BitBtn6", "&Consultar"};
-  Button BitBtn9{*this, "BitBtn9", "&Fechar"};
-  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through
-  // the filters to the query narrows no period by that.
   GroupBox GbAEmissao{*this, "GbAEmissao", "Emissão"};
   DateEdit dtAEmiIni{*this, "dtAEmiIni", "De"};
   DateEdit dtAEmiFim{*this, "dtAEmiFim", "Até"};
-  GroupBox GbAVencimento{*this, "GbAVencimento", "Vencimento"};
-  DateEdit dtAVencIni{*this, "dtAVencIni", "De"};
-  DateEdit dtAVencFim{*this, "dtAVencFim", "Até"};
+  Button BitBtn6{*this, "BitBtn6", "&Consultar"};
 
   TOrvQuery qryConsulta{Tabela.IBDatabase(), "qryConsulta"};
   TOrvDBGrid DBGrid2{*this,
@@ -59,8 +64,8 @@ class ORV_EXPORT TfmChequePre : public Child {
                       {"EMISSAO", "Emissão"},
                       {"VENCIMENTO", "Vencimento"},
                       {"DT_BAIXA", "Baixa"},
-                      {"STATUS", "Situação", 8},
-                      {"TIPO", "Tipo", 4},
+                      {.field = "STATUS", .title = "Situação", .width = 9, .words = kEstados},
+                      {.field = "TIPO", .title = "Tipo", .width = 8, .words = kTipos},
                       {"CLIENTE", "Cliente", 7},
                       {"NOME", "Nome do Cliente", 30},
                       {"FORNECEDOR", "Fornecedor", 10},
@@ -70,6 +75,7 @@ class ORV_EXPORT TfmChequePre : public Child {
                       {"LOTE", "Lote"},
                       {"REPRESENTANTE", "Representante", 12},
                       {"OBS", "Observação", 30}}};
+  Button BitBtn9{*this, "BitBtn9", "&Fechar"};
 
   // --- Cadastro.
   TabSheet TabSheet2{*this, "TabSheet2", "Cadastro"};
@@ -126,8 +132,8 @@ class ORV_EXPORT TfmChequePre : public Child {
                       {"EMISSAO", "Emissão"},
                       {"VENCIMENTO", "Vencimento"},
                       {"DT_BAIXA", "Baixa"},
-                      {"STATUS", "Situação", 8},
-                      {"TIPO", "Tipo", 4},
+                      {.field = "STATUS", .title = "Situação", .width = 9, .words = kEstados},
+                      {.field = "TIPO", .title = "Tipo", .width = 8, .words = kTipos},
                       {"CLIENTE", "Cliente", 7},
                       {"FORNECEDOR", "Fornecedor", 10},
                       {"EMISSOR", "Emissor", 30},
@@ -148,7 +154,6 @@ class ORV_EXPORT TfmChequePre : public Child {
   SmallButton sbUltimo{*this, "sbUltimo", "Último"};
   Button Btincluir{*this, "Btincluir", "&Incluir"};
   Button BtnAltera{*this, "BtnAltera", "&Alterar"};
-  Button BtExcluir{*this, "BtExcluir", "&Excluir"};
   Button BtnConsulta{*this, "BtnConsulta", "Con&sultar"};
   TPesquisa PqConsulta{*this, "PqConsulta",
                        Search("CHEQUE_PRE", "CHAVE;BANCO;CONTA;NUMERO",
@@ -157,11 +162,12 @@ class ORV_EXPORT TfmChequePre : public Child {
                                {"CONTA", "Conta"},
                                {"NUMERO", "Número"},
                                {"EMISSOR", "Emissor"}})};
-  Button BitBtn3{*this, "BitBtn3", "&Cancelar"};
   Button BitBtn4{*this, "BitBtn4", "&Devolver"};
   Button BitBtn7{*this, "BitBtn7", "&Reapresentar"};
   Button BitBtn2{*this, "BitBtn2", "&Transferir"};
   Button BitBtn5{*this, "BitBtn5", "Cad. &Lote"};
+  Button BitBtn3{*this, "BitBtn3", "&Cancelar"};
+  Button BtExcluir{*this, "BtExcluir", "&Excluir"};
   Button BtSaida{*this, "BtSaida", "Fechar"};
 
   // The companies to which a cheque can go, in the order of CBEmpresa.

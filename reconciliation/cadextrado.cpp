@@ -41,36 +41,54 @@ LookupSettings TFmCadExtrato::Contas() const {
 }
 
 std::vector<GridColumn> TFmCadExtrato::ColunasExtrato() {
-  return {{"LANCTO", "Lançamento"}, {"CONTA", "Conta"},           {"DOCTO", "Documento"},
-          {"DT_CONT", "Data"},      {"OBSERVACAO", "Observação"}, {"OPERACAO", "Operação"},
-          {"VALOR", "Valor"},       {"CONCILIADO", "Conciliado"}};
+  return {{"LANCTO", "Lançamento"},
+          {"CONTA", "Conta"},
+          {"DOCTO", "Documento"},
+          {"DT_CONT", "Data"},
+          {"OBSERVACAO", "Observação"},
+          {.field = "OPERACAO",
+           .title = "Operação",
+           .words = {{"C", "Crédito", "muted"}, {"D", "Débito", "muted"}}},
+          {"VALOR", "Valor"},
+          {.field = "CONCILIADO",
+           .title = "Conciliado",
+           .words = {{"S", "Conciliado", "good"}, {"N", "A conciliar", "warning"}}}};
 }
 
 void TFmCadExtrato::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        EdtCDocto edtAConta pqAConta RgBusca BitBtn5 BitBtn1 GbPeriodo { dtInicio dtFim } /
-        DBGrid2
+        @bar {
+          edtAConta pqAConta GbPeriodo { dtInicio dtFim } RgBusca EdtCDocto @primary BitBtn5
+        } /
+        DBGrid2 /
+        @actions { BitBtn1 }
       }
       TabSheet2 {
         PainelDados {
-          EdtLancamento EdtConta PqConta EdtData EdtDocto CbOperacao EdtValor /
-          EdtObs CbConciliado EdtSaldo
+          @form {
+            EdtLancamento:2 EdtConta:4 PqConta EdtData:2 EdtDocto:4 /
+            CbOperacao:2 @amount EdtValor:4 CbConciliado:2 EdtSaldo:4 /
+            EdtObs:12
+          }
         } /
         DBGrid1 /
-        PainelConfirma { SbConfirmar SbDesistir }
-        PainelControle {
-          btnincluir BtnAltera BtExcluir sbPrimeiro sbAnterior sbProximo sbUltimo SbConsulta PqExtrato
-          BitBtn2 BtSaida
+        @actions {
+          PainelConfirma { @primary SbConfirmar SbDesistir }
+          PainelControle {
+            @nav sbPrimeiro @nav sbAnterior @nav sbProximo @nav sbUltimo
+            @primary btnincluir BtnAltera SbConsulta PqExtrato BitBtn2 @danger BtExcluir @apart BtSaida
+          }
         }
       }
       TabSheet3 {
-        EdtCam BitBtn3 EdtArq DtArq /
-        EdtIConta PqIConta EdtINomeConta EdtISaldo BitBtn6 /
+        @bar { EdtCam BitBtn3 EdtArq DtArq } /
+        @bar { EdtIConta PqIConta EdtINomeConta EdtISaldo @primary BitBtn6 } /
         LbCarga /
         DBGrid3 /
-        EdtSaldoFinal BitBtn4 LbParada
+        @sums { EdtSaldoFinal } /
+        @actions { @primary BitBtn4 LbParada }
       }
     })");
 

@@ -25,20 +25,19 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
-  Edit EdtCDocto{*this, "EdtCDocto", "Documento", 12};
+  // The first field reached is no date: those are overwritten when they are entered.
   Edit edtAConta{*this, "edtAConta", "Conta", 13};
   TPesquisa pqAConta{*this, "pqAConta", Contas()};
-  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "A Conciliar", "Conciliados"}, 0};
-  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
-  Button BitBtn1{*this, "BitBtn1", "&Imprimir"};
-  // After the buttons: a date is overwritten when it is entered, and whoever tabs through the filters to the
-  // query narrows no period by that.
   GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
   DateEdit dtInicio{*this, "dtInicio", "De"};
   DateEdit dtFim{*this, "dtFim", "Até"};
+  RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "A Conciliar", "Conciliados"}, 0};
+  Edit EdtCDocto{*this, "EdtCDocto", "Documento", 12};
+  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
 
   TOrvQuery QryExtrato{Tabela.IBDatabase(), "QryExtrato"};
   TOrvDBGrid DBGrid2{*this, "DBGrid2", QryExtrato, ColunasExtrato()};
+  Button BitBtn1{*this, "BitBtn1", "&Imprimir"};
 
   // --- Cadastro.
   TabSheet TabSheet2{*this, "TabSheet2", "Cadastro"};
@@ -65,13 +64,12 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   SmallButton SbDesistir{*this, "SbDesistir", "Desistir"};
 
   Panel PainelControle{*this, "PainelControle"};
-  Button btnincluir{*this, "btnincluir", "&Incluir"};
-  Button BtnAltera{*this, "BtnAltera", "&Alterar"};
-  Button BtExcluir{*this, "BtExcluir", "&Excluir"};
   SmallButton sbPrimeiro{*this, "sbPrimeiro", "Primeiro"};
   SmallButton sbAnterior{*this, "sbAnterior", "Anterior"};
   SmallButton sbProximo{*this, "sbProximo", "Próximo"};
   SmallButton sbUltimo{*this, "sbUltimo", "Último"};
+  Button btnincluir{*this, "btnincluir", "&Incluir"};
+  Button BtnAltera{*this, "BtnAltera", "&Alterar"};
   SmallButton SbConsulta{*this, "SbConsulta", "Consultar"};
   TPesquisa PqExtrato{*this, "PqExtrato",
                       Search("EXTRATO", "LANCTO",
@@ -82,6 +80,7 @@ class ORV_EXPORT TFmCadExtrato : public Child {
                               {"VALOR", "Valor"},
                               {"OBSERVACAO", "Observação"}})};
   Button BitBtn2{*this, "BitBtn2", "Conciliar"};
+  Button BtExcluir{*this, "BtExcluir", "&Excluir"};
   Button BtSaida{*this, "BtSaida", "Fechar"};
 
   // --- Importação.

@@ -77,21 +77,29 @@ void TFmConcilia::Desenha() {
   Layout(R"(
     PageControl1 {
       TabSheet1 {
-        EdtConta PqConta EdtDescConta EdtCodBan EdtBanco EdtDocto EdtConcilia /
-        RgBusca RgTipo BitBtn1 DtInicio DtFinal /
-        GbMov { OrvDBGrid1 / EdtTotMov EdtSaldoMov EdtSaldoMovCon }
-        GbArq { OrvDBGrid2 / EdtTotExt EdtSaldoExt EdtSaldoExtCon } /
+        @bar {
+          EdtConta PqConta EdtDescConta DtInicio DtFinal RgBusca
+          @more { RgTipo EdtCodBan EdtBanco EdtDocto EdtConcilia }
+          @primary BitBtn1
+        } /
+        @sides {
+          GbMov { OrvDBGrid1 / @sums { EdtTotMov EdtSaldoMov EdtSaldoMovCon } }
+          GbArq { OrvDBGrid2 / @sums { EdtTotExt EdtSaldoExt EdtSaldoExtCon } }
+        } /
         GbSugestao { GridSugestao } /
         LbVolta /
-        EdtDif EdtPrazo BtSugerir BitBtn4 BitBtn8 BitBtn7 BitBtn5 BitBtn9 BitBtn3
+        @actions {
+          EdtDif LbDif EdtPrazo BtSugerir @primary BitBtn4 BitBtn7 BitBtn5 BitBtn9 @danger BitBtn8 @apart BitBtn3
+        }
       }
       TabSheet2 {
-        EdtCam SpeedButton1 EdtArq /
-        EdtContaArq PqContaArq EdtDescContaArq EdtBancoArq /
-        CbDias BitBtn6 DtIniArq DtFimArq /
+        @bar { EdtCam SpeedButton1 EdtArq } /
+        @bar {
+          EdtContaArq PqContaArq EdtDescContaArq EdtBancoArq DtIniArq DtFimArq CbDias @primary BitBtn6
+        } /
         OrvDBGrid3 /
         LbRetorno /
-        BitBtn10 BitBtn11 BitBtn12
+        @actions { @primary BitBtn10 BitBtn11 @apart BitBtn12 }
       }
       TabSheet3 {
         cbCartao_Operadora CbCartao_TipoConcilia EdCartao_Arquivo SpeedButton2 /

@@ -31,20 +31,19 @@ class ORV_EXPORT TFmConcilia : public Child {
   // --- Conciliação de Extrato.
   TabSheet TabSheet1{*this, "TabSheet1", "Conciliação de Extrato"};
 
+  // The first field reached is no date: those are overwritten when they are entered.
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa PqConta{*this, "PqConta", Contas()};
   ReadOnlyEdit EdtDescConta{*this, "EdtDescConta"};
+  DateEdit DtInicio{*this, "DtInicio", "De"};
+  DateEdit DtFinal{*this, "DtFinal", "Até"};
+  RadioGroup RgBusca{*this, "RgBusca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
+  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Pagamentos", "Recebimentos", "Todos"}, 2};
   ReadOnlyEdit EdtCodBan{*this, "EdtCodBan", "Banco"};
   ReadOnlyEdit EdtBanco{*this, "EdtBanco"};
   Edit EdtDocto{*this, "EdtDocto", "Documento", 15};
   Edit EdtConcilia{*this, "EdtConcilia", "Conciliação", 10};
-  RadioGroup RgBusca{*this, "RgBusca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
-  RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Pagamentos", "Recebimentos", "Todos"}, 2};
   Button BitBtn1{*this, "BitBtn1", "&Consultar"};
-  // The periods come after the buttons: a date is overwritten when it is entered, and whoever tabs through
-  // the filters to the inquiry narrows no period by that.
-  DateEdit DtInicio{*this, "DtInicio", "De"};
-  DateEdit DtFinal{*this, "DtFinal", "Até"};
 
   // The movements, ticked by "N": no longer pending.
   struct MovSet : TClientDataSet {
@@ -158,14 +157,16 @@ class ORV_EXPORT TFmConcilia : public Child {
   // What a reconciliation takes back when it is undone.
   Aviso LbVolta{*this, "LbVolta"};
   MoneyEdit EdtDif{*this, "EdtDif", "Diferença"};
+  // What the difference means for who ticks.
+  Label LbDif{*this, "LbDif"};
   // How many days a line may lie from the movement that it is proposed for.
   Edit EdtPrazo{*this, "EdtPrazo", "Prazo (dias)", 3};
   Button BtSugerir{*this, "BtSugerir", "Su&gerir"};
   Button BitBtn4{*this, "BitBtn4", "&Conciliar"};
-  Button BitBtn8{*this, "BitBtn8", "&Voltar Conciliação"};
   Button BitBtn7{*this, "BitBtn7", "&Imprimir"};
   Button BitBtn5{*this, "BitBtn5", "&Lançar Caixa"};
   Button BitBtn9{*this, "BitBtn9", "&Lançar Extrato"};
+  Button BitBtn8{*this, "BitBtn8", "&Voltar Conciliação"};
   Button BitBtn3{*this, "BitBtn3", "&Fechar"};
 
   // --- Conciliação de Cheques.
@@ -178,10 +179,10 @@ class ORV_EXPORT TFmConcilia : public Child {
   TPesquisa PqContaArq{*this, "PqContaArq", Contas()};
   ReadOnlyEdit EdtDescContaArq{*this, "EdtDescContaArq"};
   ReadOnlyEdit EdtBancoArq{*this, "EdtBancoArq", "Banco"};
-  CheckBox CbDias{*this, "CbDias", "Float Bancário"};
-  Button BitBtn6{*this, "BitBtn6", "Ca&rregar"};
   DateEdit DtIniArq{*this, "DtIniArq", "De"};
   DateEdit DtFimArq{*this, "DtFimArq", "Até"};
+  CheckBox CbDias{*this, "CbDias", "Float Bancário"};
+  Button BitBtn6{*this, "BitBtn6", "Ca&rregar"};
 
   // The pending movements of an account, ticked by "S" where the file names their cheque.
   struct ArquivoSet : TClientDataSet {
@@ -303,6 +304,7 @@ class ORV_EXPORT TFmConcilia : public Child {
   void CarregaMovimentos();
   // The totals of what is ticked. Posts what is in edit.
   void CalculaTotais();
+  void MostraDiferenca();
 
  private:
   // --- Creation (concilia.cpp).

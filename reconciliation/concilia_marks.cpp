@@ -205,6 +205,21 @@ void TFmConcilia::CalculaTotais() {
   const bool mesma = TbMov.Cell(TbMov.RecordCount() - 1, TbMov.Operacao) ==
                      TbArq.Cell(TbArq.RecordCount() - 1, TbArq.Operacao);
   EdtDif.SetAmount(mesma ? tot_mov_ - tot_ext_ : Currency());
+  MostraDiferenca();
+}
+
+// In words, since the figure compares only sets that end on the same side.
+void TFmConcilia::MostraDiferenca() {
+  const auto marcada = [](TClientDataSet& set, const Field& marca, std::string_view sim) {
+    for (int64_t i = 0, n = set.RecordCount(); i < n; ++i)
+      if (set.Cell(i, marca).Text() == sim) return true;
+    return false;
+  };
+  const bool pode = tot_mov_ == tot_ext_;
+  const bool alguma = !pode || marcada(TbMov, TbMov.Conciliar, "N") || marcada(TbArq, TbArq.Concilia, "S");
+  const bool aberto = RgBusca.ItemIndex() == kAConciliar && alguma;
+  LbDif.SetCaption(!aberto ? "" : pode ? "Pode conciliar" : "Faltam " + (tot_mov_ - tot_ext_).Abs().Brazil());
+  LbDif.SetColor(pode ? "good" : "warning");
 }
 
 // A tick is posted and the next row is at hand.

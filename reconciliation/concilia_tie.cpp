@@ -84,6 +84,12 @@ void TFmConcilia::BitBtn4Click() {
   Tabela.CommitRetaining();
   CarregaMovimentos();
   CalculaTotais();
+  // The balances above tell the new state too.
+  EdtContaChange();
+  if (!nada)
+    Stored(conjuntos.size() == 1 ? "Conciliado sob o número " + conjuntos.front().numero + "."
+                                 : "Conciliados " + std::to_string(conjuntos.size()) + " grupos, números " +
+                                       numeros.front() + " a " + numeros.back() + ".");
 }
 
 std::vector<TFmConcilia::Movimento> TFmConcilia::Marcados() {
@@ -324,6 +330,8 @@ void TFmConcilia::BitBtn8Click() {
   EdtConcilia.Clear();
   Tabela.CommitRetaining();
   BitBtn1Click();
+  EdtContaChange();
+  Stored("A conciliação " + numero + " foi desfeita.");
 }
 
 void TFmConcilia::MostraVolta(const std::string& numero) {
