@@ -8,6 +8,7 @@
 
 #include "host/data/attachment.h"
 #include "host/data/backup.h"
+#include "host/data/validation.h"
 #include "host/schema/check.h"
 #include "host/schema/demo.h"
 #include "host/schema/schema.h"
@@ -201,7 +202,16 @@ void CompanyAdd(const std::string& database, const std::string& suffix, const st
 
 std::size_t Check(const std::string& database) {
   House house(database);
-  const std::vector<std::string> found = CheckData(*house.db);
+  Validation structure = Validate(database);
+  std::vector<std::string> found = std::move(structure.damage);
+  if (found.empty()) {
+    found = CheckData(*house.db);
+    found.insert(found.end(), structure.unexamined.begin(), structure.unexamined.end());
+  } else {
+    // Reading what is damaged can end the engine.
+    found.emplace_back(
+        "Os dados não foram conferidos. Pare de usar o banco, guarde uma cópia e recupere o último backup.");
+  }
   for (const std::string& line : found) std::cout << line << "\n";
   if (found.empty()) std::cout << "Nenhuma contradição.\n";
   return found.size();

@@ -47,10 +47,12 @@ void Service::Run(const std::function<void(std::string_view)>& output,
                   const std::function<std::string_view(std::size_t)>& input) {
   std::vector<unsigned char> answer(kAnswer);
   std::string_view give;
+  // At the end of what there is the answer is empty: without one the task would ask for ever.
+  bool asked = false;
   Call call;
   for (;;) {
     std::vector<unsigned char> send;
-    if (!give.empty()) {
+    if (asked) {
       send = {isc_info_svc_line, static_cast<unsigned char>(give.size() & 0xff),
               static_cast<unsigned char>(give.size() >> 8)};
       send.insert(send.end(), give.begin(), give.end());
@@ -60,7 +62,7 @@ void Service::Run(const std::function<void(std::string_view)>& output,
     service_->query(call(), static_cast<unsigned>(send.size()), send.data(), input ? 2 : 1, ask,
                     static_cast<unsigned>(answer.size()), answer.data());
     Check(call, {}, database_);
-    give = {};
+    asked = false;
     bool more = false;
     for (const unsigned char* at = answer.data(); *at != isc_info_end;) {
       const unsigned char tag = *at++;
@@ -71,7 +73,10 @@ void Service::Run(const std::function<void(std::string_view)>& output,
       } else if (tag == isc_info_svc_stdin) {
         const unsigned wanted = Length(at) | (Length(at + 2) << 16);
         at += 4;
-        if (wanted > 0) give = input(std::min<std::size_t>(wanted, 32000)), more = true;
+        if (wanted > 0) {
+          give = input(std::min<std::size_t>(wanted, 32000));
+          asked = more = true;
+        }
       } else if (tag == isc_info_truncated || tag == isc_info_data_not_ready || tag == isc_info_svc_timeout) {
         more = true;
       } else {

@@ -1,9 +1,12 @@
 #include "host/schema/check.h"
 
+#include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "host/data/attachment.h"
-#include "host/schema/schema.h"
+#include "host/schema/check_rules.h"
+#include "host/schema/sharing.h"
 #include "host/schema/tables.h"
 #include "toolkit/text.h"
 
@@ -12,186 +15,71 @@ namespace orv {
 namespace {
 
 constexpr std::size_t kMost = 20;
+// The greatest amount that a report's columns hold.
+constexpr const char* kGreatest = "999999999999.99";
+// Of a number as it is drawn.
+constexpr std::size_t kDigits = 6;
 
-// A kind of contradiction: its rows, and the line that tells one. In the statement {X} is the company's
-// table,
-// {*X ... } a clause that is repeated for the table of each company, joined by OR. In the line %1, %2 ... are
-// the row's columns.
-struct Rule {
-  const char* sql;
-  const char* line;
-};
+using Row = std::vector<Value>;
 
-const Rule kRules[] = {
-    // Movements.
-    {"SELECT M.LANCAMENTO, M.CONTA FROM {CONTACOR} M WHERE NOT EXISTS (SELECT 1 FROM {CADCONTA} C WHERE "
-     "C.CONTA = "
-     "M.CONTA)",
-     "lançamento %1: a conta \"%2\" não existe."},
-    {"SELECT M.LANCAMENTO, M.GRUPO FROM {CONTACOR} M LEFT JOIN {SUBGRUPO} S ON (S.CODIGO = M.GRUPO) WHERE "
-     "S.CODIGO "
-     "IS NULL",
-     "lançamento %1: a classe \"%2\" não existe."},
-    {"SELECT M.LANCAMENTO, M.GRUPO FROM {CONTACOR} M INNER JOIN {SUBGRUPO} S ON (S.CODIGO = M.GRUPO) WHERE "
-     "S.TP_CONTA = 'T'",
-     "lançamento %1: a classe \"%2\" é do tipo título."},
-    {"SELECT LANCAMENTO, DOCTO, CONTA, OPERACAO, COUNT(*) FROM {CONTACOR} GROUP BY LANCAMENTO, DOCTO, CONTA, "
-     "OPERACAO HAVING COUNT(*) > 1",
-     "lançamento %1, documento \"%2\", conta \"%3\", operação \"%4\": gravado %5 vezes."},
-    {"SELECT LANCAMENTO FROM {CONTACOR} WHERE TIPO = 'TR' GROUP BY LANCAMENTO HAVING SUM(CASE WHEN OPERACAO "
-     "= '+' "
-     "THEN VALOR ELSE -VALOR END) <> 0",
-     "transferência %1: a saída e a entrada não se igualam."},
-    {"SELECT LANCAMENTO, LANC_CON FROM {CONTACOR} WHERE PENDENTE = 'S' AND LANC_CON > ''",
-     "lançamento %1: pendente, mas com a conciliação %2."},
+// The statements for one company.
+class Statements {
+ public:
+  Statements(const Sharing& sharing, std::string company) : sharing_(sharing), company_(std::move(company)) {}
 
-    // Statement against ledger.
-    {"SELECT E.LANCTO, E.CONTA FROM {EXTRATO} E WHERE E.CONCILIADO = 'S' AND COALESCE(E.LANC_CON, '') = ''",
-     "linha de extrato %1 da conta %2: conciliada sem número de conciliação."},
-    {"SELECT E.LANCTO, E.LANC_CON, E.CONTA FROM {EXTRATO} E WHERE E.CONCILIADO = 'S' AND E.LANC_CON > '' AND "
-     "NOT "
-     "EXISTS (SELECT 1 FROM {CONTACOR} M WHERE M.LANC_CON = E.LANC_CON AND M.CONTA = E.CONTA)",
-     "linha de extrato %1: nenhum lançamento da conta %3 tem a conciliação %2."},
-    {"SELECT E.LANCTO, E.LANC_CON FROM {EXTRATO} E WHERE E.LANC_CON > '' AND (E.CONCILIADO <> 'S' OR "
-     "E.CONCILIADO "
-     "IS NULL)",
-     "linha de extrato %1: não conciliada, mas com a conciliação %2."},
-    {"SELECT E.LANC_CON, E.CONTA, E.SOMA, M.SOMA FROM (SELECT LANC_CON, CONTA, SUM(CASE WHEN OPERACAO = 'D' "
-     "THEN "
-     "-VALOR ELSE VALOR END) AS SOMA FROM {EXTRATO} WHERE CONCILIADO = 'S' AND LANC_CON > '' GROUP BY "
-     "LANC_CON, "
-     "CONTA) E INNER JOIN (SELECT LANC_CON, CONTA, SUM(CASE WHEN OPERACAO = '-' THEN -VALOR ELSE VALOR END) "
-     "AS SOMA "
-     "FROM {CONTACOR} WHERE LANC_CON > '' GROUP BY LANC_CON, CONTA) M ON (M.LANC_CON = E.LANC_CON AND "
-     "M.CONTA = "
-     "E.CONTA) WHERE E.SOMA <> M.SOMA",
-     "conciliação %1 da conta %2: o extrato soma %3 e os lançamentos somam %4."},
+  std::string Table(std::string_view table) const { return sharing_.Physical(table, company_); }
+  // Whether it is this company that keeps the table.
+  bool Keeps(std::string_view table) const { return sharing_.SuffixOf(table, company_) == company_; }
 
-    {"SELECT A.ARQUIVO, A.PARADA, A.CONTA FROM {ARQUIVO_EXTRATO} A WHERE A.PARADA > 0 AND EXISTS (SELECT 1 "
-     "FROM {EXTRATO} E WHERE E.ARQUIVO = A.ARQUIVO AND E.CONTA = A.CONTA)",
-     "arquivo %1: interrompido na linha %2, conta %3; falta carregar o resto."},
-
-    // Receivables.
-    {"SELECT T.NUMERO, T.VALOR_PAGO, T.SOMA FROM (SELECT R.NUMERO, COALESCE(R.VALOR_PAGO, 0) AS VALOR_PAGO, "
-     "COALESCE((SELECT SUM(B.VALOR_PAGO) FROM {RECEBERB} B WHERE B.NUMERO = R.NUMERO), 0) AS SOMA FROM "
-     "{RECEBER} R) T "
-     "WHERE T.VALOR_PAGO <> T.SOMA",
-     "título a receber %1: pago %2, mas as baixas somam %3."},
-    {"SELECT NUMERO, VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO FROM {RECEBER} WHERE VALOR2 + JUROS - "
-     "VALOR_PAGO - VAL_DEV - DESCONTO < 0",
-     "título a receber %1: baixado além do valor, saldo %2."},
-    {"SELECT B.NUMERO, B.LANCAMENTO FROM {RECEBERB} B WHERE NOT EXISTS (SELECT 1 FROM {RECEBER} R WHERE "
-     "R.NUMERO = "
-     "B.NUMERO)",
-     "baixa do lançamento %2: o título a receber %1 não existe."},
-    {"SELECT B.NUMERO, B.LANCAMENTO FROM {RECEBERB} B WHERE B.VALOR_PAGO > 0 AND B.LANCAMENTO > '' AND NOT "
-     "({*EXISTS "
-     "(SELECT 1 FROM {CONTACOR} M WHERE M.LANCAMENTO = B.LANCAMENTO)*}) AND NOT EXISTS (SELECT 1 FROM "
-     "{RECEBERB} X "
-     // A run that an acquirer's chargebacks bring to zero or less leaves no movement.
-     "WHERE X.LANCAMENTO = B.LANCAMENTO AND X.VALOR_PAGO = 0 AND X.JUROS > 0)",
-     "baixa do título a receber %1: o lançamento %2 não existe."},
-    {"SELECT T.NUMERO, T.CLASSE FROM {RECEBER} T INNER JOIN {SUBGRUPO} S ON (S.CODIGO = T.CLASSE) WHERE "
-     "S.TP_CONTA = "
-     "'T'",
-     "título a receber %1: a classe \"%2\" é do tipo título."},
-
-    // Payables.
-    {"SELECT T.NUM_AP, T.VAL_PAG, T.SOMA FROM (SELECT P.NUM_AP, COALESCE(P.VAL_PAG, 0) AS VAL_PAG, "
-     "COALESCE((SELECT SUM(B.VAL_PAG) FROM {PAGTO1} B WHERE B.NUM_AP = P.NUM_AP), 0) AS SOMA FROM {PAGTO} P) "
-     "T WHERE "
-     "T.VAL_PAG <> T.SOMA",
-     "título a pagar %1: pago %2, mas as baixas somam %3."},
-    {"SELECT NUM_AP, VALOR + JUROS - VAL_PAG - VAL_DEV - DESCONTO FROM {PAGTO} WHERE VALOR + JUROS - VAL_PAG "
-     "- "
-     "VAL_DEV - DESCONTO < 0",
-     "título a pagar %1: baixado além do valor, saldo %2."},
-    {"SELECT B.NUM_AP, B.LANCAMENTO FROM {PAGTO1} B WHERE NOT EXISTS (SELECT 1 FROM {PAGTO} P WHERE P.NUM_AP "
-     "= "
-     "B.NUM_AP)",
-     "baixa do lançamento %2: o título a pagar %1 não existe."},
-    {"SELECT B.NUM_AP, B.LANCAMENTO FROM {PAGTO1} B WHERE B.LANCAMENTO > '' AND NOT ({*EXISTS (SELECT 1 FROM "
-     "{CONTACOR} M WHERE M.LANCAMENTO = B.LANCAMENTO)*})",
-     "baixa do título a pagar %1: o lançamento %2 não existe."},
-    {"SELECT T.NUM_AP, T.NUM_OS FROM {PAGTO} T INNER JOIN {SUBGRUPO} S ON (S.CODIGO = T.NUM_OS) WHERE "
-     "S.TP_CONTA = "
-     "'T'",
-     "título a pagar %1: a classe \"%2\" é do tipo título."},
-
-    // Cheques. One handed over by another company has its movement there.
-    {"SELECT C.NUMERO, C.CHAVE FROM {CHEQUE_PRE} C WHERE C.STATUS <> 'C' AND NOT ({*EXISTS (SELECT 1 FROM "
-     "{CONTACOR} "
-     "M WHERE M.LANCAMENTO = C.CHAVE AND M.DOCTO = C.NUMERO)*})",
-     "cheque %1: o lançamento %2 não existe."},
-    {"SELECT C.NUMERO, C.CHAVE FROM {CHEQUE_PRE} C WHERE C.STATUS = 'C' AND EXISTS (SELECT 1 FROM {CONTACOR} "
-     "M WHERE "
-     "M.LANCAMENTO = C.CHAVE AND M.DOCTO = C.NUMERO)",
-     "cheque %1: cancelado, mas o lançamento %2 continua."},
-    {"SELECT C.NUMERO, C.CHAVE FROM {CHEQUE_PRE} C WHERE C.STATUS = 'B' AND EXISTS (SELECT 1 FROM {CONTACOR} "
-     "M WHERE "
-     "M.LANCAMENTO = C.CHAVE AND M.DOCTO = C.NUMERO AND M.PENDENTE NOT IN ('N', 'C'))",
-     "cheque %1: baixado, mas o lançamento %2 está pendente."},
-    {"SELECT NUMERO, CHAVE FROM {CHEQUE_PRE} WHERE STATUS = 'B' AND DT_BAIXA IS NULL",
-     "cheque %1, lançamento %2: baixado sem data de baixa."},
-    {"SELECT C.NUMERO, C.VALOR, M.LANCAMENTO, M.VALOR FROM {CHEQUE_PRE} C INNER JOIN {CONTACOR} M ON "
-     "(M.LANCAMENTO = "
-     "C.CHAVE AND M.DOCTO = C.NUMERO) WHERE C.STATUS <> 'C' AND M.VALOR <> C.VALOR",
-     "cheque %1 de %2: o lançamento %3 é de %4."},
-
-    // Accounting, under the number of a movement, of a clearing, or of a run that left no movement.
-    {"SELECT DISTINCT A.LANCAMENTO FROM {CONTABIL} A WHERE NOT EXISTS (SELECT 1 FROM {CONTACOR} M WHERE "
-     "M.LANCAMENTO "
-     "= A.LANCAMENTO) AND NOT EXISTS (SELECT 1 FROM {CONTACOR} N WHERE N.LANC_CON = A.LANCAMENTO) AND NOT "
-     "EXISTS "
-     "(SELECT 1 FROM {RECEBERB} B WHERE B.LANCAMENTO = A.LANCAMENTO)",
-     "contabilização %1: não há lançamento nem conciliação com este número."},
-};
-
-// The sequences, with the greatest number that the tables hold. Numbers typed by hand needn't be numbers.
-struct Numbering {
-  const char *table, *column, *source;
-};
-const Numbering kNumberings[] = {
-    {"CONTACOR", "LANCAMENTO", "SELECT LANCAMENTO AS N FROM {CONTACOR}"},
-    {"CONTACOR", "LANC_CON", "SELECT LANC_CON AS N FROM {EXTRATO} WHERE LANC_CON > ''"},
-    {"EXTRATO", "LANCTO", "SELECT LANCTO AS N FROM {EXTRATO}"},
-    {"PAGTO", "NUM_AP", "SELECT NUM_AP AS N FROM {PAGTO}"},
-};
-
-std::string Localize(std::string_view text, std::string_view emp_pat) {
-  std::string sql;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t open = text.find('{', at);
-    if (open == std::string_view::npos) return sql.append(text.substr(at));
-    const std::size_t close = text.find('}', open);
-    sql.append(text.substr(at, open - at)).append(text.substr(open + 1, close - open - 1)).append(emp_pat);
-    at = close + 1;
+  std::string Of(std::string_view text) const {
+    return Localize(Repeat(Repeat(text, "{*", "*}", " OR "), "{+", "+}", " + "), company_);
   }
-  return sql;
+
+ private:
+  std::string Localize(std::string_view text, std::string_view company) const {
+    std::string sql;
+    for (std::size_t open; (open = text.find('{')) != std::string_view::npos;) {
+      const std::size_t close = text.find('}', open);
+      sql.append(text.substr(0, open))
+          .append(sharing_.Physical(text.substr(open + 1, close - open - 1), company));
+      text.remove_prefix(close + 1);
+    }
+    return sql.append(text);
+  }
+
+  // A clause that stands once for each company; over tables that companies share, once.
+  std::string Repeat(std::string_view text, std::string_view open, std::string_view close,
+                     std::string_view between) const {
+    std::string sql;
+    for (std::size_t from; (from = text.find(open)) != std::string_view::npos;) {
+      const std::size_t to = text.find(close, from);
+      std::vector<std::string> clauses;
+      for (const std::string& company : sharing_.Companies()) {
+        std::string clause = Localize(text.substr(from + 2, to - from - 2), company);
+        if (std::find(clauses.begin(), clauses.end(), clause) == clauses.end())
+          clauses.push_back(std::move(clause));
+      }
+      sql.append(text.substr(0, from)).append(Join(clauses, between));
+      text.remove_prefix(to + 2);
+    }
+    return sql.append(text);
+  }
+
+  const Sharing& sharing_;
+  const std::string company_;
+};
+
+std::string Shown(const Value& value) {
+  return value.Kind() == ValueKind::Currency ? value.AsCurrency().Brazil() : value.AsString();
 }
 
-// The statement for one company, its repeated clause for all of them.
-std::string StatementFor(std::string_view text, std::string_view emp_pat,
-                         const std::vector<std::string>& all) {
-  const std::size_t open = text.find("{*");
-  if (open == std::string_view::npos) return Localize(text, emp_pat);
-  const std::size_t close = text.find("*}", open);
-  std::vector<std::string> clauses;
-  for (const std::string& other : all)
-    clauses.push_back(Localize(text.substr(open + 2, close - open - 2), other));
-  return Localize(text.substr(0, open), emp_pat) + Join(clauses, " OR ") +
-         Localize(text.substr(close + 2), emp_pat);
-}
-
-std::string Fill(std::string_view line, const std::vector<Value>& row) {
+std::string Fill(std::string_view line, const Row& row) {
   std::string text;
   for (std::size_t i = 0; i < line.size(); ++i) {
-    if (line[i] != '%' || i + 1 == line.size()) {
+    if (line[i] == '%' && i + 1 < line.size())
+      text += Shown(row.at(static_cast<std::size_t>(line[++i] - '1')));
+    else
       text += line[i];
-      continue;
-    }
-    const Value& value = row.at(static_cast<std::size_t>(line[++i] - '1'));
-    text += value.Kind() == ValueKind::Currency ? value.AsCurrency().Brazil() : value.AsString();
   }
   return text;
 }
@@ -204,32 +92,145 @@ class FirstRows : public RowSink {
     rows.emplace_back(values.begin(), values.end());
     return rows.size() <= kMost;
   }
-  std::vector<std::vector<Value>> rows;
+  std::vector<orv::Row> rows;
 };
+
+// The rows that break a demand, by the demand's number in the second column, with the value that breaks it.
+class BrokenRows : public RowSink {
+ public:
+  explicit BrokenRows(std::size_t demands) : rows(demands) {}
+  void Columns(const std::vector<Column>&) override {}
+  bool Row(std::span<Value> values) override {
+    const auto demand = static_cast<std::size_t>(values[1].AsInteger());
+    if (rows[demand].size() <= kMost) rows[demand].push_back({values[0], values[2 + demand]});
+    return true;
+  }
+  std::vector<std::vector<orv::Row>> rows;
+};
+
+// A company's lines, each kind of contradiction cut short.
+class Report {
+ public:
+  Report(std::vector<std::string>& lines, std::string_view company)
+      : lines_(lines), prefix_("Empresa " + std::string(company) + ", ") {}
+  void Add(const std::string& line) { lines_.push_back(prefix_ + line); }
+  template <class Line>
+  void Add(const std::vector<Row>& rows, Line line) {
+    for (std::size_t i = 0; i < rows.size() && i < kMost; ++i) Add(line(rows[i]));
+    if (rows.size() > kMost) Add("e mais ocorrências como a anterior.");
+  }
+
+ private:
+  std::vector<std::string>& lines_;
+  const std::string prefix_;
+};
+
+std::string Broken(const Demand& demand) {
+  const std::string column = demand.column;
+  switch (demand.kind) {
+    case Demand::OneOf:
+      return column + " IS NULL OR " + column + " NOT IN (" + demand.codes + ")";
+    case Demand::Amount:
+      return column + " IS NULL OR " + column + " NOT BETWEEN 0 AND " + kGreatest;
+    case Demand::AnyAmount:
+      return "ABS(" + column + ") > " + kGreatest;
+    case Demand::Day:
+      return column + " IS NULL OR " + column + " <= '12/30/1899'";
+  }
+  return {};
+}
+
+std::string Told(const RowRule& rule, const Demand& demand, const Row& row) {
+  const std::string begin = rule.subject + row[0].AsString() + ": ";
+  const Value& value = row[1];
+  if (demand.kind == Demand::Day || value.IsNull()) return begin + "sem " + demand.name + ".";
+  if (demand.kind == Demand::OneOf)
+    return begin + demand.name + " \"" + value.AsString() + "\" desconhecida.";
+  return begin + demand.name + " " + Shown(value) +
+         (value.AsCurrency() < Currency() ? " negativo." : " além de 999.999.999.999,99.");
+}
+
+// All demands of a table at once: a look at a million rows takes its time.
+void CheckRows(Attachment& db, const Statements& statements, const RowRule& rule, Report& report) {
+  std::string columns, which;
+  for (std::size_t i = 0; i < rule.demands.size(); ++i) {
+    columns += std::string(", ") + rule.demands[i].column + " AS C" + std::to_string(i);
+    which += " WHEN " + Broken(rule.demands[i]) + " THEN " + std::to_string(i);
+  }
+  BrokenRows found(rule.demands.size());
+  db.Fetch("SELECT * FROM (SELECT " + std::string(rule.key) + ", CASE" + which + " END AS WHICH" + columns +
+               " FROM " + statements.Table(rule.table) + ") WHERE WHICH IS NOT NULL",
+           found);
+  for (std::size_t i = 0; i < rule.demands.size(); ++i)
+    report.Add(found.rows[i], [&](const Row& row) { return Told(rule, rule.demands[i], row); });
+}
+
+// A sequence behind a number that is in use would come to it. The texts above the sequence are found by their
+// indexes: those of its own length, and all longer ones.
+void CheckNumbers(Attachment& db, const Sharing& sharing, const std::string& company, const SequenceDef& kind,
+                  Report& report) {
+  const NumberPlace place = sharing.NumbersOf(kind, company);
+  if (place.suffix != company) return;
+  const int64_t last =
+      db.Scalar("SELECT GEN_ID(" + SequenceName(kind.table, kind.column, company) + ", 0) FROM RDB$DATABASE")
+          .AsInteger();
+  std::string from = std::to_string(last);
+  if (from.size() < kDigits) from.insert(0, kDigits - from.size(), '0');
+  const auto width = static_cast<std::size_t>(FindTable(kind.table)->Find(kind.column)->width);
+  std::vector<std::string> above;
+  for (const ColumnRef& held : place.columns) {
+    if (held.foreign) continue;
+    std::string first = from;
+    for (std::size_t length = from.size(); length <= width; ++length) {
+      above.push_back("SELECT MAX(CAST(" + held.column + " AS BIGINT)) AS N FROM " + held.table + " WHERE " +
+                      held.column + (length == from.size() ? " > " : " >= ") + Quote(first) +
+                      " AND CHAR_LENGTH(" + held.column + ") = " + std::to_string(length) + " AND " +
+                      held.column + " SIMILAR TO '[0-9]+'");
+      first = "1" + std::string(length, '0');
+    }
+  }
+  const Value greatest = db.Scalar("SELECT MAX(N) FROM (" + Join(above, " UNION ALL ") + ")");
+  if (!greatest.IsNull())
+    report.Add("numeração de " + kind.table + "." + kind.column + ": está em " + std::to_string(last) +
+               ", mas já existe o número " + greatest.AsString() + ".");
+}
+
+// Each change of the house leaves a line, the first user's making too.
+void CheckAudit(Attachment& db, std::vector<std::string>& lines) {
+  if (!db.Scalar("SELECT FIRST 1 1 FROM AUDITORIA").IsNull()) return;
+  const int64_t written =
+      db.Scalar("SELECT GEN_ID(" + SequenceName("AUDITORIA", "ID", "") + ", 0) FROM RDB$DATABASE")
+          .AsInteger();
+  if (written == 0 || db.Scalar("SELECT FIRST 1 1 FROM USUARIO").IsNull()) return;
+  lines.push_back("Auditoria: está vazia, mas já teve " + std::to_string(written) + " linhas.");
+}
 
 }  // namespace
 
 std::vector<std::string> CheckData(Attachment& db) {
   std::vector<std::string> lines;
-  const std::vector<std::string> companies = CompanySuffixes(db);
-  for (const std::string& company : companies) {
-    const std::string prefix = "Empresa " + company + ", ";
-    for (const Rule& rule : kRules) {
+  CheckAudit(db, lines);
+  const Sharing sharing(db);
+  for (const std::string& company : sharing.Companies()) {
+    const Statements statements(sharing, company);
+    Report report(lines, company);
+    for (const RowRule& rule : RowRules())
+      if (statements.Keeps(rule.table)) CheckRows(db, statements, rule, report);
+    for (const Rule& rule : Rules()) {
+      if (!statements.Keeps(rule.table)) continue;
       FirstRows found;
-      db.Fetch(StatementFor(rule.sql, company, companies), found);
-      for (std::size_t i = 0; i < found.rows.size() && i < kMost; ++i)
-        lines.push_back(prefix + Fill(rule.line, found.rows[i]));
-      if (found.rows.size() > kMost) lines.push_back(prefix + "e mais ocorrências como a anterior.");
+      try {
+        db.Fetch(statements.Of(rule.sql), found);
+      } catch (const DatabaseError& error) {
+        // An amount beyond all bounds can be one too many for the engine's sum.
+        if (error.Why() != DatabaseError::Kind::Constraint) throw;
+        report.Add("os valores de " + std::string(rule.table) + " são grandes demais para somar.");
+      }
+      report.Add(found.rows, [&](const Row& row) { return Fill(rule.line, row); });
     }
-    for (const Numbering& n : kNumberings) {
-      const Value greatest = db.Scalar("SELECT MAX(CAST(N AS BIGINT)) FROM (" + Localize(n.source, company) +
-                                       ") WHERE N SIMILAR TO '[0-9]+'");
-      const Value next =
-          db.Scalar("SELECT GEN_ID(" + SequenceName(n.table, n.column, company) + ", 0) FROM RDB$DATABASE");
-      if (!greatest.IsNull() && next.AsInteger() < greatest.AsInteger())
-        lines.push_back(prefix + "numeração de " + n.table + "." + n.column + ": está em " + next.AsString() +
-                        ", mas já existe o número " + greatest.AsString() + ".");
-    }
+    // Documents are typed by hand as well: anything can stand there.
+    for (const SequenceDef& kind : Sequences())
+      if (kind.column != "DOCTO") CheckNumbers(db, sharing, company, kind, report);
   }
   return lines;
 }

@@ -111,7 +111,6 @@ void Company::Sequences() {
                 std::to_string(last));
   };
   set("CONTACOR", "LANCAMENTO", movement_);
-  set("CONTACOR", "LANC_CON", movement_);
   set("CONTACOR", "DOCTO", document_);
   set("EXTRATO", "LANCTO", line_);
   set("PAGTO", "NUM_AP", bill_);

@@ -6,6 +6,7 @@
 #include "host/data/attachment.h"
 #include "host/schema/ddl.h"
 #include "host/schema/functions.h"
+#include "host/schema/sharing.h"
 #include "host/schema/tables.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
@@ -71,6 +72,33 @@ void MakeCompany(Attachment& db, const Company& company) {
              Quote(company.emp_pat) + ", " + Quote(company.name) + ", '/', '', " + Quote(company.city) + ")");
 }
 
+int64_t Counter(Attachment& db, const std::string& sequence) {
+  return db.Scalar("SELECT GEN_ID(" + sequence + ", 0) FROM RDB$DATABASE").AsInteger();
+}
+
+// The numbers of movements and of clearings, which two sequences gave, go on from one of them, above what
+// both have given and what the tables hold.
+void JoinNumbers(Attachment& db) {
+  constexpr int kDigits = 6;
+  const SequenceDef kind = SequenceOf("CONTACOR", "LANCAMENTO");
+  const Sharing sharing(db);
+  std::vector<std::string> ddl;
+  for (const std::string& company : sharing.Companies()) {
+    const NumberPlace place = sharing.NumbersOf(kind, company);
+    int64_t top = TopNumber(db, place.columns, kDigits);
+    for (const ColumnRef& column : kind.Columns()) {
+      const std::string own = SequenceName(column.table, column.column, company);
+      if (db.Scalar("SELECT 1 FROM RDB$GENERATORS WHERE RDB$GENERATOR_NAME = " + Quote(own)).IsNull())
+        continue;
+      top = std::max(top, Counter(db, own));
+      if (column.table != kind.table || column.column != kind.column) ddl.push_back("DROP SEQUENCE " + own);
+    }
+    const std::string joint = SequenceName(kind.table, kind.column, place.suffix);
+    if (Counter(db, joint) < top) db.Execute("SET GENERATOR " + joint + " TO " + std::to_string(top));
+  }
+  RunDdl(db, ddl);
+}
+
 // Brings a database from the version before `version` to it.
 struct Step {
   int version;
@@ -91,6 +119,7 @@ const Step kSteps[] = {
          Append(ddl, *FindTable("ARQUIVO_EXTRATO"), company);
        RunDdl(db, ddl);
      }},
+    {4, JoinNumbers},
 };
 
 }  // namespace

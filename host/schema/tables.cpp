@@ -80,12 +80,37 @@ const TableDef* FindTable(std::string_view name) {
   return nullptr;
 }
 
+std::vector<ColumnRef> SequenceDef::Columns() const {
+  std::vector<ColumnRef> all{{table, column, false}};
+  all.insert(all.end(), others.begin(), others.end());
+  return all;
+}
+
 const std::vector<SequenceDef>& Sequences() {
   static const std::vector<SequenceDef> sequences = {
-      {"CONTACOR", "LANCAMENTO"}, {"CONTACOR", "LANC_CON"}, {"CONTACOR", "DOCTO"},
-      {"EXTRATO", "LANCTO"},      {"PAGTO", "NUM_AP"},
+      // Accounting stands under a movement's number as well as under a clearing's, and whoever deletes by the
+      // one must not meet the other.
+      {"CONTACOR",
+       "LANCAMENTO",
+       {{"CONTACOR", "LANC_CON", false},
+        {"EXTRATO", "LANC_CON", false},
+        {"CHEQUE_PRE", "CHAVE", true},
+        {"CONTABIL", "LANCAMENTO", false},
+        {"CENTRO_RATEIO", "LANCAMENTO", false},
+        {"PAGTO1", "LANCAMENTO", true},
+        {"RECEBERB", "LANCAMENTO", true}}},
+      {"CONTACOR", "DOCTO", {}},
+      {"EXTRATO", "LANCTO", {}},
+      {"PAGTO", "NUM_AP", {}},
   };
   return sequences;
+}
+
+SequenceDef SequenceOf(std::string_view table, std::string_view column) {
+  for (const SequenceDef& sequence : Sequences())
+    for (const ColumnRef& held : sequence.Columns())
+      if (SameText(held.table, table) && SameText(held.column, column)) return sequence;
+  return {Upper(table), Upper(column), {}};
 }
 
 std::string SequenceName(std::string_view table, std::string_view column, std::string_view emp_pat) {

@@ -33,10 +33,22 @@ struct TableDef {
   const ColumnDef* Find(std::string_view column) const;
 };
 
-// A numbered column: its numbers come from a sequence for each company.
+struct ColumnRef {
+  std::string table;
+  std::string column;
+  // It can hold another company's number as well: that of a cheque which pays this one's titles, or that it
+  // handed over.
+  bool foreign = false;
+};
+
+// A kind of number: a sequence for each company, named after the first column, numbers all its columns. A
+// number is free where none of them holds it.
 struct SequenceDef {
   std::string table;
   std::string column;
+  std::vector<ColumnRef> others;
+
+  std::vector<ColumnRef> Columns() const;
 };
 
 // All tables that each company has of its own.
@@ -49,6 +61,8 @@ const std::vector<TableDef>& GlobalTables();
 const TableDef* FindTable(std::string_view name);
 
 const std::vector<SequenceDef>& Sequences();
+// The kind of number that a column holds, without regard to case; one of its own where none is declared.
+SequenceDef SequenceOf(std::string_view table, std::string_view column);
 
 // "SQ_CONTACOR_LANCAMENTO_001" for ("CONTACOR", "LANCAMENTO", "_001").
 std::string SequenceName(std::string_view table, std::string_view column, std::string_view emp_pat);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "host/schema/tables.h"
 #include "host/services/sql_text.h"
 #include "toolkit/error.h"
 
@@ -12,26 +11,10 @@ namespace {
 // The contexts that the database allows a statement, less one for the union itself.
 constexpr int kMaxContexts = 254;
 
-bool IsGlobal(std::string_view table) {
-  for (const TableDef& global : GlobalTables()) {
-    if (SameText(global.name, table)) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 Companies::Companies(TOrvDatabase& db, std::function<std::string()> standing)
-    : db_(db), standing_(std::move(standing)) {
-  const auto suffixes = Suffixes();
-  for (const auto& row : db_.Rows("SELECT TABELA, EMP_PAT FROM COMPARTILHADA ORDER BY 1")) {
-    const std::string table = Upper(Trim(row[0].AsString()));
-    std::string owner(Trim(row[1].AsString()));
-    if (owner.empty() && !suffixes.empty()) owner = suffixes.front();
-    shared_.push_back(table);
-    owners_.emplace(table, std::move(owner));
-  }
-}
+    : db_(db), standing_(std::move(standing)), sharing_(db) {}
 
 std::vector<std::string> Companies::Suffixes() const {
   std::vector<std::string> suffixes;
@@ -39,15 +22,6 @@ std::vector<std::string> Companies::Suffixes() const {
     suffixes.emplace_back(Trim(row[0].AsString()));
   }
   return suffixes;
-}
-
-std::string Companies::SuffixOf(std::string_view table, std::string_view company) const {
-  if (const auto owner = owners_.find(table); owner != owners_.end()) return owner->second;
-  return IsGlobal(table) ? "" : std::string(company);
-}
-
-std::string Companies::Physical(std::string_view table, std::string_view company) const {
-  return std::string(table) + SuffixOf(table, company);
 }
 
 std::string Companies::ForCompany(std::string_view sql, std::string_view company) const {
@@ -62,7 +36,7 @@ std::string Companies::ForAll(std::string_view sql, std::string_view main_table)
                                        : IsShared(main_table);
   if (once) {
     const std::string_view main = !main_table.empty() || tables.empty() ? main_table : tables.front();
-    return ForCompany(sql, main.empty() ? Standing() : SuffixOf(main, Standing()));
+    return ForCompany(sql, main.empty() ? Standing() : sharing_.SuffixOf(main, Standing()));
   }
 
   const auto companies = Suffixes();

@@ -4,11 +4,10 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "host/schema/sharing.h"
 #include "toolkit/database.h"
-#include "toolkit/text.h"
 
 namespace orv {
 
@@ -23,14 +22,15 @@ class Companies {
   std::vector<std::string> Suffixes() const;
 
   // The logical names of the tables that all companies share; the same for the life of the session.
-  const std::vector<std::string>& Shared() const { return shared_; }
-  bool IsShared(std::string_view table) const { return owners_.contains(table); }
+  const std::vector<std::string>& Shared() const { return sharing_.Tables(); }
+  bool IsShared(std::string_view table) const { return sharing_.Holds(table); }
+  // How that stood when the session began.
+  const Sharing& GetSharing() const { return sharing_; }
 
-  // The suffix under which a company's table stands: for a shared table the one of the company that keeps it,
-  // "" for a global table.
-  std::string SuffixOf(std::string_view table, std::string_view company) const;
-  // The physical name, with the table's name as it is given.
-  std::string Physical(std::string_view table, std::string_view company) const;
+  // The physical name of a company's table, with the table's name as it is given.
+  std::string Physical(std::string_view table, std::string_view company) const {
+    return sharing_.Physical(table, company);
+  }
 
   // The statement for one company.
   std::string ForCompany(std::string_view sql, std::string_view company) const;
@@ -42,8 +42,7 @@ class Companies {
  private:
   TOrvDatabase& db_;
   std::function<std::string()> standing_;
-  std::vector<std::string> shared_;
-  std::unordered_map<std::string, std::string, NameHash, NameEqual> owners_;
+  Sharing sharing_;
 };
 
 }  // namespace orv

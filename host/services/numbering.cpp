@@ -60,41 +60,45 @@ void Numbering::NeedSequence(const std::string& sequence) {
 
 Numbering::Place Numbering::Find(std::string_view table, std::string_view column, int width,
                                  std::string_view company) const {
-  const std::string table_name = Upper(table), column_name = Upper(column);
-  const TableDef* def = FindTable(table_name);
-  const ColumnDef* column_def = def ? def->Find(column_name) : nullptr;
-  const std::string numbers = "A numeração de " + table_name + "." + column_name;
-  if (column_def == nullptr || column_def->type != ColumnType::Text || width < 1 || width > kMaxDigits) {
-    throw UserError(numbers + " não existe.");
+  const SequenceDef kind = SequenceOf(table, column);
+  const std::string numbers = "A numeração de " + Upper(table) + "." + Upper(column);
+  std::size_t room = kMaxDigits;
+  for (const ColumnRef& held : kind.Columns()) {
+    const TableDef* def = FindTable(held.table);
+    const ColumnDef* column_def = def ? def->Find(held.column) : nullptr;
+    if (column_def == nullptr || column_def->type != ColumnType::Text || width < 1 || width > kMaxDigits)
+      throw UserError(numbers + " não existe.");
+    room = std::min(room, static_cast<std::size_t>(column_def->width));
   }
-  return {column_name, companies_.Physical(table_name, company),
-          NameOf(table_name, column_name, companies_.SuffixOf(table_name, company)),
-          numbers + " chegou ao fim.", static_cast<std::size_t>(column_def->width)};
+  NumberPlace place = companies_.GetSharing().NumbersOf(kind, company);
+  return {std::move(place.columns), NameOf(kind.table, kind.column, place.suffix),
+          numbers + " chegou ao fim.", room};
+}
+
+bool Numbering::Taken(const Place& place, const std::string& number) {
+  std::vector<std::string> holders;
+  for (const ColumnRef& held : place.columns)
+    holders.push_back("EXISTS (SELECT 1 FROM " + held.table + " WHERE " + held.column + " = " +
+                      SqlLiteral(number) + ")");
+  return !db_.Rows("SELECT 1 FROM RDB$DATABASE WHERE " + Join(holders, " OR ")).empty();
 }
 
 std::string Numbering::Next(std::string_view table, std::string_view column, int width,
                             std::string_view company) {
-  const auto [column_name, physical, sequence, end, room] = Find(table, column, width, company);
-  NeedSequence(sequence);
+  const Place place = Find(table, column, width, company);
+  NeedSequence(place.sequence);
 
-  int64_t number = Draw(sequence, 1);
-  if (number == 1) {
-    // A sequence that was never used starts above the rows that came in by other means. A lone number near
-    // the end of the range, such as a document typed by hand, doesn't take the rest of the range away.
-    const int64_t top =
-        db_.Scalar("SELECT MAX(CAST(" + column_name + " AS BIGINT)) FROM " + physical + " WHERE " +
-                   column_name + " SIMILAR TO '[0-9]{1," + std::to_string(width) + "}'")
-            .AsInteger();
-    if (top > 0 && top < PowerOfTen(width) / 10 * 9) number = std::max(number, Draw(sequence, top));
-  }
+  int64_t number = Draw(place.sequence, 1);
+  // A sequence that was never used starts above the rows that came in by other means.
+  if (number == 1)
+    if (const int64_t top = TopNumber(db_, place.columns, width); top > 0)
+      number = std::max(number, Draw(place.sequence, top));
   // Ever longer steps leave a block of taken numbers behind without looking at each.
   for (int64_t step = 1;; step *= 2) {
-    const std::string text = Padded(number, width);
-    if (text.size() > room) throw UserError(end);
-    const auto taken =
-        db_.Rows("SELECT FIRST 1 1 FROM " + physical + " WHERE " + column_name + " = " + SqlLiteral(text));
-    if (taken.empty()) return text;
-    number = Draw(sequence, step);
+    std::string text = Padded(number, width);
+    if (text.size() > place.width) throw UserError(place.end);
+    if (!Taken(place, text)) return text;
+    number = Draw(place.sequence, step);
   }
 }
 
@@ -115,11 +119,11 @@ std::vector<std::string> Numbering::Next(std::string_view table, std::string_vie
       const int64_t to = std::min(last, PowerOfTen(static_cast<int>(first.size())) - 1);
       if (first.size() > place.width) throw UserError(place.end);
       std::unordered_set<std::string> taken;
-      for (const auto& row :
-           db_.Rows("SELECT " + place.column + " FROM " + place.physical + " WHERE " + place.column +
-                    " BETWEEN " + SqlLiteral(first) + " AND " + SqlLiteral(Padded(to, width)))) {
-        taken.insert(row[0].AsString());
-      }
+      const std::string range = " BETWEEN " + SqlLiteral(first) + " AND " + SqlLiteral(Padded(to, width));
+      for (const ColumnRef& held : place.columns)
+        for (const auto& row :
+             db_.Rows("SELECT " + held.column + " FROM " + held.table + " WHERE " + held.column + range))
+          taken.insert(row[0].AsString());
       for (; from <= to; ++from) {
         std::string text = Padded(from, width);
         if (!taken.contains(text)) numbers.push_back(std::move(text));

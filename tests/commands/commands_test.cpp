@@ -1,4 +1,5 @@
 // The program's commands as a person types them: exit status, standard output, standard error.
+#include <array>
 #include <fstream>
 
 #include "host/data/backup.h"
@@ -307,6 +308,27 @@ TEST_F(CommandsTest, CheckTellsContradictionsAndChangesNothing) {
   EXPECT_NE(finished.out.find("SUMIDA"), std::string::npos);
   EXPECT_EQ(Sql("SELECT COUNT(*), SUM(VALOR) FROM CONTACOR_002"), before);
   EXPECT_EQ(Run({"check"}).out, finished.out);
+
+  // The engine's own structure comes first: a data page of the table that says that it is something else.
+  const int64_t table =
+      std::stoll(Sql("SELECT RDB$RELATION_ID FROM RDB$RELATIONS WHERE RDB$RELATION_NAME = 'CONTACOR_002'"));
+  LetGo();
+  constexpr std::streamoff kPage = 16384, kTable = 20;
+  constexpr char kData = 5, kIndex = 7;
+  std::fstream file(database_, std::ios::in | std::ios::out | std::ios::binary);
+  for (std::streamoff at = 0;; at += kPage) {
+    std::array<unsigned char, kTable + 2> head;
+    ASSERT_TRUE(file.seekg(at).read(reinterpret_cast<char*>(head.data()), head.size()));
+    if (head[0] != kData || head[kTable] + 256 * head[kTable + 1] != table) continue;
+    file.seekp(at).put(kIndex);
+    break;
+  }
+  file.close();
+  const Finished damaged = Run({"check"});
+  EXPECT_EQ(damaged.status, 2) << damaged.err;
+  EXPECT_TRUE(damaged.out.starts_with("Tabela CONTACOR_002: uma página está danificada (Page "))
+      << damaged.out;
+  EXPECT_NE(damaged.out.find("Os dados não foram conferidos."), std::string::npos) << damaged.out;
 }
 
 TEST_F(CommandsTest, UpgradeBringsAnOlderOneUp) {
@@ -333,6 +355,21 @@ TEST_F(CommandsTest, BackupComesBackWhole) {
   const Words restore = {"restore", copy.string(), "--database", restored.string()};
   EXPECT_EQ(Good(restore), "Banco criado em " + restored.string() + ".\n");
   EXPECT_NE(Bad(restore).find("já existe"), std::string::npos);
+  // What is cut short or is no backup ends, and leaves nothing.
+  std::ifstream in(copy, std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(in), {});
+  const fs::path folder = folder_.Path() / "cut";
+  fs::create_directory(folder);
+  const std::string cuts[] = {"", bytes.substr(0, bytes.size() / 2), bytes.substr(0, bytes.size() - 600),
+                              std::string(3000, 'x')};
+  for (const std::string& cut : cuts) {
+    std::ofstream(folder / "cut.fbk", std::ios::binary) << cut;
+    EXPECT_NE(Bad({"restore", (folder / "cut.fbk").string(), "--database", (folder / "cut.fdb").string()})
+                  .find("não é um backup inteiro"),
+              std::string::npos)
+        << cut.size();
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << cut.size();
+  }
   const std::string rows = Sql("SELECT COUNT(*), SUM(VALOR) FROM CONTACOR_001");
   LetGo();
   database_ = restored;

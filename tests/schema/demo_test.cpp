@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include "host/schema/check.h"
 #include "host/schema/schema.h"
 #include "host/schema/tables.h"
 #include "tests/schema/fixture.h"
+#include "toolkit/text.h"
 
 namespace orv::test {
 namespace {
@@ -151,9 +153,11 @@ TEST_F(Demo, CheckFindsNothing) { EXPECT_EQ(CheckData(Db()), std::vector<std::st
 
 TEST_F(Demo, CheckFindsEachContradiction) {
   const std::string movement =
-      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, LANC_CON, TIPO) "
-      "VALUES ";
-  const std::string good = "'10250-1', 10, '+', '1101', 'N', '', 'L')";
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, LANC_CON, TIPO, "
+      "DT_LAN, DT_CONT, DT_VENCTO) VALUES ";
+  const std::string days = "'11/20/2026', '11/20/2026', '11/20/2026')";
+  const std::string good = "'10250-1', 10, '+', '1101', 'N', '', 'L', " + days;
+  const std::string line = "INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, DT_CONT, CONCILIADO";
   const std::string tied = Text("SELECT FIRST 1 LANC_CON FROM EXTRATO_001 WHERE CONCILIADO = 'S'");
   const std::string paid =
       Text("SELECT FIRST 1 NUMERO FROM RECEBER_001 WHERE STATUS = 'N' AND VALOR_PAGO = VALOR2");
@@ -166,11 +170,11 @@ TEST_F(Demo, CheckFindsEachContradiction) {
     std::vector<std::string> plant;
     std::string found;
   } cases[] = {
-      {{movement + "('000000', 'X', '999', 10, '+', '1101', 'N', '', 'L')"},
+      {{movement + "(\'000000\', \'X\', '999', 10, \'+\', '1101', \'N\', \'\', \'L\', " + days},
        "lançamento 000000: a conta \"999\" não existe."},
-      {{movement + "('000000', 'X', '10250-1', 10, '+', '9999', 'N', '', 'L')"},
+      {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '9999', \'N\', \'\', \'L\', " + days},
        "lançamento 000000: a classe \"9999\" não existe."},
-      {{movement + "('000000', 'X', '10250-1', 10, '+', '11', 'N', '', 'L')"},
+      {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '11', \'N\', \'\', \'L\', " + days},
        "lançamento 000000: a classe \"11\" é do tipo título."},
       {{movement + "('000000', 'X', " + good, movement + "('000000', 'X', " + good},
        "lançamento 000000, documento \"X\", conta \"10250-1\", operação \"+\": gravado 2 vezes."},
@@ -180,18 +184,13 @@ TEST_F(Demo, CheckFindsEachContradiction) {
         "(SELECT 1 FROM "
         "CONTACOR_001 M WHERE M.LANC_CON = E.LANC_CON)"},
        "transferência " + transfer + ": a saída e a entrada não se igualam."},
-      {{movement + "('000000', 'X', '10250-1', 10, '+', '1101', 'S', '7', 'L')"},
+      {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '1101', \'S\', \'7\', \'L\', " + days},
        "lançamento 000000: pendente, mas com a conciliação 7."},
-      {{"INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, CONCILIADO) VALUES ('0', '10250-1', 1, "
-        "'C', 'S')"},
+      {{line + ") VALUES ('0', '10250-1', 1, 'C', '11/20/2026', 'S')"},
        "linha de extrato 0 da conta 10250-1: conciliada sem número de conciliação."},
-      {{"INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, CONCILIADO, LANC_CON) VALUES ('0', "
-        "'10250-1', 1, "
-        "'C', 'S', '5')"},
+      {{line + ", LANC_CON) VALUES ('0', '10250-1', 1, 'C', '11/20/2026', 'S', '5')"},
        "linha de extrato 0: nenhum lançamento da conta 10250-1 tem a conciliação 5."},
-      {{"INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, CONCILIADO, LANC_CON) VALUES ('0', "
-        "'10250-1', 1, "
-        "'C', 'N', '5')"},
+      {{line + ", LANC_CON) VALUES ('0', '10250-1', 1, 'C', '11/20/2026', 'N', '5')"},
        "linha de extrato 0: não conciliada, mas com a conciliação 5."},
       {{"UPDATE EXTRATO_001 SET VALOR = VALOR + 0.01 WHERE LANC_CON = " + Quote(tied)},
        "conciliação " + tied + " da"},
@@ -199,7 +198,7 @@ TEST_F(Demo, CheckFindsEachContradiction) {
        "título a receber " + paid + ": pago"},
       {{"UPDATE RECEBER_001 SET DESCONTO = 0.01 WHERE NUMERO = " + Quote(paid)},
        "título a receber " + paid + ": baixado além do valor, saldo -0,01."},
-      {{"INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO) VALUES ('X', '000001')"},
+      {{"INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO, DT_PAGTO) VALUES ('X', '000001', '11/20/2026')"},
        "baixa do lançamento 000001: o título a receber X não existe."},
       {{"UPDATE RECEBERB_001 SET LANCAMENTO = 'X' WHERE NUMERO = " + Quote(paid)},
        "baixa do título a receber " + paid + ": o lançamento X não existe."},
@@ -209,13 +208,14 @@ TEST_F(Demo, CheckFindsEachContradiction) {
        "título a pagar " + bill + ": pago"},
       {{"UPDATE PAGTO_001 SET VAL_DEV = 1 WHERE NUM_AP = " + Quote(bill)},
        "título a pagar " + bill + ": baixado além do valor, saldo -1,00."},
-      {{"INSERT INTO PAGTO1_001 (NUM_AP, LANCAMENTO) VALUES ('X', '000001')"},
+      {{"INSERT INTO PAGTO1_001 (NUM_AP, LANCAMENTO, DT_LAN) VALUES ('X', '000001', '11/20/2026')"},
        "baixa do lançamento 000001: o título a pagar X não existe."},
       {{"UPDATE PAGTO1_001 SET LANCAMENTO = 'X' WHERE NUM_AP = " + Quote(bill)},
        "baixa do título a pagar " + bill + ": o lançamento X não existe."},
       {{"UPDATE PAGTO_001 SET NUM_OS = '2' WHERE NUM_AP = " + Quote(bill)},
        "título a pagar " + bill + ": a classe \"2\" é do tipo título."},
-      {{"INSERT INTO CHEQUE_PRE_001 (CHAVE, NUMERO, STATUS) VALUES ('X', '000777', 'D')"},
+      {{"INSERT INTO CHEQUE_PRE_001 (CHAVE, NUMERO, STATUS, TIPO, EMISSAO, VENCIMENTO) VALUES ('X', "
+        "'000777', 'D', 'R', '11/20/2026', '11/20/2026')"},
        "cheque 000777: o lançamento X não existe."},
       {{"UPDATE CHEQUE_PRE_001 SET STATUS = 'C' WHERE CHAVE = " + Quote(cleared)},
        "cancelado, mas o lançamento " + cleared + " continua."},
@@ -225,7 +225,8 @@ TEST_F(Demo, CheckFindsEachContradiction) {
        "lançamento " + cleared + ": baixado sem data de baixa."},
       {{"UPDATE CHEQUE_PRE_001 SET VALOR = VALOR + 1 WHERE CHAVE = " + Quote(cleared)},
        "o lançamento " + cleared + " é de"},
-      {{"INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR) VALUES ('X', 1)"},
+      {{"INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR, CONTA_C, CONTA_D, DATA) VALUES ('X', 1, '0', '0', "
+        "'11/20/2026')"},
        "contabilização X: não há lançamento nem conciliação com este número."},
       {{movement + "('9999999', 'X', " + good}, "numeração de CONTACOR.LANCAMENTO: está em "},
   };
@@ -243,6 +244,111 @@ TEST_F(Demo, CheckFindsEachContradiction) {
   EXPECT_EQ(CheckData(Db()), std::vector<std::string>{});
 }
 
+// Corruptions of single rows, which don't touch one another: all at once.
+TEST_F(Demo, CheckFindsEveryCorruption) {
+  // Movements by hand without accounting, each for one corruption.
+  const auto hands = Db().Rows(
+      "SELECT FIRST 12 LANCAMENTO, CONTA FROM CONTACOR_001 M WHERE TIPO = 'L' AND PENDENTE = 'N' AND "
+      "LANC_CON = "
+      "'' AND NOT EXISTS (SELECT 1 FROM CONTABIL_001 A WHERE A.LANCAMENTO = M.LANCAMENTO) AND HISTORICO <> "
+      "'018' ORDER BY 1");
+  std::size_t next = 0;
+  std::vector<std::pair<std::string, std::string>> cases;
+  const auto hand = [&](const std::string& change, const std::string& found) {
+    const std::string number = hands[next++][0].AsString();
+    cases.emplace_back("UPDATE CONTACOR_001 SET " + change + " WHERE LANCAMENTO = " + Quote(number),
+                       "lançamento " + number + ": " + found);
+  };
+  hand("HISTORICO = '999'", "o histórico \"999\" não existe.");
+  hand("PENDENTE = 'X'", "situação \"X\" desconhecida.");
+  hand("OPERACAO = NULL", "sem operação.");
+  hand("DT_LAN = NULL", "sem data de lançamento.");
+  hand("DT_CONT = '12/30/1899'", "sem data de contabilização.");
+  hand("VALOR = -5", "valor -5,00 negativo.");
+  hand("VALOR = 1000000000000", "valor 1.000.000.000.000,00 além de 999.999.999.999,99.");
+  const std::string on_two = hands[next++][0].AsString(), shared = hands[next++][0].AsString();
+  cases.emplace_back(
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, TIPO, DT_LAN, "
+      "DT_CONT, DT_VENCTO) SELECT LANCAMENTO, 'X', (SELECT MAX(C.CONTA) FROM CADCONTA_001 C WHERE C.CONTA <> "
+      "M.CONTA), VALOR, OPERACAO, GRUPO, 'N', TIPO, DT_LAN, DT_CONT, DT_VENCTO FROM CONTACOR_001 M WHERE "
+      "LANCAMENTO = " +
+          Quote(on_two),
+      "lançamento " + on_two + ": está na conta");
+  const std::string cleared = Text(
+      "SELECT MIN(CHAVE) FROM CHEQUE_PRE_001 WHERE STATUS = 'B' AND TIPO = 'P' AND EXISTS (SELECT 1 FROM "
+      "CONTACOR_001 M WHERE M.LANCAMENTO = CHAVE AND M.LANC_CON > '')");
+  cases.emplace_back("UPDATE CONTACOR_001 SET LANC_CON = " + Quote(shared) +
+                         " WHERE LANCAMENTO = " + Quote(hands[next++][0].AsString()),
+                     "número " + shared + ": é de um lançamento");
+  cases.emplace_back(
+      "UPDATE CONTACOR_001 SET LANC_CON = '7' WHERE LANCAMENTO IN (SELECT FIRST 2 MAX(LANCAMENTO) FROM "
+      "CONTACOR_001 WHERE PENDENTE = 'C' GROUP BY CONTA)",
+      "número 7: é de compensações ou conciliações diferentes");
+  const std::string file = Text("SELECT MIN(ARQUIVO) FROM EXTRATO_001"),
+                    other = Text("SELECT MAX(ARQUIVO) FROM EXTRATO_001");
+  const auto import = [](const std::string& from, const std::string& to) {
+    return "INSERT INTO EXTRATO_001 SELECT 'X' || LANCTO, BANCO, CONTA, DOCTO, DT_CONT, DT_ARQ, VALOR, "
+           "OPERACAO, "
+           "OBSERVACAO, " +
+           Quote(to) + ", CHAVE, 'N', '' FROM EXTRATO_001 WHERE ARQUIVO = " + Quote(from);
+  };
+  cases.emplace_back(import(file, file), "arquivo \"" + file + "\" da conta");
+  cases.emplace_back(import(other, "outro.ofx"), "são o mesmo extrato com dois nomes.");
+  cases.emplace_back(
+      "UPDATE EXTRATO_001 SET CONTA = NULL WHERE LANCTO = (SELECT MAX(LANCTO) FROM EXTRATO_001 WHERE LANCTO "
+      "< 'X' "
+      "AND CONCILIADO = 'N' AND ARQUIVO <> " +
+          Quote(other) + ")",
+      "a conta \"\" não existe.");
+  const auto entry = [&](const std::string& which) {
+    return Text("SELECT FIRST 1 SKIP 3 LANCAMENTO FROM CONTABIL_001 A WHERE " + which + " ORDER BY 1");
+  };
+  const std::string by_hand = entry(
+                        "ORIGEM = 'CC' AND EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = "
+                        "A.LANCAMENTO)"),
+                    clearing = entry("CODIGO = '000' AND ORIGEM = 'CC'"), bills = entry("ORIGEM = 'PP'"),
+                    moved = entry("CODIGO = '000-00'");
+  const std::string change = "UPDATE CONTABIL_001 SET ";
+  cases.emplace_back(change + "VALOR = VALOR + 0.02 WHERE LANCAMENTO = " + Quote(moved),
+                     "contabilização " + moved + ": soma");
+  cases.emplace_back(change + "VALOR = VALOR - 1 WHERE LANCAMENTO = " + Quote(clearing),
+                     "o lançamento compensado é de");
+  cases.emplace_back(change + "VALOR = VALOR - 0.01 WHERE LANCAMENTO = " + Quote(bills),
+                     "mas as baixas do lançamento");
+  cases.emplace_back(change + "CONTA_D = '9.9' WHERE LANCAMENTO = " + Quote(moved),
+                     "a conta de débito \"9.9\" não existe.");
+  const std::string share =
+      "INSERT INTO CENTRO_RATEIO_001 (LANCAMENTO, ORDEM, NUMERO, TIPO, PERC_RAT, VALOR_RAT) VALUES ";
+  cases.emplace_back(share + "('X', 1, 'X', 'CC', 100, 1)", "rateio X: não há contabilização");
+  cases.emplace_back(share + "('', 1, " + Quote(shared) + ", 'CC', 100, 0)",
+                     "rateio do lançamento " + shared);
+  cases.emplace_back(
+      "UPDATE CENTRO_RATEIO_001 SET VALOR_RAT = VALOR_RAT + 1 WHERE LANCAMENTO = " + Quote(by_hand),
+      "rateio " + by_hand + ", partida 1: soma");
+  cases.emplace_back(
+      "UPDATE CHEQUE_PRE_001 SET STATUS = 'P', DT_BAIXA = NULL WHERE CHAVE = " + Quote(cleared),
+      "pendente, mas o lançamento " + cleared + " está baixado.");
+  cases.emplace_back(
+      "UPDATE CHEQUE_PRE_001 SET STATUS = 'X' WHERE CHAVE = (SELECT MAX(CHAVE) FROM CHEQUE_PRE_001 "
+      "WHERE STATUS = 'C')",
+      "situação \"X\" desconhecida.");
+  cases.emplace_back(
+      "INSERT INTO CHEQUE_PRE_001 SELECT * FROM CHEQUE_PRE_001 WHERE CHAVE = (SELECT MAX(CHAVE) FROM "
+      "CHEQUE_PRE_001 WHERE STATUS = 'B')",
+      "gravado 2 vezes.");
+  cases.emplace_back(
+      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA) SELECT 'Ana', 'ana' FROM RDB$DATABASE WHERE NEXT VALUE "
+      "FOR SQ_AUDITORIA_ID > 0",
+      "Auditoria: está vazia");
+  for (const auto& [sql, found] : cases) EXPECT_GT(Db().Execute(sql), 0) << sql;
+  const std::vector<std::string> lines = CheckData(Db());
+  for (const auto& [sql, found] : cases)
+    EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [&, &text = found](const std::string& told) {
+      return told.find(text) != std::string::npos;
+    })) << found;
+  EXPECT_LE(lines.size(), cases.size() + 8) << Join(lines, "\n");
+}
+
 TEST_F(Demo, CheckSparesWhatOnlyLooksWrong) {
   // A cheque handed over by another company; a run whose chargebacks leave no movement; a number that isn't
   // one.
@@ -252,12 +358,27 @@ TEST_F(Demo, CheckSparesWhatOnlyLooksWrong) {
   Db().Execute("INSERT INTO CHEQUE_PRE_002 SELECT * FROM CHEQUE_PRE_001 WHERE CHAVE = " + Quote(cheque));
   const std::string order =
       Text("SELECT FIRST 1 NUMERO FROM RECEBER_001 WHERE PEDIDO > '' AND VALOR_PAGO = 0");
-  Db().Execute("INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO, VALOR_PAGO, JUROS) VALUES (" + Quote(order) +
-               ", '0000X', 0, 12)");
-  Db().Execute("INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR) VALUES ('0000X', 12)");
+  Db().Execute("INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO, VALOR_PAGO, JUROS, DT_PAGTO) VALUES (" +
+               Quote(order) + ", '0000X', 0, 12, '11/20/2026')");
   Db().Execute(
-      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE) VALUES ('A-1', "
-      "'X', '10250-1', 1, '+', '1101', 'N')");
+      "INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR, CONTA_C, CONTA_D, DATA) VALUES ('0000X', 12, '0', '0', "
+      "'11/20/2026')");
+  const std::string movement =
+      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, TIPO, DT_LAN, "
+      "DT_CONT, DT_VENCTO) VALUES ";
+  const std::string days = "'11/20/2026', '11/20/2026', '11/20/2026')";
+  Db().Execute(movement + "('A-1', 'X', '10250-1', 1, '+', '1101', 'N', 'L', " + days);
+  // A quick entry that took an older one's place on another account; a cheque presented again, whose return
+  // stands under its number; a cheque issued on a movement that isn't pending.
+  for (const char* row : {"'10250-1', 5, '+'", "'10250-1', 5, '-'", "'CAIXA', 5, '+'"})
+    Db().Execute(movement + "('A-2', 'X', " + row + ", '1101', 'S', 'L', " + days);
+  Db().Execute(
+      "UPDATE CHEQUE_PRE_001 C SET STATUS = 'P' WHERE STATUS = 'D' AND EXISTS (SELECT 1 FROM CONTACOR_001 M "
+      "WHERE M.DOCTO = C.NUMERO AND M.HISTORICO = '018')");
+  Db().Execute(
+      "UPDATE CONTACOR_001 SET PENDENTE = 'N' WHERE LANCAMENTO = (SELECT MIN(CHAVE) FROM CHEQUE_PRE_001 "
+      "WHERE "
+      "STATUS = 'P' AND TIPO = 'P')");
   EXPECT_EQ(CheckData(Db()), std::vector<std::string>{});
 }
 

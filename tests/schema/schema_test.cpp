@@ -73,24 +73,37 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   TempDatabase db;
   CreateSchema(*db, {{"_001", "Primeira", ""}});
   // As the first version was.
-  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001"})
+  AddCompany(*db, {"_002", "Segunda", ""});
+  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ARQUIVO_EXTRATO_002"})
     db->ExecuteDdl("DROP TABLE " + std::string(table));
+  // Movements and clearings had a counter each; a lone number that was typed by hand takes nothing away.
+  for (const char* company : {"_001", "_002"}) {
+    db->ExecuteDdl("CREATE SEQUENCE SQ_CONTACOR_LANC_CON" + std::string(company));
+    db->Execute("SET GENERATOR SQ_CONTACOR_LANC_CON" + std::string(company) + " TO 40");
+  }
+  db->Execute("SET GENERATOR SQ_CONTACOR_LANCAMENTO_001 TO 70");
+  db->Execute("INSERT INTO CHEQUE_PRE_002 (CHAVE) VALUES ('000055')");
+  db->Execute("INSERT INTO CONTACOR_002 (LANCAMENTO) VALUES ('999999')");
   db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = 1");
   db->CommitRetaining();
+  const std::string needs = ", e esta mesa precisa da versão " + std::to_string(kSchemaVersion) + ". ";
   EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }),
-            "O banco de dados é da versão 1, e esta mesa precisa da versão " +
-                std::to_string(kSchemaVersion) + ". Execute \"orvcc upgrade\".");
+            "O banco de dados é da versão 1" + needs + "Execute \"orvcc upgrade\".");
   UpgradeSchema(*db);
   RequireCurrentSchema(*db);
   for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001"}) EXPECT_TRUE(Exists(*db, table)) << table;
+  EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_001, 0) FROM RDB$DATABASE").AsInteger(), 70);
+  EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_002, 0) FROM RDB$DATABASE").AsInteger(), 55);
+  EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM RDB$GENERATORS WHERE RDB$GENERATOR_NAME CONTAINING 'LANC_CON'")
+                .AsInteger(),
+            0);
   UpgradeSchema(*db);
   EXPECT_EQ(SchemaVersion(*db), kSchemaVersion);
 
-  db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = VERSAO + 1");
+  const std::string later = std::to_string(kSchemaVersion + 1);
+  db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = " + later);
   db->CommitRetaining();
-  const std::string newer = "O banco de dados é da versão " + std::to_string(kSchemaVersion + 1) +
-                            ", e esta mesa precisa da versão " + std::to_string(kSchemaVersion) +
-                            ". Atualize o programa.";
+  const std::string newer = "O banco de dados é da versão " + later + needs + "Atualize o programa.";
   EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }), newer);
   EXPECT_EQ(Refusal([&] { UpgradeSchema(*db); }), newer);
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "host/schema/tables.h"
 #include "host/services/audit.h"
 #include "host/services/calendar.h"
 #include "host/services/companies.h"
@@ -109,12 +110,13 @@ TEST_F(HouseTest, NumbersAreNeverGivenTwice) {
   // A number drawn and not used is gone, also when its action is undone.
   main_->db->Rollback();
   EXPECT_EQ(Funcoes().Proximo("CONTACOR", "LANCAMENTO", 6, true), "000002");
-  EXPECT_EQ(Funcoes().Proximo("contacor", "lanc_con", 6, true), "000001");
+  // A clearing's number is no movement's.
+  EXPECT_EQ(Funcoes().Proximo("contacor", "lanc_con", 6, true), "000003");
   EXPECT_EQ(NewSession("ana", "_002")->application.Funcoes().Proximo("CONTACOR", "LANCAMENTO", 6, true),
             "000001");
 
   // Rows put in by other means are stepped over, a whole block of them too.
-  for (int n = 3; n < 60; ++n) {
+  for (int n = 4; n < 60; ++n) {
     Run("INSERT INTO CONTACOR_001 (LANCAMENTO) VALUES ('" + std::string(n < 10 ? "00000" : "0000") +
         std::to_string(n) + "')");
   }
@@ -128,7 +130,6 @@ TEST_F(HouseTest, NumbersAreNeverGivenTwice) {
   EXPECT_EQ(Funcoes().Proximo("EXTRATO", "LANCTO", 6, true), "004712");
   Run("INSERT INTO CONTACOR_001 (DOCTO) VALUES ('99999999')");
   Run("INSERT INTO CONTACOR_001 (DOCTO) VALUES ('00000002')");
-  EXPECT_EQ(Funcoes().Proximo("CONTACOR", "DOCTO", 8, true), "00000001");
   EXPECT_EQ(Funcoes().Proximo("CONTACOR", "DOCTO", 8, true), "00000003");
 
   // Another column gets its sequence on first use, without a commit of what the session wrote.
@@ -155,6 +156,36 @@ TEST_F(HouseTest, NumbersAreNeverGivenTwice) {
   std::sort(all.begin(), all.end());
   EXPECT_EQ(all.size(), 200U);
   EXPECT_EQ(std::unique(all.begin(), all.end()), all.end());
+}
+
+// Whatever deletes by a number deletes what stands under it in any table.
+TEST_F(HouseTest, ANumberIsFreeInEveryColumnOfItsKind) {
+  const auto draw = [this](const char* company) {
+    main_->db->CommitRetaining();
+    const std::string next =
+        NewSession("ana", company)->application.Funcoes().Proximo("CONTACOR", "LANC_CON", 6, true);
+    return std::stoi(next);
+  };
+  const auto padded = [](int n) { return std::to_string(1000000 + n).substr(1); };
+  int last = draw("_001");
+  for (const ColumnRef& held : SequenceOf("EXTRATO", "LANC_CON").Columns()) {
+    const std::string extra = held.table == "EXTRATO" ? ", LANCTO" : "";
+    Run("INSERT INTO " + held.table + "_001 (" + held.column + extra + ") VALUES ('" + padded(last + 1) +
+        "'" + (extra.empty() ? "" : ", 'X'") + ")");
+    const int next = draw("_001");
+    EXPECT_EQ(next, last + 2) << held.table << "." << held.column;
+    last = next;
+  }
+  Run("INSERT INTO PAGTO1_001 (LANCAMENTO) VALUES ('" + padded(last + 2) + "')");
+  const std::vector<std::string> many = Funcoes().Proximos("CONTACOR", "LANCAMENTO", 6, true, 3);
+  EXPECT_EQ(many, (std::vector<std::string>{padded(last + 1), padded(last + 3), padded(last + 4)}));
+
+  // Companies that share one of the tables meet there: they number together, and look at each other's rows.
+  EXPECT_EQ(draw("_002"), 1);
+  Run("INSERT INTO COMPARTILHADA (TABELA, EMP_PAT) VALUES ('CONTABIL', '_001')");
+  EXPECT_EQ(draw("_002"), last + 5);
+  Run("INSERT INTO CONTACOR_002 (LANCAMENTO) VALUES ('" + padded(last + 6) + "')");
+  EXPECT_EQ(draw("_001"), last + 7);
 }
 
 TEST_F(HouseTest, HolidaysOfTheHouseMoveADate) {
