@@ -111,6 +111,10 @@ void TfmRelFluxo::OrvDBGrid1KeyDown(KeyPress& key) {
 }
 
 void TfmRelFluxo::BitBtn33Click() {
+  if (!inteira_) {
+    Inform("A última consulta não terminou: faltam lançamentos. Consulte de novo antes de imprimir.");
+    return;
+  }
   // The layouts group by what is chosen now, and the rows follow.
   Ordena();
   const bool geral = RgTipo.ItemIndex() == 0;

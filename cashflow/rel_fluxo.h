@@ -176,6 +176,8 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   void DBGrid1DblClick();
   void OrvDBGrid1DblClick();
 
+  // False while the sets hold what a gathering left that didn't end.
+  bool inteira_ = true;
   std::deque<Origem> origens_;
   std::vector<std::string> empresas_;
   // Names that many rows bear.

@@ -1,6 +1,7 @@
 // From a figure to where it comes from: a title's settlements, what a cheque pays, a movement's titles and
 // accounting, an order's items.
 #include "cashflow/rel_fluxo.h"
+#include "rules/soma.h"
 
 namespace orv {
 namespace {
@@ -95,19 +96,43 @@ std::string Cheques(const std::string& chave) {
          Receber("NUMERO IN (SELECT D.DUPLI FROM {CHEQUE_DUP} D WHERE D.CHAVE = " + chave + ")");
 }
 
+// What a line of an order says in figures: its discount, or a quantity and a price. Null is none.
+std::string Figuras(const char* desconto, const char* quantidade, const char* preco) {
+  const auto como = [](const char* coluna, const char* nome) {
+    return std::string(", CAST(") + coluna + " AS DOUBLE PRECISION) AS " + nome;
+  };
+  return como(desconto, "PER_DESC") + como(quantidade, "QTDE") + como(preco, "PRECO");
+}
+
 std::string Itens(const char* tipo, const char* data, const char* quantidade, const char* tabela,
                   const std::string& numero) {
-  const std::string texto =
-      std::string("CAST(") + quantidade + " AS NUMERIC(18,3)) || ' x ' || CAST(I.PRECO AS NUMERIC(18,4))";
-  const std::string valor = std::string("I.PRECO * ") + quantidade;
-  return Linhas(tipo, "I.NUMERO", "NULL", data, texto.c_str(), Valor(valor.c_str()).c_str(), tabela) +
-         " WHERE I.NUMERO = " + numero;
+  const std::string valor =
+      Valor((std::string("I.PRECO * ") + quantidade).c_str()) + Figuras("NULL", quantidade, "I.PRECO");
+  return Linhas(tipo, "I.NUMERO", "NULL", data, "''", valor.c_str(), tabela) + " WHERE I.NUMERO = " + numero;
+}
+
+constexpr ReportField kItens[] = {{"Tipo", FieldType::String, 20},       {"Número", FieldType::String, 12},
+                                  {"Documento", FieldType::String, 15},  {"Data", FieldType::Date},
+                                  {"Descrição", FieldType::String, 250}, {"Valor", FieldType::Currency},
+                                  {"Pago", FieldType::Currency},         {"Juros", FieldType::Currency},
+                                  {"Desconto", FieldType::Currency},     {"Devolvido", FieldType::Currency}};
+
+// The figures become a part of the description.
+void DescreveItem(std::span<Value> linha) {
+  Value& descricao = linha[4];
+  const Value &desconto = linha[10], &quantidade = linha[11], &preco = linha[12];
+  if (!desconto.IsNull())
+    descricao = descricao.AsString() + " desconto " + desconto.AsCurrency().Brazil() + "%";
+  if (preco.IsNull()) return;
+  const Currency valor = preco.AsCurrency();
+  descricao = quantidade.AsCurrency().Brazil(3) + " x " + valor.Brazil(valor == valor.Round2() ? 2 : 4);
 }
 
 std::string Pedido(const std::string& numero) {
-  return Linhas("Pedido", "O.NUMERO", "O.PED_CLI", "O.DT_FATURA",
-                "COALESCE(E.NOME, '') || ' desconto ' || CAST(O.PER_DESC AS NUMERIC(9,2)) || '%'",
-                Valor("(SELECT SUM(X.PRECO * X.QTDE) FROM {PED_ITEN} X WHERE X.NUMERO = O.NUMERO)").c_str(),
+  return Linhas("Pedido", "O.NUMERO", "O.PED_CLI", "O.DT_FATURA", "COALESCE(E.NOME, '')",
+                (Valor("(SELECT SUM(X.PRECO * X.QTDE) FROM {PED_ITEN} X WHERE X.NUMERO = O.NUMERO)") +
+                 Figuras("COALESCE(O.PER_DESC, 0)", "NULL", "NULL"))
+                    .c_str(),
                 "{PEDIDO} O LEFT JOIN {ENTIDADE} E ON E.CODCLI = O.CODCLI") +
          " WHERE O.NUMERO = " + numero + kUniao +
          Itens("Item", "I.DT_ENTREGA", "I.QTDE", "{PED_ITEN} I", numero);
@@ -116,8 +141,9 @@ std::string Pedido(const std::string& numero) {
 std::string Compra(const std::string& numero) {
   return Linhas("Compra", "O.NUMERO", "O.DOCTO", "O.DT_ENTREGA",
                 "COALESCE(E.NOME, '') || ' ' || COALESCE(SUBSTRING(O.OBS FROM 1 FOR 160), '')",
-                Valor("(SELECT SUM(X.PRECO * (X.QTDE - X.QTDE_B)) FROM {CO_ITEN} X "
-                      "WHERE X.NUMERO = O.NUMERO AND X.SITUACAO = 'A')")
+                (Valor("(SELECT SUM(X.PRECO * (X.QTDE - X.QTDE_B)) FROM {CO_ITEN} X "
+                       "WHERE X.NUMERO = O.NUMERO AND X.SITUACAO = 'A')") +
+                 Figuras("NULL", "NULL", "NULL"))
                     .c_str(),
                 "{COMPRA} O LEFT JOIN {ENTIDADE} E ON E.CODCLI = O.CODFOR") +
          " WHERE O.NUMERO = " + numero + kUniao +
@@ -161,22 +187,29 @@ void TfmRelFluxo::DBGrid1DblClick() {
       sql = Compra(chave);
       break;
   }
-  ShowDetail(titulo + std::string(origem.chave.Text()), ForCompany(sql, empresas_.at(origem.empresa)));
+  titulo += origem.chave.Text();
+  const std::string pronto = ForCompany(sql, empresas_.at(origem.empresa));
+  if (origem.fonte == Fonte::Pedido || origem.fonte == Fonte::Compra) {
+    ShowDetail(titulo, pronto, kItens, DescreveItem);
+  } else {
+    ShowDetail(titulo, pronto);
+  }
 }
 
 // A balance is too many movements to list one by one: it is shown month by month.
 void TfmRelFluxo::OrvDBGrid1DblClick() {
   if (!TbSaldo.Active() || TbSaldo.IsEmpty()) return;
   const std::string conta = TbSaldo["Conta"].AsString();
-  const std::string sql = ForCompanies(
-      "SELECT EXTRACT(YEAR FROM DT_CONT) AS \"Ano\", EXTRACT(MONTH FROM DT_CONT) AS \"Mês\", "
-      "COUNT(*) AS \"Movimentos\", SUM(CASE WHEN OPERACAO = '+' THEN VALOR ELSE 0 END) AS \"Créditos\", "
-      "SUM(CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END) AS \"Débitos\" FROM {CONTACOR} CONTACOR "
-      "WHERE PENDENTE = 'N' AND CONTA = " +
-          Funcoes.Aspas(conta) + " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()) +
-          " GROUP BY EXTRACT(YEAR FROM DT_CONT), EXTRACT(MONTH FROM DT_CONT)",
-      "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2");
-  ShowDetail("Saldo da conta " + conta, sql);
+  const std::string sql =
+      ForCompanies("SELECT EXTRACT(YEAR FROM DT_CONT), EXTRACT(MONTH FROM DT_CONT), COUNT(*), " +
+                       Soma("CASE WHEN OPERACAO = '+' THEN VALOR ELSE 0 END") + " AS CREDITOS, " +
+                       Soma("CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END") +
+                       " AS DEBITOS FROM {CONTACOR} CONTACOR "
+                       "WHERE PENDENTE = 'N' AND CONTA = " +
+                       Funcoes.Aspas(conta) + " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()) +
+                       " GROUP BY EXTRACT(YEAR FROM DT_CONT), EXTRACT(MONTH FROM DT_CONT)",
+                   "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2");
+  ShowDetail("Saldo da conta " + conta, sql, kSaldoPorMes, CompletaMes);
 }
 
 }  // namespace orv

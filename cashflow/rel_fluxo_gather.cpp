@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "cashflow/rel_fluxo.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -90,8 +91,10 @@ Titulo TituloDe(std::span<const Value> v) {
 }  // namespace
 
 void TfmRelFluxo::BitBtn29Click() {
+  inteira_ = false;
   Gather(
       {&TbRelatorio, &TbSaldo}, [this](Gathering& andamento) { Monta(andamento); }, Half::Stays);
+  inteira_ = true;
 }
 
 void TfmRelFluxo::Monta(Gathering& andamento) {
@@ -185,9 +188,10 @@ std::string TfmRelFluxo::FiltroProgramacao() const {
 void TfmRelFluxo::busca_Saldos() {
   // A sum for each account reads its movements without sorting them.
   std::string sql =
-      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT SUM(COALESCE(CASE CONTACOR.OPERACAO WHEN '+' THEN "
-      "CONTACOR.VALOR ELSE -CONTACOR.VALOR END, 0)) FROM {CONTACOR} CONTACOR "
-      "WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = 'N' AND CONTACOR.DT_CONT <= " +
+      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT " +
+      Soma("COALESCE(CASE CONTACOR.OPERACAO WHEN '+' THEN CONTACOR.VALOR ELSE -CONTACOR.VALOR END, 0)") +
+      " FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = 'N' AND "
+      "CONTACOR.DT_CONT <= " +
       Funcoes.AspasData(dtSaldo.Date()) +
       ") AS VALOR FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'";
   if (!EdtConta.Empty()) sql += " AND CADCONTA.CONTA = " + Funcoes.Aspas(EdtConta.Text());
@@ -202,8 +206,11 @@ void TfmRelFluxo::busca_Saldos() {
     if (row[2].IsNull()) continue;
     const auto [found, added] = onde.try_emplace(row[0].AsString(), contas.size());
     if (added) contas.push_back({row[0], row[1], Currency()});
-    contas[found->second].valor += row[2].AsCurrency();
+    contas[found->second].valor += SomaDe(row[2]);
   }
+  if (!std::ranges::all_of(contas, [](const Conta& conta) { return conta.valor.FitsField(); }))
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(),
+                       ForCompanies(ForaDeMedida("CONTACOR", "LANCAMENTO"), "CONTACOR", CbEmp.Checked()));
   for (const Conta& conta : contas) {
     Value linha[] = {"S",    conta.valor.ToDouble(), CutChars(conta.empresa.Text(), 30), conta.conta, Value(),
                      Value()};
@@ -212,14 +219,14 @@ void TfmRelFluxo::busca_Saldos() {
 }
 
 void TfmRelFluxo::BuscaSaldoAbertoBancos() {
-  const std::string sql =
-      "SELECT SUM(VALOR2+JUROS-VALOR_PAGO-DESCONTO-VAL_DEV) AS SALDO FROM {RECEBER} RECEBER "
-      "WHERE STATUS IN ('N','')" +
-      WhereIn("BANCO", edtBanco) + " AND DT_VENCTO < " + Funcoes.AspasData(EdtDataDe.Date()) +
-      " AND SITUACAO <> 'P' AND (VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO) > 0";
+  const std::string sql = "SELECT " + Soma("VALOR2+JUROS-VALOR_PAGO-DESCONTO-VAL_DEV") +
+                          " AS SALDO FROM {RECEBER} RECEBER WHERE STATUS IN ('N','')" +
+                          WhereIn("BANCO", edtBanco) + " AND DT_VENCTO < " +
+                          Funcoes.AspasData(EdtDataDe.Date()) +
+                          " AND SITUACAO <> 'P' AND (VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO) > 0";
   Currency vencidos;
   for (const auto& row : Tabela.IBDatabase().Rows(ForCompanies(sql, "RECEBER", CbEmp.Checked())))
-    vencidos += row[0].AsCurrency();
+    vencidos += SomaDe(row[0]);
   for (TbSaldo.First(); !TbSaldo.Eof(); TbSaldo.Next()) {
     TbSaldo.Edit();
     TbSaldo["ValReceb_Bancos"] = vencidos.ToDouble();

@@ -128,6 +128,7 @@ class Session : private UserInterface, private ApplicationObserver {
   void Detail(std::string_view title, DataSet& rows) override;
   void Progress(int64_t value, int64_t of, std::string_view text) override;
   void Busy(bool on) override;
+  void Note(std::string_view text) override;
   void RunModal(Form& form) override;
   // --- Reports (session_report.cpp).
   void LaunchReport(const ReportLaunch& launch) override;

@@ -132,6 +132,8 @@ Answer Session::Message(MessageKind kind, std::string_view title, std::string_vi
   return given;
 }
 
+void Session::Note(std::string_view text) { Send({{"on", "note"}, {"kind", "warning"}, {"text", text}}); }
+
 std::optional<std::string> Session::InputBox(std::string_view title, std::string_view prompt,
                                              std::string_view value) {
   std::optional<std::string> given;

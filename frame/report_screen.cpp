@@ -194,4 +194,17 @@ void ReportScreen::ShowDetail(std::string_view title, std::string sql) {
   Funcoes.TelaDetalhamento(title, rows);
 }
 
+void ReportScreen::ShowDetail(std::string_view title, std::string_view sql,
+                              std::span<const ReportField> fields,
+                              const std::function<void(std::span<Value>)>& complete) {
+  TClientDataSet rows("Detalhe");
+  LayDown(rows, fields);
+  ForEach(sql, [&](std::span<Value> values) {
+    complete(values);
+    AppendFitted(rows, values.first(fields.size()));
+  });
+  rows.First();
+  Funcoes.TelaDetalhamento(title, rows);
+}
+
 }  // namespace orv

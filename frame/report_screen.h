@@ -84,6 +84,9 @@ class ReportScreen : public Child {
 
   // --- From a figure to where it comes from: shows the rows of the statement.
   void ShowDetail(std::string_view title, std::string sql);
+  // The same, each row completed before it is shown; what stands behind the fields serves that alone.
+  void ShowDetail(std::string_view title, std::string_view sql, std::span<const ReportField> fields,
+                  const std::function<void(std::span<Value>)>& complete);
 };
 
 }  // namespace orv

@@ -18,6 +18,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   } catch (const UserError&) {
   }
   try {
+    const Currency typed = Currency::ParseTyped(text);
+    Require(typed.FitsField() && typed == Currency::ParseBrazil(text) && typed == typed.Round2());
+  } catch (const UserError&) {
+  }
+  try {
     const Date day = Date::ParseBrazil(text);
     Require(Date::ParseBrazil(day.Brazil()) == day);
   } catch (const UserError&) {

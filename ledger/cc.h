@@ -202,7 +202,7 @@ class ORV_EXPORT TfmCC : public Child {
                          TbCCusto,
                          {{"Codigo", "Código"},
                           {"CentroCusto", "Centro de Custo", 0, true},
-                          {"Perc", "Percentual"},
+                          {.field = "Perc", .title = "Percentual", .decimals = 4},
                           {"Valor", "Valor"}}};
   TPesquisa PqCCusto{*this, "PqCCusto",
                      Search("CENTROCUSTO", "CODIGO", {{"CODIGO", "Código"}, {"DESCRICAO", "Descrição"}})};

@@ -1,6 +1,7 @@
 // The page "Manutenção": a movement is shown, made, changed, deleted, confirmed.
 #include "ledger/cc.h"
 #include "rules/bloqueio.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -260,10 +261,10 @@ void TfmCC::ValorDocumento() {
     return;
   }
   const Value soma = Tabela.IBDatabase().Scalar(
-      "SELECT SUM(VALOR) AS VALOR FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+      "SELECT " + Soma("VALOR") + " AS VALOR FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
       Igual("DOCTO", EdtNumDoc.Text()) + " AND " + Igual("CONTA", EdtConta.Text()) + " AND " +
       Igual("OPERACAO", CbOper.Text()) + " AND DT_LAN = " + Funcoes.AspasData(EdtDtLanc.Date()));
-  EdtValDoc.SetAmount(soma.AsCurrency());
+  EdtValDoc.SetAmount(SomaDe(soma));
 }
 
 // --- The row.

@@ -8,6 +8,7 @@
 
 #include "ledger/cc.h"
 #include "ledger/cc_trans_conta.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -109,6 +110,8 @@ void TfmCC::ConsultaLancamentos() {
   EdtDebito.SetAmount(achados.debito);
   EdtCredito.SetAmount(achados.credito);
   EdtSaldo.SetAmount(achados.credito - achados.debito);
+  if (!achados.credito.FitsField() || !achados.debito.FitsField())
+    ApontaForaDeMedida(User(), db, Funcoes.DBLocal_SQL(ForaDeMedida("CONTACOR", "LANCAMENTO"), ""));
   TbConsulta.First();
 }
 
@@ -188,9 +191,9 @@ Currency TfmCC::ValorConta(const std::string& condicao) {
   const std::string conta = Tabela.TbCadConta()["CONTA"].AsString();
   Currency valor;
   for (const auto& linha : Tabela.IBDatabase().Rows(
-           SqlDoMovimento(std::string("SELECT SUM(") + kComSinal + ") AS VALOR FROM {CONTACOR} WHERE " +
+           SqlDoMovimento("SELECT " + Soma(kComSinal) + " AS VALOR FROM {CONTACOR} WHERE " +
                           Igual("CONTA", conta) + " AND " + condicao))) {
-    valor += linha[0].AsCurrency();
+    valor += SomaDe(linha[0]);
   }
   return valor;
 }
@@ -217,17 +220,23 @@ void TfmCC::ConsultaContas() {
   // the movements leads.
   const std::string hoje = Funcoes.AspasData(Today());
   const auto soma = [&](const std::string& condicao) {
-    return std::string(", SUM(CASE WHEN ") + condicao + hoje + " THEN " + kComSinal + " END)";
+    return ", " + Soma("CASE WHEN " + condicao + hoje + " THEN " + kComSinal + " END");
   };
   const std::string sql = "SELECT CADCONTA.CONTA" + soma(kBaixado) + soma(kPendente) + soma(kPrevisto) +
                           " FROM " + Funcoes.DBLocal("CADCONTA", true) +
                           " CADCONTA LEFT JOIN {CONTACOR} CONTACOR ON CONTACOR.CONTA = CADCONTA.CONTA WHERE "
                           "CADCONTA.IMP_FLUXO = 'S' GROUP BY CADCONTA.CONTA";
   std::unordered_map<std::string, std::array<Currency, 3>> valores;
+  bool cabem = true;
   for (const auto& linha : Tabela.IBDatabase().Rows(SqlDoMovimento(sql))) {
     auto& da_conta = valores[linha[0].AsString()];
-    for (std::size_t i = 0; i < da_conta.size(); ++i) da_conta[i] += linha[i + 1].AsCurrency();
+    for (std::size_t i = 0; i < da_conta.size(); ++i) {
+      da_conta[i] += SomaDe(linha[i + 1]);
+      cabem = cabem && da_conta[i].FitsField();
+    }
   }
+  if (!cabem)
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(), SqlDoMovimento(ForaDeMedida("CONTACOR", "LANCAMENTO")));
 
   TbContas.EmptyDataSet();
   const ControlsHold hold(TbContas);

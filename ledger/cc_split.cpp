@@ -255,7 +255,7 @@ void TfmCC::DbgRateioCCKey(KeyPress& key) {
     TbCCusto.Valor = valor * (TbCCusto.Perc.AsFloat() / 100);
   } else if (SameText(coluna, "Valor") && !valor.IsZero()) {
     PostAndEdit(TbCCusto);
-    TbCCusto.Perc = RoundFloat2(TbCCusto.Valor.AsFloat() * 100 / valor.ToDouble());
+    TbCCusto.Perc = RoundFloat(TbCCusto.Valor.AsFloat() * 100 / valor.ToDouble(), 2);
   }
 }
 

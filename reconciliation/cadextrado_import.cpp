@@ -212,7 +212,7 @@ std::string TFmCadExtrato::Repetidas() {
   if (linhas == 0) return "";
 
   const auto chave = [](const Value& dia, const Value& valor, const Value& docto) {
-    return std::to_string(dia.AsDate().Days()) + "|" + std::to_string(valor.AsCurrency().Raw()) + "|" +
+    return std::to_string(dia.AsDate().Days()) + "|" + valor.AsCurrency().Neutral() + "|" +
            std::string(Trim(docto.Text()));
   };
   struct Gravadas : RowSink {

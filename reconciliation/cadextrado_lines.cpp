@@ -1,5 +1,6 @@
 // The page "Cadastro": statement lines typed, altered and deleted one by one.
 #include "reconciliation/cadextrado.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -63,12 +64,16 @@ void TFmCadExtrato::EdtContaChange() {
 
 Currency TFmCadExtrato::SaldoExtrato(const std::string& conta) {
   const auto soma = [&](const char* operacao) {
-    return Tabela.IBDatabase()
-        .Scalar("SELECT SUM(VALOR) FROM " + Funcoes.DBLocal("EXTRATO", true) +
-                " WHERE OPERACAO = " + Funcoes.Aspas(operacao) + " AND CONTA = " + Funcoes.Aspas(conta))
-        .AsCurrency();
+    return Tabela.IBDatabase().Scalar(
+        "SELECT " + Soma("VALOR") + " FROM " + Funcoes.DBLocal("EXTRATO", true) +
+        " WHERE OPERACAO = " + Funcoes.Aspas(operacao) + " AND CONTA = " + Funcoes.Aspas(conta));
   };
-  return conta.empty() ? Currency() : soma("C") - soma("D");
+  if (conta.empty()) return {};
+  const Currency creditos = SomaDe(soma("C")), debitos = SomaDe(soma("D"));
+  if (!creditos.FitsField() || !debitos.FitsField())
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(),
+                       Funcoes.DBLocal_SQL(ForaDeMedida("EXTRATO", "LANCTO"), ""));
+  return creditos - debitos;
 }
 
 void TFmCadExtrato::Maiusculas(const char* campo) {

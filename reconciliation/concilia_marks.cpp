@@ -2,6 +2,7 @@
 #include <unordered_map>
 
 #include "reconciliation/concilia.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -89,15 +90,18 @@ Currency Marcado(MemoryDataSet& set, const Field& marca, std::string_view marcad
 void TFmConcilia::EdtContaChange() {
   const std::string ate = Funcoes.AspasData(DtFinal.Date()), conta = Funcoes.Aspas(EdtConta.Text());
   Currency saldo, conciliado;
+  bool cabem = true, extrato_cabe = true;
   std::string descricao, banco;
   for (const auto& linha : Tabela.IBDatabase().Rows(
-           "SELECT SUM(CONTACOR.VALOR) AS VALOR, CADCONTA.DESCRICAO, CADCONTA.BANCO, CONTACOR.OPERACAO, "
+           "SELECT " + Soma("CONTACOR.VALOR") +
+           " AS VALOR, CADCONTA.DESCRICAO, CADCONTA.BANCO, CONTACOR.OPERACAO, "
            "CONTACOR.PENDENTE FROM " +
            Funcoes.DBLocal("CONTACOR", true) + " CONTACOR JOIN " + Funcoes.DBLocal("CADCONTA", true) +
            " CADCONTA ON CADCONTA.CONTA = CONTACOR.CONTA WHERE CONTACOR.DT_CONT <= " + ate +
            " AND CONTACOR.CONTA = " + conta +
            " GROUP BY CADCONTA.DESCRICAO, CADCONTA.BANCO, CONTACOR.OPERACAO, CONTACOR.PENDENTE ")) {
-    const Currency valor = linha[3].Text() == "-" ? -linha[0].AsCurrency() : linha[0].AsCurrency();
+    const Currency soma = SomaDe(linha[0]), valor = linha[3].Text() == "-" ? -soma : soma;
+    cabem = cabem && soma.FitsField();
     saldo += valor;
     if (linha[4].Text() == "N") conciliado += valor;
     descricao = linha[1].AsString();
@@ -110,15 +114,21 @@ void TFmConcilia::EdtContaChange() {
 
   Currency extrato, extrato_conciliado;
   for (const auto& linha : Tabela.IBDatabase().Rows(
-           "SELECT SUM(EXTRATO.VALOR) AS VALOR, EXTRATO.OPERACAO, EXTRATO.CONCILIADO FROM " +
+           "SELECT " + Soma("EXTRATO.VALOR") + " AS VALOR, EXTRATO.OPERACAO, EXTRATO.CONCILIADO FROM " +
            Funcoes.DBLocal("EXTRATO", true) + " EXTRATO WHERE EXTRATO.DT_CONT <= " + ate +
            " AND EXTRATO.CONTA = " + conta + " GROUP BY EXTRATO.OPERACAO, EXTRATO.CONCILIADO ")) {
-    const Currency valor = linha[1].Text() == "D" ? -linha[0].AsCurrency() : linha[0].AsCurrency();
+    const Currency soma = SomaDe(linha[0]), valor = linha[1].Text() == "D" ? -soma : soma;
+    extrato_cabe = extrato_cabe && soma.FitsField();
     extrato += valor;
     if (linha[2].Text() == "S") extrato_conciliado += valor;
   }
   EdtSaldoExt.SetAmount(extrato);
   EdtSaldoExtCon.SetAmount(extrato_conciliado);
+  const auto aponta = [&](const char* tabela, const char* chave) {
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(), Funcoes.DBLocal_SQL(ForaDeMedida(tabela, chave), ""));
+  };
+  if (!cabem) aponta("CONTACOR", "LANCAMENTO");
+  if (!extrato_cabe) aponta("EXTRATO", "LANCTO");
 }
 
 void TFmConcilia::BitBtn1Click() {

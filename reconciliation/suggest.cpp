@@ -49,8 +49,10 @@ std::vector<Entry> Entries(std::span<const SuggestItem> items) {
   std::vector<Entry> entries(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {
     const SuggestItem& item = items[i];
-    entries[i] = {item.amount.Raw(), item.day.Days(), item.side,
-                  item.amount > Currency() && !item.day.Empty(), Normal(item.document)};
+    // No amount that is beyond all measure, so that sums of many stay within their bounds.
+    entries[i] = {static_cast<int64_t>(item.amount.Raw()), item.day.Days(), item.side,
+                  item.amount > Currency() && item.amount.FitsField() && !item.day.Empty(),
+                  Normal(item.document)};
   }
   return entries;
 }

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "reports/rel_cc.h"
+#include "rules/soma.h"
 
 namespace orv {
 namespace {
@@ -114,19 +115,18 @@ void TfmRelCC::MostraSaldoAnterior() {
   const std::string mes =
       "EXTRACT(YEAR FROM " + std::string(consulta_.data) + "), EXTRACT(MONTH FROM " + consulta_.data + ")";
   const auto soma = [](const char* operacao) {
-    return std::string("SUM(CASE WHEN CONTACOR.OPERACAO = '") + operacao +
-           "' THEN CONTACOR.VALOR ELSE 0 END)";
+    return Soma(std::string("CASE WHEN CONTACOR.OPERACAO = '") + operacao +
+                "' THEN CONTACOR.VALOR ELSE 0 END");
   };
   const std::string sql = "SELECT EXTRACT(YEAR FROM " + std::string(consulta_.data) +
-                          ") AS \"Ano\", EXTRACT(MONTH FROM " + consulta_.data +
-                          ") AS \"Mês\", COUNT(*) AS \"Movimentos\", " + soma("+") + " AS \"Créditos\", " +
-                          soma("-") +
-                          " AS \"Débitos\" FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON "
+                          "), EXTRACT(MONTH FROM " + consulta_.data + "), COUNT(*), " + soma("+") +
+                          " AS CREDITOS, " + soma("-") +
+                          " AS DEBITOS FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON "
                           "(CONTACOR.CONTA = CADCONTA.CONTA) WHERE 1 = 1 " +
                           consulta_.filtro + " AND " + consulta_.data + " < " +
                           Funcoes.AspasData(consulta_.de) + " GROUP BY " + mes;
   ShowDetail("Saldo anterior da conta " + TbRelatorio["Conta"].AsString(),
-             PorEmpresa(sql, "CONTACOR", "ORDER BY 1, 2"));
+             PorEmpresa(sql, "CONTACOR", "ORDER BY 1, 2"), kSaldoPorMes, CompletaMes);
 }
 
 }  // namespace orv

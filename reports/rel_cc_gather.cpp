@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "reports/rel_cc.h"
+#include "rules/soma.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -256,6 +257,7 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
   gathering.Stage("Saldo anterior");
   const Currency inicial = SaldoAnterior();
   Currency saldo = inicial;
+  bool cabem = inicial.FitsField();
   int64_t linhas = 0;
   const std::vector<Janela> janelas = Janelas(linhas);
   gathering.Stage("Lançamentos", linhas);
@@ -266,10 +268,16 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
     const std::string sql = kSelecao + Movimentos(janela.de, janela.ate, kDescricoes);
     ForEach(PorEmpresa(sql, "CONTACOR", kOrdens[Opcao(RgData)]), [&](std::span<Value> movimento) {
       Anexa(movimento, anexos, inicial, saldo);
+      cabem = cabem && saldo.FitsField();
       gathering.Advance();
     });
   }
   if (TbRelatorio.IsEmpty() && CbZeradas.Checked()) ContasSemMovimento(inicial);
+
+  if (!cabem) {
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(),
+                       PorEmpresa(ForaDeMedida("CONTACOR", "LANCAMENTO"), "CONTACOR"));
+  }
 
   gathering.Stage("Ordem das linhas");
   TbRelatorio.SetIndexFieldNames(Indice());
@@ -277,13 +285,13 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
 }
 
 Currency TfmRelCC::SaldoAnterior() const {
-  const std::string sql = std::string("SELECT CONTACOR.OPERACAO, SUM(CONTACOR.VALOR) AS VALOR") +
+  const std::string sql = std::string("SELECT CONTACOR.OPERACAO, ") + Soma("CONTACOR.VALOR") + " AS VALOR" +
                           kMovimentos + " WHERE 1 = 1 " + consulta_.filtro + " AND " + consulta_.data +
                           " < " + Funcoes.AspasData(consulta_.de) + " GROUP BY CONTACOR.OPERACAO";
   Currency creditos, debitos;
   for (const auto& linha : Tabela.IBDatabase().Rows(PorEmpresa(sql, "CONTACOR"))) {
-    if (linha[0].Text() == "+") creditos += linha[1].AsCurrency();
-    if (linha[0].Text() == "-") debitos += linha[1].AsCurrency();
+    if (linha[0].Text() == "+") creditos += SomaDe(linha[1]);
+    if (linha[0].Text() == "-") debitos += SomaDe(linha[1]);
   }
   return (creditos - debitos).Round2();
 }

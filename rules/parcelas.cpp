@@ -27,9 +27,8 @@ int CondicaoPagamento::Dias(int parcela) const {
 Currency ValorParcela(Currency total, int parcelas, int parcela) {
   if (parcela < parcelas) {
     // The exact quotient, rounded to cents at once.
-    const int64_t raw = total.Raw(), part = int64_t{parcelas} * (Currency::kScale / 100);
-    const int64_t cents = raw / part, rest = raw % part;
-    return Currency::FromCents(cents + (2 * std::abs(rest) >= part ? (raw < 0 ? -1 : 1) : 0));
+    constexpr int64_t kCent = Currency::kScale / 100;
+    return Currency::FromRaw(RoundedQuotient(total.Raw(), parcelas * kCent) * kCent);
   }
   // The share that the last one goes by is rounded to four places first.
   const Currency share = (total / parcelas).Round2();

@@ -69,18 +69,13 @@ void Edit::UserSet(std::string_view text) {
 // --- MoneyEdit.
 
 std::string MoneyEdit::Normal(std::string_view text) const {
-  if (Trim(text).empty()) return "";
-  const Currency amount = Currency::ParseBrazil(text);
-  if (decimals_ == 2) return amount.Brazil();
-  const std::string whole = (decimals_ > 2 ? amount : amount.Round2()).Neutral();
-  return ReplaceAll(whole.substr(0, whole.size() - 4 + static_cast<std::size_t>(decimals_)), ".", ",");
+  return Trim(text).empty() ? "" : Currency::ParseBrazil(text).Brazil();
 }
 
-void MoneyEdit::DescribeFixed(Properties& properties) const {
-  properties.emplace_back("decimals", int64_t{decimals_});
+void MoneyEdit::UserSet(std::string_view text) {
+  if (!Trim(text).empty()) Currency::ParseTyped(text);
+  Edit::UserSet(text);
 }
-
-void MoneyEdit::UserSet(std::string_view text) { Edit::UserSet(text); }
 
 // --- DateEdit.
 

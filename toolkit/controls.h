@@ -58,21 +58,16 @@ class ReadOnlyEdit : public Edit {
 // An amount, shown as "1.234,56". Its text may be empty, which counts as zero.
 class MoneyEdit : public Edit {
  public:
-  MoneyEdit(Form& form, std::string name, std::string caption = "", int decimals = 2)
-      : Edit(form, std::move(name), std::move(caption)), decimals_(decimals) {}
+  using Edit::Edit;
   Currency Amount() const { return Currency::ParseBrazilOr(Text(), Currency()); }
   void SetAmount(Currency amount) { SetText(amount.Brazil()); }
 
   std::string_view Kind() const override { return "money"; }
-  void DescribeFixed(Properties& properties) const override;
-  // Raises ConversionError for a text that isn't an amount.
+  // Raises UserError for a text that isn't an amount of two decimals, and for one that is too large.
   void UserSet(std::string_view text) override;
 
  protected:
   std::string Normal(std::string_view text) const override;
-
- private:
-  int decimals_;
 };
 
 // A date, typed "dd/mm/yyyy"; the empty mask is the empty date. While typed it may hold what isn't a date;

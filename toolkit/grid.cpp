@@ -7,24 +7,33 @@
 namespace orv {
 namespace {
 
+// Of an amount in an input over a field.
+constexpr int kDecimals = 2;
+
 constexpr const char* kNoSuchRow = "A linha não existe mais. Atualize a lista.";
 
-// A number in the Brazilian form with so many decimals.
+// Below it a float is an amount and not merely a number.
+constexpr double kMostAmount = 1e27;
+
+// A number in the Brazilian form: two decimals always, and more up to so many where they aren't zeros.
 std::string NumberText(const Value& value, int decimals) {
-  if (decimals == 2 && std::abs(value.AsFloat()) < 9e14) return value.AsCurrency().Brazil();
-  return value.AsString();
+  if (std::abs(value.AsFloat()) >= kMostAmount) return value.AsString();
+  std::string text = value.AsCurrency().Brazil(decimals);
+  for (; decimals > kDecimals && text.back() == '0'; --decimals) text.pop_back();
+  return text;
 }
 
-// What a person typed into a field, as a value of the field's type.
-Value Typed(const Field& field, std::string_view text) {
+// What a person typed into a field, as a value of the field's type. An amount or a number has up to so many
+// decimals.
+Value Typed(const Field& field, std::string_view text, int decimals) {
   const std::string_view trimmed = Trim(text);
   switch (field.Type()) {
     case FieldType::String:
       return Value(CleanUtf8(text));
     case FieldType::Currency:
-      return trimmed.empty() ? Value() : Value(Currency::ParseBrazil(trimmed));
+      return trimmed.empty() ? Value() : Value(Currency::ParseTyped(trimmed, decimals));
     case FieldType::Float:
-      return trimmed.empty() ? Value() : Value(Currency::ParseBrazil(trimmed).ToDouble());
+      return trimmed.empty() ? Value() : Value(Currency::ParseTyped(trimmed, decimals).ToDouble());
     case FieldType::Integer:
       return trimmed.empty() ? Value() : Value(ParseInteger(trimmed));
     case FieldType::Date:
@@ -124,7 +133,7 @@ void TOrvDBGrid::UserCell(int64_t row, std::string_view column_name, std::string
   if (field == nullptr) throw UserError("A grade está vazia.");
   Value value;
   if (column.checked.empty()) {
-    value = Typed(*field, text);
+    value = Typed(*field, text, column.decimals);
   } else if (text == "true" || text == column.checked) {
     value = Value(column.checked);
   } else if (text == "false" || text == column.unchecked) {
@@ -196,7 +205,7 @@ void TOrvDBGrid::Describe(Properties& properties) const {
 
 std::string DBEdit::Text() const {
   const Field* field = set_.FindField(field_);
-  return field == nullptr || !set_.Active() ? "" : ShownText(*field, field->Get(), 2);
+  return field == nullptr || !set_.Active() ? "" : ShownText(*field, field->Get(), kDecimals);
 }
 
 std::string_view DBEdit::Kind() const {
@@ -221,7 +230,7 @@ void DBEdit::UserSet(std::string_view text) {
   Field* field = set_.FindField(field_);
   if (field == nullptr || !set_.Active()) throw UserError("A tabela não está aberta.");
   if (read_only_ || !set_.CanModify()) throw UserError("Este campo é só de leitura.");
-  Value value = Typed(*field, text);
+  Value value = Typed(*field, text, kDecimals);
   if (!set_.Editing()) set_.Edit();
   const std::string before = Text();
   field->Set(std::move(value));

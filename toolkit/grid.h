@@ -20,7 +20,8 @@ struct GridColumn {
   // Set on a column that is shown as a check box: what is stored for ticked and for not ticked.
   std::string checked = "";
   std::string unchecked = "";
-  // Decimals shown of an amount or a number.
+  // Decimals of an amount or a number, 2 to 4, as it is typed and shown; those beyond two only where they
+  // aren't zeros.
   int decimals = 2;
 };
 

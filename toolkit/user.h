@@ -65,6 +65,8 @@ class UserInterface {
   // A long gathering has done `value` of `of` steps. Raises the action's end when the user cancelled it.
   virtual void Progress(int64_t value, int64_t of, std::string_view text) = 0;
   virtual void Busy(bool on) = 0;
+  // Tells what a person should notice and needn't answer.
+  virtual void Note(std::string_view text) = 0;
   // Shows a form over the others and works on its events until it is closed.
   virtual void RunModal(Form& form) = 0;
   virtual void LaunchReport(const ReportLaunch& report) = 0;

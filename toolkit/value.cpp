@@ -24,6 +24,14 @@ bool IsNumber(ValueKind kind) {
 
 bool IsDay(ValueKind kind) { return kind == ValueKind::Date || kind == ValueKind::DateTime; }
 
+// A float below it counts as money where it meets some.
+constexpr double kMostExact = 9e14;
+
+int64_t Whole(Int128 number) {
+  if (number != static_cast<int64_t>(number)) throw RangeError("O número é grande demais.");
+  return static_cast<int64_t>(number);
+}
+
 std::strong_ordering CompareReal(long double a, long double b) {
   return a < b   ? std::strong_ordering::less
          : a > b ? std::strong_ordering::greater
@@ -89,7 +97,7 @@ std::string Value::AsString() const {
     case ValueKind::Float:
       return ReplaceAll(FloatText(Load<double>()), ".", ",");
     case ValueKind::Currency:
-      return Currency::FromRaw(Load<int64_t>()).Brazil();
+      return Amount().Brazil();
     case ValueKind::Date:
       return Date::FromDays(Load<int32_t>()).Brazil();
     case ValueKind::DateTime:
@@ -102,13 +110,10 @@ int64_t Value::AsInteger() const {
   switch (kind_) {
     case ValueKind::Integer:
       return Load<int64_t>();
-    case ValueKind::Float: {
-      const double number = std::round(Load<double>());
-      if (!(std::fabs(number) < 9.2e18)) throw RangeError("O número é grande demais.");
-      return static_cast<int64_t>(number);
-    }
+    case ValueKind::Float:
+      return Whole(RoundedProduct(1, Load<double>()));
     case ValueKind::Currency:
-      return static_cast<int64_t>(std::round(AsCurrency().ToDouble()));
+      return Whole(RoundedQuotient(Amount().Raw(), Currency::kScale));
     case ValueKind::Text:
       return Trim(Text()).empty() ? 0 : ParseInteger(Trim(Text()));
     case ValueKind::Null:
@@ -141,16 +146,12 @@ double Value::AsFloat() const {
 
 Currency Value::AsCurrency() const {
   switch (kind_) {
-    case ValueKind::Integer: {
-      int64_t raw = 0;
-      if (__builtin_mul_overflow(Load<int64_t>(), Currency::kScale, &raw))
-        throw RangeError("O valor é grande demais.");
-      return Currency::FromRaw(raw);
-    }
+    case ValueKind::Integer:
+      return Currency::FromRaw(Int128{Load<int64_t>()} * Currency::kScale);
     case ValueKind::Float:
       return Currency::FromDouble(Load<double>());
     case ValueKind::Currency:
-      return Currency::FromRaw(Load<int64_t>());
+      return Amount();
     case ValueKind::Text:
       return Trim(Text()).empty() ? Currency() : LooseCurrency(Text());
     case ValueKind::Null:
@@ -221,11 +222,13 @@ std::strong_ordering Compare(const Value& a, const Value& b) {
   if (a.IsNull() || b.IsNull()) return static_cast<int>(!a.IsNull()) <=> static_cast<int>(!b.IsNull());
   if (a.IsText() && b.IsText()) return a.Text() <=> b.Text();
   if (IsNumber(a.kind_) && IsNumber(b.kind_)) {
-    if (a.kind_ == b.kind_ && a.kind_ != ValueKind::Float) return a.Load<int64_t>() <=> b.Load<int64_t>();
+    if (a.kind_ == ValueKind::Integer && b.kind_ == ValueKind::Integer)
+      return a.Load<int64_t>() <=> b.Load<int64_t>();
+    if (a.kind_ == ValueKind::Currency && b.kind_ == ValueKind::Currency) return a.Amount() <=> b.Amount();
     // Money against a float is compared as money where it fits: 0.1 + 0.2 equals 0.30.
     if (a.kind_ == ValueKind::Currency || b.kind_ == ValueKind::Currency) {
       const double x = a.AsFloat(), y = b.AsFloat();
-      if (std::fabs(x) < 9e14 && std::fabs(y) < 9e14) return a.AsCurrency() <=> b.AsCurrency();
+      if (std::fabs(x) < kMostExact && std::fabs(y) < kMostExact) return a.AsCurrency() <=> b.AsCurrency();
     }
     return CompareReal(a.AsFloat(), b.AsFloat());
   }
@@ -246,7 +249,8 @@ std::size_t Value::Hash() const {
     case ValueKind::Float:
     case ValueKind::Currency: {
       const double number = AsFloat();
-      if (std::fabs(number) < 9e14) return std::hash<int64_t>()(AsCurrency().Raw());
+      if (std::fabs(number) < kMostExact)
+        return std::hash<int64_t>()(static_cast<int64_t>(AsCurrency().Raw()));
       return std::hash<double>()(number);
     }
     case ValueKind::Date:

@@ -25,7 +25,7 @@ class Value {
   Value(int number) : Value(int64_t{number}) {}
   Value(int64_t number) : kind_(ValueKind::Integer) { Store(number); }
   Value(double number) : kind_(ValueKind::Float) { Store(number); }
-  Value(Currency amount) : kind_(ValueKind::Currency) { Store(amount.Raw()); }
+  Value(Currency amount) : kind_(ValueKind::Currency) { StoreAmount(amount.Raw()); }
   // The empty date is null.
   Value(Date date) {
     if (!date.Empty()) kind_ = ValueKind::Date, Store(date.Days());
@@ -91,6 +91,13 @@ class Value {
     T v;
     std::memcpy(&v, data_, sizeof(T));
     return v;
+  }
+  // The lower bytes of a number of 128 bits, which hold any amount.
+  void StoreAmount(Int128 raw) { std::memcpy(data_, &raw, kInline); }
+  Currency Amount() const {
+    Int128 raw = 0;
+    std::memcpy(&raw, data_, kInline);
+    return Currency::FromRaw((raw << 16) >> 16);
   }
   void SetText(std::string_view text);
   std::string_view HeapText() const;

@@ -104,12 +104,8 @@ int CharactersOf(const Field& field) {
 
 Value Exact(int64_t raw, int scale) {
   if (scale == 0) return Value(raw);
-  if (scale >= -4) {
-    int64_t scaled = 0;
-    if (__builtin_mul_overflow(raw, kPowers[static_cast<std::size_t>(4 + scale)], &scaled))
-      throw RangeError("Um valor do banco de dados é grande demais.");
-    return Value(Currency::FromRaw(scaled));
-  }
+  if (scale >= -4)
+    return Value(Currency::FromRaw(Int128{raw} * kPowers[static_cast<std::size_t>(4 + scale)]));
   return Value(static_cast<double>(static_cast<long double>(raw) /
                                    static_cast<long double>(kPowers[static_cast<std::size_t>(-scale)])));
 }
@@ -182,34 +178,19 @@ void WriteBlob(std::string_view text, unsigned char* at, const BlobSource& sourc
 }
 
 // A number of any kind as an exact one of this scale, rounded half away from zero.
-int64_t ScaledNumber(const Value& value, int scale) {
-  const auto too_large = [] { return RangeError("Um número é grande demais para o campo que o recebe."); };
+Int128 ScaledNumber(const Value& value, int scale) {
   const auto places = static_cast<std::size_t>(-scale);
-  if (value.Kind() == ValueKind::Integer || value.Kind() == ValueKind::DateTime) {
-    int64_t scaled = 0;
-    if (__builtin_mul_overflow(value.AsInteger(), kPowers[places], &scaled)) throw too_large();
-    return scaled;
-  }
-  if (value.Kind() == ValueKind::Float && places > 4) {
-    const long double scaled =
-        std::round(static_cast<long double>(value.AsFloat()) * static_cast<long double>(kPowers[places]));
-    if (!(std::fabs(scaled) < 9.2e18L)) throw too_large();
-    return static_cast<int64_t>(scaled);
-  }
-  const int64_t raw = value.AsCurrency().Raw();
-  if (places >= 4) {
-    int64_t scaled = 0;
-    if (__builtin_mul_overflow(raw, kPowers[places - 4], &scaled)) throw too_large();
-    return scaled;
-  }
-  const int64_t unit = kPowers[4 - places];
-  const int64_t rest = raw % unit;
-  return raw / unit + (2 * rest >= unit) - (2 * rest <= -unit);
+  if (value.Kind() == ValueKind::Integer || value.Kind() == ValueKind::DateTime)
+    return Int128{value.AsInteger()} * kPowers[places];
+  if (value.Kind() == ValueKind::Float) return RoundedProduct(kPowers[places], value.AsFloat());
+  const Int128 raw = value.AsCurrency().Raw();
+  return places >= 4 ? RoundedProduct(raw, static_cast<double>(kPowers[places - 4]))
+                     : RoundedQuotient(raw, kPowers[4 - places]);
 }
 
 template <class T>
 void StoreExact(unsigned char* at, const Value& value, int scale) {
-  const int64_t scaled = ScaledNumber(value, scale);
+  const Int128 scaled = ScaledNumber(value, scale);
   if (scaled != static_cast<T>(scaled))
     throw RangeError("Um número é grande demais para o campo que o recebe.");
   Store(at, static_cast<T>(scaled));

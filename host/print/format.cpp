@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 #include "toolkit/text.h"
 
@@ -38,26 +37,18 @@ std::string Number(const Value& value, std::string_view format) {
   const auto decimals = point == std::string_view::npos
                             ? 0
                             : static_cast<int>(std::min<std::size_t>(format.size() - point - 1, 8));
-  std::string text;
-  bool negative = false;
-  // Through money wherever it holds the number, so that a half is rounded away from zero.
+  Int128 power = 1;
+  for (int i = 0; i < decimals; ++i) power *= 10;
+  // A float beyond that has no decimals.
   const double size = value.AsFloat();
-  if (decimals <= 4 && std::isfinite(size) && std::abs(size) < 9e13) {
-    const int64_t raw =
-        value.Kind() == ValueKind::Currency ? value.AsCurrency().Raw() : Currency::FromDouble(size).Raw();
-    int64_t unit = 1;
-    for (int i = decimals; i < 4; ++i) unit *= 10;
-    const int64_t rounded = (std::abs(raw) + unit / 2) / unit;
-    negative = raw < 0 && rounded != 0;
-    text = Digits(rounded, decimals + 1);
-    if (decimals > 0) text.insert(text.size() - static_cast<std::size_t>(decimals), ".");
-  } else {
-    std::array<char, 400> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "%.*f", decimals, std::abs(size));
-    text = buffer.data();
-    negative = size < 0;
-  }
-  return (negative ? "-" : "") + Brazilian(text, format.find(',') != std::string_view::npos);
+  if (std::abs(size) >= 1e26) return Brazilian(FloatText(size), false);
+  const Int128 rounded = value.Kind() == ValueKind::Currency
+                             ? RoundedQuotient(value.AsCurrency().Raw() * power, Currency::kScale)
+                             : RoundedProduct(power, size);
+  std::string text = DigitsOf(rounded < 0 ? -rounded : rounded);
+  while (static_cast<int>(text.size()) <= decimals) text.insert(text.begin(), '0');
+  if (decimals > 0) text.insert(text.size() - static_cast<std::size_t>(decimals), ".");
+  return (rounded < 0 ? "-" : "") + Brazilian(text, format.find(',') != std::string_view::npos);
 }
 
 std::string Day(const Value& value, std::string_view format) {

@@ -100,11 +100,8 @@ Value Product(const Value& a, const Value& b) {
   const bool whole_a = a.Kind() == ValueKind::Integer, whole_b = b.Kind() == ValueKind::Integer;
   if (whole_a && whole_b) return Finite(a.AsFloat() * b.AsFloat());
   // So many times an amount is an amount.
-  if ((whole_a && b.Kind() == ValueKind::Currency) || (whole_b && a.Kind() == ValueKind::Currency)) {
-    const double product = a.AsFloat() * b.AsFloat();
-    if (std::abs(product) < 1e10) return Value(Currency::FromDouble(product));
-    return Finite(product);
-  }
+  if (whole_a && b.Kind() == ValueKind::Currency) return Value(b.AsCurrency() * a.AsFloat());
+  if (whole_b && a.Kind() == ValueKind::Currency) return Value(a.AsCurrency() * b.AsFloat());
   return Finite(a.AsFloat() * b.AsFloat());
 }
 
@@ -136,8 +133,7 @@ Value Rounded(const Value& value, int64_t decimals) {
   RequireNumber(value);
   if (decimals < 0 || decimals > 8) throw FormulaError("round arredonda de 0 a 8 casas");
   if (decimals == 2 && value.Kind() == ValueKind::Currency) return Value(value.AsCurrency().Round2());
-  const double scale = std::pow(10.0, static_cast<double>(decimals));
-  return Finite(std::round(value.AsFloat() * scale) / scale);
+  return Value(RoundFloat(value.AsFloat(), static_cast<int>(decimals)));
 }
 
 // From the `from`-th character, counted from 1, `count` of them.

@@ -62,7 +62,7 @@ void TfmRateio::PercChange() {
 void TfmRateio::ValorChange() {
   if (following_) return;
   following_ = true;
-  TbRateio.Perc = Value(RoundFloat2(TbRateio.Valor.AsCurrency().ToDouble() / total_.ToDouble() * 100));
+  TbRateio.Perc = Value(RoundFloat(TbRateio.Valor.AsCurrency().ToDouble() / total_.ToDouble() * 100, 2));
   following_ = false;
 }
 

@@ -37,7 +37,7 @@ class TfmRateio : public Dialog {
                        TbRateio,
                        {{"Codigo", "Código"},
                         {"CentroCusto", "Centro de Custo", 0, true},
-                        {"Perc", "Percentual"},
+                        {.field = "Perc", .title = "Percentual", .decimals = 4},
                         {"Valor", "Valor"}},
                        false};
   TPesquisa PqCCusto{*this, "PqCCusto",

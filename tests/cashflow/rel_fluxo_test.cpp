@@ -160,6 +160,11 @@ TEST_F(RelFluxoTest, OrdersArePartedByTheirCondition) {
   EXPECT_EQ(desk.Messages(), "error: \"XX\" não é um número inteiro válido.");
   EXPECT_EQ(desk.Do({{"do", "read"}}).back()["on"].String(), "idle");
   EXPECT_NE(desk.Read("TbRelatorio", {"Numero"}).find("R1"), std::string::npos);
+  // Half of it isn't printed as the whole.
+  desk.Click("BitBtn33");
+  EXPECT_EQ(desk.Messages(),
+            "A última consulta não terminou: faltam lançamentos. Consulte de novo antes de imprimir.");
+  desk.Answer("ok");
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"CbVenCom", "false"}}, {"Numero"}), "R1\n");
 }
 
@@ -280,6 +285,8 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
         const auto& cells = line.Items();
         text += " " + cells[0].String() + " " + cells[1].String() + " " +
                 (cells[5].IsNull() ? "-" : cells[5].String());
+        if (cells[0].String() == "Pedido" || cells[0].String().starts_with("Item"))
+          text += " (" + cells[4].String() + ")";
       }
     }
     desk.Answer("ok");
@@ -288,9 +295,12 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
   EXPECT_EQ(detail(0), "Título a receber R1: Título a receber R1 100.0000 Recebimento L9 -");
   EXPECT_EQ(detail(1), "Título a pagar P1: Título a pagar P1 70.0000");
   EXPECT_EQ(detail(2), "Cheque K1: Cheque E1 33.0000 Título a pagar P1 70.0000");
-  EXPECT_EQ(detail(3), "Pedido 100: Pedido 100 100.0000 Item 100 100.0000");
+  EXPECT_EQ(detail(3),
+            "Pedido 100: Pedido 100 100.0000 (IPE AMARELO MODAS 001 EIRELI desconto 0,00%) Item 100 100.0000 "
+            "(10,000 x 10,00)");
   EXPECT_EQ(detail(4), "Título a receber R1: Título a receber R1 8.0000");
-  EXPECT_EQ(detail(5), "Ordem de compra 200: Compra 200 100.0000 Item em aberto 200 100.0000");
+  EXPECT_EQ(detail(5),
+            "Ordem de compra 200: Compra 200 100.0000 Item em aberto 200 100.0000 (10,000 x 10,00)");
 }
 
 TEST_F(RelFluxoTest, TheChoiceNamesTheReport) {

@@ -138,8 +138,13 @@ TEST_F(DoorTest, AGridIsFilledChangedOrderedAndEmptied) {
   }
   desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 0}});
   EXPECT_EQ(desk_.Rows("TbLinhas"), "B|1000.1000|S\nA|1000.1000|S\n");
-  cell(0, "Valor", "dez");
-  EXPECT_EQ(desk_.Messages(), "error: \"dez\" não é um valor válido.");
+  for (const auto& [typed, told] :
+       {std::pair("12a3", "não é um valor. Escreva como 1.234,56."),
+        std::pair("12,345", "não é um valor. Escreva como 1.234,56."),
+        std::pair("900000000000000,00", "é grande demais. O maior valor é 999.999.999.999,99.")}) {
+    cell(0, "Valor", typed);
+    EXPECT_EQ(desk_.Messages(), "error: \"" + std::string(typed) + "\" " + told);
+  }
   desk_.Do({{"do", "title"}, {"control", "Grade"}, {"column", "Codigo"}});
   EXPECT_EQ(desk_.Rows("TbLinhas"), "A|1000.1000|S\nB|1000.1000|S\n");
   desk_.Do({{"do", "dblclick"}, {"control", "Grade"}, {"row", 0}, {"column", "Codigo"}});

@@ -101,11 +101,12 @@ TEST_F(InquiryTest, TotalsAreThoseOfTheRowsFound) {
   EXPECT_EQ(Consult(desk, {{"EdtDocto", "NENHUM"}}), "");
   EXPECT_EQ(desk.Messages() + desk.Text("EdtDebito") + desk.Text("EdtSaldo"), "0,000,00");
 
-  // A sum that doesn't fit is told, and half a list isn't shown.
+  // Amounts that no field takes are added up and told.
   for (const char* numero : {"C1", "C2"})
     Store({.numero = numero, .docto = "ENORME", .valor = "900000000000000"});
-  EXPECT_EQ(Consult(desk, {{"EdtDocto", "ENORME"}}), "");
-  EXPECT_TRUE(desk.Messages().starts_with("error: ")) << desk.Messages();
+  EXPECT_EQ(Consult(desk, {{"EdtDocto", "ENORME"}}), "C1 C2");
+  EXPECT_TRUE(desk.Messages().starts_with("note: ")) << desk.Messages();
+  EXPECT_EQ(desk.Text("EdtDebito"), "1.800.000.000.000.000,00");
 }
 
 TEST_F(InquiryTest, OptionalFiltersClearThemselves) {

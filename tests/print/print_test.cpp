@@ -100,6 +100,7 @@ TEST(FormulaTest, WorksOut) {
       {"iif(\"a\" = \"a\" e nao (1 <> 1), 'S', 'N')", "S"},
       {"1 < 2 ou 1 / 0", "1"},
       {"round(2.345, 2)", "2,35"},
+      {"round(1.005, 2) + round(-2.675, 2) * 1000", "-2678,99"},
       {"abs(-3) + length(trim(\" é \"))", "4"},
       {"\"x\" * 2", "! \"x\" não é um número"},
       {"nada", "! sem nomes"},
@@ -129,6 +130,7 @@ TEST(FormatTest, PrintsAsBrazilReads) {
   EXPECT_EQ(FormatValue(amount, "0.0"), "-1234567,9");
   EXPECT_EQ(FormatValue(Value(0.005), "#,##0.00"), "0,01");
   EXPECT_EQ(FormatValue(Value(-0.004), "#,##0.00"), "0,00");
+  EXPECT_EQ(FormatValue(Value(1.000000005), "0.00000000"), "1,00000001");
   EXPECT_EQ(FormatValue(Value(1e15), "#,##0.00"), "1.000.000.000.000.000,00");
   EXPECT_EQ(FormatValue(Value(1234), "#,##0"), "1.234");
   EXPECT_EQ(FormatValue(Value(Date(2026, 3, 7)), "dd/mm/yy - dddd"), "07/03/26 - sábado");

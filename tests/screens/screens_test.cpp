@@ -35,6 +35,7 @@ class Nobody : public UserInterface {
     auto& screen = dynamic_cast<Screen&>(form);
     screen.Owner().HandleShown(screen);
   }
+  void Note(std::string_view) override {}
   void LaunchReport(const ReportLaunch&) override {}
 
   std::function<void(TPesquisa&)> on_list;

@@ -47,6 +47,7 @@ class ScriptedUser : public UserInterface {
     if (modal) modal(form);
     form.Close();
   }
+  void Note(std::string_view) override {}
   void LaunchReport(const ReportLaunch& report) override { reports.push_back(report); }
 
   std::vector<std::string> messages, proposals;

@@ -114,10 +114,10 @@ void ExpectFile(const std::string& made, const std::filesystem::path& file) {
 std::string Desk::Messages() const {
   std::string text;
   for (const Json& out : latest_) {
-    const bool message = out["on"] == Json("message");
-    if (!message && !(out["on"] == Json("error"))) continue;
+    const bool message = out["on"] == Json("message"), note = out["on"] == Json("note");
+    if (!message && !note && !(out["on"] == Json("error"))) continue;
     if (!text.empty()) text += "\n";
-    text += (message ? "" : "error: ") + out["text"].String();
+    text += (message ? "" : note ? "note: " : "error: ") + out["text"].String();
   }
   return text;
 }

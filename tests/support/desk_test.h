@@ -69,7 +69,7 @@ class Desk {
 
   // --- Of the latest answer.
   const std::vector<Json>& Latest() const { return latest_; }
-  // Texts of the messages shown, one a line; errors as "error: ...".
+  // Texts of the messages shown, one a line; errors as "error: ...", notes as "note: ...".
   std::string Messages() const;
   // "idle" or "waiting answer", "waiting lookup"...
   std::string End() const;

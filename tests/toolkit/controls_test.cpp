@@ -25,6 +25,7 @@ class Person : public UserInterface {
   void Progress(int64_t, int64_t, std::string_view) override {}
   void Busy(bool) override {}
   void RunModal(Form&) override {}
+  void Note(std::string_view) override {}
   void LaunchReport(const ReportLaunch&) override {}
   std::vector<std::string> told;
 };
@@ -116,6 +117,7 @@ TEST(FormTest, InputsKeepWhatTheyCanHold) {
   form.EdtE.UserSet("1234,5");
   EXPECT_EQ(form.EdtE.Text(), "1.234,50");
   EXPECT_THROW(form.EdtE.UserSet("12a"), ConversionError);
+  EXPECT_THROW(form.EdtE.UserSet("900000000000000,00"), RangeError);
   EXPECT_EQ(form.EdtE.Amount(), Currency::ParseNeutral("1234.50"));
   form.EdtE.UserSet(" ");
   EXPECT_TRUE(form.EdtE.Empty());

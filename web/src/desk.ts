@@ -230,6 +230,9 @@ export class Desk implements DeskContext, DoorUser, FrameUser {
       case "error":
         this.failed(out.text);
         break;
+      case "note":
+        this.frame.note(out.text);
+        break;
       case "state":
         this.stateRead(out);
         break;

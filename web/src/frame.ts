@@ -3,6 +3,9 @@ import { el, icon } from "./dom.ts";
 import { MenuBoard } from "./menu.ts";
 import type { Me, MenuEntry } from "./protocol.ts";
 
+// In milliseconds.
+const kNoteStays = 30_000;
+
 export interface FrameUser {
   open(entry: MenuEntry): void;
   raise(id: number): void;
@@ -26,6 +29,7 @@ export class Frame {
   private overBox: HTMLElement;
   private menuButton: HTMLButtonElement;
   private status: HTMLElement;
+  private notes: HTMLElement;
   private bar: HTMLElement;
   private barTimer = 0;
 
@@ -78,8 +82,9 @@ export class Frame {
       this.bar,
     );
     this.status = el("div", { class: "link-status", role: "status", hidden: true });
+    this.notes = el("div", { class: "notes", role: "status" });
     this.main = el("main", { class: "desk" }, this.homeBox);
-    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox);
+    this.element = el("div", { class: "frame" }, top, this.status, this.main, this.overBox, this.notes);
   }
 
   // --- The menu over the screens.
@@ -102,6 +107,16 @@ export class Frame {
     this.overBox.hidden = true;
     this.menuButton.setAttribute("aria-expanded", "false");
     if (back) this.user.menuClosed();
+  }
+
+  // --- What should be noticed and needs no answer: it goes at a click, or after a while.
+
+  note(text: string): void {
+    for (const same of [...this.notes.children]) if (same.textContent === text) same.remove();
+    const note = el("p", { class: "note" }, text);
+    note.addEventListener("click", () => note.remove());
+    window.setTimeout(() => note.remove(), kNoteStays);
+    this.notes.append(note);
   }
 
   // --- Tabs.

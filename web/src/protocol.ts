@@ -148,6 +148,7 @@ export type Out =
   | ProgressOut
   | { on: "busy"; value: boolean }
   | { on: "error"; text: string }
+  | { on: "note"; kind: string; text: string }
   | StateOut
   | { on: "idle" }
   | { on: "waiting"; for: string }

@@ -109,7 +109,7 @@ test("a million rows are reached without a gap", () => {
 
 test("a column is read from the desk's text", () => {
   const column = readColumn("PENDENTE\tPendente\t1\tcheck\t1\t2\tS\tN");
-  assert.deepEqual(column, { field: "PENDENTE", title: "Pendente", width: 1, kind: "check", readOnly: true, checked: "S", unchecked: "N" });
+  assert.deepEqual(column, { field: "PENDENTE", title: "Pendente", width: 1, kind: "check", readOnly: true, decimals: 2, checked: "S", unchecked: "N" });
   assert.ok(naturalWidth(readColumn("OBS\tObservação\t1000\ttext\t0\t2\t\t")) < 400);
 });
 

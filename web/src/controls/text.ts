@@ -67,8 +67,7 @@ export class TextView extends ControlView {
   private showText(): void {
     if (this.editing || this.outstanding > 0) return;
     const text = this.text("text");
-    this.input.classList.remove("is-invalid");
-    this.input.removeAttribute("aria-invalid");
+    this.markInvalid(false);
     this.input.classList.toggle("is-negative", this.kind === "money" && text.startsWith("-"));
     if (this.flag("readOnly")) this.input.title = text;
     if (this.input.value === text) return;
@@ -81,6 +80,14 @@ export class TextView extends ControlView {
     window.clearTimeout(this.timer);
     // Text is followed while it is typed, for the descriptions beside it; half an amount or date says nothing.
     if (this.kind === "edit") this.timer = window.setTimeout(() => this.give(), kRest);
+    // Seen before the desk refuses it.
+    if (this.kind === "money") this.markInvalid(!isAmount(this.input.value));
+  }
+
+  private markInvalid(invalid: boolean): void {
+    this.input.classList.toggle("is-invalid", invalid);
+    if (invalid) this.input.setAttribute("aria-invalid", "true");
+    else this.input.removeAttribute("aria-invalid");
   }
 
   // Sends the text as it stands; typing goes on.
@@ -101,8 +108,7 @@ export class TextView extends ControlView {
     if (outcome === "refused") {
       // What was typed stays, to be put right.
       this.editing = true;
-      this.input.classList.add("is-invalid");
-      this.input.setAttribute("aria-invalid", "true");
+      this.markInvalid(true);
     }
     // The desk's own text of it comes with the same answer.
     queueMicrotask(() => this.showText());
@@ -112,7 +118,6 @@ export class TextView extends ControlView {
     window.clearTimeout(this.timer);
     if (!this.editing) return;
     if (this.kind === "date") this.input.value = completeDate(this.input.value, this.desk.today);
-    if (this.kind === "money") this.input.value = this.input.value.trim();
     this.give();
     this.editing = false;
     this.showText();
@@ -155,7 +160,6 @@ export class TextView extends ControlView {
       return true;
     }
     if (this.kind === "date" && isCharacter(press)) return this.datePress(press.key);
-    if (this.kind === "money" && isCharacter(press)) return !/[\d.,+-]/.test(press.key);
     return false;
   }
 
@@ -176,10 +180,5 @@ export class TextView extends ControlView {
 
   override destroy(): void {
     window.clearTimeout(this.timer);
-  }
-
-  // A local look at what is typed, for a field that can't hold it.
-  get acceptable(): boolean {
-    return this.kind !== "money" || isAmount(this.input.value);
   }
 }

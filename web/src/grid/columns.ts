@@ -7,12 +7,14 @@ export interface Column {
   width: number;
   kind: "text" | "number" | "date" | "check";
   readOnly: boolean;
+  // Of an amount or a number, where it is typed.
+  decimals?: number;
   checked: string;
   unchecked: string;
 }
 
 export function readColumn(text: string): Column {
-  const [field = "", title = "", width = "0", kind = "text", readOnly = "0", , checked = "", unchecked = ""] =
+  const [field = "", title = "", width = "0", kind = "text", readOnly = "0", decimals = "2", checked = "", unchecked = ""] =
     text.split("\t");
   return {
     field,
@@ -20,6 +22,7 @@ export function readColumn(text: string): Column {
     width: Number(width) || 0,
     kind: kind === "number" || kind === "date" || kind === "check" ? kind : "text",
     readOnly: readOnly === "1",
+    decimals: Number(decimals),
     checked,
     unchecked,
   };

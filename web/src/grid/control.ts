@@ -2,6 +2,7 @@
 import { el } from "../dom.ts";
 import { insertInto, isCharacter, pressInto, type Press } from "../keys.ts";
 import { completeDate, brazil } from "../text/date.ts";
+import { isAmount } from "../text/money.ts";
 import { ControlView, type ScreenContext } from "../controls/control.ts";
 import type { Properties, SetState, StateOut, TreeNode } from "../protocol.ts";
 import { kBlock } from "./blocks.ts";
@@ -342,6 +343,9 @@ export class GridControl extends ControlView implements GridOwner {
       "aria-label": column.title,
     });
     if (column.kind === "text" && column.width > 0) editor.maxLength = column.width;
+    if (column.kind === "number") {
+      editor.addEventListener("input", () => editor.classList.toggle("is-invalid", !isAmount(editor.value, column.decimals)));
+    }
     const port = cell.closest(".grid-port")!;
     const origin = port.getBoundingClientRect();
     const box = cell.getBoundingClientRect();
@@ -382,8 +386,23 @@ export class GridControl extends ControlView implements GridOwner {
       const at = this.grid.columns.findIndex((one) => one.field === this.editorAt.column);
       if (shown !== undefined && at >= 0) shown[at] = value;
       this.grid.draw();
-      this.send("cell", { row, column: this.editorAt.column, value });
+      this.desk.send(
+        { do: "cell", control: this.name, row, column: this.editorAt.column, value },
+        { done: (outcome) => outcome === "refused" && this.refused(row, at, before, value) },
+      );
     }
+  }
+
+  // What was typed stays, to be put right; what stands in the row is shown behind it.
+  private refused(row: number, column: number, before: string, typed: string): void {
+    const shown = this.grid.blocks.row(row);
+    if (shown !== undefined) shown[column] = before;
+    this.grid.show(row, column);
+    this.beginEdit(null);
+    if (this.editor === null) return;
+    this.editor.value = typed;
+    this.editor.classList.add("is-invalid");
+    this.editor.select();
   }
 
   override revert(): boolean {
@@ -418,7 +437,6 @@ export class GridControl extends ControlView implements GridOwner {
       editor.value = brazil(this.desk.today);
       return true;
     }
-    if (kind === "number" && isCharacter(press) && !/[\d.,+-]/.test(key)) return true;
     return false;
   }
 

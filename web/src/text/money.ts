@@ -1,10 +1,18 @@
 // Amounts as they are typed and as they are shown.
 
-// True for a text that is an amount: "1234,56", "1.234,56", "-3", "".
-export function isAmount(text: string): boolean {
-  const t = text.trim();
-  if (t === "") return true;
-  return /^[+-]?(\d{1,3}(\.\d{3})+|\d+)?(,\d*)?[+-]?$/.test(t) && /\d/.test(t);
+// The largest amount that a field takes, in cents.
+const kMostCents = 99_999_999_999_999n;
+
+// True for a text that the desk takes in a field of so many decimals: "1234,56", "1.234,56", "-3", ",5", "12,",
+// "". Further decimals, up to four, must be zeros.
+export function isAmount(text: string, decimals = 2): boolean {
+  const typed = text.replace(/^[ \t\r\n]+|[ \t\r\n]+$/g, "");
+  if (typed === "") return true;
+  const m = /^[+-]?([1-9]\d{0,2}(?:\.\d{3})+|\d*)(?:,(\d{0,4}))?$/.exec(typed);
+  if (m === null || !/\d/.test(typed)) return false;
+  const fraction = (m[2] ?? "").padEnd(4, "0");
+  if (!/^0*$/.test(fraction.slice(decimals))) return false;
+  return BigInt(m[1]!.replaceAll(".", "") + fraction) <= kMostCents * 100n;
 }
 
 // A stored "1234.5600" as it is shown, with two decimals.
