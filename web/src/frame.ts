@@ -108,7 +108,6 @@ export class Frame {
     if (back) this.user.menuClosed();
   }
 
-  // --- What should be noticed and needs no answer: it goes at a click, or after a while.
 
   // --- Tabs.
 
@@ -174,13 +173,13 @@ export class Frame {
     }, 250);
   }
 
-  // Six seconds, a warning twice as long, and never in the way of a key.
+  // Six seconds, a warning longer, and never in the way of a key.
   toast(kind: string, text: string): void {
     for (const same of [...this.toasts.children]) if (same.textContent === text) same.remove();
     const toast = el("div", { class: `toast toast-${kind}` }, icon(kind === "stored" ? "check" : kind === "warning" ? "warning" : "information"), el("span", {}, text));
     this.toasts.append(toast);
     while (this.toasts.childElementCount > 3) this.toasts.firstElementChild!.remove();
-    window.setTimeout(() => toast.remove(), kind === "warning" ? 12_000 : 6000);
+    window.setTimeout(() => toast.remove(), kind === "warning" ? 30_000 : 6000);
   }
 
   link(text: string): void {
