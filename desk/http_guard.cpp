@@ -94,24 +94,44 @@ std::string HttpGuard::AskersNetwork(const HttpRequest& request) const {
   return asker == proxy_ ? "" : NetworkOf(asker);
 }
 
-std::string HttpGuard::Token(const HttpRequest& request) const {
+std::string HttpGuard::Cookie(const HttpRequest& request, const std::string& name) {
   for (const std::string& part : Split(std::string(request.Header("cookie")), ";")) {
     const std::string_view pair = Trim(part);
-    if (pair.size() > cookie_.size() && pair.starts_with(cookie_) && pair[cookie_.size()] == '=') {
-      return std::string(pair.substr(cookie_.size() + 1));
+    if (pair.size() > name.size() && pair.starts_with(name) && pair[name.size()] == '=') {
+      return std::string(pair.substr(name.size() + 1));
     }
   }
   return "";
 }
 
-std::string HttpGuard::Cookie(std::string_view token) const {
-  return cookie_ + "=" + std::string(token) + "; Path=/; HttpOnly; SameSite=Strict" +
+std::string HttpGuard::Cookie(const std::string& name, std::string_view value) const {
+  return name + "=" + std::string(value) + "; Path=/; HttpOnly; SameSite=Strict" +
          (secure_ ? "; Secure" : "");
 }
 
-std::string HttpGuard::SetCookie(std::string_view token) const { return Cookie(token); }
+std::string HttpGuard::Token(const HttpRequest& request) const { return Cookie(request, cookie_); }
 
-std::string HttpGuard::ClearCookie() const { return Cookie("") + "; Max-Age=0"; }
+std::string HttpGuard::SetCookie(std::string_view token) const { return Cookie(cookie_, token); }
+
+std::string HttpGuard::ClearCookie() const { return Cookie(cookie_, "") + "; Max-Age=0"; }
+
+std::string HttpGuard::DeviceName(std::string_view user) const {
+  const std::string login = Lower(Trim(user));
+  std::array<unsigned char, crypto_generichash_BYTES_MIN> digest{};
+  crypto_generichash(digest.data(), digest.size(), reinterpret_cast<const unsigned char*>(login.data()),
+                     login.size(), nullptr, 0);
+  std::array<char, 2 * crypto_generichash_BYTES_MIN + 1> hex{};
+  sodium_bin2hex(hex.data(), hex.size(), digest.data(), digest.size());
+  return cookie_ + "-" + hex.data();
+}
+
+std::string HttpGuard::DeviceNote(const HttpRequest& request, std::string_view user) const {
+  return Cookie(request, DeviceName(user));
+}
+
+std::string HttpGuard::SetDeviceNote(std::string_view user, std::string_view note, int days) const {
+  return Cookie(DeviceName(user), note) + "; Max-Age=" + std::to_string(int64_t{days} * 24 * 60 * 60);
+}
 
 void HttpGuard::Finish(HttpResponse& response) const {
   const auto has = [&](std::string_view name) {

@@ -34,12 +34,17 @@ class HttpGuard {
   std::string Token(const HttpRequest& request) const;
   std::string SetCookie(std::string_view token) const;
   std::string ClearCookie() const;
+  // What the browser keeps to be known again at that user's next login; each user of a browser has one.
+  std::string DeviceNote(const HttpRequest& request, std::string_view user) const;
+  std::string SetDeviceNote(std::string_view user, std::string_view note, int days) const;
 
   // Adds the headers that every answer carries.
   void Finish(HttpResponse& response) const;
 
  private:
-  std::string Cookie(std::string_view token) const;
+  static std::string Cookie(const HttpRequest& request, const std::string& name);
+  std::string Cookie(const std::string& name, std::string_view value) const;
+  std::string DeviceName(std::string_view user) const;
 
   bool tls_;
   bool secure_;

@@ -4,19 +4,21 @@
 
 #include <algorithm>
 #include <array>
+#include <fstream>
 
+#include "toolkit/error.h"
 #include "toolkit/text.h"
 
 namespace orv {
 namespace {
 
 // Failures that cost nothing: a person mistypes, and an office may share an address.
-constexpr int kFreeOfUser = 5;
+constexpr int kFreeOfPair = 5;
 constexpr int kFreeOfAddress = 20;
 constexpr std::chrono::seconds kLongestWait{60};
 constexpr std::chrono::minutes kForget{15};
 constexpr std::size_t kMostEntries = 10000;
-constexpr std::size_t kLongestKey = 64;
+constexpr std::size_t kLongestKey = 100;
 
 std::string Digest(std::string_view token) {
   std::array<unsigned char, crypto_generichash_BYTES> digest{};
@@ -27,19 +29,27 @@ std::string Digest(std::string_view token) {
 
 std::string Key(std::string_view text) { return Lower(Trim(text)).substr(0, kLongestKey); }
 
+std::string PairKey(std::string_view user, std::string_view address, std::string_view device) {
+  return device.empty() ? Key(std::string(address) + " " + Lower(Trim(user))) : std::string(device);
+}
+
+std::string Hex(const unsigned char* bytes, std::size_t size) {
+  std::string hex(size * 2 + 1, '\0');
+  sodium_bin2hex(hex.data(), hex.size(), bytes, size);
+  hex.pop_back();
+  return hex;
+}
+
 }  // namespace
 
 std::string RandomHex(int bits) {
   std::vector<unsigned char> bytes(static_cast<std::size_t>(bits) / 8);
   randombytes_buf(bytes.data(), bytes.size());
-  std::string hex(bytes.size() * 2 + 1, '\0');
-  sodium_bin2hex(hex.data(), hex.size(), bytes.data(), bytes.size());
-  hex.pop_back();
-  return hex;
+  return Hex(bytes.data(), bytes.size());
 }
 
 Logins::Added Logins::Add(std::string_view user, std::string_view company, std::string_view address,
-                          Instant now) {
+                          Instant now, std::string_view seal) {
   Added added{RandomHex(128), RandomHex(32), ""};
   std::vector<const Login*> own;
   for (const auto& [id, login] : by_id_) {
@@ -52,8 +62,8 @@ Logins::Added Logins::Add(std::string_view user, std::string_view company, std::
     Remove(added.dropped);
   }
   by_digest_.emplace(Digest(added.token), added.id);
-  by_id_.emplace(added.id,
-                 Login{added.id, std::string(user), std::string(company), std::string(address), now, now});
+  by_id_.emplace(added.id, Login{added.id, std::string(user), std::string(company), std::string(address), now,
+                                 now, std::make_shared<LoginSeal>(std::string(seal))});
   return added;
 }
 
@@ -130,21 +140,69 @@ void LoginThrottle::Count(Entries& entries, const std::string& key, int free, In
 }
 
 std::optional<std::chrono::seconds> LoginThrottle::Begin(std::string_view user, std::string_view address,
-                                                         Instant now) {
-  const std::string of_user = Key(user);
+                                                         std::string_view device, Instant now) {
+  const std::string of_pair = PairKey(user, address, device);
   const std::string of_address = Key(address);
-  const auto wait = std::max(Left(users_, of_user, now), Left(addresses_, of_address, now));
+  auto wait = Left(pairs_, of_pair, now);
+  if (device.empty()) wait = std::max(wait, Left(addresses_, of_address, now));
   if (wait.count() > 0) return wait;
-  Count(users_, of_user, kFreeOfUser, now);
-  Count(addresses_, of_address, kFreeOfAddress, now);
+  Count(pairs_, of_pair, kFreeOfPair, now);
+  if (device.empty()) Count(addresses_, of_address, kFreeOfAddress, now);
   return std::nullopt;
 }
 
-void LoginThrottle::Succeeded(std::string_view user, std::string_view address) {
-  users_.erase(Key(user));
+void LoginThrottle::Succeeded(std::string_view user, std::string_view address, std::string_view device) {
+  pairs_.erase(PairKey(user, address, device));
+  if (!device.empty()) return;
   // The address keeps what others failed at from there.
   const auto found = addresses_.find(Key(address));
   if (found != addresses_.end() && --found->second.failures <= 0) addresses_.erase(found);
+}
+
+// A note is "2027-02-18.<the device's name>.<signature>".
+KnownDevices::KnownDevices(const std::filesystem::path& key_file) {
+  {
+    std::ifstream in(key_file, std::ios::binary);
+    key_.assign(std::istreambuf_iterator<char>(in), {});
+  }
+  if (key_.size() == crypto_auth_KEYBYTES) return;
+  key_.resize(crypto_auth_KEYBYTES);
+  randombytes_buf(key_.data(), key_.size());
+  // Nobody else's from its first byte on.
+  std::error_code error;
+  std::filesystem::remove(key_file, error);
+  { std::ofstream made(key_file); }
+  std::filesystem::permissions(
+      key_file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
+  std::ofstream out(key_file, std::ios::binary);
+  out << key_;
+  out.close();
+  if (!out || error) throw UserError("O arquivo " + key_file.string() + " não pode ser gravado.");
+}
+
+std::string KnownDevices::Signed(std::string_view text, std::string_view user, std::string_view seal) const {
+  // The parts can't be mistaken for one another: none of the first two holds a line's end, the last has one
+  // length.
+  const std::string whole = std::string(text) + "\n" + Key(user) + "\n" + std::string(seal);
+  std::array<unsigned char, crypto_auth_BYTES> code{};
+  crypto_auth(code.data(), reinterpret_cast<const unsigned char*>(whole.data()), whole.size(),
+              reinterpret_cast<const unsigned char*>(key_.data()));
+  return std::string(text) + "." + Hex(code.data(), code.size());
+}
+
+std::string KnownDevices::Note(std::string_view user, std::string_view seal, Date today) const {
+  return Signed(today.AddDays(kDays).Neutral() + "." + RandomHex(128), user, seal);
+}
+
+std::string KnownDevices::Device(std::string_view note, std::string_view user, std::string_view seal,
+                                 Date today) const {
+  const std::size_t dot = note.rfind('.');
+  if (dot == std::string_view::npos || seal.empty()) return "";
+  const std::string right = Signed(note.substr(0, dot), user, seal);
+  if (right.size() != note.size() || sodium_memcmp(right.data(), note.data(), note.size()) != 0) return "";
+  // What we have signed is well formed; its days compare as texts.
+  if (note.substr(0, 10) < today.Neutral()) return "";
+  return std::string(note.substr(11, dot - 11));
 }
 
 std::chrono::milliseconds RateLimit::Take(Instant now) {

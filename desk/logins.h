@@ -3,11 +3,16 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
+
+#include "desk/login_seal.h"
+#include "toolkit/date.h"
 
 namespace orv {
 
@@ -20,6 +25,7 @@ struct Login {
   std::string address;
   Instant since;
   Instant used;
+  std::shared_ptr<LoginSeal> seal;
 };
 
 // `bits` random bits as hexadecimal digits.
@@ -41,7 +47,8 @@ class Logins {
 
   explicit Logins(Limits limits) : limits_(limits) {}
 
-  Added Add(std::string_view user, std::string_view company, std::string_view address, Instant now);
+  Added Add(std::string_view user, std::string_view company, std::string_view address, Instant now,
+            std::string_view seal = "");
   // Null for a token that nobody has, or no longer.
   const Login* Find(std::string_view token, Instant now) const;
   const Login* FindId(std::string_view id) const;
@@ -63,15 +70,18 @@ class Logins {
   std::unordered_map<std::string, Login> by_id_;
 };
 
-// Slows down the guessing of passwords, by user and by address.
+// Slows down the guessing of passwords: what comes from one address, and more so for one user from it. What
+// strangers do elsewhere never keeps a user out.
 class LoginThrottle {
  public:
   // How long to wait, or nothing when the attempt may be made. It counts as failed until `Succeeded`, so that
-  // attempts made at the same time count, too.
-  std::optional<std::chrono::seconds> Begin(std::string_view user, std::string_view address, Instant now);
-  void Succeeded(std::string_view user, std::string_view address);
+  // attempts made at the same time count, too. At a `device` known as the user's own only what was tried
+  // there counts.
+  std::optional<std::chrono::seconds> Begin(std::string_view user, std::string_view address,
+                                            std::string_view device, Instant now);
+  void Succeeded(std::string_view user, std::string_view address, std::string_view device);
   // Entries kept; bounded, whatever comes.
-  std::size_t Size() const { return users_.size() + addresses_.size(); }
+  std::size_t Size() const { return pairs_.size() + addresses_.size(); }
 
  private:
   struct Entry {
@@ -84,8 +94,28 @@ class LoginThrottle {
   static std::chrono::seconds Left(const Entries& entries, const std::string& key, Instant now);
   static void Count(Entries& entries, const std::string& key, int free, Instant now);
 
-  Entries users_;
+  Entries pairs_;  // of an address and a user, or a device
   Entries addresses_;
+};
+
+// Knows the devices at which a user has logged in before, by a note that the browser keeps and only a desk
+// with this key can have written. It opens nothing.
+class KnownDevices {
+ public:
+  static constexpr int kDays = 90;
+
+  // Keeps the key in that file, which is made when it isn't there. Raises UserError when it can't be used.
+  explicit KnownDevices(const std::filesystem::path& key_file);
+
+  // A note for a new device, good for kDays while the user's password stays as the seal tells.
+  std::string Note(std::string_view user, std::string_view seal, Date today) const;
+  // The device's name, the same for the same note; "" for a note that doesn't hold.
+  std::string Device(std::string_view note, std::string_view user, std::string_view seal, Date today) const;
+
+ private:
+  std::string Signed(std::string_view text, std::string_view user, std::string_view seal) const;
+
+  std::string key_;
 };
 
 // Lets through so many a second, and a number at once after a pause.

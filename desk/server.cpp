@@ -11,6 +11,7 @@
 #include "desk/http_guard.h"
 #include "desk/http_report.h"
 #include "desk/http_server.h"
+#include "desk/server_checks.h"
 #include "desk/server_control.h"
 #include "desk/server_house.h"
 #include "desk/server_sessions.h"
@@ -21,9 +22,9 @@ namespace {
 
 constexpr std::chrono::seconds kSweepEvery{5};
 constexpr std::chrono::seconds kCompaniesFor{30};
-// A hash takes 64 MB and half a second of a processor.
-constexpr int kPasswordThreads = 2;
-constexpr std::size_t kMostAttempts = 32;
+// How soon a desk sees what was changed elsewhere in users and rights; an action looks for itself.
+constexpr std::chrono::seconds kWatchEvery{2};
+constexpr std::string_view kCutOff = "Seu acesso foi retirado ou sua senha foi trocada. Entre de novo.";
 constexpr std::size_t kMostJobs = 256;
 constexpr std::string_view kReports = "/relatorio/";
 constexpr std::string_view kUpload = "/upload";
@@ -35,6 +36,8 @@ HttpResponse Told(int status, std::string_view text) {
 
 HttpResponse Given(const Json& json) { return {200, "application/json; charset=utf-8", json.Text(), {}}; }
 
+HttpResponse TooBusy() { return Told(503, "A mesa está muito ocupada. Tente de novo em instantes."); }
+HttpResponse NoDatabase() { return Told(503, "O banco de dados não responde. Tente de novo em instantes."); }
 HttpResponse NotLoggedIn() { return Told(401, "Entre com seu usuário e sua senha."); }
 
 // A member that is a text of bounded length, nothing otherwise.
@@ -42,6 +45,14 @@ std::optional<std::string> Member(const Json& json, std::string_view name, std::
   const Json& member = json[name];
   if (!member.IsString() || member.String().size() > most || !ValidUtf8(member.String())) return std::nullopt;
   return member.String();
+}
+
+HttpResponse SlowedDown(std::chrono::seconds wait) {
+  const std::string seconds = std::to_string(wait.count());
+  HttpResponse response = Told(429, "Muitas tentativas. Espere " + seconds +
+                                        (seconds == "1" ? " segundo" : " segundos") + " e tente de novo.");
+  response.headers.emplace_back("Retry-After", seconds);
+  return response;
 }
 
 int64_t Minutes(std::chrono::steady_clock::duration time) {
@@ -78,8 +89,8 @@ class Server::Parts : private HttpHandler {
         uploads_(options_.max_uploads),
         logins_({options_.idle, options_.absolute, options_.windows}),
         network_(NetworkOptions(), *this),
-        passwords_(kPasswordThreads, kMostAttempts),
-        jobs_(1, kMostJobs),
+        checks_(options_.data / "devices.key", Poster()),
+        jobs_(1, kMostJobs, Poster()),
         sessions_({options_.grace, options_.windows, options_.messages_a_second},
                   {[this](const Login& login) { return OptionsOf(login); },
                    [this](const std::string& login) { logins_.Touch(login, options_.now()); },
@@ -91,7 +102,10 @@ class Server::Parts : private HttpHandler {
     std::error_code error;
     std::filesystem::remove_all(ScratchFolder(options_.data), error);
     thread_ = std::thread([this] { network_.Run(); });
-    network_.Post([this] { Tick(); });
+    network_.Post([this] {
+      Tick();
+      Watch();
+    });
     log_.Write("serving", {{"address", Address()}});
   }
   ~Parts() override { Stop(); }
@@ -105,7 +119,13 @@ class Server::Parts : private HttpHandler {
   }
 
   void Sweep() {
-    if (thread_.joinable()) OnNetwork([this] { SweepNow(); });
+    if (!thread_.joinable()) return;
+    const auto before = OnNetwork([this] { return logins_.All(); });
+    auto standings = house_.Standings();
+    OnNetwork([&] {
+      SweepNow();
+      Watched(before, std::move(standings));
+    });
   }
 
   void Stop() {
@@ -135,6 +155,10 @@ class Server::Parts : private HttpHandler {
     }
   }
 
+  Workers::Post Poster() {
+    return [this](std::function<void()> work) { network_.Post(std::move(work)); };
+  }
+
   HttpServer::Options NetworkOptions() const {
     HttpServer::Options network;
     network.address = options_.address;
@@ -152,6 +176,7 @@ class Server::Parts : private HttpHandler {
     session.database = options_.database;
     session.user = login.user;
     session.company = login.company;
+    session.seal = login.seal;
     session.clock = options_.clock;
     session.folder = UserFolder(options_.data, login.user, login.company);
     session.scratch = ScratchFolder(options_.data);
@@ -191,11 +216,14 @@ class Server::Parts : private HttpHandler {
       std::string_view method, path;
       void (Parts::*handle)(const HttpRequest&, const Respond&);
     };
-    static constexpr std::array<Route, 6> kRoutes{{
+    static constexpr std::array<Route, 9> kRoutes{{
         {"POST", "/login", &Parts::LogIn},
         {"POST", "/logout", &Parts::LogOut},
         {"GET", "/companies", &Parts::Companies},
         {"GET", "/me", &Parts::Me},
+        {"POST", "/password", &Parts::ChangePassword},
+        {"GET", "/sessions", &Parts::OwnSessions},
+        {"POST", "/sessions", &Parts::EndOwnSessions},
         {"GET", "/preferences", &Parts::Preferences},
         {"PUT", "/preferences", &Parts::SetPreference},
     }};
@@ -236,19 +264,41 @@ class Server::Parts : private HttpHandler {
     return logins_.Find(guard_.Token(request), options_.now());
   }
 
-  // Work for the database; its answer goes back over the network's thread.
+  // Null after the refusal was sent.
+  const Login* RequireLogin(const HttpRequest& request, const Respond& respond) const {
+    const Login* login = LoginOf(request);
+    if (login == nullptr) respond(NotLoggedIn());
+    return login;
+  }
+
+  // Work for the database, done on a worker.
   void Job(const Respond& respond, std::function<HttpResponse()> work) {
-    const bool taken = jobs_.Do([this, respond, work = std::move(work)] {
-      HttpResponse response;
+    const auto guarded = [this, work = std::move(work)] {
       try {
-        response = work();
+        return work();
       } catch (const std::exception& e) {
         log_.Write("request failed", {{"text", Masked(e.what())}});
-        response = Told(503, "O banco de dados não responde. Tente de novo em instantes.");
+        throw;
       }
-      network_.Post([respond, response = std::move(response)] { respond(response); });
+    };
+    const bool taken = jobs_.Do(guarded, [respond](std::optional<HttpResponse> response) {
+      respond(response ? std::move(*response) : NoDatabase());
     });
-    if (!taken) respond(Told(503, "A mesa está muito ocupada. Tente de novo em instantes."));
+    if (!taken) respond(TooBusy());
+  }
+
+  // The same for who is logged in, once the database knows him still.
+  void JobOf(const Login& login, const Respond& respond, std::function<HttpResponse()> work) {
+    Job(
+        [this, respond, id = login.id](const HttpResponse& response) {
+          if (response.status == 401) EndLogin(id, kCutOff);
+          respond(response);
+        },
+        [this, user = login.user, seal = login.seal, work = std::move(work)] {
+          const auto standings = house_.Standings();
+          const auto found = standings.find(Lower(user));
+          return found != standings.end() && seal->Holds(found->second.seal) ? work() : NotLoggedIn();
+        });
   }
 
   // The body as an object, or nothing after the refusal was sent.
@@ -266,6 +316,36 @@ class Server::Parts : private HttpHandler {
     return std::nullopt;
   }
 
+  // Nothing after the refusal was sent.
+  std::optional<PasswordCheck> BeginCheck(const HttpRequest& request, const std::string& user,
+                                          const Respond& respond) {
+    const auto known = standings_.find(Lower(Trim(user)));
+    const auto begun = checks_.Begin(user, guard_.Asker(request), guard_.DeviceNote(request, user),
+                                     known == standings_.end() ? "" : known->second.seal,
+                                     options_.clock.Today(), options_.now());
+    if (const auto* check = std::get_if<PasswordCheck>(&begun)) return *check;
+    log_.Write("login slowed down", {{"address", guard_.Asker(request)}});
+    respond(SlowedDown(std::get<std::chrono::seconds>(begun)));
+    return std::nullopt;
+  }
+
+  // Work with a password, in its turn; `done` makes the response of its result.
+  template <class Work, class Done>
+  void DoCheck(const PasswordCheck& check, const Respond& respond, Work work, Done done) {
+    const auto guarded = [this, work = std::move(work), address = check.address] {
+      try {
+        return work();
+      } catch (const std::exception& e) {
+        log_.Write("login failed", {{"address", address}, {"text", Masked(e.what())}});
+        throw;
+      }
+    };
+    const bool taken = checks_.Do(check, guarded, [respond, done = std::move(done)](auto result) {
+      respond(result ? done(*result) : NoDatabase());
+    });
+    if (!taken) respond(TooBusy());
+  }
+
   void LogIn(const HttpRequest& request, const Respond& respond) {
     const auto body = Body(request, respond);
     if (!body) return;
@@ -276,58 +356,148 @@ class Server::Parts : private HttpHandler {
       respond(Told(400, "Informe usuário, senha e empresa."));
       return;
     }
-    const std::string address = guard_.Asker(request);
-    if (const auto wait = throttle_.Begin(*user, NetworkOf(address), options_.now())) {
-      const std::string seconds = std::to_string(wait->count());
-      HttpResponse response =
-          Told(429, "Muitas tentativas. Espere " + seconds + (seconds == "1" ? " segundo" : " segundos") +
-                        " e tente de novo.");
-      response.headers.emplace_back("Retry-After", seconds);
-      log_.Write("login slowed down", {{"address", address}});
-      respond(std::move(response));
+    if (company->empty()) {
+      respond(Told(400, "Escolha a empresa."));
       return;
     }
-    const bool taken = passwords_.Do([this, user = *user, password = *password, company = *company, address,
-                                      respond, before = guard_.Token(request)] {
-      std::optional<ServerHouse::Attempt> attempt;
-      try {
-        attempt = house_.TryLogin(user, password, company, address);
-      } catch (const std::exception& e) {
-        log_.Write("login failed", {{"address", address}, {"text", Masked(e.what())}});
-      }
-      network_.Post([=, this] { respond(LoggedIn(attempt, user, company, address, before)); });
-    });
-    if (!taken) respond(Told(503, "A mesa está muito ocupada. Tente de novo em instantes."));
+    const auto check = BeginCheck(request, *user, respond);
+    if (!check) return;
+    DoCheck(
+        *check, respond,
+        [this, user = *user, password = *password, company = *company, address = check->address] {
+          return house_.TryLogin(user, password, company, address);
+        },
+        [this, check = *check, company = *company, before = guard_.Token(request)](
+            const ServerHouse::Attempt& attempt) { return LoggedIn(attempt, check, company, before); });
   }
 
-  HttpResponse LoggedIn(const std::optional<ServerHouse::Attempt>& attempt, const std::string& typed,
-                        const std::string& company, const std::string& address, const std::string& before) {
-    if (!attempt) return Told(503, "O banco de dados não responde. Tente de novo em instantes.");
-    if (attempt->verdict == ServerHouse::Verdict::Refused) {
-      log_.Write("login refused", {{"user", attempt->user}, {"address", address}});
+  HttpResponse LoggedIn(const ServerHouse::Attempt& attempt, const PasswordCheck& check,
+                        const std::string& company, const std::string& before) {
+    if (attempt.verdict == ServerHouse::Verdict::Refused) {
+      log_.Write("login refused", {{"user", attempt.user}, {"address", check.address}});
       return Told(401, "Usuário ou senha inválidos.");
     }
-    throttle_.Succeeded(typed, NetworkOf(address));
-    if (attempt->verdict == ServerHouse::Verdict::NoCompany) return Told(400, "A empresa não existe.");
+    checks_.Succeeded(check);
+    if (attempt.verdict == ServerHouse::Verdict::NoCompany) return Told(400, "A empresa não existe.");
     if (stopping_) return Told(503, "A mesa está sendo encerrada.");
 
     if (const Login* old = logins_.Find(before, options_.now())) {
       EndLogin(std::string(old->id), "Foi feito outro login neste navegador.");
     }
-    const Logins::Added added = logins_.Add(attempt->user, company, address, options_.now());
+    const Logins::Added added =
+        logins_.Add(attempt.user, company, check.address, options_.now(), attempt.seal);
     if (!added.dropped.empty()) {
       sessions_.EndLogin(added.dropped, "A sessão deu lugar a outro login do mesmo usuário.");
     }
     log_.Write("login",
-               {{"user", attempt->user}, {"company", company}, {"address", address}, {"id", added.id}});
+               {{"user", attempt.user}, {"company", company}, {"address", check.address}, {"id", added.id}});
     HttpResponse response = Given(Json::Object());
     response.headers.emplace_back("Set-Cookie", guard_.SetCookie(added.token));
+    KnowDevice(response, attempt.user, attempt.seal);
     return response;
   }
 
-  bool EndLogin(const std::string& id, const std::string& text) {
+  void KnowDevice(HttpResponse& response, const std::string& user, const std::string& seal) const {
+    const std::string note = checks_.Devices().Note(user, seal, options_.clock.Today());
+    response.headers.emplace_back("Set-Cookie", guard_.SetDeviceNote(user, note, KnownDevices::kDays));
+  }
+
+  // --- One's own password and sessions.
+
+  void ChangePassword(const HttpRequest& request, const Respond& respond) {
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
+    const auto body = Body(request, respond);
+    if (!body) return;
+    const auto present = Member(*body, "present", kMaxPassword);
+    const auto fresh = Member(*body, "new", kMaxPassword);
+    if (!present || !fresh) {
+      respond(Told(400, "Informe a senha atual e a nova."));
+      return;
+    }
+    const auto check = BeginCheck(request, login->user, respond);
+    if (!check) return;
+    struct Outcome {
+      std::optional<std::string> seal;
+      std::string refusal;
+    };
+    DoCheck(
+        *check, respond,
+        [this, login = *login, address = check->address, present = *present, fresh = *fresh]() -> Outcome {
+          try {
+            return {house_.ChangePassword(login.user, login.company, address, present, fresh, *login.seal),
+                    ""};
+          } catch (const DatabaseError&) {
+            throw;
+          } catch (const UserError& e) {
+            return {"", e.what()};
+          }
+        },
+        [this, check = *check, id = login->id](const Outcome& outcome) {
+          if (!outcome.seal) return Told(403, "A senha atual não confere.");
+          checks_.Succeeded(check);
+          if (!outcome.refusal.empty()) return Told(400, outcome.refusal);
+          log_.Write("password changed", {{"user", check.user}, {"address", check.address}});
+          EndOthers(check.user, id, "Sua senha foi trocada em outra sessão. Entre de novo.");
+          HttpResponse response = Given(Json::Object());
+          KnowDevice(response, check.user, *outcome.seal);
+          return response;
+        });
+  }
+
+  void EndOthers(const std::string& user, const std::string& id, const std::string& text) {
+    for (const Login& login : logins_.All()) {
+      if (SameText(login.user, user) && login.id != id) EndLogin(login.id, text);
+    }
+  }
+
+  void OwnSessions(const HttpRequest& request, const Respond& respond) {
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
+    Json::Array sessions;
+    for (const Login& one : logins_.All()) {
+      if (!SameText(one.user, login->user)) continue;
+      Json session = Described(one);
+      session.Set("own", one.id == login->id);
+      sessions.push_back(std::move(session));
+    }
+    respond(Given({{"sessions", std::move(sessions)}}));
+  }
+
+  // One of the user's other sessions by its "id", all of them without one.
+  void EndOwnSessions(const HttpRequest& request, const Respond& respond) {
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
+    const auto body = Body(request, respond);
+    if (!body) return;
+    const std::string own = login->id, user = login->user;
+    const std::string text = "A sessão foi encerrada pelo próprio usuário.";
+    if (!body->Has("id")) {
+      EndOthers(user, own, text);
+    } else {
+      const auto id = Member(*body, "id", 64);
+      const Login* other = id && *id != own ? logins_.FindId(*id) : nullptr;
+      // Somebody else's is none. One that has gone meanwhile is ended as was wished.
+      if (other != nullptr && SameText(other->user, user)) EndLogin(*id, text);
+    }
+    log_.Write("own sessions ended", {{"user", user}, {"id", own}});
+    respond(Given(Json::Object()));
+  }
+
+  Json Described(const Login& login) const {
+    const Instant now = options_.now();
+    return {{"id", login.id},
+            {"user", login.user},
+            {"company", login.company},
+            {"address", login.address},
+            {"minutes", Minutes(now - login.since)},
+            {"idle", Minutes(now - login.used)},
+            {"windows", static_cast<int64_t>(sessions_.CountOf(login.id))}};
+  }
+
+  bool EndLogin(const std::string& id, std::string_view text) {
     if (!logins_.Remove(id)) return false;
-    sessions_.EndLogin(id, text);
+    sessions_.EndLogin(id, std::string(text));
     return true;
   }
 
@@ -359,37 +529,23 @@ class Server::Parts : private HttpHandler {
   }
 
   void Me(const HttpRequest& request, const Respond& respond) {
-    const Login* login = LoginOf(request);
-    if (login == nullptr) {
-      respond(NotLoggedIn());
-      return;
-    }
-    Job(
-        [this, respond, id = login->id](const HttpResponse& response) {
-          if (response.status == 401) EndLogin(id, "O usuário foi desativado.");
-          respond(response);
-        },
-        [this, user = login->user, company = login->company] {
-          const auto me = house_.Me(user, company);
-          return me ? Given(*me) : NotLoggedIn();
-        });
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
+    JobOf(*login, respond, [this, user = login->user, company = login->company] {
+      const auto me = house_.Me(user, company);
+      return me ? Given(*me) : NotLoggedIn();
+    });
   }
 
   void Preferences(const HttpRequest& request, const Respond& respond) {
-    const Login* login = LoginOf(request);
-    if (login == nullptr) {
-      respond(NotLoggedIn());
-      return;
-    }
-    Job(respond, [this, user = login->user] { return Given(house_.Preferences(user)); });
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
+    JobOf(*login, respond, [this, user = login->user] { return Given(house_.Preferences(user)); });
   }
 
   void SetPreference(const HttpRequest& request, const Respond& respond) {
-    const Login* login = LoginOf(request);
-    if (login == nullptr) {
-      respond(NotLoggedIn());
-      return;
-    }
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
     const auto body = Body(request, respond);
     if (!body) return;
     const auto key = Member(*body, "key", 400);
@@ -398,7 +554,7 @@ class Server::Parts : private HttpHandler {
       respond(Told(400, "Informe \"key\" e \"value\"."));
       return;
     }
-    Job(respond, [this, user = login->user, key = *key, value = *value] {
+    JobOf(*login, respond, [this, user = login->user, key = *key, value = *value] {
       try {
         house_.SetPreference(user, key, value);
       } catch (const DatabaseError&) {
@@ -411,11 +567,8 @@ class Server::Parts : private HttpHandler {
   }
 
   void FetchReport(const HttpRequest& request, const Respond& respond) {
-    const Login* login = LoginOf(request);
-    if (login == nullptr) {
-      respond(NotLoggedIn());
-      return;
-    }
+    const Login* login = RequireLogin(request, respond);
+    if (login == nullptr) return;
     const std::string_view rest = std::string_view(request.path).substr(kReports.size());
     const std::size_t slash = rest.find('/');
     const std::filesystem::path file = sessions_.ReportOf(login->id, rest.substr(0, slash));
@@ -424,7 +577,7 @@ class Server::Parts : private HttpHandler {
       respond(Told(404, "O relatório não está mais aberto."));
       return;
     }
-    Job(respond, [file, name] { return ReportResponse(file, name); });
+    JobOf(*login, respond, [file, name] { return ReportResponse(file, name); });
   }
 
   // --- The door.
@@ -469,23 +622,45 @@ class Server::Parts : private HttpHandler {
     sessions_.Sweep();
   }
 
+  // Looks again and again at what other programs have changed in the database.
+  void Watch() {
+    const auto again = [this] { network_.After(kWatchEvery, [this] { Watch(); }); };
+    const bool taken = jobs_.Do(
+        [this] { return house_.Standings(); },
+        [this, again, before = logins_.All()](std::optional<std::map<std::string, Standing>> standings) {
+          // A database that doesn't answer lets nobody act either.
+          if (standings) Watched(before, std::move(*standings));
+          again();
+        });
+    if (!taken) again();
+  }
+
+  // `before` are the logins that were there when the database was asked: it may not have known the password
+  // of a later one yet.
+  void Watched(const std::vector<Login>& before, std::map<std::string, Standing> standings) {
+    for (const Login& login : before) {
+      const std::string user = Lower(login.user);
+      const auto now = standings.find(user);
+      if (now == standings.end() || !login.seal->Holds(now->second.seal)) {
+        if (EndLogin(login.id, kCutOff)) {
+          log_.Write("login cut off", {{"user", login.user}, {"id", login.id}});
+        }
+      } else if (const auto last = standings_.find(user);
+                 last == standings_.end() || !(last->second == now->second)) {
+        sessions_.Recheck(login.id);
+      }
+    }
+    standings_ = std::move(standings);
+  }
+
   Json Control(const Json& question) {
     return OnNetwork([&] { return Answer(question); });
   }
 
   Json Answer(const Json& question) {
     if (question["do"] == Json("list")) {
-      const Instant now = options_.now();
       Json::Array sessions;
-      for (const Login& login : logins_.All()) {
-        sessions.push_back(Json{{"id", login.id},
-                                {"user", login.user},
-                                {"company", login.company},
-                                {"address", login.address},
-                                {"minutes", Minutes(now - login.since)},
-                                {"idle", Minutes(now - login.used)},
-                                {"windows", static_cast<int64_t>(sessions_.CountOf(login.id))}});
-      }
+      for (const Login& login : logins_.All()) sessions.push_back(Described(login));
       return {{"sessions", std::move(sessions)}};
     }
     if (question["do"] == Json("end") && question["id"].IsString()) {
@@ -503,13 +678,14 @@ class Server::Parts : private HttpHandler {
   HttpGuard guard_;
   UploadSpace uploads_;
   Logins logins_;
-  LoginThrottle throttle_;
+  // The active users, as the desk has last seen them.
+  std::map<std::string, Standing> standings_;
   HttpResponse companies_;
   Instant companies_until_{};
   bool stopping_ = false;
   HttpServer network_;
   // What works for the network goes before it.
-  Workers passwords_;
+  PasswordChecks checks_;
   Workers jobs_;
   ServerSessions sessions_;
   std::unique_ptr<ServerControl> control_;

@@ -5,7 +5,6 @@
 #include "host/schema/schema.h"
 #include "host/services/audit.h"
 #include "host/services/preferences.h"
-#include "host/services/users.h"
 
 namespace orv {
 namespace {
@@ -32,7 +31,8 @@ ServerHouse::Attempt ServerHouse::TryLogin(const std::string& user, const std::s
   const auto known = users.Find(user);
   Attempt attempt;
   if (known) attempt.user = known->login;
-  if (users.Verify(user, password)) {
+  if (const auto seal = users.Verify(user, password)) {
+    attempt.seal = *seal;
     const std::vector<std::string> suffixes = CompanySuffixes(*db);
     const bool there = std::find(suffixes.begin(), suffixes.end(), company) != suffixes.end();
     attempt.verdict = there ? Verdict::Accepted : Verdict::NoCompany;
@@ -46,6 +46,40 @@ ServerHouse::Attempt ServerHouse::TryLogin(const std::string& user, const std::s
               TOperacaoLog::Processo, attempt.user);
   db->CommitRetaining();
   return attempt;
+}
+
+std::map<std::string, Standing> ServerHouse::Standings() {
+  const std::lock_guard lock(watch_mutex_);
+  try {
+    if (watch_ == nullptr) watch_ = Attachment::Open(database_);
+    Audit nobody(*watch_, clock_, "", "");
+    auto standings = Users(*watch_, nobody).Standings();
+    watch_->CommitRetaining();
+    return standings;
+  } catch (...) {
+    watch_.reset();
+    throw;
+  }
+}
+
+std::optional<std::string> ServerHouse::ChangePassword(const std::string& user, const std::string& company,
+                                                       const std::string& address, const std::string& present,
+                                                       const std::string& fresh, LoginSeal& login) {
+  const auto db = Attachment::Open(database_);
+  Audit audit(*db, clock_, user, company);
+  Users users(*db, audit, cost_);
+  if (!users.Verify(user, present)) {
+    audit.Write("USUARIO", "TROCA DA SENHA RECUSADA A " + user + " EM " + address, TOperacaoLog::Processo,
+                user);
+    db->CommitRetaining();
+    return std::nullopt;
+  }
+  if (fresh == present) throw UserError("A senha nova é igual à atual.");
+  users.SetPassword(user, fresh);
+  std::string seal = users.Standing(user).value().seal;
+  login.Add(seal);
+  db->CommitRetaining();
+  return seal;
 }
 
 Json ServerHouse::Companies() {
@@ -62,10 +96,11 @@ std::optional<Json> ServerHouse::Me(const std::string& user, const std::string& 
   Audit nobody(*db, clock_, "", "");
   Users users(*db, nobody, cost_);
   const auto known = users.Find(user);
-  if (!known || !known->active) return std::nullopt;
+  const auto standing = users.Standing(user);
+  if (!known || !standing) return std::nullopt;
   Json::Array menu;
   for (const ScreenInfo& screen : ClassRegistry::Instance().All()) {
-    if (screen.group.empty() || !users.MayOpen(user, screen.class_name)) continue;
+    if (screen.group.empty() || !standing->MayOpen(screen.class_name)) continue;
     menu.push_back(Json{{"class", screen.class_name}, {"caption", screen.caption}, {"group", screen.group}});
   }
   const Value name = db->Scalar("SELECT EMP_NOME FROM EMPRESA WHERE EMP_PAT = " + Quote(company));

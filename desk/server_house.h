@@ -2,12 +2,16 @@
 // its own and may come from any thread.
 #pragma once
 
+#include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
 #include "desk/json.h"
+#include "desk/login_seal.h"
 #include "host/services/passwords.h"
+#include "host/services/users.h"
 #include "toolkit/date.h"
 
 namespace orv {
@@ -20,6 +24,7 @@ class ServerHouse {
   struct Attempt {
     Verdict verdict = Verdict::Refused;
     std::string user;  // as it was entered when the user was made; "" for an unknown one
+    std::string seal;  // of the password that was right
   };
 
   // Raises UserError for a database that can't be used.
@@ -30,6 +35,13 @@ class ServerHouse {
   // Leaves an audit line.
   Attempt TryLogin(const std::string& user, const std::string& password, const std::string& company,
                    const std::string& address);
+  // Of all active users, by their logins in lower case.
+  std::map<std::string, Standing> Standings();
+  // Commits the new password once the login's seal knows it, and gives its seal; nothing when `present` isn't
+  // the password. Raises UserError for a new one that won't do.
+  std::optional<std::string> ChangePassword(const std::string& user, const std::string& company,
+                                            const std::string& address, const std::string& present,
+                                            const std::string& fresh, LoginSeal& login);
   // [{"suffix", "name"}]
   Json Companies();
   // The user, the company and the screens that the user may open. Nothing for a user who is active no more.
@@ -45,6 +57,9 @@ class ServerHouse {
   PasswordCost cost_;
   // Keeps the engine's cache while nobody is at the desk.
   std::unique_ptr<Attachment> idle_;
+  // Asked again and again for the standings; null until the next time when it has failed.
+  std::mutex watch_mutex_;
+  std::unique_ptr<Attachment> watch_;
 };
 
 }  // namespace orv

@@ -73,19 +73,16 @@ struct ServerSessions::Window {
 // Writes a file off the network's thread, and hands it to the window's session.
 class ServerSessions::Receiver : public BodySink, public std::enable_shared_from_this<Receiver> {
  public:
-  Receiver(const WindowPointer& window, Upload upload, HttpServer& network, Workers& workers)
-      : window_(window), upload_(std::move(upload)), network_(network), workers_(workers) {}
+  Receiver(const WindowPointer& window, Upload upload, Workers& workers)
+      : window_(window), upload_(std::move(upload)), workers_(workers) {}
 
   void Take(std::string piece, std::function<void(bool)> next) override {
-    const bool taken = workers_.Do([self = shared_from_this(), piece = std::move(piece), next] {
-      bool kept = true;
-      try {
-        self->upload_.Write(piece);
-      } catch (const UserError&) {
-        kept = false;
-      }
-      self->network_.Post([next, kept] { next(kept); });
-    });
+    const bool taken = workers_.Do(
+        [this, piece = std::move(piece)] {
+          upload_.Write(piece);
+          return true;
+        },
+        [self = shared_from_this(), next](std::optional<bool> kept) { next(kept.has_value()); });
     if (!taken) next(false);
   }
 
@@ -108,7 +105,6 @@ class ServerSessions::Receiver : public BodySink, public std::enable_shared_from
  private:
   std::weak_ptr<Window> window_;
   Upload upload_;
-  HttpServer& network_;
   Workers& workers_;
 };
 
@@ -211,7 +207,7 @@ BodyPlan ServerSessions::Receive(const Login& login, const std::string& session,
   hooks_.used(login.id);
   try {
     Upload upload = found->second->session->NewUpload(size);
-    return {std::make_shared<Receiver>(found->second, std::move(upload), network_, workers_), {}};
+    return {std::make_shared<Receiver>(found->second, std::move(upload), workers_), {}};
   } catch (const UserError& e) {
     return {nullptr, Receiver::Refused(413, e.what())};
   }
@@ -226,20 +222,10 @@ void ServerSessions::Message(const std::shared_ptr<Link>& link, std::string text
     Take(window, link, ParseOrNull(text), std::move(next));
     return;
   }
-  // What belongs to the link goes back with the object that was read, and dies where it lives: here.
-  struct Reading {
-    WindowPointer window;
-    std::shared_ptr<Link> link;
-    std::function<void()> next;
-    Json in;
-  };
-  auto reading = std::make_shared<Reading>(Reading{window, link, std::move(next), {}});
-  const bool taken = workers_.Do([this, reading = std::move(reading), text = std::move(text)]() mutable {
-    reading->in = ParseOrNull(text);
-    network_.Post([this, reading = std::move(reading)] {
-      Take(reading->window, reading->link, std::move(reading->in), std::move(reading->next));
-    });
-  });
+  const bool taken = workers_.Do([text = std::move(text)] { return ParseOrNull(text); },
+                                 [this, window, link, next](std::optional<Json> in) {
+                                   Take(window, link, in ? std::move(*in) : Json(), next);
+                                 });
   // The display sends it again when it comes back.
   if (!taken) link->Close();
 }
@@ -337,6 +323,12 @@ void ServerSessions::EndLogin(const std::string& login, const std::string& text)
 
 void ServerSessions::EndAll(const std::string& text) {
   for (const auto& [id, window] : windows_) End(*window, text);
+}
+
+void ServerSessions::Recheck(const std::string& login) {
+  for (const auto& [id, window] : windows_) {
+    if (window->login == login) window->session->Recheck();
+  }
 }
 
 void ServerSessions::Sweep() {

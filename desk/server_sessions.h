@@ -51,6 +51,8 @@ class ServerSessions {
   // Ends all sessions of a login; they are told the text once what they did is undone.
   void EndLogin(const std::string& login, const std::string& text);
   void EndAll(const std::string& text);
+  // The rights of a login's user have changed: its sessions look whether they may go on.
+  void Recheck(const std::string& login);
   // Ends the sessions whose browser has been away for the grace time.
   void Sweep();
 

@@ -2,7 +2,7 @@
 
 namespace orv {
 
-Workers::Workers(int threads, std::size_t most) : most_(most) {
+Workers::Workers(int threads, std::size_t most, Post post) : most_(most), post_(std::move(post)) {
   for (int i = 0; i < threads; ++i) threads_.emplace_back([this] { Run(); });
 }
 
@@ -15,11 +15,12 @@ Workers::~Workers() {
   for (std::thread& thread : threads_) thread.join();
 }
 
-bool Workers::Do(std::function<void()> work) {
+bool Workers::Queue(std::function<void()> job, bool first) {
   {
     const std::lock_guard lock(mutex_);
-    if (ending_ || queue_.size() >= most_) return false;
-    queue_.push_back(std::move(work));
+    auto& queue = first ? first_ : queue_;
+    if (ending_ || queue.size() >= most_) return false;
+    queue.push_back(std::move(job));
   }
   arrived_.notify_one();
   return true;
@@ -27,18 +28,16 @@ bool Workers::Do(std::function<void()> work) {
 
 void Workers::Run() {
   for (;;) {
-    std::function<void()> work;
+    std::function<void()> job;
     {
       std::unique_lock lock(mutex_);
-      arrived_.wait(lock, [&] { return ending_ || !queue_.empty(); });
+      arrived_.wait(lock, [&] { return ending_ || !first_.empty() || !queue_.empty(); });
       if (ending_) return;
-      work = std::move(queue_.front());
-      queue_.pop_front();
+      auto& queue = first_.empty() ? queue_ : first_;
+      job = std::move(queue.front());
+      queue.pop_front();
     }
-    try {
-      work();
-    } catch (const std::exception&) {
-    }
+    job();
   }
 }
 

@@ -6,7 +6,7 @@
 namespace orv {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr std::size_t kStack = 8 << 20;
 #else
 constexpr std::size_t kStack = 1 << 20;
@@ -14,6 +14,16 @@ constexpr std::size_t kStack = 1 << 20;
 
 // More objects than a person can leave unanswered.
 constexpr std::size_t kMaxQueue = 10000;
+
+// What the user may do on a screen, a letter each.
+std::string RightsOn(const Standing& standing, const std::string& screen_class) {
+  std::string rights;
+  if (standing.MayOpen(screen_class)) rights += 'O';
+  for (const char kind : {'A', 'E'}) {
+    if (standing.May(screen_class, kind)) rights += kind;
+  }
+  return rights;
+}
 
 }  // namespace
 
@@ -57,6 +67,14 @@ bool Session::Refresh() {
   return true;
 }
 
+void Session::Recheck() {
+  {
+    const std::lock_guard lock(mutex_);
+    queue_.push_back({.in = Json(), .recheck = true});
+  }
+  arrived_.notify_one();
+}
+
 void Session::End() {
   {
     const std::lock_guard lock(mutex_);
@@ -83,6 +101,7 @@ void Session::Run() {
     services_ =
         std::make_unique<SessionServices>(*application_, *attachment_, options_.user, options_.company);
     application_->SetObserver(this);
+    RequireStanding();
     log_.Write("session", {{"user", options_.user}, {"company", options_.company}});
     try {
       Serve();
@@ -110,7 +129,9 @@ void Session::Run() {
   }
   attachment.reset();
   ended_ = true;
-  Send({{"on", "ended"}});
+  Json end{{"on", "ended"}};
+  if (!end_text_.empty()) end.Set("text", end_text_);
+  Send(end);
 }
 
 void Session::Serve() {
@@ -131,10 +152,36 @@ Session::Entry Session::Take() {
     if (ending_) throw SessionEnd{};
     Entry entry = std::move(queue_.front());
     queue_.pop_front();
-    if (!entry.refresh) return entry;
+    if (!entry.refresh && !entry.recheck) return entry;
     lock.unlock();
-    SendAll();
+    if (entry.refresh) {
+      SendAll();
+      continue;
+    }
+    try {
+      RequireStanding();
+    } catch (const DatabaseError&) {
+      // The next action meets it again, and tells.
+    }
   }
+}
+
+void Session::RequireStanding() {
+  const auto standing = services_->Users().Standing(services_->Login());
+  if (standing && options_.seal == nullptr) options_.seal = std::make_shared<LoginSeal>(standing->seal);
+  if (!standing || !options_.seal->Holds(standing->seal)) {
+    end_text_ = "Seu acesso foi retirado ou sua senha foi trocada. Entre de novo.";
+    throw SessionEnd{};
+  }
+  for (auto& [screen, shown] : shown_) {
+    std::string now = RightsOn(*standing, screen->ClassName());
+    if (shown.rights.find_first_not_of(now) != std::string::npos) {
+      end_text_ = "Um direito seu foi retirado. O que não estava confirmado foi desfeito. Entre de novo.";
+      throw SessionEnd{};
+    }
+    shown.rights = std::move(now);
+  }
+  standing_ = *standing;
 }
 
 void Session::Settle(Json out) {
@@ -157,6 +204,7 @@ void Session::ScreenShown(Screen& screen) {
   Shown& shown = shown_[&screen];
   shown = Shown{};
   shown.id = next_id_++;
+  shown.rights = RightsOn(standing_, screen.ClassName());
   SendScreen(screen, shown);
 }
 

@@ -19,11 +19,13 @@
 
 #include "desk/json.h"
 #include "desk/log.h"
+#include "desk/login_seal.h"
 #include "desk/user_files.h"
 #include "frame/application.h"
 #include "host/data/attachment.h"
 #include "host/print/report.h"
 #include "host/services/session_services.h"
+#include "host/services/users.h"
 #include "toolkit/control.h"
 
 namespace orv {
@@ -32,6 +34,8 @@ struct SessionOptions {
   std::string database;
   std::string user;
   std::string company;  // "_001"
+  // What the login holds by; without one, the password as it is when the session begins.
+  std::shared_ptr<LoginSeal> seal;
   Clock clock;
   // The user's own folder: the paths that he types lead to what is below it, and nowhere else.
   std::filesystem::path folder;
@@ -69,6 +73,8 @@ class Session : private UserInterface, private ApplicationObserver {
   // all that is open as if it were new: the screens from the bottom with their sets and focus, the question,
   // and the "idle" or "waiting" that stands. False if that is to come already, with nothing queued behind it.
   bool Refresh();
+  // From any thread: a session that waits for its user looks whether he may still be here.
+  void Recheck();
   // From any thread: the session ends as soon as it waits for the next object, and a statement that runs is
   // cancelled; an open action is unwound and rolled back.
   void End();
@@ -94,11 +100,13 @@ class Session : private UserInterface, private ApplicationObserver {
     std::map<const DataSet*, std::string> sets;  // what was told of them, as text
     std::string focus;
     std::string badge;
+    std::string rights;  // what the user may do on it, as of the latest action
   };
 
   struct Entry {
     Json in;
     bool refresh = false;
+    bool recheck = false;
     // A cancel of the gathering that ran when it came: it answers no question asked since.
     bool cancels = false;
   };
@@ -114,6 +122,9 @@ class Session : private UserInterface, private ApplicationObserver {
   void SendScreen(Screen& screen, Shown& shown);
   void SendAll();
   void SendError(std::string_view text);
+  // Ends the session of a user who has lost his access, or a right on a screen that is open: what he has
+  // begun there must not be finished. Raises DatabaseError.
+  void RequireStanding();
 
   // --- Working on an object (session_actions.cpp).
   void Handle(const Json& in);
@@ -209,6 +220,10 @@ class Session : private UserInterface, private ApplicationObserver {
   Json question_;
   Json settled_;
   bool busy_ = false;
+  // As of the latest action.
+  Standing standing_;
+  // Why the session has ended by itself, for its user.
+  std::string end_text_;
   pthread_t thread_{};
 };
 

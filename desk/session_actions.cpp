@@ -28,6 +28,7 @@ void Session::Handle(const Json& in) {
   attachment_->BeginAction();
   EndGathering();
   try {
+    RequireStanding();
     Act(in);
     ReleaseClosed();
     if (Screen* top = application_->Top()) top->RepairFocus();

@@ -93,7 +93,8 @@ void Session::Wait(const char* what, const Json& question, const std::function<b
   Settle(waiting);
   for (;;) {
     attachment_->LetGo();
-    const auto [in, refresh, cancels] = Take();
+    const auto [in, refresh, recheck, cancels] = Take();
+    RequireStanding();
     try {
       if (in["do"] == Json("read")) {
         Send(State(in));

@@ -36,6 +36,9 @@ constexpr const char* kDuplicate = "Já existe um registro com esta chave. Nada 
 constexpr const char* kFull = "O disco está cheio. Libere espaço e tente novamente.";
 constexpr const char* kReadOnly =
     "O banco de dados só permite leitura. Verifique as permissões do arquivo e da pasta.";
+constexpr const char* kMayNotCreate =
+    "O usuário do banco de dados não pode criar bancos neste servidor. No isql-fb, como SYSDBA: GRANT CREATE "
+    "DATABASE TO USER nome; ou use um usuário que possa.";
 constexpr const char* kTooMany =
     "A consulta reúne tabelas demais de uma só vez. Escolha menos empresas ou menos filtros.";
 constexpr const char* kDamaged =
@@ -103,6 +106,7 @@ constexpr Meaning kMeanings[] = {
 
 struct Vector {
   std::vector<ISC_STATUS> codes;
+  std::string first_text;  // of the first error that has one
   int system_error = 0;
   bool Has(ISC_STATUS code) const {
     for (const ISC_STATUS one : codes)
@@ -116,6 +120,8 @@ Vector Read(const Status& status) {
   const intptr_t* at = status.getErrors();
   while (*at != isc_arg_end) {
     if (*at == isc_arg_gds && at[1] != 0) result.codes.push_back(static_cast<ISC_STATUS>(at[1]));
+    if (*at == isc_arg_string && result.first_text.empty())
+      result.first_text = reinterpret_cast<const char*>(at[1]);
     if (*at == isc_arg_unix) result.system_error = static_cast<int>(at[1]);
     at += *at == isc_arg_cstring ? 3 : 2;
   }
@@ -154,6 +160,8 @@ Meaning FileMeaning(int error, bool opening) {
 Meaning Find(const Vector& vector, bool opening) {
   for (const Meaning& meaning : kMeanings)
     if (vector.Has(meaning.code)) return meaning;
+  if (opening && vector.Has(isc_no_priv) && vector.first_text == "CREATE")
+    return {isc_no_priv, Kind::Connection, kMayNotCreate};
   if (opening && vector.Has(isc_no_priv)) return {isc_no_priv, Kind::ReadOnly, kReadOnly};
   // A file that ends within its first page.
   if (opening && vector.system_error == 0 && vector.Has(isc_io_error))

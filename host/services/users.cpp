@@ -1,6 +1,9 @@
 #include "host/services/users.h"
 
+#include <sodium.h>
+
 #include <algorithm>
+#include <array>
 
 #include "host/services/sql_text.h"
 #include "toolkit/error.h"
@@ -21,6 +24,14 @@ User ReadUser(const std::vector<Value>& row) {
 }
 
 constexpr const char* kUserColumns = "SELECT LOGIN, NOME, ADMINISTRADOR, ATIVO FROM USUARIO";
+
+// The kept password holds a salt, so that no two are the same, even of one password.
+std::string SealOf(std::string_view kept) {
+  std::array<unsigned char, crypto_generichash_BYTES> digest{};
+  crypto_generichash(digest.data(), digest.size(), reinterpret_cast<const unsigned char*>(kept.data()),
+                     kept.size(), nullptr, 0);
+  return {reinterpret_cast<const char*>(digest.data()), digest.size()};
+}
 
 bool Grants(const Right& right, std::string_view screen_class) {
   return right.screen_class == "*" || SameText(right.screen_class, screen_class);
@@ -50,13 +61,27 @@ std::optional<User> Users::Find(std::string_view login) {
   return ReadUser(rows[0]);
 }
 
-bool Users::Verify(std::string_view login, std::string_view password) {
+bool Standing::May(std::string_view screen_class, char kind) const {
+  return administrator || std::any_of(rights.begin(), rights.end(), [&](const Right& right) {
+           return Grants(right, screen_class) &&
+                  (right.kinds.find(kind) != std::string::npos || right.kinds.find('*') != std::string::npos);
+         });
+}
+
+bool Standing::MayOpen(std::string_view screen_class) const {
+  return administrator || std::any_of(rights.begin(), rights.end(),
+                                      [&](const Right& right) { return Grants(right, screen_class); });
+}
+
+std::optional<std::string> Users::Verify(std::string_view login, std::string_view password) {
   const auto rows = db_.Rows("SELECT SENHA, ATIVO FROM USUARIO" + OfLogin(login));
   if (rows.empty()) {
     HashPassword(password, cost_);
-    return false;
+    return std::nullopt;
   }
-  return VerifyPassword(rows[0][0].Text(), password) && rows[0][1].Text() == "S";
+  const std::string kept(rows[0][0].Text());
+  if (!VerifyPassword(kept, password) || rows[0][1].Text() != "S") return std::nullopt;
+  return SealOf(kept);
 }
 
 User Users::Known(std::string_view login) {
@@ -163,24 +188,34 @@ bool Users::Revoke(std::string_view login, std::string_view screen_class) {
   return true;
 }
 
+std::map<std::string, Standing> Users::ReadStandings(std::string_view condition) {
+  std::map<std::string, orv::Standing> standings;
+  for (const auto& row : db_.Rows("SELECT U.LOGIN_BUSCA, U.SENHA, U.ADMINISTRADOR, D.CLASSE, D.TIPOS FROM "
+                                  "USUARIO U LEFT JOIN DIREITO D "
+                                  "ON D.LOGIN_BUSCA = U.LOGIN_BUSCA WHERE U.ATIVO = 'S'" +
+                                  std::string(condition) + " ORDER BY U.LOGIN_BUSCA, D.CLASSE")) {
+    orv::Standing& standing = standings[row[0].AsString()];
+    standing.seal = SealOf(row[1].Text());
+    standing.administrator = row[2].Text() == "S";
+    if (!row[3].IsNull()) standing.rights.push_back({row[3].AsString(), row[4].AsString()});
+  }
+  return standings;
+}
+
 bool Users::May(std::string_view login, std::string_view screen_class, char kind) {
-  const auto user = Find(login);
-  if (!user || !user->active) return false;
-  if (user->administrator) return true;
-  const auto rights = Rights(login);
-  return std::any_of(rights.begin(), rights.end(), [&](const Right& right) {
-    return Grants(right, screen_class) &&
-           (right.kinds.find(kind) != std::string::npos || right.kinds.find('*') != std::string::npos);
-  });
+  const auto standing = Standing(login);
+  return standing && standing->May(screen_class, kind);
 }
 
 bool Users::MayOpen(std::string_view login, std::string_view screen_class) {
-  const auto user = Find(login);
-  if (!user || !user->active) return false;
-  if (user->administrator) return true;
-  const auto rights = Rights(login);
-  return std::any_of(rights.begin(), rights.end(),
-                     [&](const Right& right) { return Grants(right, screen_class); });
+  const auto standing = Standing(login);
+  return standing && standing->MayOpen(screen_class);
+}
+
+std::optional<Standing> Users::Standing(std::string_view login) {
+  auto standings = ReadStandings(" AND U.LOGIN_BUSCA = " + SearchKey(login));
+  if (standings.empty()) return std::nullopt;
+  return std::move(standings.begin()->second);
 }
 
 }  // namespace orv

@@ -1,6 +1,7 @@
 // The users of the house, their passwords and their rights.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,21 @@ struct User {
 struct Right {
   std::string screen_class;
   std::string kinds;
+  friend bool operator==(const Right&, const Right&) = default;
+};
+
+// What an active user's session goes on by.
+struct Standing {
+  // Another one with each new password; tells nothing of it.
+  std::string seal;
+  bool administrator = false;
+  std::vector<Right> rights;
+  friend bool operator==(const Standing&, const Standing&) = default;
+
+  // True for an administrator and for who holds the kind on the class or on all.
+  bool May(std::string_view screen_class, char kind) const;
+  // True for an administrator and for who holds any right on the class or on all.
+  bool MayOpen(std::string_view screen_class) const;
 };
 
 class Users {
@@ -33,8 +49,9 @@ class Users {
   std::vector<User> List();
   // Logins ignore case.
   std::optional<User> Find(std::string_view login);
-  // True for an active user's password. An unknown user takes as long as a wrong password.
-  bool Verify(std::string_view login, std::string_view password);
+  // The seal of an active user's standing, when this is the password. An unknown user takes as long as a
+  // wrong password.
+  std::optional<std::string> Verify(std::string_view login, std::string_view password);
 
   // --- Every change leaves an audit line; the caller commits. Raises UserError for an unknown user, and for
   // a change that would leave no active administrator. Raises UserError for a login that is taken or
@@ -51,12 +68,15 @@ class Users {
   void Grant(std::string_view login, const Right& right);
   // False when there was none.
   bool Revoke(std::string_view login, std::string_view screen_class);
-  // True for an active administrator and for who holds the kind on the class or on all.
   bool May(std::string_view login, std::string_view screen_class, char kind);
-  // True for an active administrator and for who holds any right on the class or on all.
   bool MayOpen(std::string_view login, std::string_view screen_class);
+  // As the database has it now, nothing for who is unknown or inactive.
+  std::optional<orv::Standing> Standing(std::string_view login);
+  // Of all active users, by their logins in lower case.
+  std::map<std::string, orv::Standing> Standings() { return ReadStandings(""); }
 
  private:
+  std::map<std::string, orv::Standing> ReadStandings(std::string_view condition);
   User Known(std::string_view login);
   void Change(std::string_view login, std::string_view assignment);
   // Refuses when nobody but this user is an active administrator.

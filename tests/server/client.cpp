@@ -14,7 +14,7 @@ Browser::Headers With(const Browser& browser, int port, bool tls, const Browser:
   Browser::Headers headers{{"Host", host},
                            {"Origin", (tls ? "https://" : "http://") + host},
                            {"Content-Type", "application/json"},
-                           {"Cookie", browser.cookie}};
+                           {"Cookie", browser.cookie + "; " + browser.device}};
   for (const auto& [name, value] : given) headers[name] = value;
   return headers;
 }
@@ -24,12 +24,20 @@ Browser::Headers With(const Browser& browser, int port, bool tls, const Browser:
 Answer Browser::Ask(std::string_view method, std::string_view target, std::string_view body,
                     const Headers& headers) {
   wire::Connection connection(port_, tls_, ciphers);
-  return {wire::Ask(connection, method, target, With(*this, port_, tls_, headers), body)};
+  Answer answer{wire::Ask(connection, method, target, With(*this, port_, tls_, headers), body)};
+  for (const char* name : {"set-cookie", "set-cookie-2"}) {
+    const std::string note = answer.Header(name);
+    if (note.find("orvcc-") == std::string::npos) continue;
+    answer.headers["device-cookie"] = note;
+    device = note.substr(0, note.find(';'));
+  }
+  return answer;
 }
 
-Answer Browser::LogIn(std::string_view user, std::string_view password, std::string_view company) {
+Answer Browser::LogIn(std::string_view user, std::string_view password, std::string_view company,
+                      const Headers& headers) {
   const Json body{{"user", user}, {"password", password}, {"company", company}};
-  Answer answer = Ask("POST", "/login", body.Text());
+  Answer answer = Ask("POST", "/login", body.Text(), headers);
   const std::string set = answer.Header("set-cookie");
   if (answer.status == 200) cookie = set.substr(0, set.find(';'));
   return answer;

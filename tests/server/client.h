@@ -25,11 +25,13 @@ class Browser {
              const Headers& headers = {});
   Answer Get(std::string_view target, const Headers& headers = {}) { return Ask("GET", target, "", headers); }
   // Keeps the cookie.
-  Answer LogIn(std::string_view user, std::string_view password, std::string_view company = "_001");
+  Answer LogIn(std::string_view user, std::string_view password, std::string_view company = "_001",
+               const Headers& headers = {});
 
   std::string cookie;
   // Of TLS 1.2, as its names are written; "" for what is newest.
   std::string ciphers;
+  std::string device;  // the note that tells the desk the browser again
 
  private:
   friend class Door;

@@ -186,6 +186,113 @@ TEST_F(ServerTest, TimeEndsSessions) {
   EXPECT_NE(Door(ana, gone).Session(), gone);
 }
 
+TEST_F(ServerTest, WhoLosesAccessOrARightIsCutOff) {
+  struct Case {
+    const char* sql;
+    const char* told;  // "" for a session that goes on
+  };
+  const char* const right =
+      "Um direito seu foi retirado. O que não estava confirmado foi desfeito. Entre de novo.";
+  const char* const access = "Seu acesso foi retirado ou sua senha foi trocada. Entre de novo.";
+  const Case cases[] = {
+      {"INSERT INTO DIREITO (LOGIN_BUSCA, CLASSE, TIPOS) VALUES ('leo', 'TfmChequePre', '*')", ""},
+      {"DELETE FROM DIREITO WHERE CLASSE = 'TfmChequePre'", ""},
+      {"UPDATE DIREITO SET TIPOS = 'E' WHERE LOGIN_BUSCA = 'leo'", right},
+      {"DELETE FROM DIREITO WHERE LOGIN_BUSCA = 'leo'", right},
+      {"UPDATE USUARIO SET SENHA = (SELECT SENHA FROM USUARIO WHERE LOGIN = 'ana') WHERE LOGIN = 'leo'",
+       access},
+      {"DELETE FROM USUARIO WHERE LOGIN = 'leo'", access},
+  };
+  Run("INSERT INTO DIREITO (LOGIN_BUSCA, CLASSE, TIPOS) VALUES ('leo', 'TfmCC', 'AE')");
+  Serve();
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.sql);
+    Browser leo = Visitor();
+    const bool changed = std::string(c.sql).starts_with("DELETE FROM USUARIO");
+    ASSERT_EQ(leo.LogIn("leo", changed ? kAna : kLeo).status, 200);
+    // Amid a posting, before a question, and away from the desk's windows.
+    Door posting(leo), asking(leo), idle(leo);
+    for (Door* door : {&posting, &asking, &idle}) {
+      door->Session();
+      door->Await();
+    }
+    Fill(posting, "CORTE");
+    asking.Do(kOpen);
+    asking.Do(Click("BitBtn1"));
+    ASSERT_EQ(End(asking.Do(Click("SpeedButton2"))), "waiting lookup");
+    idle.Do(kOpen);
+    Run(c.sql);
+    if (*c.told == '\0') {
+      Pass(std::chrono::seconds(0));
+      EXPECT_EQ(End(idle.Do({{"do", "read"}})), "idle");
+      continue;
+    }
+    EXPECT_EQ(posting.Do(Click("SpeedButton2")).back()["text"].String(), c.told);
+    EXPECT_EQ(asking.Do({{"do", "choose"}}).back()["text"].String(), c.told);
+    EXPECT_EQ(leo.Get("/preferences").status, c.told == access ? 401 : 200);
+    // Without a word of its user, too.
+    Pass(std::chrono::seconds(0));
+    EXPECT_EQ(EndText(idle), c.told);
+    EXPECT_EQ(Door(leo).Status(), c.told == access ? 401 : 101);
+    Run("UPDATE DIREITO SET TIPOS = 'AE' WHERE LOGIN_BUSCA = 'leo'");
+    if (std::string(c.sql).starts_with("DELETE FROM DIREITO"))
+      Run("INSERT INTO DIREITO (LOGIN_BUSCA, CLASSE, TIPOS) VALUES ('leo', 'TfmCC', 'AE')");
+  }
+  EXPECT_EQ(Sql(Posted("CORTE")), "0");
+}
+
+TEST_F(ServerTest, OnesOwnPasswordAndSessions) {
+  Serve();
+  Browser here = Ana();
+  Pass(std::chrono::seconds(1));
+  Browser there = Ana();
+  Pass(std::chrono::seconds(1));
+  Browser third = Ana();
+  Door door(here), away(there);
+  for (Door* one : {&door, &away}) {
+    one->Session();
+    one->Await();
+  }
+  const auto change = [&](Browser& browser, const char* present, const char* fresh) {
+    return browser.Ask("POST", "/password", Json{{"present", present}, {"new", fresh}}.Text());
+  };
+  // One session of several is ended; a stranger's, or the own one, isn't.
+  Browser leo = Visitor();
+  ASSERT_EQ(leo.LogIn("leo", kLeo).status, 200);
+  const Json list = Json::Parse(here.Get("/sessions").body)["sessions"];
+  ASSERT_EQ(list.Items().size(), 3U);
+  EXPECT_TRUE(list.Items()[0]["own"].Bool());
+  const auto end = [&](Browser& who, int at) {
+    return who.Ask("POST", "/sessions",
+                   Json{{"id", list.Items()[static_cast<std::size_t>(at)]["id"]}}.Text());
+  };
+  for (const int at : {0, 2}) EXPECT_EQ(end(at == 0 ? here : leo, at).status, 200);
+  EXPECT_EQ(third.Get("/me").status, 200);
+  EXPECT_EQ(end(here, 2).status, 200);
+  EXPECT_EQ(third.Get("/me").status, 401);
+
+  EXPECT_EQ(change(here, "não é esta", "outra mesa 2026").Text(), "A senha atual não confere.");
+  EXPECT_EQ(change(here, kAna, "curta").Text(), "A senha deve ter pelo menos 12 caracteres.");
+  EXPECT_EQ(change(here, kAna, "senha2024!!!").Text(), "A senha é muito comum. Escolha outra.");
+  EXPECT_EQ(change(here, kAna, kAna).Text(), "A senha nova é igual à atual.");
+  EXPECT_EQ(there.Get("/me").status, 200);
+  const std::string earlier = here.device;
+  EXPECT_EQ(change(here, kAna, "outra mesa 2026").status, 200);
+  EXPECT_NE(here.device, earlier);
+  EXPECT_EQ(EndText(away), "Sua senha foi trocada em outra sessão. Entre de novo.");
+  EXPECT_EQ(there.Get("/me").status, 401);
+  Pass(std::chrono::seconds(0));
+  EXPECT_EQ(here.Get("/me").status, 200);
+  EXPECT_EQ(End(door.Do(kOpen)), "idle");
+  EXPECT_EQ(there.LogIn("ana", kAna).status, 401);
+  EXPECT_EQ(there.LogIn("ana", "outra mesa 2026").status, 200);
+  EXPECT_EQ(there.Ask("POST", "/sessions", "{}").status, 200);
+  EXPECT_EQ(here.Get("/me").status, 401);
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM AUDITORIA WHERE TEXTO STARTING WITH 'TROCA DA SENHA'"), "2");
+  server_->Stop();
+  for (const char* secret : {"clara", "outra", "esta"}) EXPECT_EQ(LogText().find(secret), std::string::npos);
+}
+
 TEST_F(ServerTest, LogoutAndTheAdministratorEndAllWindows) {
   Serve();
   Browser ana = Ana();

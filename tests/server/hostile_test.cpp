@@ -313,6 +313,38 @@ TEST_F(HostileTest, WhoNeverReadsLosesTheLinkAndKeepsTheSession) {
   EXPECT_TRUE(Idle(leo->Do(kRead)));
 }
 
+// The answer is made on another thread, and nobody is left to take it.
+TEST_F(HostileTest, WhoHangsUpBeforeTheAnswerHarmsNobody) {
+  Serve();
+  const auto leo = Leo();
+  Browser ana = Ana();
+  std::string session;
+  {
+    Door door(ana);
+    session = door.Session();
+    door.Await();
+  }
+  const std::string host = " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server_->Port()) + "\r\n";
+  const std::string body = R"({"user":"ninguem","password":"errada","company":"_001"})";
+  const std::string requests[] = {
+      "GET /preferences" + host + "Cookie: " + ana.cookie + "\r\nConnection: close\r\n\r\n",
+      "POST /login" + host + "Content-Type: application/json\r\nContent-Length: " +
+          std::to_string(body.size()) + "\r\n\r\n" + body};
+  for (int i = 0; i < 60; ++i) {
+    for (const std::string& request : requests) Raw(server_->Port()).Send(request);
+    Raw link(server_->Port());
+    ASSERT_TRUE(link.Open(DoorRequest(ana, session)));
+    link.Send(Frame(0x81, std::string(70000, ' ')));
+  }
+  for (const std::string& request : requests) {
+    Raw raw(server_->Port());
+    raw.Send(request);
+    raw.Done();
+    EXPECT_NE(raw.Rest(), "");
+  }
+  EXPECT_TRUE(Idle(leo->Do(kRead)));
+}
+
 TEST_F(HostileTest, WhatIsTooLargeIsRefused) {
   Serve();
   const auto leo = Leo();

@@ -26,6 +26,8 @@ TEST_F(ServerTest, LoginGivesATokenAndRefusalsAreSlowedDown) {
   EXPECT_EQ(me["company"].String(), "_002");
   EXPECT_EQ(me["today"].String(), kToday);
   EXPECT_EQ(browser.LogIn("ana", kAna, "_009").status, 400);
+  // A page that has not been told the companies yet.
+  EXPECT_EQ(browser.LogIn("ana", kAna, "").Text(), "Escolha a empresa.");
 
   // Wrong password and unknown user read the same. From the fifth on it takes longer and longer.
   Browser guesser = Visitor();
@@ -58,6 +60,51 @@ TEST_F(ServerTest, LoginGivesATokenAndRefusalsAreSlowedDown) {
   for (const char* secret : {"clara", "errad", "campo", browser.cookie.c_str() + 6}) {
     EXPECT_EQ(log.find(secret), std::string::npos) << secret;
   }
+}
+
+TEST_F(ServerTest, StrangersKeepNobodyOut) {
+  options_.proxy = "127.0.0.1";
+  Serve();
+  const auto from = [](const std::string& address) { return Browser::Headers{{"X-Forwarded-For", address}}; };
+  Browser leo = Visitor();
+  const Answer in = leo.LogIn("leo", kLeo, "_001", from("10.0.0.1"));
+  const std::string note = in.Header("device-cookie");
+  EXPECT_EQ(note.substr(note.find(';')), "; Path=/; HttpOnly; SameSite=Strict; Max-Age=7776000");
+  // Wrong passwords from changing addresses, and from the user's own.
+  Browser stranger = Visitor();
+  for (int i = 0; i < 8; ++i) {
+    const std::string address = "10.0.1." + std::to_string(i);
+    EXPECT_EQ(stranger.LogIn("leo", "errada errada", "_001", from(address)).status, 401);
+    EXPECT_EQ(stranger.LogIn("leo", "errada errada", "_001", from("10.0.0.1")).status, i < 5 ? 401 : 429);
+  }
+  EXPECT_EQ(stranger.LogIn("leo", kLeo, "_001", from("10.0.2.1")).status, 200);
+  EXPECT_EQ(stranger.LogIn("ana", kAna, "_001", from("10.0.0.1")).status, 200);
+  // The note of an earlier login passes, for its user only, and is no leave to guess.
+  leo.cookie.clear();
+  EXPECT_EQ(leo.LogIn("LEO ", kLeo, "_001", from("10.0.0.1")).status, 200);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(leo.LogIn("leo", "errada", "_001", from("10.0.0.1")).status, 401);
+  EXPECT_EQ(leo.LogIn("leo", kLeo, "_001", from("10.0.0.1")).status, 429);
+  Pass(std::chrono::seconds(2));
+  EXPECT_EQ(leo.LogIn("leo", kLeo, "_001", from("10.0.0.1")).status, 200);
+
+  // Many at once, from everywhere: each is answered. One address doesn't take the others' turn.
+  const auto request = [&](const std::string& user, const std::string& address) {
+    const std::string body = Json{{"user", user}, {"password", "errada errada"}, {"company", "_001"}}.Text();
+    return "POST /login HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\nX-Forwarded-For: " + address +
+           "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
+           "\r\n\r\n" + body;
+  };
+  std::vector<std::unique_ptr<Raw>> crowd;
+  for (int i = 0; i < 120; ++i) {
+    crowd.push_back(std::make_unique<Raw>(server_->Port()));
+    const std::string name = "ninguem" + std::to_string(i);
+    crowd.back()->Send(request(name, i < 60 ? "10.1.0." + std::to_string(i) : "10.2.0.1"));
+  }
+  std::map<std::string, int> answers[2];
+  for (int i = 0; i < 120; ++i) ++answers[i / 60][crowd[static_cast<std::size_t>(i)]->Rest().substr(9, 3)];
+  EXPECT_EQ(answers[0], (std::map<std::string, int>{{"401", 60}}));
+  EXPECT_GE(answers[1]["429"], 40);
+  EXPECT_EQ(answers[1]["503"], 0);
 }
 
 TEST_F(ServerTest, NothingPrivateWithoutALogin) {
@@ -208,13 +255,13 @@ TEST(LoginsTest, BoundsWhatIsKept) {
   LoginThrottle throttle;
   const Instant now(std::chrono::hours(1));
   for (int i = 0; i < 30000; ++i) {
-    throttle.Begin("u" + std::to_string(i), "a" + std::to_string(i), now + std::chrono::milliseconds(i));
+    throttle.Begin("u" + std::to_string(i), "a" + std::to_string(i), "", now + std::chrono::milliseconds(i));
   }
   EXPECT_LE(throttle.Size(), 20000U);
 
   // An address that tries many names is slowed down, too.
   int tried = 0;
-  while (!throttle.Begin("x" + std::to_string(tried), "b", now)) ++tried;
+  while (!throttle.Begin("x" + std::to_string(tried), "b", "", now)) ++tried;
   EXPECT_EQ(tried, 20);
 
   Logins logins({.per_user = 2});
@@ -230,6 +277,22 @@ TEST(LoginsTest, BoundsWhatIsKept) {
   EXPECT_EQ(rate.Take(now).count(), 0);
   EXPECT_EQ(rate.Take(now).count(), 101);
   EXPECT_EQ(rate.Take(now + std::chrono::milliseconds(300)).count(), 0);
+}
+
+TEST(LoginsTest, ADevicesNoteHoldsForItsUserPasswordAndTime) {
+  const TempFolder folder;
+  const Date today = Date::ParseNeutral(kToday);
+  const KnownDevices devices(folder.Path() / "key"), again(folder.Path() / "key"), other(folder.Path() / "x");
+  const std::string note = devices.Note("Ana", "selo", today);
+  const std::string device = again.Device(note, "ana ", "selo", today.AddDays(90));
+  EXPECT_EQ(device.size(), 32U);
+  EXPECT_EQ(devices.Device(note, "ana", "selo", today.AddDays(91)), "");
+  EXPECT_EQ(devices.Device(note, "leo", "selo", today), "");
+  EXPECT_EQ(devices.Device(note, "ana", "outro", today), "");
+  EXPECT_EQ(other.Device(note, "ana", "selo", today), "");
+  EXPECT_EQ(devices.Device("9" + note.substr(1), "ana", "selo", today), "");
+  for (const char* none : {"", ".", "2027-02-18", "2027-02-18.x.y"})
+    EXPECT_EQ(devices.Device(none, "ana", "selo", today), "") << none;
 }
 
 TEST(FoldersTest, NoLoginLeavesItsFolder) {

@@ -106,7 +106,8 @@ Answer Ask(Connection& connection, std::string_view method, std::string_view tar
     const std::size_t colon = unread.find(':', at), line = unread.find("\r\n", at);
     std::string name = unread.substr(at, colon - at);
     std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
-    answer.headers[name] = unread.substr(colon + 2, line - colon - 2);
+    const std::string value = unread.substr(colon + 2, line - colon - 2);
+    if (!answer.headers.emplace(name, value).second) answer.headers[name + "-2"] = value;
     at = line + 2;
   }
   unread.erase(0, end + 4);

@@ -45,7 +45,7 @@ class Connection {
 struct Answer {
   int status = 0;  // 0 when none came
   std::string body;
-  Headers headers;  // names in lower case
+  Headers headers;  // names in lower case; one that comes a second time has "-2" behind its name
 
   std::string Header(const std::string& name) const {
     const auto found = headers.find(name);

@@ -86,6 +86,39 @@ export async function upload(session: string, file: File, signal: AbortSignal): 
   return { text: text !== "" ? text : `O arquivo "${file.name}" não foi aceito.` };
 }
 
+export interface OwnSession {
+  id: string;
+  address: string;
+  minutes: number;
+  idle: number;
+  windows: number;
+  own: boolean;
+}
+
+// Null when they can't be had.
+export async function ownSessions(): Promise<OwnSession[] | null> {
+  try {
+    const response = await fetch("/sessions", { cache: "no-store" });
+    return response.ok ? ((await response.json()) as { sessions: OwnSession[] }).sessions : null;
+  } catch {
+    return null;
+  }
+}
+
+// Status 0 when the desk can't be reached.
+async function ask(path: string, body: object): Promise<{ status: number; text: string }> {
+  try {
+    const response = await fetch(path, { method: "POST", headers: { "Content-Type": "application/json" }, body: JSON.stringify(body) });
+    return { status: response.status, text: await textOf(response) };
+  } catch {
+    return { status: 0, text: "O servidor não responde. Verifique a rede e tente de novo." };
+  }
+}
+
+export const changePassword = (present: string, fresh: string): Promise<{ status: number; text: string }> => ask("/password", { present, new: fresh });
+// One by its id, null for all but this.
+export const endSessions = (id: string | null): Promise<{ status: number; text: string }> => ask("/sessions", id === null ? {} : { id });
+
 export async function logout(): Promise<void> {
   await fetch("/logout", { method: "POST" }).catch(() => {});
 }

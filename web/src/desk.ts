@@ -4,6 +4,7 @@ import { me as askMe, setPreference, upload } from "./api.ts";
 import type { DeskContext } from "./context.ts";
 import { ButtonView } from "./controls/button.ts";
 import type { ControlView } from "./controls/control.ts";
+import { AccountDialog } from "./dialogs/account.ts";
 import { Dialog } from "./dialogs/dialog.ts";
 import { FileDialog } from "./dialogs/file.ts";
 import { HelpDialog } from "./dialogs/help.ts";
@@ -16,6 +17,7 @@ import { Door, type DoorUser, type Link } from "./door.ts";
 import { Drafts } from "./drafts.ts";
 import { Frame, type FrameUser } from "./frame.ts";
 import { belongsToBrowser, isModifier, pressOf, strokeOf, type Ahead, type Press } from "./keys.ts";
+import { kAccount } from "./menu.ts";
 import type { ChangeOut, In, Me, MenuEntry, Out, Question, StateOut } from "./protocol.ts";
 import type { Item } from "./queue.ts";
 import { ScreenView } from "./screen.ts";
@@ -181,7 +183,12 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   // --- FrameUser.
 
   open(entry: MenuEntry): void {
-    this.openScreen(entry.class);
+    if (entry !== kAccount) {
+      this.openScreen(entry.class);
+      return;
+    }
+    const box: AccountDialog = new AccountDialog(this.me.user, () => this.closeBox(box), () => this.loggedOut());
+    this.openBox(box);
   }
   raise(id: number): void {
     const screen = this.screens.find((one) => one.id === id);

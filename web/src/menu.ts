@@ -4,6 +4,9 @@ import { el, icon, uniqueId } from "./dom.ts";
 import { fit } from "./text/match.ts";
 import type { MenuEntry } from "./protocol.ts";
 
+// What the page itself does, as an entry among the screens.
+export const kAccount: MenuEntry = { class: "", caption: "Minha senha e sessões", group: "Usuário" };
+
 export class MenuBoard {
   readonly element: HTMLElement;
   private input: HTMLInputElement;
@@ -11,12 +14,14 @@ export class MenuBoard {
   private shown: { entry: MenuEntry; element: HTMLElement }[] = [];
   private current = 0;
   private id = uniqueId("menu");
+  private entries: MenuEntry[];
 
   constructor(
-    private entries: MenuEntry[],
+    entries: MenuEntry[],
     private open: (entry: MenuEntry) => void,
     private leave: () => void,
   ) {
+    this.entries = [...entries, kAccount];
     this.input = el("input", {
       type: "text",
       class: "input",
