@@ -227,7 +227,7 @@ test("a desk that dies takes nothing along that was typed", async () => {
   await openLedger(page);
   await keys(page, "Alt+i");
   await typePosting(page, "10250-1", "RECIBO 7", "77,5", "Sobrevive");
-  await shows(page, "Valor", "77,50");
+  await shows(page, "Observação", "Sobrevive");
   await desk.crash();
   await logInAgain(page);
   await page.getByText("Movimento de Contas Correntes”").waitFor();

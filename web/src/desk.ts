@@ -129,6 +129,11 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   // The last that went out was a press; what is done now was typed directly behind it.
   private pressed = false;
   private burst = false;
+  // The user has answered a box: what he presses next he means.
+  private seenSince(): void {
+    this.pressed = false;
+    this.last.by = "none";
+  }
 
   press(control: ControlView, clicks: number, run: () => void): void {
     const top = this.top;
@@ -174,7 +179,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   private answer(object: In): void {
     if (this.question === null || this.answered) return;
     this.answered = true;
-    this.pressed = false;
+    this.seenSince();
     this.question.element.hidden = true;
     this.door.push({ object, purpose: "answer", hold: true });
     this.mark();
@@ -545,6 +550,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   private showProgress(out: Extract<Out, { on: "progress" }>): void {
     if (this.progress === null) {
       this.progress = new ProgressDialog(() => {
+        this.seenSince();
         // The answer has no place in the queue: it ends what is under way.
         this.door.urgent({ do: "answer", value: "cancel" });
       });
@@ -595,6 +601,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   }
   private closeBox(box: Dialog): void {
     this.boxes = this.boxes.filter((one) => one !== box);
+    this.seenSince();
     box.destroy();
     this.layers();
     this.settle();
