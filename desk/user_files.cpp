@@ -67,7 +67,7 @@ UploadSpace::Share UploadSpace::Take(const std::string& user, std::size_t bytes)
     if (size > state_->most - taken) {
       throw UserError("Os arquivos que você enviou já ocupam o limite de " +
                       std::to_string(state_->most >> 20) +
-                      " MB. Confirme os que estão carregados ou feche outras janelas, e envie de novo.");
+                      " MB. Confirme os que estão carregados ou feche janelas, e envie de novo.");
     }
     taken += size;
   }
