@@ -38,6 +38,12 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   DateEdit dtSaldo{*this, "dtSaldo", "Saldo Até"};
   CheckBox CbSaldo{*this, "CbSaldo", "Digitar Saldo"};
   MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo Inicial"};
+  GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
+  Edit edtBanco{*this, "edtBanco", "Bancos"};
+  TPesquisa pqBanco{*this, "pqBanco",
+                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
+  RadioGroup rgOrdem{*this, "rgOrdem", "Ordem", {"Data Lançamento", "Classe", "Entidade", "Número"}, 0};
   GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
   CheckBox CbEmp{*this, "CbEmp", "Todas Empresas"};
   CheckBox CbCheque{*this, "CbCheque", "Buscar Cheques"};
@@ -47,11 +53,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   CheckBox CBCond{*this, "CBCond", "Condições Pedido"};
   CheckBox CbContBanc{*this, "CbContBanc", "Float Bancário"};
   CheckBox CbProgramacao{*this, "CbProgramacao", "Programação Conta"};
-  GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
-  Edit edtBanco{*this, "edtBanco", "Bancos"};
-  TPesquisa pqBanco{*this, "pqBanco",
-                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
-  SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
   GroupBox GbSituacao{*this, "GbSituacao", "Situação"};
   Edit EdtSit{*this, "EdtSit", "Receber/Pagar"};
   TPesquisa PqSituacaoRP{*this, "PqSituacaoRP", Situacoes()};
@@ -63,7 +64,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   Edit EdtSitDescPag{*this, "EdtSitDescPag", "Pagar"};
   TPesquisa PqSituacaoPag{*this, "PqSituacaoPag", Situacoes()};
   SmallButton SpeedButton3{*this, "SpeedButton3", "Limpar"};
-  RadioGroup rgOrdem{*this, "rgOrdem", "Ordem", {"Data Lançamento", "Classe", "Entidade", "Número"}, 0};
   Button BitBtn29{*this, "BitBtn29", "Consultar"};
 
   // Rebuilt by each gathering: what is expected, and the balances of the accounts.

@@ -141,10 +141,10 @@ class ORV_EXPORT TfmCC : public Child {
   ComboBox CbOper{*this, "CbOper", "Operação", {"+", "-"}, 0};
   MoneyEdit EdtValor{*this, "EdtValor", "Valor"};
   MoneyEdit EdtValDoc{*this, "EdtValDoc", "Valor do Documento"};
-  ReadOnlyEdit EdtTipoLan{*this, "EdtTipoLan", "Tipo"};
-  ReadOnlyEdit EdtLancConc{*this, "EdtLancConc", "Lanc. Conciliação"};
   RadioGroup RgSituacao{*this, "RgSituacao", "Situação", {"Pendente", "Baixado", "Conciliado"}, 0};
   Edit EdtObs{*this, "EdtObs", "Observação", 100};
+  ReadOnlyEdit EdtTipoLan{*this, "EdtTipoLan", "Tipo"};
+  ReadOnlyEdit EdtLancConc{*this, "EdtLancConc", "Lanc. Conciliação"};
 
   // What belongs to the movement: the titles that it settled, its entries, the cost centres of the entry in
   // focus.

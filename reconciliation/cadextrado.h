@@ -52,9 +52,9 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   DBEdit EdtDocto{*this, "EdtDocto", "Documento", TbExtrato, "DOCTO"};
   ComboBox CbOperacao{*this, "CbOperacao", "Operação", {"C", "D"}};
   DBEdit EdtValor{*this, "EdtValor", "Valor", TbExtrato, "VALOR"};
-  DBEdit EdtObs{*this, "EdtObs", "Observação", TbExtrato, "OBSERVACAO"};
   DBEdit CbConciliado{*this, "CbConciliado", "Conciliado", TbExtrato, "CONCILIADO"};
   MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo"};
+  DBEdit EdtObs{*this, "EdtObs", "Observação", TbExtrato, "OBSERVACAO"};
 
   TOrvDBGrid DBGrid1{*this, "DBGrid1", TbExtrato, ColunasExtrato()};
 

@@ -7,9 +7,9 @@
 
 namespace orv {
 
-// Removes the entries and the apportionment posted under a clearing's number, "" of none. Where a movement
-// bears that number as its own, what stands under it is that movement's: the two are numbered apart and can
-// meet.
+// Removes the entries and the apportionment posted under a clearing's number, "" of none. In a database of
+// before both were numbered together a movement can bear that number as its own: what is that movement's
+// stays.
 void ApagaPartidasDaCompensacao(const IFuncoes& funcoes, IContabil& contabil, ITabela& tabela,
                                 const std::string& numero);
 

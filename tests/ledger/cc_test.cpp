@@ -56,6 +56,10 @@ TEST_F(CcTest, PostsANewMovement) {
   EXPECT_EQ(desk.FocusName(), "SpeedButton2");
 
   EXPECT_EQ(Confirm(desk), "");
+  const auto stored = std::find_if(desk.Latest().begin(), desk.Latest().end(),
+                                   [](const Json& out) { return out["kind"] == Json("stored"); });
+  ASSERT_NE(stored, desk.Latest().end());
+  EXPECT_EQ((*stored)["text"].String(), "Lançamento " + numero + " gravado: conta 10250-1, 1.234,56.");
   EXPECT_EQ(Movement(numero),
             "D'AGUA 1|901|10250-1|2026-11-18|2026-11-30|2026-11-18|1234.5600|+|3104|019|AÇÃO D'OURO|L|DP|N|");
   EXPECT_EQ(Audit(), "INC. ALT. DOCTO: D'AGUA 1 LANCTO: " + numero + " VALOR: 1.234,56|1|D'AGUA 1");

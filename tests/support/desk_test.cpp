@@ -115,7 +115,8 @@ void ExpectFile(const std::string& made, const std::filesystem::path& file) {
 std::string Desk::Messages() const {
   std::string text;
   for (const Json& out : latest_) {
-    const bool message = out["on"] == Json("message"), note = out["on"] == Json("note");
+    const bool message = out["on"] == Json("message"),
+               note = out["on"] == Json("note") && !(out["kind"] == Json("stored"));
     if (!message && !note && !(out["on"] == Json("error"))) continue;
     if (!text.empty()) text += "\n";
     text += (message ? "" : note ? "note: " : "error: ") + out["text"].String();
