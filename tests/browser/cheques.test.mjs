@@ -52,7 +52,7 @@ test("a cheque is taken in with its movement, refused what isn't for it, and tak
   await entry.waitFor({ state: "detached" });
   const taken = async () => (await rows(page, "Cadastro")).filter((row) => row.includes("|CH4711|"));
   await until("o cheque na lista", async () => (await taken()).length === 1);
-  assert.match((await taken())[0], /\|903\|0012\|77-1\|CH4711\|1\.250,40\|20\/11\/2026\|10\/12\/2026\|\|P\|R\|00050\|/);
+  assert.match((await taken())[0], /\|903\|0012\|77-1\|CH4711\|1\.250,40\|20\/11\/2026\|10\/12\/2026\|\|Pendente\|Recebido\|00050\|/);
   await picture(page, "cheque-taken");
 
   // A cheque of a third party isn't cancelled here, a pending one not returned.
