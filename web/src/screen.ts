@@ -433,9 +433,9 @@ export class ScreenView implements ScreenContext {
     }
   }
 
-  // Presses the button that the screen is for.
+  // Presses the button that the screen is for: of several in sight the last, which stands at the foot.
   private confirm(): boolean {
-    const button = this.controls.find((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary");
+    const button = this.controls.filter((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary").pop();
     button?.access();
     return button !== undefined;
   }
