@@ -32,14 +32,16 @@ class Workers {
   // connection may be waiting in it. False when too much waits already.
   template <class Work, class Done>
   bool Do(Work work, Done done, bool first = false) {
+    // In a box, since only that is certain to leave nothing behind where it is moved from.
+    auto box = std::make_shared<Done>(std::move(done));
     return Queue(
-        [this, work = std::move(work), done = std::move(done)]() mutable {
+        [this, work = std::move(work), box = std::move(box)]() mutable {
           auto result = std::make_shared<std::optional<decltype(work())>>();
           try {
             result->emplace(work());
           } catch (const std::exception&) {
           }
-          post_([done = std::move(done), result]() mutable { done(std::move(*result)); });
+          post_([box = std::move(box), result]() mutable { (*box)(std::move(*result)); });
         },
         first);
   }
