@@ -153,6 +153,9 @@ export class ScreenView implements ScreenContext {
     const fold = new Fold((open) => {
       this.desk.remember(key, open ? "1" : null);
       this.hideEmptyRows();
+      // Who is in what goes out of sight comes to what follows it.
+      const here = this.focused;
+      if (!open && here !== undefined && fold.holds(here)) this.moveFocus(here, true);
     });
     this.folds.push(fold);
     const from = this.controls.length;
@@ -383,6 +386,8 @@ export class ScreenView implements ScreenContext {
 
   press(press: Press): boolean {
     const control = this.focused;
+    // Wherever the user is, also in a cell.
+    if (press.key === "Enter" && press.ctrl && !press.alt) return this.confirm();
     if (control !== undefined && control.canFocus && control.press(press)) return true;
     return this.pressScreen(press, control);
   }
@@ -396,7 +401,6 @@ export class ScreenView implements ScreenContext {
       else this.tab(control);
       return true;
     }
-    if (key === "Enter" && ctrl && !alt) return this.confirm();
     if (key === "F1") {
       this.desk.help(this);
       return true;
