@@ -52,7 +52,6 @@ Report Make(Accounts& accounts) {
   input.user = "ana";
   input.now = DateTime(Date(2026, 11, 23), 14, 5, 0);
   input.set = [&](std::string_view name) -> DataSet* { return name == "TbContas" ? &accounts : nullptr; };
-  input.control = [](std::string_view) { return std::optional<Value>(); };
   Report report = LayOut(FindTemplate("WCCSaldoConta", ""), input);
   if (!report.notes.empty()) throw UserError(report.notes[0]);
   return report;

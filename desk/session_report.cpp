@@ -15,14 +15,24 @@ constexpr std::size_t kMostReports = 8;
 constexpr std::size_t kMostValues = 8'000'000;
 constexpr std::size_t kNotesTold = 5;
 
-std::optional<Value> Held(const Form& screen, std::string_view name) {
-  const Control* control = screen.Find(name);
+std::optional<Value> Held(const Control* control) {
   if (const auto* check = dynamic_cast<const CheckBox*>(control)) return Value(check->Checked() ? 1 : 0);
   if (const auto* list = dynamic_cast<const ListControl*>(control)) return Value(list->ItemIndex());
   if (const auto* money = dynamic_cast<const MoneyEdit*>(control)) return Value(money->Amount());
   if (const auto* date = dynamic_cast<const DateEdit*>(control)) return Value(date->Date());
   if (const auto* edit = dynamic_cast<const Edit*>(control)) return Value(edit->Text());
   return std::nullopt;
+}
+
+// What the screen says for a name: what it declares, else what a control of that name holds. A template may
+// lead the name by the screen's own.
+std::optional<ReportAnswer> Answered(const Form& screen, std::string_view name) {
+  constexpr std::string_view kScreen = "FmSReport.Tela.";
+  if (SameText(name.substr(0, kScreen.size()), kScreen)) name.remove_prefix(kScreen.size());
+  if (const auto found = screen.Answers.find(name); found != screen.Answers.end()) return found->second;
+  const auto held = Held(screen.Find(name));
+  if (!held) return std::nullopt;
+  return ReportAnswer{0, [value = *held](std::span<const Value>) { return value; }};
 }
 
 // An identifier is made with texts of the database; a file's name is not.
@@ -47,7 +57,7 @@ void Session::LaunchReport(const ReportLaunch& launch) {
   input.user = options_.user;
   input.now = options_.clock.Now();
   input.set = [&](std::string_view name) { return screen.FindSet(name); };
-  input.control = [&](std::string_view name) { return Held(screen, name); };
+  input.answer = [&](std::string_view name) { return Answered(screen, name); };
 
   Launched launched{++last_report_, {}, LayOut(form, input)};
   if (launch.graphic) launched.formats = {"html", "pdf"};

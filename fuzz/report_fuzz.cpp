@@ -7,7 +7,7 @@
 namespace {
 
 struct Rows : orv::TClientDataSet {
-  Rows() : TClientDataSet("T") {
+  explicit Rows(const char* name) : TClientDataSet(name) {
     CreateDataSet();
     for (int i = 0; i < 5; ++i) {
       Append();
@@ -27,14 +27,21 @@ struct Rows : orv::TClientDataSet {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  static Rows rows;
+  static Rows rows[] = {Rows("T"), Rows("U"), Rows("V")};
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   orv::ReportInput input;
   input.company = "Malharia";
   input.now = orv::DateTime(orv::Date(2026, 11, 23), 1, 2, 3);
-  input.set = [](std::string_view name) -> orv::DataSet* { return name == "T" ? &rows : nullptr; };
-  input.control = [](std::string_view name) {
-    return name == "E" ? std::optional(orv::Value("5")) : std::nullopt;
+  input.set = [](std::string_view name) -> orv::DataSet* {
+    for (Rows& set : rows) {
+      if (set.Name() == name) return &set;
+    }
+    return nullptr;
+  };
+  input.answer = [](std::string_view name) -> std::optional<orv::ReportAnswer> {
+    if (name == "E") return orv::ReportAnswer{0, [](auto) { return orv::Value("5"); }};
+    if (name == "F") return orv::ReportAnswer{1, [](auto given) { return given[0]; }};
+    return std::nullopt;
   };
   try {
     const orv::Report report = orv::LayOut(orv::ReportTemplate::Parse("x", text), input);

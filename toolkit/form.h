@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "toolkit/report_answers.h"
 #include "toolkit/text.h"
 #include "toolkit/user.h"
 
@@ -79,6 +80,9 @@ class Form {
   // input field takes. '\r' is Enter.
   std::function<void(char)> OnKeyPress;
   bool KeyPreview = false;
+
+  // What the form's reports may ask by name, beside what its controls hold.
+  ReportAnswers Answers;
 
  protected:
   // Names the controls of each container, in rows: "PageControl1 { TabSheet1 { EdtA PqA / EdtB } TabSheet2 {}

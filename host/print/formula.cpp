@@ -26,7 +26,8 @@ enum class Op : uint8_t {
   Compare,
   And,
   Or,
-  Call
+  Call,
+  Ask
 };
 enum class Function : uint8_t { Iif, Copy, Abs, Round, Upper, Trim, Length };
 
@@ -150,7 +151,8 @@ struct Formula::Node {
   Op op = Op::Constant;
   Value constant;
   std::size_t name = 0;
-  std::string comparison;
+  // The sign of a comparison, the name of a function that is asked.
+  std::string word;
   Function function = Function::Iif;
   std::vector<std::unique_ptr<Node>> parts;
   int height = 1;
@@ -258,7 +260,7 @@ class Parser {
     for (const std::string_view sign : kSigns) {
       if (!Take(sign)) continue;
       left = Make(Op::Compare, std::move(left), Sums());
-      left->comparison = sign;
+      left->word = sign;
       break;
     }
     return left;
@@ -337,19 +339,18 @@ class Parser {
   NodePointer Call(const std::string& name) {
     const auto found = std::find_if(kFunctions.begin(), kFunctions.end(),
                                     [&](const Signature& one) { return SameText(one.name, name); });
-    if (found == kFunctions.end()) throw FormulaError("a função " + name + " não existe");
+    const bool own = found != kFunctions.end();
     auto node = std::make_unique<Node>();
-    node->op = Op::Call;
-    node->function = found->function;
+    node->op = own ? Op::Call : Op::Ask;
+    if (own) node->function = found->function;
+    node->word = name;
     if (!Take(")")) {
       do {
         node->Take(Either());
       } while (Take(",") || Take(";"));
       Expect(")");
     }
-    if (node->parts.size() != found->parameters) {
-      throw FormulaError(name + " quer " + std::to_string(found->parameters) + " parâmetros");
-    }
+    if (own) RequireParameters(name, found->parameters, node->parts.size());
     return node;
   }
 
@@ -402,11 +403,16 @@ Value WorkNode(const Node& node, const Formula::Scope& scope) {
     case Op::Divide:
       return Quotient(part(0), part(1));
     case Op::Compare:
-      return Value(Holds(node.comparison, Order(part(0), part(1))) ? 1 : 0);
+      return Value(Holds(node.word, Order(part(0), part(1))) ? 1 : 0);
     case Op::And:
       return Value(IsTrue(part(0)) && IsTrue(part(1)) ? 1 : 0);
     case Op::Or:
       return Value(IsTrue(part(0)) || IsTrue(part(1)) ? 1 : 0);
+    case Op::Ask: {
+      std::vector<Value> arguments;
+      for (std::size_t at = 0; at < node.parts.size(); ++at) arguments.push_back(part(at));
+      return scope.Call(node.word, arguments);
+    }
     case Op::Call:
       break;
   }
@@ -444,6 +450,10 @@ Formula Formula::Parse(std::string_view text) {
   return formula;
 }
 
+Value Formula::Scope::Call(const std::string& function, std::span<const Value>) const {
+  throw FormulaError("a função " + function + " não existe");
+}
+
 Value Formula::Work(const Scope& scope) const {
   try {
     return WorkNode(*root_, scope);
@@ -453,6 +463,11 @@ Value Formula::Work(const Scope& scope) const {
     // A number out of its bounds, a text that is none.
     throw FormulaError(e.what());
   }
+}
+
+void RequireParameters(const std::string& name, std::size_t wanted, std::size_t given) {
+  if (given == wanted) return;
+  throw FormulaError(name + " quer " + std::to_string(wanted) + (wanted == 1 ? " parâmetro" : " parâmetros"));
 }
 
 bool IsTrue(const Value& value) {

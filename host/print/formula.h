@@ -1,11 +1,12 @@
-// Formulas of reports: arithmetic, comparisons, joined texts and a few functions over fields, values and
-// controls.
+// Formulas of reports: arithmetic, comparisons, joined texts and a few functions over fields, values and what
+// the screen answers.
 //
 //   iif(TbSaldo.Sel = "S", TbSaldo.Valor, 0)      copy(Nome, 1, 10) + "…"      (a + b) * 2 <> c e nao d
 #pragma once
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,8 @@ class Formula {
     virtual ~Scope() = default;
     // `name` counts in Names(). Raises FormulaError for a name that is nothing here.
     virtual Value Name(std::size_t name) const = 0;
+    // A function that formulas don't have themselves. Raises FormulaError for one that is nothing here.
+    virtual Value Call(const std::string& function, std::span<const Value> arguments) const;
   };
 
   // Raises FormulaError.
@@ -50,6 +53,9 @@ class Formula {
   std::unique_ptr<Node> root_;
   std::vector<std::string> names_;
 };
+
+// Raises FormulaError unless `given` parameters are as many as `wanted`.
+void RequireParameters(const std::string& name, std::size_t wanted, std::size_t given);
 
 // Whether a value counts as true: a number other than zero, "S", "true".
 bool IsTrue(const Value& value);

@@ -11,6 +11,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "host/print/chart.h"
 #include "host/print/format.h"
 #include "host/print/writers.h"
 #include "toolkit/text.h"
@@ -21,6 +22,7 @@ namespace {
 constexpr double kLong = 841.89, kShort = 595.28, kMargin = 34;  // points
 constexpr double kLargest = 8.5, kSmallest = 4.5;
 constexpr double kHead = 44;
+constexpr double kPicture = 190, kPictureFont = 7;
 
 template <auto destroy>
 struct Destroy {
@@ -189,6 +191,7 @@ class Pdf {
         plain_(Faces::Instance().Plain(), size_),
         bold_(Faces::Instance().Bold(), size_),
         large_(Faces::Instance().Bold(), 11),
+        small_(Faces::Instance().Plain(), kPictureFont),
         surface_(cairo_pdf_surface_create(file.c_str(), width_, height_)),
         context_(cairo_create(surface_.get())) {
     Check(cairo_surface_status(surface_.get()));
@@ -198,8 +201,10 @@ class Pdf {
 
   void Draw() {
     const double head = kHead + 11 * static_cast<double>(report_.subtitles.size());
-    const auto fits = static_cast<std::size_t>((height_ - 2 * kMargin - head) / step_);
-    const auto pages = Pages(report_, std::max<std::size_t>(fits, 10));
+    const auto fits =
+        std::max<std::size_t>(static_cast<std::size_t>((height_ - 2 * kMargin - head) / step_), 10);
+    picture_ = std::min(static_cast<std::size_t>(kPicture / step_), fits - 4);
+    const auto pages = Pages(report_, fits, picture_);
     for (std::size_t page = 0; page < pages.size(); ++page) {
       Head(page + 1, pages.size());
       double y = kMargin + head + size_;
@@ -228,18 +233,26 @@ class Pdf {
            (width_ - 2 * kMargin) * static_cast<double>(places[column]) / static_cast<double>(places.back());
   }
 
-  void Ink(bool alert) {
-    if (alert) {
-      cairo_set_source_rgb(context_.get(), 0.61, 0.11, 0.11);
-    } else {
-      cairo_set_source_rgb(context_.get(), 0.05, 0.1, 0.13);
-    }
+  void Colour(uint32_t colour) {
+    const auto part = [&](int bits) { return static_cast<double>((colour >> bits) & 255) / 255; };
+    cairo_set_source_rgb(context_.get(), part(16), part(8), part(0));
   }
 
-  void Rule(double y, double thickness) {
+  void Pen(uint8_t style = kPlain) {
+    const uint32_t colour = TextColour(style);
+    Colour(colour == 0 ? ColourOf(Ink::Text) : colour);
+  }
+
+  void Fill(double x, double y, double width, double height) {
+    cairo_rectangle(context_.get(), x, y, width, height);
+    cairo_fill(context_.get());
+  }
+
+  void Rule(double y, double thickness) { Rule(kMargin, y, width_ - 2 * kMargin, thickness); }
+  void Rule(double x, double y, double width, double thickness) {
     cairo_set_line_width(context_.get(), thickness);
-    cairo_move_to(context_.get(), kMargin, y);
-    cairo_line_to(context_.get(), width_ - kMargin, y);
+    cairo_move_to(context_.get(), x, y);
+    cairo_line_to(context_.get(), x + width, y);
     cairo_stroke(context_.get());
   }
 
@@ -260,7 +273,7 @@ class Pdf {
   }
 
   void Head(std::size_t page, std::size_t pages) {
-    Ink(false);
+    Pen();
     const double whole = width_ - 2 * kMargin;
     Text(large_, report_.title, kMargin, kMargin + 11, whole * 0.7, Align::Left);
     Text(plain_, "Página " + std::to_string(page) + " de " + std::to_string(pages), kMargin, kMargin + 11,
@@ -281,7 +294,7 @@ class Pdf {
         Cells(report_.lines[line.index], y);
         break;
       case PageLine::Kind::Titles:
-        Ink(false);
+        Pen();
         for (std::size_t at = 0; at < report_.columns[line.index].size(); ++at) {
           const ReportColumn& column = report_.columns[line.index][at];
           const double x = X(line.index, at);
@@ -292,37 +305,86 @@ class Pdf {
         Rule(y + step_ * 0.28, 0.4);
         break;
       case PageLine::Kind::Heading:
-        Ink(false);
+        Pen();
         Text(bold_, report_.headings[line.index], kMargin, y, whole, Align::Left);
         break;
       case PageLine::Kind::Note:
-        Ink(true);
+        Pen(kAlert);
         Text(plain_, "* " + report_.notes[line.index], kMargin, y, whole, Align::Left);
+        break;
+      case PageLine::Kind::Picture:
+        Picture(report_.pictures[line.index], y - size_);
         break;
       case PageLine::Kind::Blank:
         break;
     }
   }
 
-  void Cells(const ReportLine& line, double y) {
-    if ((line.style & kShade) != 0) {
-      cairo_set_source_rgb(context_.get(), 0.93, 0.95, 0.955);
-      cairo_rectangle(context_.get(), kMargin, y - step_ * 0.75, width_ - 2 * kMargin, step_);
-      cairo_fill(context_.get());
+  // What lies under the texts of a line or a cell.
+  void Ground(uint8_t style, double x, double y, double width) {
+    if (const uint32_t colour = GroundColour(style); colour != 0) {
+      Colour(colour);
+      Fill(x, y - step_ * 0.75, width, step_);
     }
-    Ink((line.style & kAlert) != 0);
-    if ((line.style & kRule) != 0) Rule(y - step_ * 0.75, 0.4);
-    Font& font = (line.style & kBold) != 0 ? bold_ : plain_;
+    Pen(style);
+    if ((style & kRule) != 0) Rule(x, y - step_ * 0.75, width, 0.4);
+  }
+
+  void Cells(const ReportLine& line, double y) {
+    Ground(line.style, kMargin, y, width_ - 2 * kMargin);
     for (const ReportCell& cell : line.cells) {
       const double x = X(line.section, cell.column);
       const double room = X(line.section, cell.column + cell.span) - x - size_ * 0.4;
-      Text(font, cell.text, x, y, room, report_.columns[line.section][cell.column].align);
+      if (cell.style != kPlain) Ground(cell.style, x, y, room);
+      const uint8_t style = line.style | cell.style;
+      Pen(style);
+      Text((style & kBold) != 0 ? bold_ : plain_, cell.text, x, y, room,
+           report_.columns[line.section][cell.column].align);
     }
+  }
+
+  // --- Pictures.
+
+  void Picture(const ReportPicture& picture, double y) {
+    cairo_save(context_.get());
+    cairo_translate(context_.get(), kMargin, y);
+    // The last line stays blank.
+    const double height = static_cast<double>(picture_ - 1) * step_;
+    for (const Shape& shape : orv::Draw(picture, width_ - 2 * kMargin, height, kPictureFont))
+      std::visit([&](const auto& one) { Shown(one); }, shape);
+    cairo_restore(context_.get());
+  }
+  void Shown(const Box& box) {
+    Colour(ColourOf(box.ink));
+    Fill(box.x, box.y, box.width, box.height);
+  }
+  void Shown(const Stroke& stroke) {
+    Colour(ColourOf(stroke.ink));
+    const double dash = kPictureFont * 0.6;
+    cairo_set_dash(context_.get(), &dash, stroke.dashed ? 1 : 0, 0);
+    cairo_set_line_width(context_.get(), stroke.width);
+    for (const auto& [x, y] : stroke.points) cairo_line_to(context_.get(), x, y);
+    cairo_stroke(context_.get());
+  }
+  void Shown(const Dot& dot) {
+    Colour(ColourOf(dot.ink));
+    cairo_arc(context_.get(), dot.x, dot.y, dot.radius, 0, 6.2832);
+    cairo_fill(context_.get());
+  }
+  void Shown(const Caption& caption) {
+    Pen();
+    cairo_set_scaled_font(context_.get(), small_.Get());
+    const double width = small_.Width(caption.text);
+    const double before = caption.align == Align::Left    ? 0
+                          : caption.align == Align::Right ? width
+                                                          : width / 2;
+    small_.Show(context_.get(), caption.text, caption.x - before, caption.y, width);
   }
 
   const Report& report_;
   double width_, height_, size_, step_;
-  Font plain_, bold_, large_;
+  std::size_t picture_ = 0;  // lines of one
+  Font plain_, bold_, large_, small_;
   std::unique_ptr<cairo_surface_t, Destroy<cairo_surface_destroy>> surface_;
   std::unique_ptr<cairo_t, Destroy<cairo_destroy>> context_;
   std::vector<std::vector<std::size_t>> places_;

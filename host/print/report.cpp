@@ -1,6 +1,7 @@
 #include "host/print/report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <unordered_map>
 
@@ -14,11 +15,25 @@ constexpr int64_t kAhead = 1000;  // rows read at once
 constexpr std::size_t kMostNotes = 50;
 constexpr std::size_t kMostLines = 3'000'000;
 constexpr std::size_t kLongestText = 2000;  // characters of a cell
+constexpr std::size_t kMostPoints = 40 * kPointsAPicture;
+constexpr double kLargestPoint = 1e15;
+constexpr std::string_view kAmount = "#,##0.00";
 
 // A data set that the template reads, and the row of it that stands.
 struct Source {
   DataSet* set = nullptr;
   int64_t row = 0;
+  std::unordered_map<std::size_t, uint8_t> looks;  // as ReportRows keeps them
+};
+
+struct HashOfValue {
+  std::size_t operator()(const Value& value) const { return value.Hash(); }
+};
+
+// The rows of an inner set by their keys.
+struct Inner {
+  std::optional<std::size_t> source;
+  std::unordered_map<Value, std::vector<int64_t>, HashOfValue> rows;
 };
 
 // What a name of a formula stands for.
@@ -46,14 +61,14 @@ class Layout {
 
   Report Make() {
     for (std::size_t at = 0; at < form_.values.size(); ++at) {
-      const std::string& set = form_.values[at].set;
-      const bool walked = std::any_of(form_.sections.begin(), form_.sections.end(),
-                                      [&](const ReportSection& one) { return SameText(one.set, set); });
+      const bool walked = std::any_of(
+          form_.sections.begin(), form_.sections.end(),
+          [&](const ReportSection& one) { return LevelOf(one, form_.values[at].set).has_value(); });
       if (!walked) SumBeforehand(at);
     }
     for (const ReportText& subtitle : form_.subtitles) report_.subtitles.push_back(Print(subtitle, 0));
     for (const ReportSection& section : form_.sections) Walk(section);
-    for (const Source& source : sources_) Keep(*source.set);
+    for (Source& source : sources_) Keep(source);
     return std::move(report_);
   }
 
@@ -73,7 +88,7 @@ class Layout {
     }
     DataSet* set = input_.set ? input_.set(name) : nullptr;
     if (set == nullptr || !set->Active()) return std::nullopt;
-    sources_.push_back({set, 0});
+    sources_.push_back({set, 0, {}});
     return sources_.size() - 1;
   }
 
@@ -94,26 +109,44 @@ class Layout {
     if (SameText(name, "titulo")) return meaning.fixed = Value(form_.title), meaning;
     const std::size_t point = name.find('.');
     if (point == std::string::npos) {
-      if (const auto value = input_.control ? input_.control(name) : std::nullopt) {
-        meaning.fixed = *value;
-        return meaning;
-      }
-      meaning.kind = Meaning::Kind::Missing;
       meaning.why = name + " não é um valor nem um campo da tela";
-      return meaning;
-    }
-    const std::string set = name.substr(0, point);
-    if (const auto source = SourceOf(set)) {
+    } else if (const auto source = SourceOf(name.substr(0, point))) {
       meaning.kind = Meaning::Kind::Field;
       meaning.index = *source;
       meaning.field = sources_[*source].set->FindField(name.substr(point + 1));
       if (meaning.field != nullptr) return meaning;
-      meaning.why = "o campo " + name.substr(point + 1) + " não existe em " + set;
+      meaning.why = "o campo " + name.substr(point + 1) + " não existe em " + name.substr(0, point);
     } else {
-      meaning.why = "o conjunto " + set + " não existe ou está fechado";
+      meaning.why = "o conjunto " + name.substr(0, point) + " não existe ou está fechado";
     }
     meaning.kind = Meaning::Kind::Missing;
+    try {
+      if (AnswerOf(name)) {
+        meaning.fixed = Ask(name, {});
+        meaning.kind = Meaning::Kind::Fixed;
+      }
+    } catch (const std::exception& e) {
+      meaning.why = e.what();
+    }
     return meaning;
+  }
+
+  // What the screen answers to a name; a value is asked once. Raises what the screen does.
+  const std::optional<ReportAnswer>& AnswerOf(const std::string& name) {
+    auto [found, fresh] = answers_.try_emplace(name);
+    auto& answer = found->second;
+    if (fresh && input_.answer) answer = input_.answer(name);
+    if (fresh && answer && answer->parameters == 0) {
+      answer->work = [value = answer->work({})](std::span<const Value>) { return value; };
+    }
+    return answer;
+  }
+
+  Value Ask(const std::string& name, std::span<const Value> arguments) {
+    const auto& answer = AnswerOf(name);
+    if (!answer) throw FormulaError("a função " + name + " não existe");
+    RequireParameters(name, answer->parameters, arguments.size());
+    return answer->work(arguments);
   }
 
   const std::vector<Meaning>& MeaningsOf(const Formula& formula) {
@@ -127,8 +160,10 @@ class Layout {
 
   class Names : public Formula::Scope {
    public:
-    Names(const Layout& layout, const std::vector<Meaning>& meanings)
-        : layout_(layout), meanings_(meanings) {}
+    Names(Layout& layout, const std::vector<Meaning>& meanings) : layout_(layout), meanings_(meanings) {}
+    Value Call(const std::string& function, std::span<const Value> arguments) const override {
+      return layout_.Ask(function, arguments);
+    }
     Value Name(std::size_t name) const override {
       const Meaning& meaning = meanings_[name];
       switch (meaning.kind) {
@@ -148,7 +183,7 @@ class Layout {
     }
 
    private:
-    const Layout& layout_;
+    Layout& layout_;
     const std::vector<Meaning>& meanings_;
   };
 
@@ -215,8 +250,25 @@ class Layout {
 
   // --- A section.
 
+  // The level of a set's rows in a section, nothing where it isn't in it.
+  static std::optional<std::size_t> LevelOf(const ReportSection& section, std::string_view set) {
+    if (SameText(section.set, set)) return 0;
+    for (std::size_t at = 0; at < section.inner.size(); ++at) {
+      if (SameText(section.inner[at].set, set)) return at + 1;
+    }
+    return std::nullopt;
+  }
+
   void Walk(const ReportSection& section) {
-    const auto number = static_cast<uint16_t>(report_.columns.size());
+    section_ = &section;
+    number_ = static_cast<uint16_t>(report_.columns.size());
+    own_.assign(section.inner.size() + 1, {});
+    for (std::size_t at = 0; at < form_.values.size(); ++at) {
+      const auto level = LevelOf(section, form_.values[at].set);
+      if (!level) continue;
+      own_[*level].push_back(at);
+      sums_[at] = Value(Currency());
+    }
     report_.columns.push_back(section.columns);
     report_.headings.push_back(section.heading);
     const auto source = SourceOf(section.set);
@@ -224,17 +276,16 @@ class Layout {
       Note(section.line, "o conjunto " + section.set + " não existe ou está fechado");
       return;
     }
-    std::vector<std::size_t> own;
-    for (std::size_t at = 0; at < form_.values.size(); ++at) {
-      if (!SameText(form_.values[at].set, section.set)) continue;
-      own.push_back(at);
-      sums_[at] = Value(Currency());
-    }
+    level_source_.assign(1, *source);
+    inner_.clear();
+    for (const ReportInner& one : section.inner) inner_.push_back(IndexOf(one));
+    if (section.chart) BeginPictures(*section.chart);
     const int64_t count = sources_[*source].set->DisplayCount();
     if (count > 0) Stand(*source, 0, count);
-    Bands(section, number, BandKind::Head, 0);
+    Bands(BandKind::Head);
 
     std::vector<Value> keys(section.groups.size());
+    std::vector<std::size_t> sizes(section.groups.size());
     for (int64_t row = 0; row < count; ++row) {
       Stand(*source, row, count);
       std::size_t changed = row == 0 ? 0 : section.groups.size();
@@ -245,58 +296,142 @@ class Layout {
       }
       if (row > 0 && changed < section.groups.size()) {
         sources_[*source].row = row - 1;
-        Close(section, number, changed, own);
+        Close(changed, sizes);
         sources_[*source].row = row;
       }
       std::swap(keys, fresh_keys_);
       fresh_keys_.clear();
-      for (std::size_t at = changed; at < section.groups.size(); ++at) {
+      for (std::size_t at = 0; at < section.groups.size(); ++at) {
+        ++sizes[at];
+        if (at < changed) continue;
         // The first group stands on the first page anyway.
         new_page_ = new_page_ || (row > 0 && section.groups[at].new_page);
-        Bands(section, number, BandKind::GroupHead, at);
+        Bands(BandKind::GroupHead, 0, at);
       }
-      for (const std::size_t value : own) Add(value);
-      Bands(section, number, BandKind::Detail, 0);
+      for (const std::size_t value : own_[0]) Add(value);
+      if (section.chart) Point(*section.chart);
+      Bands(BandKind::Detail);
+      Under(0);
     }
     if (count > 0) {
       sources_[*source].row = count - 1;
-      Close(section, number, 0, own);
+      Close(0, sizes);
     }
-    Bands(section, number, BandKind::Foot, 0);
+    Bands(BandKind::Foot);
+    if (section.chart) EndPictures(static_cast<std::size_t>(count));
     // Of several sections one with nothing to print is left out, titles and all.
-    if (form_.sections.size() > 1 && (report_.lines.empty() || report_.lines.back().section != number)) {
+    const bool drawn = !report_.pictures.empty() && report_.pictures.back().section == number_;
+    if (!drawn && form_.sections.size() > 1 &&
+        (report_.lines.empty() || report_.lines.back().section != number_)) {
       report_.columns.pop_back();
       report_.headings.pop_back();
     }
   }
 
-  // The feet of the groups from the innermost to `outermost`, whose sums begin anew.
-  void Close(const ReportSection& section, uint16_t number, std::size_t outermost,
-             const std::vector<std::size_t>& own) {
-    for (std::size_t at = section.groups.size(); at-- > outermost;) {
-      Bands(section, number, BandKind::GroupFoot, at);
-      for (const std::size_t value : own) {
-        if (SameText(form_.values[value].group, section.groups[at].name)) sums_[value] = Value(Currency());
+  // The feet of the groups from the innermost to `outermost`, whose sums and sizes begin anew.
+  void Close(std::size_t outermost, std::vector<std::size_t>& sizes) {
+    for (std::size_t at = section_->groups.size(); at-- > outermost;) {
+      Bands(BandKind::GroupFoot, 0, at, std::exchange(sizes[at], 0) > 1);
+      Anew(section_->groups[at].name);
+    }
+  }
+
+  // The sums of a group or of an inner set.
+  void Anew(std::string_view group) {
+    for (const auto& values : own_) {
+      for (const std::size_t value : values) {
+        if (SameText(form_.values[value].group, group)) sums_[value] = Value(Currency());
       }
     }
   }
 
-  void Bands(const ReportSection& section, uint16_t number, BandKind kind, std::size_t group) {
-    for (const Band& band : section.bands) {
-      if (band.kind != kind ||
-          (band.group != group && (kind == BandKind::GroupHead || kind == BandKind::GroupFoot))) {
-        continue;
+  // --- Rows under rows.
+
+  // A blank text is none, as it is where a row has no such key.
+  static Value Key(const Value& value) {
+    return value.IsText() ? Trim(value.Text()).empty() ? Value() : Value(Trim(value.Text())) : value;
+  }
+
+  Inner IndexOf(const ReportInner& form) {
+    Inner inner{SourceOf(form.set), {}};
+    level_source_.push_back(inner.source.value_or(0));
+    if (!inner.source) {
+      Note(form.line, "o conjunto " + form.set + " não existe ou está fechado");
+      return inner;
+    }
+    const int64_t count = sources_[*inner.source].set->DisplayCount();
+    for (int64_t row = 0; row < count; ++row) {
+      Stand(*inner.source, row, count);
+      if (const auto key = Work(form.key, form.line)) inner.rows[Key(*key)].push_back(row);
+    }
+    sources_[*inner.source].row = 0;
+    return inner;
+  }
+
+  // The rows of the inner sets that stand under the present row of a level.
+  void Under(std::size_t level) {
+    for (std::size_t at = 0; at < inner_.size(); ++at) {
+      const ReportInner& form = section_->inner[at];
+      if (form.under != level || !inner_[at].source || Full()) continue;
+      const auto wanted = Work(form.wanted, form.line);
+      const auto found = wanted ? inner_[at].rows.find(Key(*wanted)) : inner_[at].rows.end();
+      if (found == inner_[at].rows.end()) continue;
+      Anew(form.set);
+      sources_[*inner_[at].source].row = found->second[0];
+      Bands(BandKind::Head, at + 1);
+      for (const int64_t row : found->second) {
+        sources_[*inner_[at].source].row = row;
+        for (const std::size_t value : own_[at + 1]) Add(value);
+        Bands(BandKind::Detail, at + 1);
+        Under(at + 1);
+        if (Full()) return;
       }
+      Bands(BandKind::Foot, at + 1, 0, found->second.size() > 1);
+      sources_[*inner_[at].source].row = 0;
+    }
+  }
+
+  // --- Bands.
+
+  bool Full() const { return report_.lines.size() >= kMostLines; }
+
+  uint8_t StyleOf(const Look& look, int line) {
+    for (const Look::Case& one : look.cases) {
+      if (IsTrue(Work(one.when, line).value_or(Value()))) return one.style;
+    }
+    return look.otherwise;
+  }
+
+  // The spreadsheet has the rows as they are: there the look falls to the fields that the cell names.
+  void KeepLook(const BandCell& cell, std::size_t level, uint8_t style) {
+    const std::size_t at = level_source_[level];
+    for (const ReportText::Piece& piece : cell.text.Pieces()) {
+      if (!piece.formula) continue;
+      for (const Meaning& meaning : MeaningsOf(*piece.formula)) {
+        if (meaning.kind != Meaning::Kind::Field || meaning.index != at) continue;
+        Source& source = sources_[at];
+        const auto& fields = source.set->Fields();
+        const auto field = std::find(fields.begin(), fields.end(), meaning.field) - fields.begin();
+        source.looks[static_cast<std::size_t>(source.row) * fields.size() + static_cast<std::size_t>(field)] =
+            style;
+      }
+    }
+  }
+
+  void Bands(BandKind kind, std::size_t level = 0, std::size_t group = 0, bool several = true) {
+    for (const Band& band : section_->bands) {
+      if (band.kind != kind || band.level != level || band.group != group || (band.several && !several))
+        continue;
       // A condition that can't be worked out hides nothing.
       if (band.when && !IsTrue(Work(*band.when, band.line).value_or(Value(1)))) continue;
-      const bool first = !band.style_when || IsTrue(Work(*band.style_when, band.line).value_or(Value()));
+      const uint8_t style = StyleOf(band.look, band.line);
       for (const auto& [cells, line] : band.lines) {
-        if (report_.lines.size() >= kMostLines) {
+        if (Full()) {
           Note(line, "o relatório passa de " + std::to_string(kMostLines) + " linhas; o resto ficou de fora");
           return;
         }
-        ReportLine printed{number,
-                           first ? band.style : band.style_else,
+        ReportLine printed{number_,
+                           style,
                            std::exchange(new_page_, false),
                            kind == BandKind::Head || kind == BandKind::GroupHead,
                            kind == BandKind::Foot || kind == BandKind::GroupFoot,
@@ -304,17 +439,86 @@ class Layout {
         printed.cells.reserve(cells.size());
         for (const BandCell& cell : cells) {
           std::string text = Print(cell.text, line);
-          if (text.empty()) continue;
+          const uint8_t look = StyleOf(cell.look, line);
+          if (look != kPlain && kind == BandKind::Detail) KeepLook(cell, level, look);
+          if (text.empty() && look == kPlain) continue;
           printed.cells.push_back(
-              {std::move(text), static_cast<uint16_t>(cell.column), static_cast<uint16_t>(cell.span)});
+              {std::move(text), static_cast<uint16_t>(cell.column), static_cast<uint16_t>(cell.span), look});
         }
         report_.lines.push_back(std::move(printed));
       }
     }
   }
 
-  void Keep(DataSet& set) {
+  // --- Pictures.
+
+  // Without columns of its own a picture's rows stand in a table of what it shows.
+  void BeginPictures(const ReportChart& chart) {
+    points_ = {};
+    points_.section = number_;
+    for (const ReportChart::Series& one : chart.series) points_.series.push_back({one.title, one.bars, {}});
+    if (!section_->columns.empty()) return;
+    auto& columns = report_.columns.back();
+    columns.push_back({"", 30, Align::Left});
+    for (const ReportChart::Series& one : chart.series) columns.push_back({one.title, 18, Align::Right});
+  }
+
+  void Point(const ReportChart& chart) {
+    const bool table = section_->columns.empty() && !Full();
+    const bool drawn = points_.labels.size() < kMostPoints;
+    if (!table && !drawn) return;
+    std::string label = Print(chart.label, chart.line);
+    ReportLine line{number_, kPlain, false, false, false, {{label, 0, 1, kPlain}}};
+    for (std::size_t at = 0; at < chart.series.size(); ++at) {
+      const auto value = Work(chart.series[at].formula, chart.line);
+      const bool blank = value && Key(*value).IsNull();
+      std::optional<double> point;
+      try {
+        if (value && !blank) point = value->AsFloat();
+      } catch (const std::exception& e) {
+        Note(chart.line, e.what());
+      }
+      if (point && !(std::abs(*point) <= kLargestPoint)) point.reset();
+      if (drawn) points_.series[at].values.push_back(point);
+      if (point) points_.low = std::min(points_.low, *point), points_.high = std::max(points_.high, *point);
+      if (!blank) {
+        line.cells.push_back({value ? FormatValue(*value, kAmount) : std::string(kFault),
+                              static_cast<uint16_t>(at + 1), 1, kPlain});
+      }
+    }
+    if (drawn) points_.labels.push_back(std::move(label));
+    if (!table) return;
+    line.new_page = std::exchange(new_page_, false);
+    report_.lines.push_back(std::move(line));
+  }
+
+  // Parts the points into pictures.
+  void EndPictures(std::size_t rows) {
+    const std::size_t count = points_.labels.size();
+    if (rows > count)
+      Note(section_->chart->line,
+           "o gráfico passa de " + std::to_string(kMostPoints) + " pontos; o resto ficou de fora");
+    for (std::size_t from = 0; from < count; from += kPointsAPicture) {
+      const std::size_t to = std::min(from + kPointsAPicture, count);
+      const auto part = [&](const auto& whole) {
+        return std::vector(whole.begin() + static_cast<std::ptrdiff_t>(from),
+                           whole.begin() + static_cast<std::ptrdiff_t>(to));
+      };
+      ReportPicture picture{number_, "", part(points_.labels), {}, points_.low, points_.high};
+      if (count > kPointsAPicture) {
+        picture.part = "Pontos " + std::to_string(from + 1) + " a " + std::to_string(to) + " de " +
+                       std::to_string(count);
+      }
+      for (const auto& one : points_.series)
+        picture.series.push_back({one.title, one.bars, part(one.values)});
+      report_.pictures.push_back(std::move(picture));
+    }
+  }
+
+  void Keep(Source& source) {
+    DataSet& set = *source.set;
     ReportRows kept;
+    kept.looks = std::move(source.looks);
     kept.set = set.Name();
     for (const Field* field : set.Fields()) {
       kept.fields.push_back(field->Name());
@@ -338,7 +542,15 @@ class Layout {
   std::vector<Source> sources_;
   std::vector<Value> sums_;
   std::unordered_map<const Formula*, std::vector<Meaning>> meanings_;
+  std::unordered_map<std::string, std::optional<ReportAnswer>, NameHash, NameEqual> answers_;
   std::set<std::string> noted_;
+  // The section that is walked, the sources of its levels, the values of each level.
+  const ReportSection* section_ = nullptr;
+  uint16_t number_ = 0;
+  std::vector<std::size_t> level_source_;
+  std::vector<std::vector<std::size_t>> own_;
+  std::vector<Inner> inner_;
+  ReportPicture points_;
   std::vector<Value> fresh_keys_;
   bool new_page_ = false;
 };
@@ -348,7 +560,7 @@ class Layout {
 std::size_t Report::Size() const {
   std::size_t size = 0;
   for (const ReportLine& line : lines) size += line.cells.size();
-  for (const ReportRows& set : sets) size += set.rows.size() * set.fields.size();
+  for (const ReportRows& set : sets) size += set.rows.size() * set.fields.size() + set.looks.size();
   return size;
 }
 

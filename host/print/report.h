@@ -5,10 +5,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/print/report_template.h"
 #include "toolkit/dataset.h"
+#include "toolkit/report_answers.h"
 
 namespace orv {
 
@@ -18,14 +20,15 @@ struct ReportInput {
   DateTime now;
   // A data set by its name, null for none.
   std::function<DataSet*(std::string_view)> set;
-  // What a control of the screen holds, by its name.
-  std::function<std::optional<Value>(std::string_view)> control;
+  // What the screen answers to a name that the report doesn't know.
+  std::function<std::optional<ReportAnswer>(std::string_view)> answer;
 };
 
 struct ReportCell {
   std::string text;
   uint16_t column = 0;
   uint16_t span = 1;
+  uint8_t style = kPlain;  // beside the line's
 };
 
 struct ReportLine {
@@ -43,7 +46,26 @@ struct ReportRows {
   std::vector<std::string> fields;
   std::vector<FieldType> types;
   std::vector<std::vector<Value>> rows;
+  // The looks of cells other than plain, by row * fields + field.
+  std::unordered_map<std::size_t, uint8_t> looks;
 };
+
+// A picture above a section's lines: so many points of its rows.
+struct ReportPicture {
+  struct Series {
+    std::string title;
+    bool bars = true;                           // else a line
+    std::vector<std::optional<double>> values;  // of each point
+  };
+  uint16_t section = 0;
+  std::string part;  // which points of several pictures these are
+  std::vector<std::string> labels;
+  std::vector<Series> series;
+  // The least and the most of the whole section, for one scale on all its pictures.
+  double low = 0, high = 0;
+};
+
+inline constexpr std::size_t kPointsAPicture = 15;
 
 struct Report {
   std::string identifier, title, company, user;
@@ -54,6 +76,7 @@ struct Report {
   std::vector<std::vector<ReportColumn>> columns;
   std::vector<std::string> headings;
   std::vector<ReportLine> lines;
+  std::vector<ReportPicture> pictures;
   std::vector<ReportRows> sets;
   // What couldn't be read or worked out, each once.
   std::vector<std::string> notes;

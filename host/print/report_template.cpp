@@ -1,6 +1,7 @@
 #include "host/print/report_template.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include "toolkit/text.h"
@@ -14,6 +15,8 @@ constexpr std::size_t kLongestFormat = 60;  // bytes
 constexpr std::size_t kMostColumns = 60;
 constexpr std::size_t kMostSubtitles = 20;
 constexpr std::size_t kMostGroups = 20;
+constexpr std::size_t kMostInner = 9;
+constexpr std::size_t kMostSeries = 3;
 constexpr std::size_t kMostErrors = 50;
 constexpr int kWidest = 200;
 
@@ -28,8 +31,9 @@ std::string TakeWord(std::string_view& rest) {
   return word;
 }
 
-// The place of " word " outside quotes, npos without one.
-std::size_t FindWord(std::string_view text, std::string_view word) {
+// The first place outside quotes where `here` says so, npos without one.
+template <class Here>
+std::size_t FindUnquoted(std::string_view text, Here here) {
   char quote = 0;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char c = text[at];
@@ -37,34 +41,59 @@ std::size_t FindWord(std::string_view text, std::string_view word) {
       if (c == quote) quote = 0;
     } else if (c == '"' || c == '\'') {
       quote = c;
-    } else if ((at == 0 || text[at - 1] == ' ') && text.substr(at, word.size()) == word &&
-               (at + word.size() == text.size() || text[at + word.size()] == ' ')) {
+    } else if (here(at)) {
       return at;
     }
   }
   return std::string_view::npos;
 }
 
+std::size_t FindSign(std::string_view text, char sign) {
+  return FindUnquoted(text, [&](std::size_t at) { return text[at] == sign; });
+}
+
+// The place of " word ".
+std::size_t FindWord(std::string_view text, std::string_view word) {
+  return FindUnquoted(text, [&](std::size_t at) {
+    return (at == 0 || text[at - 1] == ' ') && text.substr(at, word.size()) == word &&
+           (at + word.size() == text.size() || text[at + word.size()] == ' ');
+  });
+}
+
 uint8_t ReadStyle(std::string_view text) {
+  constexpr std::array<std::pair<std::string_view, uint8_t>, 9> kStyles{{{"normal", kPlain},
+                                                                         {"negrito", kBold},
+                                                                         {"italico", kItalic},
+                                                                         {"alerta", kAlert},
+                                                                         {"aviso", kWarning},
+                                                                         {"apagado", kMuted},
+                                                                         {"sombra", kShade},
+                                                                         {"destaque", kMark},
+                                                                         {"linha", kRule}}};
   uint8_t style = kPlain;
   for (const std::string& part : Split(text, "+")) {
     const std::string_view name = Trim(part);
-    if (name == "normal") continue;
-    if (name == "negrito") {
-      style |= kBold;
-    } else if (name == "italico") {
-      style |= kItalic;
-    } else if (name == "alerta") {
-      style |= kAlert;
-    } else if (name == "sombra") {
-      style |= kShade;
-    } else if (name == "linha") {
-      style |= kRule;
-    } else {
-      Wrong("o estilo \"" + std::string(name) + "\" não existe");
-    }
+    const auto found =
+        std::find_if(kStyles.begin(), kStyles.end(), [&](const auto& one) { return one.first == name; });
+    if (found == kStyles.end()) Wrong("o estilo \"" + std::string(name) + "\" não existe");
+    style |= found->second;
   }
   return style;
+}
+
+// A | FÓRMULA ? A : FÓRMULA ? B : C
+Look ReadLook(std::string_view text) {
+  Look look;
+  for (std::size_t mark = 0; (mark = FindSign(text, '?')) != std::string_view::npos;) {
+    Formula when = Formula::Parse(text.substr(0, mark));
+    text.remove_prefix(mark + 1);
+    const std::size_t other = text.find(':');
+    if (other == std::string_view::npos) Wrong("falta o \":\" do estilo");
+    look.cases.push_back({std::move(when), ReadStyle(text.substr(0, other))});
+    text.remove_prefix(other + 1);
+  }
+  look.otherwise = ReadStyle(text);
+  return look;
 }
 
 class Reader {
@@ -127,8 +156,15 @@ class Reader {
       ReadValue(rest);
     } else if (word == "grupo") {
       ReadGroup(rest);
+    } else if (word == "subdados") {
+      ReadInner(rest);
     } else if (word == "coluna") {
       ReadColumn(rest);
+    } else if (word == "grafico") {
+      if (Section().chart) Wrong("a seção já tem um gráfico");
+      Section().chart = ReportChart{ReportText::Parse(rest), {}, line_};
+    } else if (word == "barras" || word == "curva") {
+      ReadSeries(word == "barras", rest);
     } else if (word == "cabecalho" || word == "detalhe" || word == "rodape") {
       ReadBand(word, rest);
     } else {
@@ -161,7 +197,7 @@ class Reader {
     }
     if (SameText(value.group, "relatorio")) value.group.clear();
     if (value.set.empty()) value.set = Section().set;
-    if (!value.group.empty()) GroupIndex(value.group);
+    if (!value.group.empty() && Level(value.group) == 0) GroupIndex(value.group);
     result_.values.push_back(std::move(value));
   }
 
@@ -171,6 +207,47 @@ class Reader {
                                     [&](const ReportGroup& one) { return SameText(one.name, name); });
     if (found == groups.end()) Wrong("o grupo " + name + " não existe");
     return static_cast<std::size_t>(found - groups.begin());
+  }
+
+  // The level of an inner set of the section, 0 for none of that name.
+  std::size_t Level(std::string_view set) {
+    const auto& inner = Section().inner;
+    const auto found = std::find_if(inner.begin(), inner.end(),
+                                    [&](const ReportInner& one) { return SameText(one.set, set); });
+    return found == inner.end() ? 0 : static_cast<std::size_t>(found - inner.begin()) + 1;
+  }
+
+  // subdados CONJUNTO [em CONJUNTO] onde FÓRMULA = FÓRMULA
+  void ReadInner(std::string_view rest) {
+    const std::size_t where = FindWord(rest, "onde");
+    if (where == std::string_view::npos) Wrong("falta o \"onde\" de subdados");
+    std::string_view head = rest.substr(0, where);
+    const std::string_view tie = rest.substr(where + 4);
+    const std::size_t sign = FindSign(tie, '=');
+    if (sign == std::string_view::npos) Wrong("falta o \"=\" de subdados");
+    ReportInner inner{TakeWord(head), 0, Formula::Parse(tie.substr(0, sign)),
+                      Formula::Parse(tie.substr(sign + 1)), line_};
+    if (inner.set.empty()) Wrong("falta o nome do conjunto de dados");
+    if (SameText(inner.set, Section().set) || Level(inner.set) > 0)
+      Wrong("o conjunto " + inner.set + " já está na seção");
+    if (!head.empty()) {
+      const std::string word = TakeWord(head);
+      inner.under = Level(head);
+      if (word != "em" || (inner.under == 0 && !SameText(head, Section().set)))
+        Wrong("esperava-se \"em\" e um conjunto da seção");
+    }
+    if (Section().inner.size() >= kMostInner) Wrong("há subdados demais");
+    Section().inner.push_back(std::move(inner));
+  }
+
+  // barras|curva TÍTULO = FÓRMULA
+  void ReadSeries(bool bars, std::string_view rest) {
+    const std::size_t sign = rest.find('=');
+    if (sign == std::string_view::npos) Wrong("falta o \"=\" da série");
+    if (!Section().chart) Wrong("falta antes a linha \"grafico\"");
+    auto& series = Section().chart->series;
+    if (series.size() >= kMostSeries) Wrong("há séries demais");
+    series.push_back({std::string(Trim(rest.substr(0, sign))), Formula::Parse(rest.substr(sign + 1)), bars});
   }
 
   // grupo NOME [pagina] = FÓRMULA
@@ -208,42 +285,37 @@ class Reader {
     Section().columns.push_back(std::move(column));
   }
 
-  // cabecalho|rodape [GRUPO] | detalhe, [se FÓRMULA] [estilo A | estilo FÓRMULA ? A : B]
+  // cabecalho [GRUPO] | detalhe [CONJUNTO] | rodape [GRUPO [varias]], [se FÓRMULA] [estilo LOOK]
   void ReadBand(const std::string& word, std::string_view rest) {
     Band band;
     band.line = line_;
-    std::string_view look;
     if (const std::size_t at = FindWord(rest, "estilo"); at != std::string_view::npos) {
-      look = Trim(rest.substr(at + 6));
-      rest = Trim(rest.substr(0, at));
+      band.look = ReadLook(rest.substr(at + 6));
+      rest = rest.substr(0, at);
     }
     if (const std::size_t at = FindWord(rest, "se"); at != std::string_view::npos) {
       band.when = Formula::Parse(rest.substr(at + 2));
-      rest = Trim(rest.substr(0, at));
+      rest = rest.substr(0, at);
     }
+    const std::string name = TakeWord(rest);
+    band.level = Level(name);
+    const bool grouped = !name.empty() && band.level == 0;
     if (word == "detalhe") {
-      if (!rest.empty()) Wrong("não se esperava \"" + std::string(rest) + "\"");
+      if (grouped) Wrong("o conjunto " + name + " não está nos subdados da seção");
+    } else if (word == "cabecalho") {
+      band.kind = grouped ? BandKind::GroupHead : BandKind::Head;
     } else {
-      band.kind = word == "cabecalho" ? BandKind::Head : BandKind::Foot;
-      if (!rest.empty()) {
-        band.group = GroupIndex(std::string(rest));
-        band.kind = word == "cabecalho" ? BandKind::GroupHead : BandKind::GroupFoot;
-      }
+      band.kind = grouped ? BandKind::GroupFoot : BandKind::Foot;
+      band.several = !name.empty() && rest == "varias";
+      if (band.several) rest = {};
     }
-    if (const std::size_t mark = look.find('?'); mark != std::string_view::npos) {
-      const std::size_t other = look.find(':', mark);
-      if (other == std::string_view::npos) Wrong("falta o \":\" do estilo");
-      band.style_when = Formula::Parse(look.substr(0, mark));
-      band.style = ReadStyle(look.substr(mark + 1, other - mark - 1));
-      band.style_else = ReadStyle(look.substr(other + 1));
-    } else if (!look.empty()) {
-      band.style = ReadStyle(look);
-    }
+    if (grouped) band.group = GroupIndex(name);
+    if (!rest.empty()) Wrong("não se esperava \"" + std::string(rest) + "\"");
     Section().bands.push_back(std::move(band));
     band_ = &Section().bands.back();
   }
 
-  // | texto | [Conjunto.Campo] | < |     A cell with "<" is joined to the one before it.
+  // | texto | {LOOK} [Conjunto.Campo] | < |     A cell with "<" is joined to the one before it.
   std::vector<BandCell> Cells(std::string_view line) {
     std::vector<std::string> texts(1);
     for (std::size_t at = 1; at < line.size(); ++at) {
@@ -263,10 +335,23 @@ class Reader {
       if (text == "<" && !cells.empty()) {
         ++cells.back().span;
       } else {
-        cells.push_back({ReportText::Parse(text), column, 1});
+        cells.push_back(Cell(text, column));
       }
     }
     return cells;
+  }
+
+  static BandCell Cell(std::string_view text, std::size_t column) {
+    Look look;
+    if (text.starts_with("{{")) {
+      text.remove_prefix(1);
+    } else if (text.starts_with('{')) {
+      const std::size_t end = FindSign(text, '}');
+      if (end == std::string_view::npos) Wrong("falta o \"}\" do estilo");
+      look = ReadLook(text.substr(1, end - 1));
+      text = Trim(text.substr(end + 1));
+    }
+    return {ReportText::Parse(text), std::move(look), column, 1};
   }
 
   ReportTemplate& result_;

@@ -1,5 +1,5 @@
-// A report's template: what a person writes in a text file, read into data sets, values, groups, columns and
-// bands. docs/relatorios.md tells the language.
+// A report's template: what a person writes in a text file, read into data sets, values, groups, columns,
+// bands and pictures. docs/relatorios.md tells the language.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,28 @@ namespace orv {
 
 enum class Align : uint8_t { Left, Center, Right };
 
-// Bits of a line's look.
-enum Style : uint8_t { kPlain = 0, kBold = 1, kItalic = 2, kAlert = 4, kShade = 8, kRule = 16 };
+// Bits of the look of a line or a cell. Of several colours the first one of alert, warning and muted counts.
+enum Style : uint8_t {
+  kPlain = 0,
+  kBold = 1,
+  kItalic = 2,
+  kAlert = 4,
+  kShade = 8,
+  kRule = 16,
+  kMuted = 32,
+  kWarning = 64,
+  kMark = 128
+};
+
+// A look by formulas: that of the first one that holds, else the last one.
+struct Look {
+  struct Case {
+    Formula when;
+    uint8_t style = kPlain;
+  };
+  std::vector<Case> cases;
+  uint8_t otherwise = kPlain;
+};
 
 // A text with values in brackets: "Período de [TbRelatorio.Data_ini] até [:<dd/mm/yy>TbRelatorio.Data_fim]".
 // "[[" is a bracket.
@@ -42,6 +62,7 @@ struct ReportColumn {
 
 struct BandCell {
   ReportText text;
+  Look look;
   std::size_t column = 0;
   std::size_t span = 1;
 };
@@ -56,11 +77,12 @@ enum class BandKind : uint8_t { Head, GroupHead, Detail, GroupFoot, Foot };
 // Lines that are printed together, where the condition holds.
 struct Band {
   BandKind kind = BandKind::Detail;
+  std::size_t level = 0;  // of the rows: the section's own, else that of an inner set, from 1
   std::size_t group = 0;  // of the section's groups
+  // Only where the group, or what stands under a row, has more than one row.
+  bool several = false;
   std::optional<Formula> when;
-  // The look where the condition holds, and where it doesn't; without a condition the first one.
-  std::optional<Formula> style_when;
-  uint8_t style = kPlain, style_else = kPlain;
+  Look look;
   std::vector<BandLine> lines;
   int line = 0;  // of the file
 };
@@ -72,11 +94,32 @@ struct ReportGroup {
   int line = 0;
 };
 
+// Rows of another set that stand under each row of a section, or under each of such rows.
+struct ReportInner {
+  std::string set;
+  std::size_t under = 0;  // the level of the rows above
+  // Those rows whose key is what `wanted` gives for the row above.
+  Formula key, wanted;
+  int line = 0;
+};
+
+// A picture of a section's rows: a point a row.
+struct ReportChart {
+  struct Series {
+    std::string title;
+    Formula formula;
+    bool bars = true;  // else a line
+  };
+  ReportText label;
+  std::vector<Series> series;
+  int line = 0;
+};
+
 // A sum over the rows of a data set.
 struct ReportValue {
   std::string name;
   std::string set;
-  // The group with which it begins anew; empty for the whole report.
+  // The group, or the inner set, with which it begins anew; empty for the whole report.
   std::string group;
   Formula formula;
   int line = 0;
@@ -88,6 +131,8 @@ struct ReportSection {
   std::string heading;
   std::vector<ReportColumn> columns;
   std::vector<ReportGroup> groups;
+  std::vector<ReportInner> inner;
+  std::optional<ReportChart> chart;
   std::vector<Band> bands;
   int line = 0;
 };

@@ -1,7 +1,10 @@
 #include "host/print/writers.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
+#include "host/print/chart.h"
 #include "host/print/format.h"
 #include "toolkit/text.h"
 
@@ -9,7 +12,8 @@ namespace orv {
 namespace {
 
 constexpr std::size_t kTextLines = 60;  // of a page of text, without its head
-constexpr std::size_t kNarrowest = 60;
+// The narrowest sheets of text, upright and lying.
+constexpr std::size_t kNarrow = 60, kBroad = 132;
 
 constexpr std::string_view kStyle = R"css(
 :root { color-scheme: light; }
@@ -23,12 +27,18 @@ table { border-collapse: collapse; width: 100%; font-variant-numeric: tabular-nu
 th { text-align: left; border-bottom: 1px solid #51616c; padding: 4px 6px; vertical-align: bottom; }
 td { padding: 3px 6px; vertical-align: top; overflow-wrap: break-word; border-bottom: 1px solid #e6eaed; }
 .d { text-align: right; } td.d, td.n { white-space: nowrap; overflow-wrap: normal; } .c { text-align: center; }
-.b td { font-weight: 600; } .i td { font-style: italic; } .a td { color: #9b1c1c; } .s td { background: #eef2f4; }
-.r td { border-top: 1px solid #51616c; }
+.b td, td.b { font-weight: 600; } .i td, td.i { font-style: italic; }
+.m td, td.m { color: #51616c; } .w td, td.w { color: #7a4a00; } .a td, td.a { color: #9b1c1c; }
+.s td, td.s { background: #eef2f4; } .h td, td.h { background: #fdf0c8; }
+.r td, td.r { border-top: 1px solid #51616c; }
+figure { margin: 0 0 12px; } svg { display: block; width: 100%; height: auto; font-family: system-ui, sans-serif; }
 .notes { margin-top: 18px; border-left: 3px solid #a15c00; padding-left: 10px; color: #5f3b00; }
 @media print {
-  @page { margin: 12mm; @bottom-right { content: "Página " counter(page) " de " counter(pages); font: 8px system-ui, sans-serif; } }
-  body { margin: 0; font-size: 9px; }
+  @page { size: A4; margin: 12mm; @bottom-right { content: "Página " counter(page) " de " counter(pages); font: 8px system-ui, sans-serif; } }
+  @page lying { size: A4 landscape; }
+  .lying { page: lying; }
+  body { margin: 0; font-size: 9px; -webkit-print-color-adjust: exact; print-color-adjust: exact; }
+  figure { break-inside: avoid; }
   thead { display: table-header-group; }
   tr { break-inside: avoid; }
   .np { break-before: page; }
@@ -63,7 +73,7 @@ std::string Escaped(std::string_view text) {
 }
 
 std::string_view AlignClass(Align align) {
-  return align == Align::Right ? " class=\"d\"" : align == Align::Center ? " class=\"c\"" : "";
+  return align == Align::Right ? "d" : align == Align::Center ? "c" : "";
 }
 
 // A code isn't broken at its signs; a sentence and what is longer than any code may be.
@@ -72,18 +82,77 @@ bool IsCode(const ReportCell& cell) {
   return cell.span == 1 && cell.text.size() <= kLongestCode && cell.text.find(' ') == std::string::npos;
 }
 
-std::string LineClasses(const ReportLine& line) {
+// The attribute of an element with a look and one more class, "" for none.
+std::string Classes(uint8_t style, std::string_view more) {
   std::string classes;
-  const auto add = [&](bool on, const char* name) {
+  const auto add = [&](bool on, std::string_view name) {
     if (on) classes += (classes.empty() ? "" : " ") + std::string(name);
   };
-  add((line.style & kBold) != 0, "b");
-  add((line.style & kItalic) != 0, "i");
-  add((line.style & kAlert) != 0, "a");
-  add((line.style & kShade) != 0, "s");
-  add((line.style & kRule) != 0, "r");
-  add(line.new_page, "np");
+  add((style & kBold) != 0, "b");
+  add((style & kItalic) != 0, "i");
+  add((style & kMuted) != 0, "m");
+  add((style & kWarning) != 0, "w");
+  add((style & kAlert) != 0, "a");
+  add((style & kShade) != 0, "s");
+  add((style & kMark) != 0, "h");
+  add((style & kRule) != 0, "r");
+  add(!more.empty(), more);
   return classes.empty() ? "" : " class=\"" + classes + "\"";
+}
+
+// --- Pictures as they stand in a page.
+
+std::string Tenth(double number) {
+  std::array<char, 32> text{};
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 1).ptr;
+  return {text.data(), end};
+}
+
+std::string Painted(std::string_view attribute, Ink ink) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text = " " + std::string(attribute) + "=\"#";
+  for (int bits = 20; bits >= 0; bits -= 4) text += kDigits[(ColourOf(ink) >> bits) & 15];
+  return text + "\"";
+}
+
+struct Svg {
+  std::string& html;
+  double font;
+
+  void operator()(const Box& box) const {
+    html += "<rect x=\"" + Tenth(box.x) + "\" y=\"" + Tenth(box.y) + "\" width=\"" + Tenth(box.width) +
+            "\" height=\"" + Tenth(box.height) + "\"" + Painted("fill", box.ink) + "/>";
+  }
+  void operator()(const Stroke& stroke) const {
+    html += "<polyline fill=\"none\" points=\"";
+    for (const auto& [x, y] : stroke.points) html += Tenth(x) + "," + Tenth(y) + " ";
+    html += "\" stroke-width=\"" + Tenth(stroke.width) + "\"" + Painted("stroke", stroke.ink);
+    if (stroke.dashed) html += " stroke-dasharray=\"" + Tenth(font * 0.6) + "\"";
+    html += "/>";
+  }
+  void operator()(const Dot& dot) const {
+    html += "<circle cx=\"" + Tenth(dot.x) + "\" cy=\"" + Tenth(dot.y) + "\" r=\"" + Tenth(dot.radius) +
+            "\"" + Painted("fill", dot.ink) + "/>";
+  }
+  void operator()(const Caption& caption) const {
+    html += "<text x=\"" + Tenth(caption.x) + "\" y=\"" + Tenth(caption.y) + "\"";
+    if (caption.align != Align::Left)
+      html += caption.align == Align::Right ? " text-anchor=\"end\"" : " text-anchor=\"middle\"";
+    html += Painted("fill", Ink::Text) + ">" + Escaped(caption.text) + "</text>";
+  }
+};
+
+void HtmlPicture(const ReportPicture& picture, bool landscape, std::string& html) {
+  constexpr double kFont = 11, kHeight = 280;
+  const double width = landscape ? 1040 : 720;
+  std::string titles;
+  for (const auto& one : picture.series) titles += (titles.empty() ? "" : ", ") + one.title;
+  html += "<figure><svg role=\"img\" aria-label=\"" + Escaped("Gráfico: " + titles + ". " + picture.part) +
+          "\" viewBox=\"0 0 " + Tenth(width) + " " + Tenth(kHeight) + "\" font-size=\"" + Tenth(kFont) +
+          "\">";
+  for (const Shape& shape : Draw(picture, width, kHeight, kFont)) std::visit(Svg{html, kFont}, shape);
+  html += "</svg></figure>\n";
 }
 
 void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std::string& html) {
@@ -96,13 +165,13 @@ void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std
   }
   html += "</colgroup><thead><tr>";
   for (const ReportColumn& column : columns) {
-    html +=
-        "<th scope=\"col\"" + std::string(AlignClass(column.align)) + ">" + Escaped(column.title) + "</th>";
+    html += "<th scope=\"col\"" + Classes(kPlain, AlignClass(column.align)) + ">" + Escaped(column.title) +
+            "</th>";
   }
   html += "</tr></thead><tbody>\n";
   for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
     const ReportLine& one = report.lines[line];
-    html += "<tr" + LineClasses(one) + ">";
+    html += "<tr" + Classes(one.style, one.new_page ? "np" : "") + ">";
     std::size_t at = 0;
     const auto blank = [&](std::size_t to) {
       if (to > at)
@@ -111,8 +180,7 @@ void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std
     for (const ReportCell& cell : one.cells) {
       blank(cell.column);
       const Align align = columns[cell.column].align;
-      html += "<td";
-      html += align == Align::Left && IsCode(cell) ? " class=\"n\"" : AlignClass(align);
+      html += "<td" + Classes(cell.style, align == Align::Left && IsCode(cell) ? "n" : AlignClass(align));
       if (cell.span > 1) html += " colspan=\"" + std::to_string(cell.span) + "\"";
       html += ">" + Escaped(cell.text) + "</td>";
       at = cell.column + cell.span;
@@ -186,7 +254,19 @@ std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns) 
   return places;
 }
 
-std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page) {
+uint32_t TextColour(uint8_t style) {
+  if ((style & kAlert) != 0) return 0x9b1c1c;
+  if ((style & kWarning) != 0) return 0x7a4a00;
+  return (style & kMuted) != 0 ? 0x51616c : 0;
+}
+
+uint32_t GroundColour(uint8_t style) {
+  if ((style & kMark) != 0) return 0xfdf0c8;
+  return (style & kShade) != 0 ? 0xeef2f4 : 0;
+}
+
+std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page,
+                                         std::size_t picture) {
   using Kind = PageLine::Kind;
   std::vector<std::vector<PageLine>> pages(1);
   const auto put = [&](PageLine line) { pages.back().push_back(line); };
@@ -201,12 +281,23 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
     }
     return count <= lines_a_page / 4 ? count : 0;
   };
-  std::size_t line = 0;
+  const auto room_for = [&](std::size_t lines) {
+    if (!pages.back().empty() && pages.back().size() + lines > lines_a_page) pages.emplace_back();
+  };
+  std::size_t line = 0, drawn = 0;
   for (std::size_t section = 0; section < report.columns.size(); ++section) {
-    const bool heading = !report.headings[section].empty();
-    if (pages.back().size() + 5 > lines_a_page) pages.emplace_back();
+    const auto pictured = [&] {
+      return picture > 0 && drawn < report.pictures.size() && report.pictures[drawn].section == section;
+    };
+    room_for(pictured() ? picture + 2 : 5);
     if (!pages.back().empty()) put({Kind::Blank, 0});
-    if (heading) put({Kind::Heading, section});
+    if (!report.headings[section].empty()) put({Kind::Heading, section});
+    for (; pictured(); ++drawn) {
+      room_for(picture);
+      put({Kind::Picture, drawn});
+      pages.back().resize(pages.back().size() + picture - 1, {Kind::Blank, 0});
+    }
+    if (line < report.lines.size() && report.lines[line].section == section) room_for(2);
     put({Kind::Titles, section});
     for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
       const bool full = pages.back().size() >= lines_a_page;
@@ -233,14 +324,17 @@ std::string_view ReportHtmlStyle() { return kStyle; }
 std::string ReportHtml(const Report& report) {
   std::string html = "<!doctype html>\n<html lang=\"pt-BR\"><head><meta charset=\"utf-8\"><title>" +
                      Escaped(report.title) + "</title><style>" + std::string(kStyle) +
-                     "</style></head>\n<body><header><div><h1>" + Escaped(report.title) + "</h1>";
+                     "</style></head>\n<body" + Classes(kPlain, report.landscape ? "lying" : "") +
+                     "><header><div><h1>" + Escaped(report.title) + "</h1>";
   for (const std::string& subtitle : report.subtitles) html += "<p>" + Escaped(subtitle) + "</p>";
   html += "</div><div class=\"right\"><p>" + Escaped(report.company) + "</p><p>" +
           FormatValue(Value(report.when), "dd/mm/yyyy hh:nn") + "</p><p>" + Escaped(report.user) +
           "</p></div></header>\n";
-  std::size_t line = 0;
+  std::size_t line = 0, picture = 0;
   for (std::size_t section = 0; section < report.columns.size(); ++section) {
     if (!report.headings[section].empty()) html += "<h2>" + Escaped(report.headings[section]) + "</h2>\n";
+    for (; picture < report.pictures.size() && report.pictures[picture].section == section; ++picture)
+      HtmlPicture(report.pictures[picture], report.landscape, html);
     HtmlTable(report, section, line, html);
   }
   if (!report.notes.empty()) {
@@ -252,7 +346,7 @@ std::string ReportHtml(const Report& report) {
 }
 
 std::string ReportText66(const Report& report) {
-  std::size_t width = kNarrowest;
+  std::size_t width = report.landscape ? kBroad : kNarrow;
   std::vector<std::vector<std::size_t>> places;
   for (const auto& columns : report.columns) {
     places.push_back(ColumnPlaces(columns));
@@ -281,7 +375,7 @@ std::string ReportText66(const Report& report) {
           for (std::size_t at = 0; at < columns.size(); ++at) {
             titles.cells.push_back(
                 {std::string(CutChars(columns[at].title, static_cast<std::size_t>(columns[at].width))),
-                 static_cast<uint16_t>(at), 1});
+                 static_cast<uint16_t>(at), 1, kPlain});
           }
           text += TextCells(titles, columns, places[index]) + "\n" + std::string(width, '-') + "\n";
           break;
@@ -293,6 +387,7 @@ std::string ReportText66(const Report& report) {
           text += "* " + report.notes[index] + "\n";
           break;
         case PageLine::Kind::Blank:
+        case PageLine::Kind::Picture:
           text += "\n";
       }
     }

@@ -1,6 +1,7 @@
 // The forms in which a report is written down.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -35,12 +36,18 @@ void WriteReportPdf(const Report& report, const std::filesystem::path& file);
 
 // A line of a page: of the report, or what stands around it.
 struct PageLine {
-  enum class Kind : uint8_t { Line, Titles, Heading, Blank, Note } kind = Kind::Line;
-  std::size_t index = 0;  // of the line, of the section, or of the note
+  enum class Kind : uint8_t { Line, Titles, Heading, Blank, Note, Picture } kind = Kind::Line;
+  std::size_t index = 0;  // of the line, of the section, of the note, or of the picture
 };
 
-// The report's lines on pages of so many, with the columns' titles at the head of each.
-std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page);
+// The report's lines on pages of so many, with the columns' titles at the head of each. A picture takes
+// `picture` lines, the others of which are blank; with none it is left out.
+std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page,
+                                         std::size_t picture = 0);
+
+// Red, green, blue of what a style colours, as numbers "#rrggbb"; 0 for what it doesn't.
+uint32_t TextColour(uint8_t style);
+uint32_t GroundColour(uint8_t style);
 
 // Where each column begins, in characters, with one blank between two; the last number is the whole width.
 std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns);

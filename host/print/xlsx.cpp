@@ -1,5 +1,7 @@
 #include <xlsxwriter.h>
 
+#include <map>
+
 #include "host/print/writers.h"
 #include "toolkit/text.h"
 
@@ -42,30 +44,70 @@ std::string SheetName(const std::string& set, std::size_t number) {
   return number == 0 ? name : name + " " + std::to_string(number + 1);
 }
 
-struct Formats {
-  lxw_format *title, *money, *number, *day, *time;
+// The formats of cells by what they hold and how they look, made when they are first asked for.
+class Formats {
+ public:
+  explicit Formats(lxw_workbook* book) : book_(book) {}
+
+  // Null for a cell as any other.
+  lxw_format* Of(ValueKind kind, uint8_t style) {
+    const char* text = NumberFormat(kind);
+    if (text == nullptr && style == kPlain) return nullptr;
+    lxw_format*& format = formats_[{text, style}];
+    if (format != nullptr) return format;
+    format = workbook_add_format(book_);
+    if (text != nullptr) format_set_num_format(format, text);
+    if ((style & kBold) != 0) format_set_bold(format);
+    if ((style & kItalic) != 0) format_set_italic(format);
+    if ((style & kRule) != 0) format_set_top(format, LXW_BORDER_THIN);
+    if (const uint32_t colour = TextColour(style); colour != 0) format_set_font_color(format, colour);
+    if (const uint32_t colour = GroundColour(style); colour != 0) {
+      format_set_pattern(format, LXW_PATTERN_SOLID);
+      format_set_fg_color(format, colour);
+    }
+    return format;
+  }
+
+ private:
+  static const char* NumberFormat(ValueKind kind) {
+    switch (kind) {
+      case ValueKind::Float:
+        return "#,##0.00######";
+      case ValueKind::Currency:
+        return "#,##0.00";
+      case ValueKind::Date:
+        return "dd/mm/yyyy";
+      case ValueKind::DateTime:
+        return "dd/mm/yyyy hh:mm";
+      default:
+        return nullptr;
+    }
+  }
+
+  lxw_workbook* book_;
+  std::map<std::pair<const char*, uint8_t>, lxw_format*> formats_;
 };
 
-void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& value,
-           const Formats& formats) {
+void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& value, lxw_format* format) {
   switch (value.Kind()) {
     case ValueKind::Null:
+      if (format != nullptr) worksheet_write_blank(sheet, row, column, format);
       break;
     case ValueKind::Integer:
-      worksheet_write_number(sheet, row, column, value.AsFloat(), nullptr);
+      worksheet_write_number(sheet, row, column, value.AsFloat(), format);
       break;
     case ValueKind::Float:
-      worksheet_write_number(sheet, row, column, value.AsFloat(), formats.number);
+      worksheet_write_number(sheet, row, column, value.AsFloat(), format);
       break;
     case ValueKind::Currency:
-      worksheet_write_number(sheet, row, column, value.AsCurrency().ToDouble(), formats.money);
+      worksheet_write_number(sheet, row, column, value.AsCurrency().ToDouble(), format);
       break;
     case ValueKind::Date:
     case ValueKind::DateTime: {
       const Date day = value.AsDate();
       // Before 1900 a spreadsheet knows no dates.
       if (day.Year() < 1900) {
-        worksheet_write_string(sheet, row, column, value.AsString().c_str(), nullptr);
+        worksheet_write_string(sheet, row, column, value.AsString().c_str(), format);
         break;
       }
       lxw_datetime at{day.Year(), day.Month(), day.Day(), 0, 0, 0};
@@ -75,13 +117,12 @@ void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& v
         at.min = second / 60 % 60;
         at.sec = second % 60;
       }
-      worksheet_write_datetime(sheet, row, column, &at,
-                               value.Kind() == ValueKind::Date ? formats.day : formats.time);
+      worksheet_write_datetime(sheet, row, column, &at, format);
       break;
     }
     case ValueKind::Text:
       // As a text, whatever it begins with.
-      worksheet_write_string(sheet, row, column, std::string(CutChars(value.Text(), 32767)).c_str(), nullptr);
+      worksheet_write_string(sheet, row, column, std::string(CutChars(value.Text(), 32767)).c_str(), format);
       break;
   }
 }
@@ -90,18 +131,7 @@ void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& v
 
 void WriteReportXlsx(const Report& report, const std::filesystem::path& file) {
   Book book(file.string());
-  Formats formats{};
-  const auto format = [&](const char* text) {
-    lxw_format* made = workbook_add_format(book.Get());
-    if (text != nullptr) format_set_num_format(made, text);
-    return made;
-  };
-  formats.title = format(nullptr);
-  format_set_bold(formats.title);
-  formats.money = format("#,##0.00");
-  formats.number = format("#,##0.00######");
-  formats.day = format("dd/mm/yyyy");
-  formats.time = format("dd/mm/yyyy hh:mm");
+  Formats formats(book.Get());
   for (const ReportRows& set : report.sets) {
     std::size_t from = 0;
     std::size_t number = 0;
@@ -110,12 +140,16 @@ void WriteReportXlsx(const Report& report, const std::filesystem::path& file) {
       if (sheet == nullptr) throw UserError("A planilha não pôde ser criada.");
       worksheet_freeze_panes(sheet, 1, 0);
       for (std::size_t at = 0; at < set.fields.size(); ++at) {
-        worksheet_write_string(sheet, 0, static_cast<lxw_col_t>(at), set.fields[at].c_str(), formats.title);
+        worksheet_write_string(sheet, 0, static_cast<lxw_col_t>(at), set.fields[at].c_str(),
+                               formats.Of(ValueKind::Text, kBold));
       }
       const std::size_t end = std::min(set.rows.size(), from + kMostRows);
       for (lxw_row_t row = 1; from < end; ++from, ++row) {
         for (std::size_t at = 0; at < set.rows[from].size(); ++at) {
-          Write(sheet, row, static_cast<lxw_col_t>(at), set.rows[from][at], formats);
+          const Value& value = set.rows[from][at];
+          const auto look = set.looks.find(from * set.fields.size() + at);
+          Write(sheet, row, static_cast<lxw_col_t>(at), value,
+                formats.Of(value.Kind(), look == set.looks.end() ? uint8_t{kPlain} : look->second));
         }
       }
     } while (from < set.rows.size());

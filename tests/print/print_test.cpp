@@ -50,8 +50,9 @@ class PrintTest : public testing::Test {
       if (name == "TbRelatorio") return &rows_;
       return name == "TbSaldo" ? &accounts_ : nullptr;
     };
-    input_.control = [](std::string_view name) {
-      return name == "CbSaldo" ? std::optional<Value>(Value(0)) : std::nullopt;
+    input_.answer = [this](std::string_view name) {
+      const auto found = answers_.find(name);
+      return found == answers_.end() ? std::nullopt : std::optional(found->second);
     };
     folder_ = std::filesystem::path(testing::TempDir()) / ("orv-print-" + std::to_string(getpid()));
     std::filesystem::create_directories(folder_);
@@ -70,6 +71,7 @@ class PrintTest : public testing::Test {
 
   Lancamentos rows_;
   Contas accounts_;
+  ReportAnswers answers_{{"CbSaldo", {0, [](std::span<const Value>) { return Value(0); }}}};
   ReportInput input_;
   std::filesystem::path folder_;
 };
@@ -109,6 +111,7 @@ TEST(FormulaTest, WorksOut) {
       {"1 2", "! não se esperava \"2\""},
       {"copy(1)", "! copy quer 3 parâmetros"},
       {"soma(1)", "! a função soma não existe"},
+      {"iif(1, \"sem\", soma(1))", "sem"},
       {"\"aberta", "! falta fechar as aspas"},
       {"9223372036854775807 + 1", "! o resultado é grande demais"},
       {"-9223372036854775807 - 2", "! o resultado é grande demais"},
@@ -315,6 +318,183 @@ TEST_F(PrintTest, SumsAndHeadsStandWithTheirLines) {
     }
     EXPECT_EQ(lines, 501U);
   }
+}
+
+TEST_F(PrintTest, TheScreenAnswersWhatTheReportDoesNotKnow) {
+  rows_.Add(20, "A", 1000);
+  rows_.Add(21, "B", 2050);
+  int asked = 0;
+  answers_ = {{"Periodo", {0, [&](auto) { return Value("novembro " + std::to_string(++asked)); }}},
+              {"Tela.Conta", {0, [](auto) { return Value("10250-1"); }}},
+              {"Dobro", {1, [](auto given) { return Value(given[0].AsCurrency() * 2.0); }}},
+              {"Falha", {0, [](auto) -> Value { throw UserError("sem saldo"); }}}};
+  const Report report = Make(R"(subtitulo [PERIODO] da conta [Tela.Conta]
+dados TbRelatorio
+coluna 20 Um
+coluna 20 Dois
+valor v = dobro(TbRelatorio.Valor)
+detalhe
+| [:<0.00>Dobro(TbRelatorio.Valor) + 1] | [Periodo] |
+rodape
+| [v] [Falha] | [Nada(1)] |
+| [Dobro] | [Dobro(1, 2)] |
+)");
+  const std::string text = ReportText66(report);
+  for (const char* line :
+       {"novembro 1 da conta 10250-1\n", "\n21,00                novembro 1\n",
+        "\n42,00                novembro 1\n", "\n61,00 #ERRO          #ERRO\n", "linha 9: sem saldo.",
+        "linha 9: a função Nada não existe.", "linha 10: Dobro quer 1 parâmetro."}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
+  }
+}
+
+struct Titulos : TClientDataSet {
+  explicit Titulos(const std::string& name) : TClientDataSet(name) { CreateDataSet(); }
+  Field De{*this, "De", FieldType::String, 10};
+  Field Numero{*this, "Numero", FieldType::String, 10};
+  Field Valor{*this, "Valor", FieldType::Currency};
+  void Add(const std::string& of, const std::string& number, int64_t cents) {
+    Append();
+    De = Value(of);
+    Numero = Value(number);
+    Valor = Value(Currency::FromCents(cents));
+    Post();
+  }
+};
+
+// Three levels, sums of each, feet where there is something to add up, looks of cells, on a lying sheet.
+TEST_F(PrintTest, RowsUnderRows) {
+  Titulos titles("TbTitulo"), payments("TbBaixa");
+  rows_.Add(20, "A", 300);
+  rows_.Add(20, "B", -100);
+  rows_.Add(21, "", 50);
+  titles.Add("A", "T1", 100);
+  titles.Add("B", "T2", 100);
+  titles.Add("A", "T3", 200);
+  titles.Add(" ", "T4", 50);
+  titles.Add("X", "T5", 999);
+  for (const auto& [number, cents] : {std::pair("T3", 150), {"T1", 100}, {"T3", 50}, {"T5", 999}})
+    payments.Add(number, number, cents);
+  input_.set = [&](std::string_view name) -> DataSet* {
+    return name == "TbRelatorio" ? static_cast<DataSet*>(&rows_)
+           : name == "TbTitulo"  ? &titles
+           : name == "TbBaixa"   ? &payments
+                                 : nullptr;
+  };
+  const Report report = Make(R"(relatorio Títulos
+pagina paisagem
+dados TbRelatorio
+coluna 12 Nome
+coluna 10 direita Valor
+subdados TbTitulo onde TbTitulo.De = TbRelatorio.Nome
+subdados TbBaixa em TbTitulo onde TbBaixa.De = TbTitulo.Numero
+subdados TbBaixa onde TbBaixa.De = TbTitulo.Numero
+subdados TbNada onde TbNada.De = TbRelatorio.Nome
+grupo gDia = TbRelatorio.Dia
+valor vTit de TbTitulo por TbTitulo = TbTitulo.Valor
+valor vBaixa de TbBaixa por TbBaixa = TbBaixa.Valor
+valor vDia de TbBaixa por gDia = TbBaixa.Valor
+valor vTudo de TbBaixa = TbBaixa.Valor
+detalhe
+| {TbRelatorio.Nome = "?" ? negrito : TbRelatorio.Valor < 0 ? alerta : apagado+destaque} [TbRelatorio.Nome] | {linha}[TbRelatorio.Valor] |
+cabecalho TbTitulo
+| {{títulos} | |
+detalhe TbTitulo
+| - [TbTitulo.Numero] | {nada ? aviso : normal} [TbTitulo.Valor] |
+detalhe TbBaixa
+| -- baixa | {aviso} [iif(TbBaixa.Valor > 0, TbBaixa.Valor, "")] |
+rodape TbBaixa varias
+| -- baixas | [vBaixa] |
+rodape TbTitulo varias
+| - soma | [vTit] |
+rodape gDia varias
+| baixas do dia | [vDia] |
+rodape
+| baixas | [vTudo] |
+)");
+  const std::string text = ReportText66(report);
+  EXPECT_EQ(text.find('\n'), 132U);
+  EXPECT_EQ(text.substr(text.rfind("--\n") + 3, text.find("\n\n") - text.rfind("--\n") - 2),
+            "A                  3,00\n"
+            "{títulos}\n"
+            "- T1               1,00\n"
+            "-- baixa           1,00\n"
+            "- T3               2,00\n"
+            "-- baixa           1,50\n"
+            "-- baixa           0,50\n"
+            "-- baixas          2,00\n"
+            "- soma             3,00\n"
+            "B                 -1,00\n"
+            "{títulos}\n"
+            "- T2               1,00\n"
+            "baixas do di       3,00\n"
+            "                   0,50\n"
+            "{títulos}\n"
+            "- T4               0,50\n"
+            "baixas             3,00\n");
+  for (const char* told : {"linha 8: o conjunto TbBaixa já está na seção.",
+                           "linha 9: o conjunto TbNada não existe", "linha 20: nada não é um valor"}) {
+    EXPECT_NE(text.find(told), std::string::npos) << told << "\n" << text;
+  }
+  const std::string html = ReportHtml(report);
+  EXPECT_NE(html.find("<body class=\"lying\">"), std::string::npos);
+  EXPECT_NE(html.find("<td class=\"m h n\">A</td><td class=\"r d\">3,00</td>"), std::string::npos) << html;
+  EXPECT_NE(html.find("<td class=\"a n\">B</td>"), std::string::npos) << html;
+  ASSERT_EQ(report.sets.size(), 3U);
+  const ReportRows &outer = report.sets[0], &inner = report.sets[2];
+  EXPECT_EQ(outer.looks.at(0 * 4 + 1), kMuted | kMark) << "the field that the cell names, of its row";
+  EXPECT_EQ(outer.looks.at(1 * 4 + 1), kAlert);
+  EXPECT_EQ(inner.looks.size(), 3U) << "of the rows that are printed";
+  EXPECT_TRUE(report.sets[1].looks.empty());
+  EXPECT_EQ(Written(report, "xlsx").substr(0, 2), "PK");
+  EXPECT_EQ(Written(report, "pdf").substr(0, 5), "%PDF-");
+}
+
+TEST_F(PrintTest, PicturesOfFifteenPoints) {
+  for (int i = 0; i < 31; ++i)
+    rows_.Add(1 + i % 28, i == 4 ? "<b>" : "Dia", i * 100000 - 1000000, i == 2 ? 1e300 : i);
+  const Report report = Make(R"(dados TbRelatorio Caixa
+grafico [TbRelatorio.Nome] [:<dd>TbRelatorio.Dia]
+barras Valor = TbRelatorio.Valor
+curva Saldo = vSaldo
+curva Taxa = iif(TbRelatorio.Taxa = 3, "", TbRelatorio.Taxa)
+curva Demais = 1
+valor vSaldo = TbRelatorio.Valor
+)");
+  ASSERT_EQ(report.pictures.size(), 3U);
+  EXPECT_EQ(report.pictures[2].labels, std::vector<std::string>{"Dia 03"});
+  EXPECT_EQ(report.pictures[2].part, "Pontos 31 a 31 de 31");
+  EXPECT_EQ(report.pictures[0].high, report.pictures[2].high) << "one scale";
+  EXPECT_EQ(report.pictures[0].low, -55000) << "the lowest running sum";
+  EXPECT_EQ(report.pictures[0].series[2].values[1], 1.0);
+  for (const std::size_t none : {2U, 3U}) EXPECT_FALSE(report.pictures[0].series[2].values[none]) << none;
+  EXPECT_NE(report.notes.at(0).find("linha 6: há séries demais"), std::string::npos);
+  const std::string text = ReportText66(report), html = ReportHtml(report);
+  EXPECT_NE(
+      text.find(
+          "\nDia 02                                  -9.000,00         -19.000,00               1,00\n"),
+      std::string::npos)
+      << text;
+  std::size_t drawn = 0;
+  for (std::size_t at = 0; (at = html.find("<svg", at)) != std::string::npos; ++at) ++drawn;
+  EXPECT_EQ(drawn, 3U);
+  EXPECT_NE(html.find("&lt;b&gt;"), std::string::npos);
+  EXPECT_EQ(html.find("<b>"), std::string::npos);
+  for (const std::size_t fits : {20U, 26U, 45U}) {
+    std::size_t lines = 0, pictures = 0;
+    for (const auto& page : Pages(report, fits, 12)) {
+      EXPECT_LE(page.size(), fits);
+      for (std::size_t at = 0; at < page.size(); ++at) {
+        lines += page[at].kind == PageLine::Kind::Line ? 1 : 0;
+        if (page[at].kind != PageLine::Kind::Picture) continue;
+        EXPECT_EQ(page[at].index, pictures++);
+        EXPECT_LE(at + 12, page.size()) << "whole";
+      }
+    }
+    EXPECT_EQ(lines, 31U);
+    EXPECT_EQ(pictures, 3U);
+  }
+  EXPECT_EQ(Written(report, "pdf").substr(0, 5), "%PDF-");
 }
 
 TEST_F(PrintTest, TheDesksOwnTemplatesAreWhole) {

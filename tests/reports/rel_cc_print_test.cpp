@@ -1,4 +1,7 @@
 // The account statement as it is printed: fixed movements, each grouping, the exact text.
+#include <filesystem>
+#include <fstream>
+
 #include "tests/reports/rel_cc_desk.h"
 
 namespace orv::test {
@@ -72,6 +75,13 @@ TEST_F(PrintedTest, EachGrouping) {
              Printed(desk, {{"cbAgpPendente", "false"}, {"CbFinanceiro", "false"}, {"CbZeradas", "true"}});
   printed += "##### Nada\n" + Printed(desk, {{"CbZeradas", "false"}});
   ExpectFile(printed, ORV_FILES "WccFluxo.txt");
+
+  // A company's own template asks the screen, by the control's name or led by the screen's.
+  const auto own = database_.parent_path() / "relatorios";
+  std::filesystem::create_directories(own);
+  std::ofstream(own / "WccFluxo.rel")
+      << "dados TbRelatorio\nsubtitulo [edtdatade] a [FmSReport.Tela.edtDataAte]\n";
+  EXPECT_NE(test::Printed(desk, "BitBtn33").find("01/11/2026 a 05/11/2026\n"), std::string::npos);
 }
 
 }  // namespace
