@@ -150,7 +150,7 @@ export class ScreenView implements ScreenContext {
 
   private drawFold(rows: TreeNode[][], into: HTMLElement): void {
     const key = `${this.screenClass}.fold${this.folds.length}`;
-    const fold = new Fold((open) => {
+    const fold = new Fold(this.desk.remembered(key) === "1", (open) => {
       this.desk.remember(key, open ? "1" : null);
       this.hideEmptyRows();
       // Who is in what goes out of sight comes to what follows it.
@@ -162,7 +162,6 @@ export class ScreenView implements ScreenContext {
     this.drawRows(fold.body, rows);
     fold.take(this.controls.slice(from));
     into.append(fold.button, fold.body);
-    if (this.desk.remembered(key) === "1") fold.set(true);
   }
 
   private drawUnit(unit: Unit): HTMLElement {

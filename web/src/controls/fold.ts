@@ -19,10 +19,13 @@ export class Fold {
   // What stands in it, with the value with which the screen opened.
   private inside = new Map<ControlView, string>();
 
-  constructor(private readonly toggled: (open: boolean) => void) {
+  constructor(
+    open: boolean,
+    private readonly toggled: (open: boolean) => void,
+  ) {
     const id = uniqueId("more");
-    this.body = el("div", { class: "rows fold", id, hidden: true });
-    this.button = el("button", { type: "button", class: "button fold-button", tabindex: "-1", "aria-expanded": "false", "aria-controls": id }, icon("filter"), this.label, this.count);
+    this.body = el("div", { class: "rows fold", id, hidden: !open });
+    this.button = el("button", { type: "button", class: "button fold-button", tabindex: "-1", "aria-expanded": String(open), "aria-controls": id }, icon("filter"), this.label, this.count);
     this.button.addEventListener("mousedown", (event) => event.preventDefault());
     this.button.addEventListener("click", () => this.set(!this.open));
     this.render();
