@@ -16,7 +16,7 @@ constexpr std::size_t kMostParts = 2000;
 constexpr uint64_t kMostInflated = uint64_t{256} << 20;
 // A part that holds more than `kFreely` is a sheet's worth of rows only up to so many times its size in the
 // file.
-constexpr uint64_t kMostRatio = 200, kFreely = uint64_t{8} << 20;
+constexpr uint64_t kMostRatio = 100, kFreely = uint64_t{8} << 20;
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
 constexpr std::string_view kOle = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";

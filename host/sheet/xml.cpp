@@ -15,6 +15,8 @@ namespace orv {
 namespace {
 
 constexpr int kMostDepth = 64;
+// As many rows of 15 cells as a quarter of a million have.
+constexpr int kMostElements = 8'000'000;
 // A tag with its attributes, a comment.
 constexpr std::size_t kMostTag = std::size_t{1} << 20;
 // The parser keeps each name that it meets.
@@ -76,7 +78,7 @@ struct XmlCalls {
         parser.get(),
         [](void* self, const char* name, const char** attributes) {
           Call(self, [&](XmlCalls& calls) {
-            if (++calls.depth > kMostDepth) throw UserError(kTooMuch);
+            if (++calls.depth > kMostDepth || ++calls.elements > kMostElements) throw UserError(kTooMuch);
             calls.reader.Start(LocalName(name), XmlAttributes(attributes));
           });
         },
@@ -124,7 +126,7 @@ struct XmlCalls {
   XmlReader& reader;
   std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> parser{nullptr, XML_ParserFree};
   std::exception_ptr kept;
-  int depth = 0;
+  int depth = 0, elements = 0;
   std::size_t silent = 0;  // bytes since the last call
 };
 
