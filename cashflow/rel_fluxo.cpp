@@ -58,7 +58,7 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
       OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false, "Saldos das contas") {
   Layout(R"(
     @bar {
-      EdtConta PqConta EdtEmp EdtDataDe edtDataAte RgTipo
+      EdtDataDe edtDataAte EdtConta PqConta EdtEmp RgTipo
       @more {
         GbConta { dtSaldo CbSaldo EdtSaldo } GbBancos { edtBanco pqBanco SpeedButton4 } rgOrdem /
         GbOpcoes {

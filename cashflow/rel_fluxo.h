@@ -25,14 +25,13 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
  public:
   explicit TfmRelFluxo(Application& application);
 
-  // The first field reached is no date: those are overwritten when they are entered.
+  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
+  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa PqConta{
       *this, "PqConta",
       Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtEmp{*this, "EdtEmp"};
-  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
-  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Geral", "Resumido"}, 0};
   GroupBox GbConta{*this, "GbConta", "Saldos"};
   DateEdit dtSaldo{*this, "dtSaldo", "Saldo Até"};

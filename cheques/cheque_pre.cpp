@@ -59,7 +59,7 @@ void TfmChequePre::Desenha() {
     PageControl1 {
       TabSheet1 {
         @bar {
-          edtACliente PqACliente EdtANomeCli GbAVencimento { dtAVencIni dtAVencFim } rgASituacao
+          GbAVencimento { dtAVencIni dtAVencFim } edtACliente PqACliente EdtANomeCli rgASituacao
           @more {
             edtAFornec PqAFornec edtANomeFor edtABanco PqABanco EdtANomeBanco
             GbAEmissao { dtAEmiIni dtAEmiFim }

@@ -31,13 +31,12 @@ class ORV_EXPORT TfmChequePre : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
-  // The first field reached is no date: those are overwritten when they are entered.
-  Edit edtACliente{*this, "edtACliente", "Cliente", 5};
-  TPesquisa PqACliente{*this, "PqACliente", Entidades()};
-  ReadOnlyEdit EdtANomeCli{*this, "EdtANomeCli"};
   GroupBox GbAVencimento{*this, "GbAVencimento", "Vencimento"};
   DateEdit dtAVencIni{*this, "dtAVencIni", "De"};
   DateEdit dtAVencFim{*this, "dtAVencFim", "Até"};
+  Edit edtACliente{*this, "edtACliente", "Cliente", 5};
+  TPesquisa PqACliente{*this, "PqACliente", Entidades()};
+  ReadOnlyEdit EdtANomeCli{*this, "EdtANomeCli"};
   RadioGroup rgASituacao{
       *this, "rgASituacao", "Situação", {"Pendente", "Baixado", "Cancelado", "Devolvido", "Todos"}, 4};
   Edit edtAFornec{*this, "edtAFornec", "Fornecedor", 5};

@@ -57,7 +57,7 @@ void TfmCC::Desenha() {
     PageControl1 {
       TabSheet1 {
         @bar {
-          EdtConsConta PqConsConta EdtConsEmp GbConsLanc { dtInicio dtFim } RgBusca
+          GbConsLanc { dtInicio dtFim } EdtConsConta PqConsConta EdtConsEmp RgBusca
           @more {
             EdtCodGrupo PqConsClasse EdtNomeGrupo edtCodHist PqHist edtDescHist /
             EdtConsLanc EdtDocto EdtAObs RgTipo /

@@ -28,14 +28,14 @@ class ORV_EXPORT TfmCC : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
+  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
+  DateEdit dtInicio{*this, "dtInicio", "De"};
+  DateEdit dtFim{*this, "dtFim", "Até"};
   Edit EdtConsConta{*this, "EdtConsConta", "Conta", 12};
   TPesquisa PqConsConta{
       *this, "PqConsConta",
       Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtConsEmp{*this, "EdtConsEmp"};
-  GroupBox GbConsLanc{*this, "GbConsLanc", "Lançamento"};
-  DateEdit dtInicio{*this, "dtInicio", "De"};
-  DateEdit dtFim{*this, "dtFim", "Até"};
   RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
   // Seldom set.
   Edit EdtCodGrupo{*this, "EdtCodGrupo", "Classe Ger.", 6};

@@ -60,7 +60,7 @@ void TFmCadExtrato::Desenha() {
     PageControl1 {
       TabSheet1 {
         @bar {
-          edtAConta pqAConta GbPeriodo { dtInicio dtFim } RgBusca EdtCDocto @primary BitBtn5
+          GbPeriodo { dtInicio dtFim } edtAConta pqAConta RgBusca EdtCDocto @primary BitBtn5
         } /
         DBGrid2 /
         @actions { BitBtn1 }

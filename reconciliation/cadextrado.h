@@ -25,12 +25,11 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   // --- Acesso.
   TabSheet TabSheet1{*this, "TabSheet1", "Acesso"};
 
-  // The first field reached is no date: those are overwritten when they are entered.
-  Edit edtAConta{*this, "edtAConta", "Conta", 13};
-  TPesquisa pqAConta{*this, "pqAConta", Contas()};
   GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
   DateEdit dtInicio{*this, "dtInicio", "De"};
   DateEdit dtFim{*this, "dtFim", "Até"};
+  Edit edtAConta{*this, "edtAConta", "Conta", 13};
+  TPesquisa pqAConta{*this, "pqAConta", Contas()};
   RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "A Conciliar", "Conciliados"}, 0};
   Edit EdtCDocto{*this, "EdtCDocto", "Documento", 12};
   Button BitBtn5{*this, "BitBtn5", "&Consultar"};

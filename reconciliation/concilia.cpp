@@ -78,7 +78,7 @@ void TFmConcilia::Desenha() {
     PageControl1 {
       TabSheet1 {
         @bar {
-          EdtConta PqConta EdtDescConta DtInicio DtFinal RgBusca
+          DtInicio DtFinal EdtConta PqConta EdtDescConta RgBusca
           @more { RgTipo EdtCodBan EdtBanco EdtDocto EdtConcilia }
           @primary BitBtn1
         } /
@@ -95,7 +95,7 @@ void TFmConcilia::Desenha() {
       TabSheet2 {
         @bar { EdtCam SpeedButton1 EdtArq } /
         @bar {
-          EdtContaArq PqContaArq EdtDescContaArq EdtBancoArq DtIniArq DtFimArq CbDias @primary BitBtn6
+          DtIniArq DtFimArq EdtContaArq PqContaArq EdtDescContaArq EdtBancoArq CbDias @primary BitBtn6
         } /
         OrvDBGrid3 /
         LbRetorno /

@@ -31,12 +31,11 @@ class ORV_EXPORT TFmConcilia : public Child {
   // --- Conciliação de Extrato.
   TabSheet TabSheet1{*this, "TabSheet1", "Conciliação de Extrato"};
 
-  // The first field reached is no date: those are overwritten when they are entered.
+  DateEdit DtInicio{*this, "DtInicio", "De"};
+  DateEdit DtFinal{*this, "DtFinal", "Até"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa PqConta{*this, "PqConta", Contas()};
   ReadOnlyEdit EdtDescConta{*this, "EdtDescConta"};
-  DateEdit DtInicio{*this, "DtInicio", "De"};
-  DateEdit DtFinal{*this, "DtFinal", "Até"};
   RadioGroup RgBusca{*this, "RgBusca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Pagamentos", "Recebimentos", "Todos"}, 2};
   ReadOnlyEdit EdtCodBan{*this, "EdtCodBan", "Banco"};
@@ -175,12 +174,12 @@ class ORV_EXPORT TFmConcilia : public Child {
   Edit EdtCam{*this, "EdtCam", "Caminho"};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Procurar..."};
   Edit EdtArq{*this, "EdtArq", "Arquivo", 15};
+  DateEdit DtIniArq{*this, "DtIniArq", "De"};
+  DateEdit DtFimArq{*this, "DtFimArq", "Até"};
   Edit EdtContaArq{*this, "EdtContaArq", "Conta", 13};
   TPesquisa PqContaArq{*this, "PqContaArq", Contas()};
   ReadOnlyEdit EdtDescContaArq{*this, "EdtDescContaArq"};
   ReadOnlyEdit EdtBancoArq{*this, "EdtBancoArq", "Banco"};
-  DateEdit DtIniArq{*this, "DtIniArq", "De"};
-  DateEdit DtFimArq{*this, "DtFimArq", "Até"};
   CheckBox CbDias{*this, "CbDias", "Float Bancário"};
   Button BitBtn6{*this, "BitBtn6", "Ca&rregar"};
 

@@ -73,7 +73,7 @@ TfmRelCC::TfmRelCC(Application& application)
       DBGrid2(*this, "DBGrid2", TbFinan, ColunasFinan(), true, "Financeiro") {
   Layout(R"(
     @bar {
-      RelConta wwrelConta Edit1 GbPeriodo { EdtDataDe edtDataAte } RgTipo
+      GbPeriodo { EdtDataDe edtDataAte } RelConta wwrelConta Edit1 RgTipo
       @more {
         RgAgrupar / RgData RgBusca /
         GbFiltros { RelCodBan PqBanco RelDesBan EdtHistHistorico pqHistorico EdtDesHistorico EdtDocto } /

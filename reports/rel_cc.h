@@ -19,15 +19,14 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
  public:
   explicit TfmRelCC(Application& application);
 
-  // The first field reached is no date: those are overwritten when they are entered.
+  GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
+  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
+  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
   Edit RelConta{*this, "RelConta", "Conta", 13};
   TPesquisa wwrelConta{
       *this, "wwrelConta",
       Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit Edit1{*this, "Edit1"};
-  GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
-  DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
-  DateEdit edtDataAte{*this, "edtDataAte", "Até"};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Por Conta", "Todas Contas", "Todas Contas/Empresas"}, 0};
   RadioGroup RgAgrupar{*this,
                        "RgAgrupar",

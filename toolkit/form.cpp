@@ -181,12 +181,15 @@ void Form::RepairFocus() {
     if (controls_[i] == focus_) at = i;
   }
   focus_ = nullptr;
-  for (std::size_t step = 1; step <= count; ++step) {
-    Control* next = controls_[(at + step) % count];
-    if (!next->CanFocus()) continue;
-    focus_ = next;
-    if (next->OnEnter) next->OnEnter();
-    return;
+  // A date may be overwritten when it is entered: who comes to it must have meant to.
+  for (const bool dates : {false, true}) {
+    for (std::size_t step = 1; step <= count; ++step) {
+      Control* next = controls_[(at + step) % count];
+      if (!next->CanFocus() || (next->Kind() == "date" && !dates)) continue;
+      focus_ = next;
+      if (next->OnEnter) next->OnEnter();
+      return;
+    }
   }
 }
 

@@ -52,7 +52,8 @@ class Form {
   bool SetFocus(Control& control);
   // The next control in tab order that takes the focus, or the one before it.
   void FocusNext(bool forward = true);
-  // After an action: a focus on a control that became disabled or hidden moves to the next one that isn't.
+  // After an action: a focus on a control that became disabled or hidden moves to the next one that isn't,
+  // past dates where there is another.
   void RepairFocus();
 
   // --- Life.

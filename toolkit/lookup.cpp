@@ -15,7 +15,7 @@ std::string TPesquisa::Condition(std::string_view search) const {
     const char* test = settings_.BuscaTipo == SearchType::Starts ? " STARTING WITH " : " CONTAINING ";
     std::vector<std::string> columns;
     for (const auto& [column, title] : settings_.Colunas) columns.push_back(column + test + literal);
-    parts.push_back("(" + Join(columns, " OR ") + ")");
+    parts.push_back(Join({"(", Join(columns, " OR "), ")"}, ""));
   }
   return Join(parts, " AND ");
 }
