@@ -80,7 +80,7 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   await page.getByRole("tab", { name: "Conciliação", exact: true }).waitFor({ state: "detached" });
   await openScreen(page, "concil", "Conciliação");
   await focusIs(page, "Conta");
-  await keys(page, "33021-5", "Tab", "Tab", "Tab");
+  await keys(page, "33021-5", "Tab");
   await status("A conciliar");
   await keys(page, "ArrowLeft");
   await status("Conciliados");
