@@ -39,7 +39,12 @@ export async function logIn(page, password = "cafe com acucar") {
 // Opens a screen by a few letters.
 export async function openScreen(page, letters, caption) {
   await page.getByRole("button", { name: "Telas" }).waitFor();
-  if (!(await page.getByLabel("Procurar tela").first().isVisible())) await page.keyboard.press("Control+Alt+m");
+  // A box that is just going keeps the key to itself.
+  const open = () => page.evaluate(() => document.activeElement?.getAttribute("aria-label") === "Procurar tela");
+  for (let tries = 0; tries < 20 && !(await open()); ++tries) {
+    await page.keyboard.press("Control+Alt+m");
+    await open().then((there) => there || new Promise((resolve) => setTimeout(resolve, 100 * tries)));
+  }
   await focusIs(page, "Procurar tela");
   await page.keyboard.type(letters);
   await page.keyboard.press("Enter");
@@ -85,8 +90,12 @@ export async function told(page, text) {
 export const grid = (page, name) => page.getByRole("grid", { name, exact: true }).locator("visible=true");
 export async function rows(page, name) {
   const one = grid(page, name);
-  await until(`linhas de ${name}`, async () => (await one.locator(".grid-row.is-loading").count()) === 0);
-  return one.evaluate((there) => [...there.querySelectorAll(".grid-row")].map((row) => [...row.children].map((cell) => cell.textContent).join("|")));
+  let there = null;
+  // In one look: a change that comes in between makes the rows wait for their cells again.
+  const seen = (grid) =>
+    grid.querySelector(".grid-row.is-loading") === null ? [...grid.querySelectorAll(".grid-row")].map((row) => [...row.children].map((cell) => cell.textContent).join("|")) : null;
+  await until(`linhas de ${name}`, async () => (there = await one.evaluate(seen)) !== null);
+  return there;
 }
 export async function rowsAre(page, name, wanted) {
   let there = [];
