@@ -9,7 +9,8 @@ namespace {
 class ContasAbertas {
  public:
   explicit ContasAbertas(ITabela& tabela) : tabela_(tabela) { tabela_.AbreTabela("TbCadConta", false); }
-  ~ContasAbertas() { tabela_.FechaTabela("TbCadConta"); }
+  // A session that ends while the user reads of the lock unwinds this: nothing may run.
+  ~ContasAbertas() { tabela_.SoltaTabela("TbCadConta"); }
   ContasAbertas(const ContasAbertas&) = delete;
   ContasAbertas& operator=(const ContasAbertas&) = delete;
 
