@@ -83,7 +83,7 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   Period(EdtDataDe, edtDataAte);
   EdtSaldo.SetVisible(false);
 
-  Lookups({{&EdtConta, &PqConta, "CADCONTA", "CONTA", {{"EMPRESA", &EdtEmp}}, "", true, nullptr}});
+  Lookups({{&EdtConta, &PqConta, {{"EMPRESA", &EdtEmp}}, "", true, nullptr}});
   EdtConta.OnExit = [this] { EdtContaExit(); };
   ListField(EdtSit, PqSituacaoRP, "CODIGO", Choice::Adds, SpeedButton1);
   ListField(EdtSitDesc, PqSituacaoRec, "CODIGO", Choice::Adds, SpeedButton2);
@@ -99,12 +99,8 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   OrvDBGrid1.OnKey = [this](KeyPress& key) { OrvDBGrid1KeyDown(key); };
 }
 
-LookupSettings TfmRelFluxo::Situacoes() const {
-  return Search("TABSIT", "CODIGO", {{"CODIGO", "Situação"}, {"DESCRICAO", "Descrição"}});
-}
-
 void TfmRelFluxo::EdtContaExit() {
-  if (EdtConta.Empty() || Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(EdtConta.Text()))) return;
+  if (EdtConta.Empty() || Funcoes.Existe("CADCONTA", {{"CONTA", EdtConta.Text()}})) return;
   Inform("Conta inválida.");
   EdtConta.Clear();
   EdtConta.SetFocus();

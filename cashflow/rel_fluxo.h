@@ -28,9 +28,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
   DateEdit edtDataAte{*this, "edtDataAte", "Até"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
-  TPesquisa PqConta{
-      *this, "PqConta",
-      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqConta{*this, "PqConta", Contas()};
   ReadOnlyEdit EdtEmp{*this, "EdtEmp"};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Geral", "Resumido"}, 0};
   GroupBox GbConta{*this, "GbConta", "Saldos"};
@@ -39,8 +37,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   MoneyEdit EdtSaldo{*this, "EdtSaldo", "Saldo Inicial"};
   GroupBox GbBancos{*this, "GbBancos", "Vencidos em Banco"};
   Edit edtBanco{*this, "edtBanco", "Bancos"};
-  TPesquisa pqBanco{*this, "pqBanco",
-                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  TPesquisa pqBanco{*this, "pqBanco", Bancos()};
   SmallButton SpeedButton4{*this, "SpeedButton4", "Limpar"};
   RadioGroup rgOrdem{*this, "rgOrdem", "Ordem", {"Data Lançamento", "Classe", "Entidade", "Número"}, 0};
   GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
@@ -121,8 +118,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
     DiasEfetivos dias;
     bool Dentro(Date dia) const { return !dia.Empty() && de <= dia && dia <= ate; }
   };
-
-  LookupSettings Situacoes() const;
 
   void BitBtn29Click();
   void BitBtn33Click();

@@ -1,7 +1,7 @@
 // From a figure to where it comes from: a title's settlements, what a cheque pays, a movement's titles and
 // accounting, an order's items.
 #include "cashflow/rel_fluxo.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 
 namespace orv {
 namespace {

@@ -3,7 +3,7 @@
 #include <unordered_map>
 
 #include "cashflow/rel_fluxo.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -210,7 +210,7 @@ void TfmRelFluxo::busca_Saldos() {
   }
   if (!std::ranges::all_of(contas, [](const Conta& conta) { return conta.valor.FitsField(); }))
     ApontaForaDeMedida(User(), Tabela.IBDatabase(),
-                       ForCompanies(ForaDeMedida("CONTACOR", "LANCAMENTO"), "CONTACOR", CbEmp.Checked()));
+                       ForCompanies(ForaDeMedida(kContaCorrente), "CONTACOR", CbEmp.Checked()));
   for (const Conta& conta : contas) {
     Value linha[] = {"S",    conta.valor.ToDouble(), CutChars(conta.empresa.Text(), 30), conta.conta, Value(),
                      Value()};

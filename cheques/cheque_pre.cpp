@@ -46,14 +46,6 @@ void TfmChequePre::FormClose() {
   Screen::FormClose();
 }
 
-LookupSettings TfmChequePre::Entidades() const {
-  return Search("ENTIDADE", "CODCLI", {{"CODCLI", "Código"}, {"NOME", "Nome"}, {"CNPJ", "CNPJ/CPF"}});
-}
-
-LookupSettings TfmChequePre::Bancos() const {
-  return Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}});
-}
-
 void TfmChequePre::Desenha() {
   Layout(R"(
     PageControl1 {
@@ -115,9 +107,9 @@ void TfmChequePre::LigaAcesso() {
     SameOnEnter(*fim, *inicio);
   }
   Lookups({
-      {&edtACliente, &PqACliente, "ENTIDADE", "CODCLI", {{"NOME", &EdtANomeCli}}, "", true, nullptr},
-      {&edtAFornec, &PqAFornec, "ENTIDADE", "CODCLI", {{"NOME", &edtANomeFor}}, "", true, nullptr},
-      {&edtABanco, &PqABanco, "CADBAN", "BANCO", {{"NOME_BANCO", &EdtANomeBanco}}, "", true, nullptr},
+      {&edtACliente, &PqACliente, {{"NOME", &EdtANomeCli}}, "", true, nullptr},
+      {&edtAFornec, &PqAFornec, {{"NOME", &edtANomeFor}}, "", true, nullptr},
+      {&edtABanco, &PqABanco, {{"NOME_BANCO", &EdtANomeBanco}}, "", true, nullptr},
   });
   BitBtn6.OnClick = [this] { BitBtn6Click(); };
   BitBtn9.OnClick = [this] { Close(); };
@@ -185,8 +177,7 @@ void TfmChequePre::LigaAcoes() {
 void TfmChequePre::MostraNomes() {
   const auto nome = [this](const char* tabela, const char* chave, const char* coluna, const DBEdit& campo) {
     const std::string codigo = campo.Text();
-    return codigo.empty() ? std::string()
-                          : Funcoes.Busca_Valor(tabela, chave, coluna, Funcoes.Aspas(codigo), true, true);
+    return codigo.empty() ? std::string() : Funcoes.Busca_Valor(tabela, {{chave, codigo}}, coluna);
   };
   TOrvTable& bancos = Tabela.tbBanco();
   const std::string banco = DBEDCodBan.Text();
@@ -201,7 +192,7 @@ void TfmChequePre::MostraNomes() {
 void TfmChequePre::EdtDupExit() {
   const std::string titulo = EdtDup.Text();
   if (Trim(titulo).empty() || !tbCheque_pre.Editing()) return;
-  if (Funcoes.Existe("RECEBER", "NUMERO", Funcoes.Aspas(titulo))) return;
+  if (Funcoes.Existe("RECEBER", {{"NUMERO", titulo}})) return;
   Inform("Duplicata Inexistente.");
   tbCheque_pre["LOTE"].Clear();
   EdtDup.SetFocus();

@@ -106,8 +106,7 @@ class ORV_EXPORT TfmChequePre : public Child {
   ReadOnlyEdit EDCliente{*this, "EDCliente"};
   ReadOnlyEdit EdtCpf{*this, "EdtCpf"};
   DBEdit DBEDCodRep{*this, "DBEDCodRep", "Representante", tbCheque_pre, "REPRESENTANTE"};
-  TPesquisa PqRepresentante{*this, "PqRepresentante",
-                            Search("REPRESEN", "CODREP", {{"CODREP", "Código"}, {"NOME", "Nome"}})};
+  TPesquisa PqRepresentante{*this, "PqRepresentante", Representantes()};
   ReadOnlyEdit EDRepresentante{*this, "EDRepresentante"};
   DBEdit EdtCodFor{*this, "EdtCodFor", "Fornecedor", tbCheque_pre, "FORNECEDOR"};
   TPesquisa PqForneced{*this, "PqForneced", Entidades()};
@@ -155,7 +154,7 @@ class ORV_EXPORT TfmChequePre : public Child {
   Button BtnAltera{*this, "BtnAltera", "&Alterar"};
   Button BtnConsulta{*this, "BtnConsulta", "Con&sultar"};
   TPesquisa PqConsulta{*this, "PqConsulta",
-                       Search("CHEQUE_PRE", "CHAVE;BANCO;CONTA;NUMERO",
+                       ListOf("CHEQUE_PRE", "CHAVE;BANCO;CONTA;NUMERO",
                               {{"CHAVE", "Chave"},
                                {"BANCO", "Banco"},
                                {"CONTA", "Conta"},
@@ -179,8 +178,6 @@ class ORV_EXPORT TfmChequePre : public Child {
 
  private:
   // --- Creation, fields and the query (cheque_pre.cpp).
-  LookupSettings Entidades() const;
-  LookupSettings Bancos() const;
   void Desenha();
   void LigaAcesso();
   void LigaCampos();
@@ -204,8 +201,6 @@ class ORV_EXPORT TfmChequePre : public Child {
 
   void Bar_Confirma(bool confirma);
   bool Valida();
-  // Tells what is wrong and brings the user there. Always false.
-  bool Recusa(std::string_view message, Control& field);
   // Writes the row in edit with its audit line.
   void GravaCheque();
   // The condition that finds the movement of a cleared cheque where it isn't as the clearing left it; "" of a

@@ -135,12 +135,6 @@ void TfmChequePre::Conclui() {
   MostraGravado();
 }
 
-bool TfmChequePre::Recusa(std::string_view message, Control& field) {
-  Inform(message);
-  field.SetFocus();
-  return false;
-}
-
 bool TfmChequePre::Vazio(const char* campo) { return Trim(Texto(campo)).empty(); }
 
 bool TfmChequePre::Valida() {

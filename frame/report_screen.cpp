@@ -134,37 +134,6 @@ void ReportScreen::ListField(Edit& list, TPesquisa& lookup, const std::string& k
   clear.OnClick = [&list] { list.Clear(); };
 }
 
-// --- Conditions.
-
-std::string ReportScreen::Where(std::string_view column, std::string_view sign, const Edit& field) const {
-  if (field.Empty()) return "";
-  return " AND " + std::string(column) + " " + std::string(sign) + " " + Funcoes.Aspas(field.Text());
-}
-
-std::string ReportScreen::WhereIn(std::string_view column, const Edit& list, bool in) const {
-  const std::string codes = Funcoes.ListaSQL(list.Text());
-  if (codes.empty()) return "";
-  return " AND " + std::string(column) + (in ? " IN (" : " NOT IN (") + codes + ")";
-}
-
-std::string ReportScreen::WhereBetween(std::string_view column, Date first, Date last) const {
-  return " AND " + std::string(column) + " BETWEEN " + Funcoes.AspasData(first) + " AND " +
-         Funcoes.AspasData(last);
-}
-
-// --- Companies.
-
-std::string ReportScreen::ForCompanies(std::string_view sql, std::string_view main_table, bool all,
-                                       std::string_view order) const {
-  std::string text = all ? Funcoes.UnionTodasEmpresas(sql, main_table, true) : Funcoes.DBLocal_SQL(sql, "");
-  if (!order.empty()) text.append("\n").append(order);
-  return text;
-}
-
-std::string ReportScreen::ForCompany(std::string_view sql, std::string_view suffix) const {
-  return Funcoes.DBEmpresa_SQL(sql, suffix);
-}
-
 // --- From a figure to where it comes from.
 
 void ReportScreen::ShowDetail(std::string_view title, std::string sql) {

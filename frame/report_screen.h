@@ -1,6 +1,5 @@
-// What the screens of reports have in common: the period, fields that list codes, the conditions of their
-// statements, a gathering that tells how far it is and can be cancelled, and the way from a figure to where
-// it comes from.
+// What the screens of reports have in common: the period, fields that list codes, a gathering that tells how
+// far it is and can be cancelled, and the way from a figure to where it comes from.
 #pragma once
 
 #include <cstdint>
@@ -54,18 +53,6 @@ class ReportScreen : public Child {
   // A field that holds quoted codes: the lookup's choice puts them there, F4 opens it, `clear` empties the
   // field.
   void ListField(Edit& list, TPesquisa& lookup, const std::string& key, Choice choice, Control& clear);
-
-  // --- Conditions. Each begins with " AND ", and is "" where the field is empty.
-  std::string Where(std::string_view column, std::string_view sign, const Edit& field) const;
-  std::string WhereIn(std::string_view column, const Edit& list, bool in = true) const;
-  std::string WhereBetween(std::string_view column, Date first, Date last) const;
-
-  // --- Companies.
-  // The statement for the current company or for all; `order` ("ORDER BY 1") is of the whole result.
-  std::string ForCompanies(std::string_view sql, std::string_view main_table, bool all,
-                           std::string_view order = "") const;
-  // The statement, or a part of one, for the company of that suffix.
-  std::string ForCompany(std::string_view sql, std::string_view suffix) const;
 
   // --- Gathering.
   // Closes the set and creates it anew with these fields, in the order in which they were added.

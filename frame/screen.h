@@ -23,19 +23,17 @@ struct LookupShow {
   Edit* into = nullptr;
 };
 
-// An input field that holds the code of a row of a table, with its lookup and its description.
+// An input field that holds the code of a row of the lookup's table, with the lookup and its description.
 struct LookupTrio {
   Edit* field = nullptr;
   TPesquisa* lookup = nullptr;
-  std::string table;
-  std::string key;
-  std::vector<LookupShow> shows;
+  std::vector<LookupShow> shows{};
   // Told when the code isn't there; "" for a field that isn't tested on exit.
-  std::string message;
+  std::string message{};
   // An optional filter does nothing when empty, and clears itself where the code isn't there.
   bool optional = false;
   // Done after the description follows a change of the code.
-  std::function<void()> after_change;
+  std::function<void()> after_change{};
   // Whether the user is back in the field when he is told, not after that.
   bool back_first = false;
 };
@@ -76,10 +74,39 @@ class Screen : public Form {
   void EnterMovesOn(bool preview);
   void HideOnClose() { free_on_close_ = false; }
 
-  // Settings of a lookup over a table of the company.
-  LookupSettings Search(std::string table, std::string key,
+  // Tells what is wrong and brings the user there. Always false.
+  bool Recusa(std::string_view message, Control& field);
+
+  // --- Lists to choose from, each over a table of the company; `filter` is a condition.
+  LookupSettings ListOf(std::string table, std::string key,
                         std::vector<std::pair<std::string, std::string>> columns,
                         std::string filter = "") const;
+  LookupSettings Contas() const;
+  LookupSettings Classes(std::string filter = "") const;
+  LookupSettings Historicos() const;
+  LookupSettings Entidades() const;
+  LookupSettings Bancos() const;
+  LookupSettings Situacoes() const;
+  LookupSettings Representantes() const;
+  LookupSettings CentrosDeCusto() const;
+  LookupSettings ContasContabeis() const;
+
+  // --- Conditions.
+  // "COLUMN = 'text'".
+  std::string Igual(std::string_view column, std::string_view text) const;
+  // These begin with " AND ", and are "" where the field is empty.
+  std::string Where(std::string_view column, std::string_view sign, const Edit& field) const;
+  std::string WhereIn(std::string_view column, const Edit& list, bool in = true) const;
+  std::string WhereBetween(std::string_view column, Date first, Date last) const;
+  // True when a row of the company's table meets the condition.
+  bool Ha(std::string_view table, const std::string& condition) const;
+
+  // --- Companies.
+  // The statement for the current company or for all; `order` ("ORDER BY 1") is of the whole result.
+  std::string ForCompanies(std::string_view sql, std::string_view main_table, bool all,
+                           std::string_view order = "") const;
+  // The statement, or a part of one, for the company of that suffix.
+  std::string ForCompany(std::string_view sql, std::string_view suffix) const;
 
   void FormClose() override;
 

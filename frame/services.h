@@ -22,6 +22,12 @@ class TImpCheque;
 // The kind of an audit line.
 enum class TOperacaoLog : uint8_t { Emissao = 0, Inclusao = 1, Exclusao = 2, Processo = 3 };
 
+// A column of a row that is looked for, and its text as it stands there, unquoted.
+struct ChaveBusca {
+  std::string_view column;
+  std::string text;
+};
+
 class IFuncoes {
  public:
   virtual ~IFuncoes() = default;
@@ -49,13 +55,13 @@ class IFuncoes {
   // one statement can hold.
   virtual std::string UnionTodasEmpresas(std::string_view sql, std::string_view table, bool all) const = 0;
 
-  // --- Look-ups. `keys`, `values` and `columns` are lists, a value is a literal made by Aspas.
-  // The column of the first row that matches, "" without one; several columns ("A;B") come joined by ";".
-  // Keys are parted by ";".
-  virtual std::string Busca_Valor(std::string_view table, std::string_view keys, std::string_view column,
-                                  std::string_view values, bool local, bool trim) = 0;
-  // True when a row matches. Keys are parted by ",".
-  virtual bool Existe(std::string_view table, std::string_view keys, std::string_view values) = 0;
+  // --- Look-ups in a table of the company.
+  // The column of the first row that has the keys, trimmed, "" without one; several columns ("A;B") come
+  // joined by ";".
+  virtual std::string Busca_Valor(std::string_view table, const std::vector<ChaveBusca>& keys,
+                                  std::string_view column) = 0;
+  // True when a row has the keys.
+  virtual bool Existe(std::string_view table, const std::vector<ChaveBusca>& keys) = 0;
   // The next free number of a column, padded with zeros to `width`.
   virtual std::string Proximo(std::string_view table, std::string_view column, int width, bool local) = 0;
   // As many of them as asked for, ascending.
@@ -112,18 +118,36 @@ class IFuncoes {
   virtual std::string LancamentoPendente(std::string_view account, std::string_view history) = 0;
 };
 
+// A row of CONTACOR.
+struct MovimentoConta {
+  std::string lancamento, docto;
+  std::string banco{};  // "": that of the account
+  std::string conta, grupo, historico;
+  std::string tipo, pendente, operacao;
+  std::string observacao{};  // cut to 100 characters
+  Currency valor;
+  Date dt_lan, dt_vencto, dt_cont;
+  std::string tipo_doc{};  // "CH" for a cheque
+};
+
+// A row of CONTABIL. `docto`, `docto2` and `codigo` are cut to 12 characters, `observacao` to 200. `origem`
+// is "CC", "AP", "PP", "RR", "RB", "RA" or "RC".
+struct LinhaContabil {
+  std::string lancamento, docto, docto2;
+  std::string conta_c, conta_d;
+  std::string operacao, origem;
+  std::string classe{}, historico{};
+  Currency valor;
+  Date data;
+  std::string codigo{}, observacao{};
+};
+
 // One posting's accounting lines, gathered, confirmed by the user, then written.
 class TContabil {
  public:
   virtual ~TContabil() = default;
-  // Adds a line. `docto` and `docto2` are cut to 12 characters. `origem` is "CC", "AP", "PP", "RR", "RB",
-  // "RA" or "RC".
-  virtual void SetContabilidadeFinan(std::string_view lancamento, std::string_view docto,
-                                     std::string_view docto2, std::string_view conta_c,
-                                     std::string_view conta_d, std::string_view operacao,
-                                     std::string_view origem, std::string_view classe,
-                                     std::string_view historico, Currency valor, Date data,
-                                     std::string_view codigo, std::string_view observacao) = 0;
+  // Adds a line.
+  virtual void SetContabilidadeFinan(LinhaContabil linha) = 0;
   // Apportions the last line by the class's rule.
   virtual void GravaRaterioCentroCusto(std::string_view conta, std::string_view classe, std::string_view tipo,
                                        std::string_view tipo_val, Currency valor) = 0;
@@ -132,29 +156,31 @@ class TContabil {
   virtual void GravaContabilidadeFinan() = 0;
 };
 
+// A row of CONT_RATEIO, the rules by which a class is apportioned.
+struct RegraRateio {
+  std::string conta;
+  double perc_conta = 0;
+  std::string centro;
+  double perc_centro = 0;
+};
+
 // Accounting. The caller commits.
 class IContabil {
  public:
   virtual ~IContabil() = default;
   virtual std::unique_ptr<TContabil> Create() = 0;
 
-  // Inserts a row of CONTACOR; `data2` and `data3` are DT_VENCTO and DT_CONT. An empty `banco` is the
-  // account's.
-  virtual void LancaContaCorrente(std::string_view lancamento, std::string_view docto, std::string_view banco,
-                                  std::string_view conta, std::string_view grupo, std::string_view historico,
-                                  std::string_view tipo, std::string_view pendente, std::string_view operacao,
-                                  std::string_view observacao, Currency valor, Date dt_lan, Date data2,
-                                  Date data3, std::string_view tipo_doc) = 0;
+  // Inserts a movement.
+  virtual void LancaContaCorrente(const MovimentoConta& movimento) = 0;
   // Removes the rows of CONTACOR of that number.
   virtual void DeletaContaCorrente(std::string_view lancamento) = 0;
   // Writes one row of CONTABIL at once.
-  virtual void LancaContabilidade(std::string_view lancamento, std::string_view docto,
-                                  std::string_view docto2, std::string_view conta_c, std::string_view conta_d,
-                                  std::string_view operacao, std::string_view origem, std::string_view classe,
-                                  std::string_view historico, Currency valor, Date data,
-                                  std::string_view codigo, std::string_view observacao) = 0;
+  virtual void LancaContabilidade(const LinhaContabil& linha) = 0;
   // Removes the rows of CONTABIL of that number.
   virtual void DeletaContabilidadeFinan(std::string_view lancamento) = 0;
+  // The rules of a class, in the order in which they stand; of any `tipo_val` where it is "".
+  virtual std::vector<RegraRateio> RegrasRateio(std::string_view classe, std::string_view tipo,
+                                                std::string_view tipo_val) = 0;
   // Apportions `valor` by the rules of the class under `numero`; asks the user where the rules leave a
   // difference, or where there are none and the class asks for it. False: the caller stops. Without `store`
   // nothing is written, and the same call with it then stores what the user was asked for.

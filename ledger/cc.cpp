@@ -38,10 +38,6 @@ TfmCC::TfmCC(Application& application)
   BitBtn1.SetFocus();
 }
 
-LookupSettings TfmCC::ContaContabil() const {
-  return Search("CONTA_CONT", "CODIGO", {{"CODIGO", "Conta"}, {"DESCRICAO", "Descrição"}}, "TP_CONTA <> 'T'");
-}
-
 void TfmCC::LeParametros() {
   const auto ligado = [this](int number) { return Funcoes.BuscaParametro("FIN", number) == "S"; };
   fin30_ = ligado(30);
@@ -113,16 +109,9 @@ void TfmCC::LigaAcesso() {
   TodayOnEnter(DtBaixaComp);
 
   Lookups({
-      {&EdtConsConta,
-       &PqConsConta,
-       "CADCONTA",
-       "CONTA",
-       {{"EMPRESA", &EdtConsEmp}},
-       "Conta inexistente.",
-       true,
-       nullptr},
-      {&EdtCodGrupo, &PqConsClasse, "SUBGRUPO", "CODIGO", {{"DESCRICAO", &EdtNomeGrupo}}, "", true, nullptr},
-      {&edtCodHist, &PqHist, "HISTCP", "HISTORICO", {{"DESCRICAO", &edtDescHist}}, "", true, nullptr},
+      {&EdtConsConta, &PqConsConta, {{"EMPRESA", &EdtConsEmp}}, "Conta inexistente.", true, nullptr},
+      {&EdtCodGrupo, &PqConsClasse, {{"DESCRICAO", &EdtNomeGrupo}}, "", true, nullptr},
+      {&edtCodHist, &PqHist, {{"DESCRICAO", &edtDescHist}}, "", true, nullptr},
   });
 
   BitBtn5.OnClick = [this] { BitBtn5Click(); };
@@ -135,34 +124,17 @@ void TfmCC::LigaAcesso() {
 void TfmCC::LigaManutencao() {
   PqConta.Settings().BuscaTable = &Tabela.TbCadConta();
   Lookups({
-      {&EdtConta,
-       &PqConta,
-       "CADCONTA",
-       "CONTA",
-       {{"BANCO", &EdtCodBan}},
-       "Conta inexistente.",
-       false,
-       nullptr},
+      {&EdtConta, &PqConta, {{"BANCO", &EdtCodBan}}, "Conta inexistente.", false, nullptr},
       {&EdtTipo,
        &PqClasse,
-       "SUBGRUPO",
-       "CODIGO",
        {{"DESCRICAO", &EdtDesTipo}},
        "Classe Gerencial Inválida.",
        false,
        [this] { EdtTipoChange(); }},
-      {&EdtHis,
-       &pqHistorico,
-       "HISTCP",
-       "HISTORICO",
-       {{"DESCRICAO", &EdtDescHis}},
-       "",
-       false,
-       [this] { EdtHisChange(); }},
+      {&EdtHis, &pqHistorico, {{"DESCRICAO", &EdtDescHis}}, "", false, [this] { EdtHisChange(); }},
   });
   EdtCodBan.OnChange = [this] {
-    EdtDesBan.SetText(
-        Funcoes.Busca_Valor("CADBAN", "BANCO", "NOME_BANCO", Funcoes.Aspas(EdtCodBan.Text()), true, true));
+    EdtDesBan.SetText(Funcoes.Busca_Valor("CADBAN", {{"BANCO", EdtCodBan.Text()}}, "NOME_BANCO"));
   };
 
   EdtLancto.OnChange = [this] { EdtLanctoChange(); };

@@ -11,6 +11,7 @@
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "rules/como_lido.h"
 #include "toolkit/client_dataset.h"
 
 namespace orv {
@@ -32,19 +33,15 @@ class ORV_EXPORT TfmCC : public Child {
   DateEdit dtInicio{*this, "dtInicio", "De"};
   DateEdit dtFim{*this, "dtFim", "Até"};
   Edit EdtConsConta{*this, "EdtConsConta", "Conta", 12};
-  TPesquisa PqConsConta{
-      *this, "PqConsConta",
-      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqConsConta{*this, "PqConsConta", Contas()};
   ReadOnlyEdit EdtConsEmp{*this, "EdtConsEmp"};
   RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Pendentes", "Baixados", "Compensados"}, 1};
   // Seldom set.
   Edit EdtCodGrupo{*this, "EdtCodGrupo", "Classe Ger.", 6};
-  TPesquisa PqConsClasse{*this, "PqConsClasse",
-                         Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqConsClasse{*this, "PqConsClasse", Classes()};
   ReadOnlyEdit EdtNomeGrupo{*this, "EdtNomeGrupo"};
   Edit edtCodHist{*this, "edtCodHist", "Histórico", 5};
-  TPesquisa PqHist{*this, "PqHist",
-                   Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqHist{*this, "PqHist", Historicos()};
   ReadOnlyEdit edtDescHist{*this, "edtDescHist"};
   Edit EdtConsLanc{*this, "EdtConsLanc", "Lançamento", 10};
   Edit EdtDocto{*this, "EdtDocto", "Documento", 10};
@@ -117,9 +114,7 @@ class ORV_EXPORT TfmCC : public Child {
   Panel Panel4{*this, "Panel4"};
   ReadOnlyEdit EdtLancto{*this, "EdtLancto", "Lançamento"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
-  TPesquisa PqConta{
-      *this, "PqConta",
-      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"BANCO", "Banco"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqConta{*this, "PqConta", Contas()};
   ReadOnlyEdit EdtCodBan{*this, "EdtCodBan", "Banco"};
   ReadOnlyEdit EdtDesBan{*this, "EdtDesBan"};
   Edit EdtNumDoc{*this, "EdtNumDoc", "Documento", 15};
@@ -128,15 +123,10 @@ class ORV_EXPORT TfmCC : public Child {
   DateEdit EdtDtVencto{*this, "EdtDtVencto", "Vencimento"};
   DateEdit EdtDtCont{*this, "EdtDtCont", "Contabilização"};
   Edit EdtTipo{*this, "EdtTipo", "Classe Ger.", 6};
-  TPesquisa PqClasse{*this, "PqClasse",
-                     Search("SUBGRUPO", "CODIGO",
-                            {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}, {"OPERACAO", "Operação"}},
-                            "TP_CONTA <> 'T'")};
+  TPesquisa PqClasse{*this, "PqClasse", Classes("TP_CONTA <> 'T'")};
   ReadOnlyEdit EdtDesTipo{*this, "EdtDesTipo"};
   Edit EdtHis{*this, "EdtHis", "Histórico", 5};
-  TPesquisa pqHistorico{
-      *this, "pqHistorico",
-      Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa pqHistorico{*this, "pqHistorico", Historicos()};
   ReadOnlyEdit EdtDescHis{*this, "EdtDescHis"};
   ComboBox CbOper{*this, "CbOper", "Operação", {"+", "-"}, 0};
   MoneyEdit EdtValor{*this, "EdtValor", "Valor"};
@@ -197,8 +187,8 @@ class ORV_EXPORT TfmCC : public Child {
                                {"Debita", "Debita"},
                                {"Desc_D", "Descrição", 0, true},
                                {"Valor", "Valor"}}};
-  TPesquisa PqContaC{*this, "PqContaC", ContaContabil()};
-  TPesquisa PqContaD{*this, "PqContaD", ContaContabil()};
+  TPesquisa PqContaC{*this, "PqContaC", ContasContabeis()};
+  TPesquisa PqContaD{*this, "PqContaD", ContasContabeis()};
   GroupBox GroupBox3{*this, "GroupBox3", "Centro de Custo"};
   TOrvDBGrid DbgRateioCC{*this,
                          "DbgRateioCC",
@@ -207,8 +197,7 @@ class ORV_EXPORT TfmCC : public Child {
                           {"CentroCusto", "Centro de Custo", 0, true},
                           {.field = "Perc", .title = "Percentual", .decimals = 4},
                           {"Valor", "Valor"}}};
-  TPesquisa PqCCusto{*this, "PqCCusto",
-                     Search("CENTROCUSTO", "CODIGO", {{"CODIGO", "Código"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqCCusto{*this, "PqCCusto", CentrosDeCusto()};
 
   Panel Panel5{*this, "Panel5"};
   Button SpeedButton2{*this, "SpeedButton2", "C&onfirmar"};
@@ -220,7 +209,7 @@ class ORV_EXPORT TfmCC : public Child {
   Button BitBtn2{*this, "BitBtn2", "&Alterar"};
   Button btnConsulta{*this, "btnConsulta", "&Consultar"};
   TPesquisa PqFluxo{*this, "PqFluxo",
-                    Search("CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO",
+                    ListOf("CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO",
                            {{"LANCAMENTO", "Lançamento"},
                             {"DOCTO", "Documento"},
                             {"CONTA", "Conta"},
@@ -256,7 +245,6 @@ class ORV_EXPORT TfmCC : public Child {
 
  private:
   // --- Creation (cc.cpp).
-  LookupSettings ContaContabil() const;
   void LeParametros();
   void Desenha();
   void LigaAcesso();
@@ -300,13 +288,11 @@ class ORV_EXPORT TfmCC : public Child {
   void ModoEdicao(bool edicao);
   // True when the number on the screen is that of a stored movement.
   bool Gravado() const;
-  // Tells what is wrong and brings the user there. Always false.
-  bool Recusa(std::string_view message, Control& field);
-  // A condition "COLUMN = 'text'".
-  std::string Igual(std::string_view column, const std::string& text) const;
   // The condition that finds a movement's one row.
-  std::string Identidade(const std::string& lancamento, const std::string& docto, const std::string& conta,
-                         const std::string& operacao) const;
+  ComoLido Identidade(const std::string& lancamento, const std::string& docto, const std::string& conta,
+                      const std::string& operacao) const;
+  // The row on the screen, as it was loaded.
+  std::string LinhaGravada() const;
 
   // --- The split (cc_split.cpp).
   void PartidaContabil();
@@ -356,7 +342,6 @@ class ORV_EXPORT TfmCC : public Child {
   void SpeedButton6Click();
   // The condition that finds the selected row as the inquiry found it.
   std::string LinhaConsultada() const;
-  bool ComoConsultada() const;
   // The identity of the row that follows the selected one, of the last row its own.
   std::vector<Value> ProximaConsultada();
   // The condition that finds all that is cleared along with the selected row.

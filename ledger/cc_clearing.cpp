@@ -1,8 +1,9 @@
 // The page "Acesso": the selected movement is cleared, or its clearing reversed.
 #include "ledger/cc.h"
-#include "ledger/class_account.h"
 #include "rules/bloqueio.h"
+#include "rules/como_lido.h"
 #include "rules/compensacao.h"
+#include "rules/conta_contabil.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -34,7 +35,7 @@ void TfmCC::SpeedButton8Click() {
   const std::vector<Value> proxima = ProximaConsultada();
 
   // The user isn't asked about what another one has done already.
-  if (!ComoConsultada()) return AvisaMudanca();
+  if (!Ha("CONTACOR", LinhaConsultada())) return AvisaMudanca();
   // All that is cleared along leaves its day and comes to the clearing's.
   const std::string contacor = Funcoes.DBLocal("CONTACOR", true);
   if (bloqueio.Movimentos(contacor, DaConsultada(), {DtBaixaComp.Date()})) return;
@@ -66,8 +67,7 @@ void TfmCC::SpeedButton6Click() {
   if (TbConsulta.IsEmpty()) return Inform(kNenhum);
   const std::string lancamento = TbConsulta.Lancamento.AsString(), docto = TbConsulta.Docto.AsString(),
                     compensacao(Trim(TbConsulta.LancCon.AsString()));
-  if (!compensacao.empty() &&
-      Funcoes.Existe("EXTRATO", "LANC_CON,CONCILIADO", Funcoes.Aspas(compensacao) + ",'S'")) {
+  if (!compensacao.empty() && Funcoes.Existe("EXTRATO", {{"LANC_CON", compensacao}, {"CONCILIADO", "S"}})) {
     return Inform("Lançamento conciliado com o extrato. Impossível continuar.");
   }
   if (!ValidaLancamento(lancamento, TbConsulta.DtCont.AsDate(), TbConsulta.DtLan.AsDate(), false)) return;
@@ -89,19 +89,27 @@ std::unique_ptr<TContabil> TfmCC::PartidaDaCompensacao(const std::string& numero
   std::string historico = TbConsulta.Historico.AsString();
   if (historico.empty()) historico = "0";
   const bool cheque = TbConsulta.TipoDoc.AsString() == "CH";
-  if (!cheque && Funcoes.Busca_Valor("HISTCP", "HISTORICO", "TIPO", Funcoes.Aspas(historico), true, true) !=
-                     kTipoCheque) {
+  if (!cheque && Funcoes.Busca_Valor("HISTCP", {{"HISTORICO", historico}}, "TIPO") != kTipoCheque) {
     return nullptr;
   }
 
-  const std::string banco = ContaDoHistorico(Funcoes, Tabela, conta, "0");
-  const std::string contrapartida = ContaDoHistorico(Funcoes, Tabela, conta, historico);
+  const std::string banco = ContaContabil(Funcoes, Tabela, {{.conta = conta, .historico = "0"}});
+  const std::string contrapartida =
+      ContaContabil(Funcoes, Tabela, {{.conta = conta, .historico = historico}});
   const bool saida = cheque && operacao == "-";
   auto partida = Contabil.Create();
-  partida->SetContabilidadeFinan(numero, docto, docto, saida ? banco : contrapartida,
-                                 saida ? contrapartida : banco, operacao, "CC", "",
-                                 TbConsulta.Historico.AsString(), TbConsulta.Valor.AsCurrency(),
-                                 DtBaixaComp.Date(), "000", "COMPENSAÇÃO DOCTO NR: " + docto + ".");
+  partida->SetContabilidadeFinan({.lancamento = numero,
+                                  .docto = docto,
+                                  .docto2 = docto,
+                                  .conta_c = saida ? banco : contrapartida,
+                                  .conta_d = saida ? contrapartida : banco,
+                                  .operacao = operacao,
+                                  .origem = "CC",
+                                  .historico = TbConsulta.Historico.AsString(),
+                                  .valor = TbConsulta.Valor.AsCurrency(),
+                                  .data = DtBaixaComp.Date(),
+                                  .codigo = "000",
+                                  .observacao = "COMPENSAÇÃO DOCTO NR: " + docto + "."});
   return partida;
 }
 
@@ -120,20 +128,14 @@ std::vector<Value> TfmCC::ProximaConsultada() {
 
 std::string TfmCC::LinhaConsultada() const {
   // All that the inquiry showed of what decides, so that nothing is cleared that the user hasn't seen.
-  const auto& linha = TbConsulta;
-  std::string condicao = Identidade(linha.Lancamento.AsString(), linha.Docto.AsString(),
-                                    linha.Conta.AsString(), linha.Operacao.AsString());
-  for (const Field* campo : {&linha.Pendente, &linha.LancCon, &linha.Historico, &linha.TipoDoc}) {
-    condicao += " AND COALESCE(" + campo->Name() + ", '') = " + Funcoes.Aspas(campo->AsString());
-  }
-  return condicao + " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(linha.Valor.AsCurrency());
-}
-
-bool TfmCC::ComoConsultada() const {
-  return !Tabela.IBDatabase()
-              .Rows("SELECT FIRST 1 1 FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
-                    LinhaConsultada())
-              .empty();
+  ComoLido linha(Funcoes);
+  for (const Field* campo :
+       {&TbConsulta.Lancamento, &TbConsulta.Docto, &TbConsulta.Conta, &TbConsulta.Operacao})
+    linha.Chave(campo->Name(), campo->AsString());
+  for (const Field* campo :
+       {&TbConsulta.Pendente, &TbConsulta.LancCon, &TbConsulta.Historico, &TbConsulta.TipoDoc})
+    linha.Texto(campo->Name(), campo->AsString());
+  return linha.Valor("VALOR", TbConsulta.Valor.AsCurrency()).Condicao();
 }
 
 std::string TfmCC::DaConsultada() const {
@@ -154,7 +156,8 @@ void TfmCC::AvisaMudanca() {
       Tabela.IBDatabase()
           .Scalar("SELECT PENDENTE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
                   Identidade(TbConsulta.Lancamento.AsString(), TbConsulta.Docto.AsString(),
-                             TbConsulta.Conta.AsString(), TbConsulta.Operacao.AsString()))
+                             TbConsulta.Conta.AsString(), TbConsulta.Operacao.AsString())
+                      .Condicao())
           .AsString();
   Inform(!Compensado(TbConsulta.Pendente.AsString()) && Compensado(pendente) ? kCompensado : kAlterado);
   BitBtn5Click();

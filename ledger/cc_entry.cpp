@@ -85,8 +85,7 @@ void TfmCC::BitBtn3Click() {
 }
 
 bool TfmCC::CancelaCheque(const std::string& numero, const std::string& docto) {
-  if (!Funcoes.Existe("CHEQUE_PRE", "CHAVE,NUMERO", Funcoes.Aspas(numero) + "," + Funcoes.Aspas(docto)))
-    return false;
+  if (!Funcoes.Existe("CHEQUE_PRE", {{"CHAVE", numero}, {"NUMERO", docto}})) return false;
   Tabela.IBDatabase().Execute("UPDATE " + Funcoes.DBLocal("CHEQUE_PRE", true) + " SET STATUS = 'C' WHERE " +
                               Igual("CHAVE", numero) + " AND " + Igual("NUMERO", docto));
   Funcoes.GeraLog("CONTACOR", "CANCELAMENTO DE CHEQUE " + docto + " LANCTO. " + numero,
@@ -153,12 +152,6 @@ void TfmCC::PqFluxoFechaPesquisa() {
 
 // --- Checks.
 
-bool TfmCC::Recusa(std::string_view message, Control& field) {
-  Inform(message);
-  field.SetFocus();
-  return false;
-}
-
 bool TfmCC::ValidaLancamento(const std::string& lancamento, Date data1, Date data2, bool verificaConciliado) {
   const auto linhas =
       Tabela.IBDatabase().Rows("SELECT CONTA, LANC_CON, DT_CONT FROM " + Funcoes.DBLocal("CONTACOR", true) +
@@ -188,12 +181,11 @@ bool TfmCC::ValidaCampos() {
   if (EdtDtCont.Date() < EdtDtLanc.Date()) return Recusa(kDataContabil, EdtDtCont);
   if (EdtValor.Empty()) return Recusa("Valor Inválido.", EdtValor);
   if (EdtTipo.Empty()) return Recusa("Classe Gerencial Inválida.", EdtTipo);
-  if (Funcoes.Busca_Valor("SUBGRUPO", "CODIGO", "TP_CONTA", Funcoes.Aspas(EdtTipo.Text()), true, true) ==
-      "T") {
+  if (Funcoes.Busca_Valor("SUBGRUPO", {{"CODIGO", EdtTipo.Text()}}, "TP_CONTA") == "T") {
     return Recusa("Classe Inválida, Não é possível lançar com classe do tipo Título.", EdtTipo);
   }
   if (EdtHis.Empty()) return Recusa("Histórico Inválido.", EdtHis);
-  if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(EdtConta.Text())))
+  if (!Funcoes.Existe("CADCONTA", {{"CONTA", EdtConta.Text()}}))
     return Recusa("Conta Inexistente.", EdtConta);
   if (EdtNumDoc.Empty()) return Recusa("Documento Inexistente.", EdtNumDoc);
   return true;
@@ -231,8 +223,7 @@ void TfmCC::EdtLanctoChange() {
 
 void TfmCC::EdtTipoChange() {
   if (preenche_ || Gravado()) return;
-  const std::string operacao =
-      Funcoes.Busca_Valor("SUBGRUPO", "CODIGO", "OPERACAO", Funcoes.Aspas(EdtTipo.Text()), true, true);
+  const std::string operacao = Funcoes.Busca_Valor("SUBGRUPO", {{"CODIGO", EdtTipo.Text()}}, "OPERACAO");
   CbOper.SetItemIndex(operacao == "-" ? 1 : 0);
 }
 
@@ -272,18 +263,23 @@ void TfmCC::ValorDocumento() {
 
 // --- The row.
 
-std::string TfmCC::Igual(std::string_view column, const std::string& text) const {
-  return std::string(column) + " = " + Funcoes.Aspas(text);
+ComoLido TfmCC::Identidade(const std::string& lancamento, const std::string& docto, const std::string& conta,
+                           const std::string& operacao) const {
+  return ComoLido(Funcoes)
+      .Chave("LANCAMENTO", lancamento)
+      .Chave("DOCTO", docto)
+      .Chave("CONTA", conta)
+      .Chave("OPERACAO", operacao);
 }
 
-std::string TfmCC::Identidade(const std::string& lancamento, const std::string& docto,
-                              const std::string& conta, const std::string& operacao) const {
-  return Igual("LANCAMENTO", lancamento) + " AND " + Igual("DOCTO", docto) + " AND " + Igual("CONTA", conta) +
-         " AND " + Igual("OPERACAO", operacao);
+std::string TfmCC::LinhaGravada() const {
+  ComoLido linha = Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text());
+  if (gravada_) linha.Versao(gravada_->versao);
+  return linha.Condicao();
 }
 
 bool TfmCC::Gravado() const {
-  return !EdtLancto.Empty() && Funcoes.Existe("CONTACOR", "LANCAMENTO", Funcoes.Aspas(EdtLancto.Text()));
+  return !EdtLancto.Empty() && Funcoes.Existe("CONTACOR", {{"LANCAMENTO", EdtLancto.Text()}});
 }
 
 void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& docto, const std::string& conta,
@@ -292,7 +288,8 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
       "SELECT LANCAMENTO, CONTA, DOCTO, TIPO_DOC, DT_LAN, DT_VENCTO, DT_CONT, GRUPO, HISTORICO, OPERACAO, "
       "VALOR, "
       "OBSERVACAO, TIPO, LANC_CON, PENDENTE, RDB$RECORD_VERSION FROM " +
-      Funcoes.DBLocal("CONTACOR", true) + " WHERE " + Identidade(lancamento, docto, conta, operacao));
+      Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
+      Identidade(lancamento, docto, conta, operacao).Condicao());
   if (linhas.empty()) {
     LimpaTela();
     EdtTipoLan.Clear();
@@ -323,19 +320,13 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
 
 void TfmCC::ExigeInalterado() const {
   if (!gravada_) return;
-  const auto linhas = Tabela.IBDatabase().Rows(
-      "SELECT FIRST 1 1 FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
-      Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) +
-      " AND RDB$RECORD_VERSION = " + std::to_string(gravada_->versao));
-  if (linhas.empty()) throw UserError(kAlterado);
+  if (!Ha("CONTACOR", LinhaGravada())) throw UserError(kAlterado);
 }
 
 void TfmCC::RetiraLancamento() {
   // One statement both looks and takes the row away, so that nobody comes in between.
-  const int64_t retiradas = Tabela.IBDatabase().Execute(
-      "DELETE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
-      Identidade(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text()) +
-      (gravada_ ? " AND RDB$RECORD_VERSION = " + std::to_string(gravada_->versao) : ""));
+  const int64_t retiradas = Tabela.IBDatabase().Execute("DELETE FROM " + Funcoes.DBLocal("CONTACOR", true) +
+                                                        " WHERE " + LinhaGravada());
   if (gravada_ && retiradas == 0) throw UserError(kAlterado);
 }
 

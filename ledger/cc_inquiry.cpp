@@ -8,7 +8,7 @@
 
 #include "ledger/cc.h"
 #include "ledger/cc_trans_conta.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -19,17 +19,11 @@ constexpr const char* kColunas =
     "LANCAMENTO, DOCTO, BANCO, CONTA, DT_CONT, DT_LAN, DT_VENCTO, VALOR, OPERACAO, PENDENTE, OBSERVACAO, "
     "HISTORICO, GRUPO, LANC_CON, TIPO_DOC, TIPO";
 
-// The settled balance, what is pending, what is yet to come: conditions on a movement.
-constexpr const char* kBaixado = "PENDENTE IN ('N','C') AND DT_CONT <= ";
-constexpr const char* kPendente = "PENDENTE = 'S' AND DT_CONT <= ";
-constexpr const char* kPrevisto = "DT_CONT > ";
-constexpr const char* kComSinal = "CASE OPERACAO WHEN '+' THEN VALOR WHEN '-' THEN -VALOR END";
-
-// A code as the database compares it, which takes trailing blanks for nothing.
-std::string Codigo(const Value& value) {
-  const std::string_view text = value.Text();
-  return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
-}
+// The settled balance, what is pending, what is yet to come: conditions on a movement, up to today or after
+// it.
+std::string Baixado(const std::string& hoje) { return std::string(kBaixado) + " AND DT_CONT <= " + hoje; }
+std::string Pendente(const std::string& hoje) { return std::string(kPendente) + " AND DT_CONT <= " + hoje; }
+std::string Previsto(const std::string& hoje) { return "DT_CONT > " + hoje; }
 
 // Takes the movements found, adds them up and lays them down in the order of the inquiry. A movement is one
 // only where its account is in `contas`, and its class is described by `classes`: looked up in memory, they
@@ -39,17 +33,17 @@ class Achados : public RowSink {
   Achados(TfmCC::ConsultaSet& set, const std::vector<std::vector<Value>>& contas,
           const std::vector<std::vector<Value>>& classes)
       : set_(set), columns_(set.Fields().size()) {
-    for (const auto& conta : contas) contas_.insert(Codigo(conta[0]));
-    for (const auto& classe : classes) classes_.emplace(Codigo(classe[0]), classe[1]);
+    for (const auto& conta : contas) contas_.insert(std::string(TrimCode(conta[0].Text())));
+    for (const auto& classe : classes) classes_.emplace(std::string(TrimCode(classe[0].Text())), classe[1]);
   }
   void Columns(const std::vector<Column>& columns) override { ORV_ASSERT(columns.size() + 1 == columns_); }
   bool Row(std::span<Value> values) override {
-    if (!contas_.contains(Codigo(At(values, set_.Conta)))) return true;
+    if (!contas_.contains(std::string(TrimCode(At(values, set_.Conta).Text())))) return true;
     Value& amount = At(values, set_.Valor);
     const Currency valor = amount.AsCurrency();
     (At(values, set_.Operacao).Text() == "-" ? debito : credito) += valor;
     if (!amount.IsNull()) amount = valor.ToDouble();
-    const auto classe = classes_.find(Codigo(At(values, set_.Grupo)));
+    const auto classe = classes_.find(std::string(TrimCode(At(values, set_.Grupo).Text())));
     cells_.insert(cells_.end(), std::move_iterator(values.begin()), std::move_iterator(values.end()));
     cells_.push_back(classe == classes_.end() ? Value() : classe->second);
     return true;
@@ -111,7 +105,7 @@ void TfmCC::ConsultaLancamentos() {
   EdtCredito.SetAmount(achados.credito);
   EdtSaldo.SetAmount(achados.credito - achados.debito);
   if (!achados.credito.FitsField() || !achados.debito.FitsField())
-    ApontaForaDeMedida(User(), db, Funcoes.DBLocal_SQL(ForaDeMedida("CONTACOR", "LANCAMENTO"), ""));
+    ApontaForaDeMedida(User(), db, Funcoes.DBLocal_SQL(ForaDeMedida(kContaCorrente), ""));
   TbConsulta.First();
 }
 
@@ -188,19 +182,14 @@ std::string TfmCC::SqlDoMovimento(const std::string& sql) {
 }
 
 Currency TfmCC::ValorConta(const std::string& condicao) {
-  const std::string conta = Tabela.TbCadConta()["CONTA"].AsString();
-  Currency valor;
-  for (const auto& linha : Tabela.IBDatabase().Rows(
-           SqlDoMovimento("SELECT " + Soma(kComSinal) + " AS VALOR FROM {CONTACOR} WHERE " +
-                          Igual("CONTA", conta) + " AND " + condicao))) {
-    valor += SomaDe(linha[0]);
-  }
-  return valor;
+  return Total(Tabela.IBDatabase(),
+               SqlDoMovimento("SELECT " + Soma(ComSinal(kContaCorrente)) + " FROM {CONTACOR} WHERE " +
+                              Igual("CONTA", Tabela.TbCadConta()["CONTA"].AsString()) + " AND " + condicao));
 }
 
-Currency TfmCC::ValorSaldoConta() { return ValorConta(kBaixado + Funcoes.AspasData(Today())); }
-Currency TfmCC::ValorPendenteConta() { return ValorConta(kPendente + Funcoes.AspasData(Today())); }
-Currency TfmCC::ValorPrevisaoConta() { return ValorConta(kPrevisto + Funcoes.AspasData(Today())); }
+Currency TfmCC::ValorSaldoConta() { return ValorConta(Baixado(Funcoes.AspasData(Today()))); }
+Currency TfmCC::ValorPendenteConta() { return ValorConta(Pendente(Funcoes.AspasData(Today()))); }
+Currency TfmCC::ValorPrevisaoConta() { return ValorConta(Previsto(Funcoes.AspasData(Today()))); }
 
 void TfmCC::BitBtn8Click() {
   {
@@ -220,10 +209,10 @@ void TfmCC::ConsultaContas() {
   // the movements leads.
   const std::string hoje = Funcoes.AspasData(Today());
   const auto soma = [&](const std::string& condicao) {
-    return ", " + Soma("CASE WHEN " + condicao + hoje + " THEN " + kComSinal + " END");
+    return ", " + Soma(ComSinal(kContaCorrente, "CONTACOR", condicao));
   };
-  const std::string sql = "SELECT CADCONTA.CONTA" + soma(kBaixado) + soma(kPendente) + soma(kPrevisto) +
-                          " FROM " + Funcoes.DBLocal("CADCONTA", true) +
+  const std::string sql = "SELECT CADCONTA.CONTA" + soma(Baixado(hoje)) + soma(Pendente(hoje)) +
+                          soma(Previsto(hoje)) + " FROM " + Funcoes.DBLocal("CADCONTA", true) +
                           " CADCONTA LEFT JOIN {CONTACOR} CONTACOR ON CONTACOR.CONTA = CADCONTA.CONTA WHERE "
                           "CADCONTA.IMP_FLUXO = 'S' GROUP BY CADCONTA.CONTA";
   std::unordered_map<std::string, std::array<Currency, 3>> valores;
@@ -235,8 +224,7 @@ void TfmCC::ConsultaContas() {
       cabem = cabem && da_conta[i].FitsField();
     }
   }
-  if (!cabem)
-    ApontaForaDeMedida(User(), Tabela.IBDatabase(), SqlDoMovimento(ForaDeMedida("CONTACOR", "LANCAMENTO")));
+  if (!cabem) ApontaForaDeMedida(User(), Tabela.IBDatabase(), SqlDoMovimento(ForaDeMedida(kContaCorrente)));
 
   TbContas.EmptyDataSet();
   const ControlsHold hold(TbContas);

@@ -2,6 +2,8 @@
 
 #include "frame/entry/unit.h"
 #include "rules/bloqueio.h"
+#include "rules/conta_contabil.h"
+#include "rules/rateio.h"
 
 namespace orv {
 
@@ -35,23 +37,9 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
     @actions { @primary BitBtn1 @apart BitBtn2 }
   )");
   Lookups({
-      {&EdtConta, &PqConta, "CADCONTA", "CONTA", {{"EMPRESA", &EdtDescConta}}, kConta, false, nullptr},
-      {&EdtTipo,
-       &wwTipo,
-       "SUBGRUPO",
-       "CODIGO",
-       {{"DESCRICAO", &EdtDesTipo}},
-       kClasse,
-       false,
-       [this] { EdtTipoChange(); }},
-      {&EdtHis,
-       &pqHistorico,
-       "HISTCP",
-       "HISTORICO",
-       {{"DESCRICAO", &EdtDescHist}},
-       kHistorico,
-       false,
-       nullptr},
+      {&EdtConta, &PqConta, {{"EMPRESA", &EdtDescConta}}, kConta, false, nullptr},
+      {&EdtTipo, &wwTipo, {{"DESCRICAO", &EdtDesTipo}}, kClasse, false, [this] { EdtTipoChange(); }},
+      {&EdtHis, &pqHistorico, {{"DESCRICAO", &EdtDescHist}}, kHistorico, false, nullptr},
   });
   TodayOnEnter(DtLancto);
   TodayOnEnter(DtCont);
@@ -60,8 +48,7 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
 }
 
 void TFmCCLancFluxo::EdtTipoChange() {
-  const std::string operacao =
-      Funcoes.Busca_Valor("SUBGRUPO", "CODIGO", "OPERACAO", Funcoes.Aspas(EdtTipo.Text()), true, true);
+  const std::string operacao = Funcoes.Busca_Valor("SUBGRUPO", {{"CODIGO", EdtTipo.Text()}}, "OPERACAO");
   CbOper.SetItemIndex(operacao == "+" ? kCredito : kDebito);
 }
 
@@ -96,16 +83,6 @@ void TFmCCLancFluxo::BitBtn2Click() {
   Close();
 }
 
-bool TFmCCLancFluxo::Recusa(std::string_view message, Control& field) {
-  Inform(message);
-  field.SetFocus();
-  return false;
-}
-
-bool TFmCCLancFluxo::Existe(std::string_view tabela, std::string_view chave, const Edit& campo) {
-  return Funcoes.Existe(tabela, chave, Funcoes.Aspas(campo.Text()));
-}
-
 bool TFmCCLancFluxo::ValidaDatas() {
   if (DtLancto.Date().Empty()) return Recusa("Data de lançamento inválida.", DtLancto);
   if (DtCont.Date().Empty()) return Recusa("Data de contabilização inválida.", DtCont);
@@ -114,9 +91,9 @@ bool TFmCCLancFluxo::ValidaDatas() {
 
 bool TFmCCLancFluxo::ValidaCampos() {
   if (EdtValor.Amount() <= Currency()) return Recusa("Valor inválido.", EdtValor);
-  if (!Existe("CADCONTA", "CONTA", EdtConta)) return Recusa(kConta, EdtConta);
-  if (!Existe("HISTCP", "HISTORICO", EdtHis)) return Recusa(kHistorico, EdtHis);
-  if (!Existe("SUBGRUPO", "CODIGO", EdtTipo)) return Recusa(kClasse, EdtTipo);
+  if (!Funcoes.Existe("CADCONTA", {{"CONTA", EdtConta.Text()}})) return Recusa(kConta, EdtConta);
+  if (!Funcoes.Existe("HISTCP", {{"HISTORICO", EdtHis.Text()}})) return Recusa(kHistorico, EdtHis);
+  if (!Funcoes.Existe("SUBGRUPO", {{"CODIGO", EdtTipo.Text()}})) return Recusa(kClasse, EdtTipo);
   if (CbOper.ItemIndex() < 0) return Recusa("Operação inválida.", CbOper);
   if (EdtDocto.Empty()) return Recusa("Documento inválido.", EdtDocto);
   return true;
@@ -134,36 +111,40 @@ void TFmCCLancFluxo::RateiaClasse(bool grava) {
   }
 }
 
-std::string TFmCCLancFluxo::ContaContabil() {
-  // From the general row to the one that is most exact.
-  const std::pair<std::string, std::string> tentativas[] = {
-      {"0", "0"}, {EdtTipo.Text(), "0"}, {EdtTipo.Text(), EdtHis.Text()}};
-  std::string conta;
-  for (const auto& [classe, historico] : tentativas) {
-    const auto linhas = Tabela.IBDatabase().Rows(
-        "SELECT FIRST 1 CONTA_CONT FROM " + Funcoes.DBLocal("CLASSE_CONTA", true) +
-        " WHERE CODCLI = " + Funcoes.Aspas(CodCliente) + " AND CLASSE = " + Funcoes.Aspas(classe) +
-        " AND HISTORICO = " + Funcoes.Aspas(historico) +
-        " AND CARTEIRA = '0' AND CONTA = " + Funcoes.Aspas(EdtConta.Text()));
-    if (!linhas.empty()) conta = linhas[0][0].AsString();
-  }
-  return conta;
+std::string TFmCCLancFluxo::ContaDoBanco() {
+  // From the row that is most exact to the general one.
+  const auto chave = [this](const std::string& classe, const std::string& historico) {
+    return ChaveContabil{.conta = EdtConta.Text(),
+                         .historico = historico,
+                         .classe = classe,
+                         .carteira = "0",
+                         .codcli = CodCliente};
+  };
+  return ContaContabil(Funcoes, Tabela,
+                       {chave(EdtTipo.Text(), EdtHis.Text()), chave(EdtTipo.Text(), "0"), chave("0", "0")});
 }
 
 std::unique_ptr<TContabil> TFmCCLancFluxo::Partidas() {
   auto partidas = Contabil.Create();
   const auto linha = [&](const std::string& credita, const std::string& debita, Currency valor) {
-    partidas->SetContabilidadeFinan(Lancamento, EdtDocto.Text(), EdtDocto.Text(), credita, debita, Operacao(),
-                                    "CC", EdtTipo.Text(), EdtHis.Text(), valor, DtCont.Date(), "000-00", "");
+    partidas->SetContabilidadeFinan({.lancamento = Lancamento,
+                                     .docto = EdtDocto.Text(),
+                                     .docto2 = EdtDocto.Text(),
+                                     .conta_c = credita,
+                                     .conta_d = debita,
+                                     .operacao = Operacao(),
+                                     .origem = "CC",
+                                     .classe = EdtTipo.Text(),
+                                     .historico = EdtHis.Text(),
+                                     .valor = valor,
+                                     .data = DtCont.Date(),
+                                     .codigo = "000-00"});
   };
-  const auto regras = Tabela.IBDatabase().Rows(
-      "SELECT DISTINCT CONTA, PERC_CONTA FROM " + Funcoes.DBLocal("CONT_RATEIO", true) +
-      " WHERE CODIGO = " + Funcoes.Aspas(EdtTipo.Text()) + " AND TIPO = 'C'");
-  if (regras.empty()) linha("0", "0", EdtValor.Amount());
-  const std::string banco = regras.empty() ? "" : ContaContabil();
-  for (const auto& regra : regras) {
-    const std::string conta = regra[0].AsString();
-    const Currency valor = EdtValor.Amount() * (regra[1].AsFloat() / 100);
+  const auto contas = ContasDoRateio(Contabil.RegrasRateio(EdtTipo.Text(), "C", ""));
+  if (contas.empty()) linha("0", "0", EdtValor.Amount());
+  const std::string banco = contas.empty() ? "" : ContaDoBanco();
+  for (const auto& [conta, percentual] : contas) {
+    const Currency valor = EdtValor.Amount() * (percentual / 100);
     linha(banco, conta, valor);
     partidas->GravaRaterioCentroCusto(conta, EdtTipo.Text(), "C", "VF", valor);
   }
@@ -185,9 +166,19 @@ std::string TFmCCLancFluxo::ContaAntiga() {
 
 void TFmCCLancFluxo::LancaMovimento(const std::string& antiga) {
   const auto lanca = [this](const std::string& conta, const std::string& operacao) {
-    Contabil.LancaContaCorrente(Lancamento, EdtDocto.Text(), "", conta, EdtTipo.Text(), EdtHis.Text(), "L",
-                                "S", operacao, EdtObs.Text(), EdtValor.Amount(), DtLancto.Date(),
-                                DtCont.Date(), DtCont.Date(), "");
+    Contabil.LancaContaCorrente({.lancamento = Lancamento,
+                                 .docto = EdtDocto.Text(),
+                                 .conta = conta,
+                                 .grupo = EdtTipo.Text(),
+                                 .historico = EdtHis.Text(),
+                                 .tipo = "L",
+                                 .pendente = "S",
+                                 .operacao = operacao,
+                                 .observacao = EdtObs.Text(),
+                                 .valor = EdtValor.Amount(),
+                                 .dt_lan = DtLancto.Date(),
+                                 .dt_vencto = DtCont.Date(),
+                                 .dt_cont = DtCont.Date()});
   };
   lanca(EdtConta.Text(), Operacao());
   if (antiga.empty()) return;

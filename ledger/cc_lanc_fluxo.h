@@ -30,20 +30,14 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
   bool Gravado = false;
 
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
-  TPesquisa PqConta{
-      *this, "PqConta",
-      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqConta{*this, "PqConta", Contas()};
   ReadOnlyEdit EdtDescConta{*this, "EdtDescConta"};
   Edit EdtDocto{*this, "EdtDocto", "Documento", 15};
   Edit EdtTipo{*this, "EdtTipo", "Classe Ger.", 6};
-  TPesquisa wwTipo{*this, "wwTipo",
-                   Search("SUBGRUPO", "CODIGO",
-                          {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}, {"OPERACAO", "Operação"}})};
+  TPesquisa wwTipo{*this, "wwTipo", Classes()};
   ReadOnlyEdit EdtDesTipo{*this, "EdtDesTipo"};
   Edit EdtHis{*this, "EdtHis", "Histórico", 5};
-  TPesquisa pqHistorico{
-      *this, "pqHistorico",
-      Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa pqHistorico{*this, "pqHistorico", Historicos()};
   ReadOnlyEdit EdtDescHist{*this, "EdtDescHist"};
   ComboBox CbOper{*this, "CbOper", "Operação", {"Débito", "Crédito"}};
   MoneyEdit EdtValor{*this, "EdtValor", "Valor"};
@@ -60,16 +54,12 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
 
   bool ValidaDatas();
   bool ValidaCampos();
-  // Tells what is wrong and brings the user there. Always false.
-  bool Recusa(std::string_view message, Control& field);
-  // True when the row of the table is there.
-  bool Existe(std::string_view tabela, std::string_view chave, const Edit& campo);
   // "-" or "+", and the other one.
   std::string Operacao(bool oposta = false) const;
   // The apportionment by class; without `grava` only what it asks the user. Ends the action where it is
   // refused.
   void RateiaClasse(bool grava);
-  std::string ContaContabil();
+  std::string ContaDoBanco();
   // The entries, confirmed by the user. Ends the action where he refuses them.
   std::unique_ptr<TContabil> Partidas();
   // The account of the movement that this one replaces, "" where there is none under its number.

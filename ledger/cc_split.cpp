@@ -1,5 +1,6 @@
 // The accounting split of a movement: its entries and, for each, the cost centres that bear it.
 #include "ledger/cc.h"
+#include "rules/conta_contabil.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -37,41 +38,32 @@ void TfmCC::PartidaContabil() {
   const ProgramFill fill(TbContabil);
   EsvaziaRateio();
 
-  const auto regras = Tabela.IBDatabase().Rows(
-      "SELECT CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO FROM " + Funcoes.DBLocal("CONT_RATEIO", true) +
-      " WHERE " + Igual("CODIGO", EdtTipo.Text()) + " AND TIPO = 'C' AND TIPO_VAL = 'VF'");
+  const auto regras = Contabil.RegrasRateio(EdtTipo.Text(), "C", "VF");
   const std::string banco = ContaDoBanco();
   if (regras.empty()) IncluiPartida(banco, "", EdtValor.Amount());
 
-  bool primeira = true;
-  std::string anterior;
-  for (const auto& regra : regras) {
-    const std::string conta = regra[0].AsString(), centro = regra[2].AsString();
-    if (primeira || conta != anterior) {
-      IncluiPartida(banco, conta, EdtValor.Amount() * (regra[1].AsFloat() / 100));
+  const RegraRateio* anterior = nullptr;
+  for (const RegraRateio& regra : regras) {
+    if (anterior == nullptr || regra.conta != anterior->conta) {
+      IncluiPartida(banco, regra.conta, EdtValor.Amount() * (regra.perc_conta / 100));
     }
-    primeira = false;
-    anterior = conta;
+    anterior = &regra;
 
     TbCCusto.Append();
-    TbCCusto.Codigo = centro;
-    TbCCusto.CentroCusto = DescricaoDe("CENTROCUSTO", centro);
-    TbCCusto.Perc = regra[3].AsFloat();
-    TbCCusto.Valor = TbContabil.Valor.AsCurrency() * (regra[3].AsFloat() / 100);
+    TbCCusto.Codigo = regra.centro;
+    TbCCusto.CentroCusto = DescricaoDe("CENTROCUSTO", regra.centro);
+    TbCCusto.Perc = regra.perc_centro;
+    TbCCusto.Valor = TbContabil.Valor.AsCurrency() * (regra.perc_centro / 100);
     TbCCusto.Post();
   }
   TbContabil.First();
 }
 
 std::string TfmCC::ContaDoBanco() {
-  // The class's own row takes over from that of any class. Several can differ by history; that of any history
-  // goes before.
-  return Tabela.IBDatabase()
-      .Scalar("SELECT FIRST 1 CONTA_CONT FROM " + Funcoes.DBLocal("CLASSE_CONTA", true) + " WHERE " +
-              Igual("CONTA", EdtConta.Text()) + " AND (" + Igual("CLASSE", EdtTipo.Text()) +
-              " OR CLASSE = '0') AND CARTEIRA = '0' ORDER BY CASE WHEN CLASSE = '0' THEN 1 ELSE 0 END, "
-              "CASE WHEN HISTORICO = '0' THEN 0 ELSE 1 END")
-      .AsString();
+  // The class's own row takes over from that of any class.
+  return ContaContabil(Funcoes, Tabela,
+                       {{.conta = EdtConta.Text(), .classe = EdtTipo.Text(), .carteira = "0"},
+                        {.conta = EdtConta.Text(), .classe = "0", .carteira = "0"}});
 }
 
 void TfmCC::IncluiPartida(const std::string& banco, const std::string& conta, Currency valor) {
@@ -88,7 +80,7 @@ void TfmCC::IncluiPartida(const std::string& banco, const std::string& conta, Cu
 }
 
 std::string TfmCC::DescricaoDe(std::string_view tabela, const std::string& codigo) {
-  return Funcoes.Busca_Valor(tabela, "CODIGO", "DESCRICAO", Funcoes.Aspas(codigo), true, true);
+  return Funcoes.Busca_Valor(tabela, {{"CODIGO", codigo}}, "DESCRICAO");
 }
 
 // --- Loading.
@@ -178,7 +170,7 @@ void TfmCC::EsvaziaRateio() {
 
 void TfmCC::TbContabilBeforePost() {
   const auto resultado = [this](const Field& conta) {
-    return Funcoes.Existe("CONTA_CONT", "CODIGO,CT_RESULT", Funcoes.Aspas(conta.AsString()) + ",'S'");
+    return Funcoes.Existe("CONTA_CONT", {{"CODIGO", conta.AsString()}, {"CT_RESULT", "S"}});
   };
   TbContabil.ContaRat.Clear();
   if (resultado(TbContabil.Debita)) TbContabil.ContaRat = TbContabil.Debita.Get();
@@ -263,7 +255,7 @@ void TfmCC::DbgRateioCCKey(KeyPress& key) {
 
 bool TfmCC::ValidaCentroCusto() {
   for (TbCCusto.First(); !TbCCusto.Eof(); TbCCusto.Next()) {
-    if (Funcoes.Existe("CENTROCUSTO", "CODIGO", Funcoes.Aspas(TbCCusto.Codigo.AsString()))) continue;
+    if (Funcoes.Existe("CENTROCUSTO", {{"CODIGO", TbCCusto.Codigo.AsString()}})) continue;
     Inform("Centro de Custo Inválido.");
     return false;
   }
@@ -272,7 +264,7 @@ bool TfmCC::ValidaCentroCusto() {
 
 bool TfmCC::ValidaContabilidade() {
   const auto existe = [this](const Field& conta) {
-    return Funcoes.Existe("CONTA_CONT", "CODIGO", Funcoes.Aspas(conta.AsString()));
+    return Funcoes.Existe("CONTA_CONT", {{"CODIGO", conta.AsString()}});
   };
   Currency total;
   // The cost centres follow the entry in focus.
@@ -344,10 +336,18 @@ void TfmCC::GravaContabilidade() {
   Tabela.IBDatabase().Execute("DELETE FROM " + Funcoes.DBLocal("CENTRO_RATEIO", true) + " WHERE " +
                               Igual("LANCAMENTO", numero));
   for (TbContabil.First(); !TbContabil.Eof(); TbContabil.Next()) {
-    Contabil.LancaContabilidade(numero, docto, docto, TbContabil.Credita.AsString(),
-                                TbContabil.Debita.AsString(), CbOper.Text(), "CC", EdtTipo.Text(),
-                                EdtHis.Text(), TbContabil.Valor.AsCurrency(), EdtDtCont.Date(), "",
-                                EdtObs.Text());
+    Contabil.LancaContabilidade({.lancamento = numero,
+                                 .docto = docto,
+                                 .docto2 = docto,
+                                 .conta_c = TbContabil.Credita.AsString(),
+                                 .conta_d = TbContabil.Debita.AsString(),
+                                 .operacao = CbOper.Text(),
+                                 .origem = "CC",
+                                 .classe = EdtTipo.Text(),
+                                 .historico = EdtHis.Text(),
+                                 .valor = TbContabil.Valor.AsCurrency(),
+                                 .data = EdtDtCont.Date(),
+                                 .observacao = EdtObs.Text()});
     GravaCentroCusto();
   }
   Tabela.CommitRetaining();

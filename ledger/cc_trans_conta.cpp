@@ -1,8 +1,8 @@
 #include "ledger/cc_trans_conta.h"
 
 #include "frame/entry/unit.h"
-#include "ledger/class_account.h"
 #include "rules/bloqueio.h"
+#include "rules/conta_contabil.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -44,31 +44,15 @@ TFmCCTransConta::TFmCCTransConta(Application& application)
   BitBtn2.OnClick = [this] { Close(); };
 }
 
-LookupSettings TFmCCTransConta::Contas() const {
-  return Search("CADCONTA", "CONTA",
-                {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}});
-}
-
-LookupSettings TFmCCTransConta::Classes() const {
-  return Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}});
-}
-
-LookupSettings TFmCCTransConta::Historicos() const {
-  return Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}});
-}
-
 void TFmCCTransConta::LigaPesquisas() {
   const auto conta = [](Edit& field, TPesquisa& lookup, Edit& into) {
-    return LookupTrio{&field, &lookup, "CADCONTA", "CONTA", {{"EMPRESA", &into}},
-                      kConta, false,   nullptr,    true};
+    return LookupTrio{&field, &lookup, {{"EMPRESA", &into}}, kConta, false, nullptr, true};
   };
   const auto classe = [](Edit& field, TPesquisa& lookup, Edit& into) {
-    return LookupTrio{&field,  &lookup, "SUBGRUPO", "CODIGO", {{"DESCRICAO", &into}},
-                      kClasse, false,   nullptr,    true};
+    return LookupTrio{&field, &lookup, {{"DESCRICAO", &into}}, kClasse, false, nullptr, true};
   };
   const auto historico = [](Edit& field, TPesquisa& lookup, Edit& into, std::function<void()> change) {
-    return LookupTrio{&field,     &lookup, "HISTCP",          "HISTORICO", {{"DESCRICAO", &into}},
-                      kHistorico, false,   std::move(change), true};
+    return LookupTrio{&field, &lookup, {{"DESCRICAO", &into}}, kHistorico, false, std::move(change), true};
   };
   Lookups({conta(EdtConta, PqConta, EdtDescConta), conta(EdtContaDest, PqContaDest, EdtDescContaDest),
            classe(EdtClasseSai, PqClasseSai, EdtDesClaSai), classe(EdtClasseEnt, PqClasseEnt, EdtDesClaEnt),
@@ -91,8 +75,7 @@ void TFmCCTransConta::LigaPesquisas() {
 }
 
 void TFmCCTransConta::EdtHisEntChange() {
-  CbPendente.SetChecked(Funcoes.Busca_Valor("HISTCP", "HISTORICO", "SITUACAO",
-                                            Funcoes.Aspas(EdtHisEnt.Text()), true, true) == "P");
+  CbPendente.SetChecked(Funcoes.Busca_Valor("HISTCP", {{"HISTORICO", EdtHisEnt.Text()}}, "SITUACAO") == "P");
 }
 
 void TFmCCTransConta::IncluiObservacao() {
@@ -129,19 +112,33 @@ bool TFmCCTransConta::ValidaCampos() {
   if (DtLan.Date().Empty()) return recusa("A Data de Lançamento informada é inválida.", DtLan);
   if (DtCont.Date().Empty()) return recusa("A Data de Contabilização informada é inválida.", DtCont);
   for (Edit* conta : {&EdtConta, &EdtContaDest}) {
-    if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(conta->Text()))) return recusa(kConta, *conta);
+    if (!Funcoes.Existe("CADCONTA", {{"CONTA", conta->Text()}})) return recusa(kConta, *conta);
   }
   return true;
 }
 
 bool TFmCCTransConta::LancaContabilidade(const std::string& numero) {
   const std::string texto(CutChars(EdtDesClaSai.Text() + " - " + EdtObs.Text(), kTexto));
-  const std::string destino = ContaDoBanco(Funcoes, Tabela, EdtContaDest.Text(), EdtHisEnt.Text());
-  const std::string origem = ContaDoBanco(Funcoes, Tabela, EdtConta.Text(), EdtHisSai.Text());
+  const std::string destino = ContaContabil(
+      Funcoes, Tabela,
+      {{.conta = EdtContaDest.Text(), .historico = EdtHisEnt.Text()}, {.conta = EdtContaDest.Text()}});
+  const std::string origem =
+      ContaContabil(Funcoes, Tabela,
+                    {{.conta = EdtConta.Text(), .historico = EdtHisSai.Text()}, {.conta = EdtConta.Text()}});
   const auto partida = Contabil.Create();
-  partida->SetContabilidadeFinan(numero, EdtDocto.Text(), EdtDocto.Text(), origem, destino, "-", "CC",
-                                 EdtClasseSai.Text(), EdtHisSai.Text(), EdtValor.Amount(), DtLan.Date(),
-                                 "000-00", texto);
+  partida->SetContabilidadeFinan({.lancamento = numero,
+                                  .docto = EdtDocto.Text(),
+                                  .docto2 = EdtDocto.Text(),
+                                  .conta_c = origem,
+                                  .conta_d = destino,
+                                  .operacao = "-",
+                                  .origem = "CC",
+                                  .classe = EdtClasseSai.Text(),
+                                  .historico = EdtHisSai.Text(),
+                                  .valor = EdtValor.Amount(),
+                                  .data = DtLan.Date(),
+                                  .codigo = "000-00",
+                                  .observacao = texto});
   if (!partida->ConfirmaDadosContabilidade(0)) return false;
   partida->GravaContabilidadeFinan();
   return true;
@@ -149,10 +146,20 @@ bool TFmCCTransConta::LancaContabilidade(const std::string& numero) {
 
 void TFmCCTransConta::LancaMovimentos(const std::string& numero) {
   const auto lanca = [&](const Edit& conta, const Edit& classe, const Edit& historico,
-                         std::string_view pendente, std::string_view operacao) {
-    Contabil.LancaContaCorrente(numero, EdtDocto.Text(), "", conta.Text(), classe.Text(), historico.Text(),
-                                "TR", pendente, operacao, EdtObs.Text(), EdtValor.Amount(), DtLan.Date(),
-                                DtCont.Date(), DtCont.Date(), "");
+                         const std::string& pendente, const char* operacao) {
+    Contabil.LancaContaCorrente({.lancamento = numero,
+                                 .docto = EdtDocto.Text(),
+                                 .conta = conta.Text(),
+                                 .grupo = classe.Text(),
+                                 .historico = historico.Text(),
+                                 .tipo = "TR",
+                                 .pendente = pendente,
+                                 .operacao = operacao,
+                                 .observacao = EdtObs.Text(),
+                                 .valor = EdtValor.Amount(),
+                                 .dt_lan = DtLan.Date(),
+                                 .dt_vencto = DtCont.Date(),
+                                 .dt_cont = DtCont.Date()});
   };
   lanca(EdtConta, EdtClasseSai, EdtHisSai, Funcoes.LancamentoPendente(EdtConta.Text(), EdtHisSai.Text()),
         "-");

@@ -42,9 +42,6 @@ class ORV_EXPORT TFmCCTransConta : public Dialog {
   SmallButton BitBtn2{*this, "BitBtn2", "Cancelar"};
 
  private:
-  LookupSettings Contas() const;
-  LookupSettings Classes() const;
-  LookupSettings Historicos() const;
   void LigaPesquisas();
 
   void BitBtn1Click();

@@ -36,10 +36,6 @@ TFmCadExtrato::TFmCadExtrato(Application& application)
   EdtCDocto.SetFocus();
 }
 
-LookupSettings TFmCadExtrato::Contas() const {
-  return Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"BANCO", "Banco"}, {"DESCRICAO", "Descrição"}});
-}
-
 std::vector<GridColumn> TFmCadExtrato::ColunasExtrato() {
   return {{"LANCTO", "Lançamento"},
           {"CONTA", "Conta"},
@@ -103,7 +99,7 @@ void TFmCadExtrato::LigaAcesso() {
   dtFim.SetDate(Date(2050, 1, 1));
   TodayOnEnter(dtInicio);
   SameOnEnter(dtFim, dtInicio);
-  Lookups({{&edtAConta, &pqAConta, "CADCONTA", "CONTA", {}, "", true, nullptr}});
+  Lookups({{&edtAConta, &pqAConta, {}, "", true, nullptr}});
   edtAConta.OnExit = [this] { ContaExit(edtAConta); };
 
   BitBtn5.OnClick = [this] { BitBtn5Click(); };

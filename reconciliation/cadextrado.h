@@ -71,7 +71,7 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   Button BtnAltera{*this, "BtnAltera", "&Alterar"};
   SmallButton SbConsulta{*this, "SbConsulta", "Consultar"};
   TPesquisa PqExtrato{*this, "PqExtrato",
-                      Search("EXTRATO", "LANCTO",
+                      ListOf("EXTRATO", "LANCTO",
                              {{"LANCTO", "Lançamento"},
                               {"CONTA", "Conta"},
                               {"DOCTO", "Documento"},
@@ -125,7 +125,6 @@ class ORV_EXPORT TFmCadExtrato : public Child {
 
  private:
   // --- Creation (cadextrado.cpp).
-  LookupSettings Contas() const;
   static std::vector<GridColumn> ColunasExtrato();
   void Desenha();
   void LigaAcesso();

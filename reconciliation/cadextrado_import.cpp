@@ -51,9 +51,8 @@ bool Retira(std::unordered_map<std::string, int64_t>& contagem, const std::strin
 void TFmCadExtrato::LigaImportacao() {
   DtArq.SetDate(Today());
   TodayOnEnter(DtArq);
-  Lookups({{&EdtIConta, &PqIConta, "CADCONTA", "CONTA", {{"DESCRICAO", &EdtINomeConta}}, "", true, [this] {
-              EdtIContaChange();
-            }}});
+  Lookups(
+      {{&EdtIConta, &PqIConta, {{"DESCRICAO", &EdtINomeConta}}, "", true, [this] { EdtIContaChange(); }}});
   EdtIConta.OnExit = [this] { ContaExit(EdtIConta); };
   EdtCam.OnExit = [this] { EdtCamExit(); };
   EdtArq.OnChange = [this] { EdtArqChange(); };
@@ -111,7 +110,7 @@ void TFmCadExtrato::CarregaArquivo() {
     return;
   }
   Contagem confirmadas;
-  if (Funcoes.Existe("EXTRATO", "ARQUIVO", Funcoes.Aspas(Arquivo()))) {
+  if (Funcoes.Existe("EXTRATO", {{"ARQUIVO", Arquivo()}})) {
     if (!Interrompido()) {
       Inform("Arquivo Já Carregado.");
       return;
@@ -122,8 +121,7 @@ void TFmCadExtrato::CarregaArquivo() {
     Inform("Arquivo não encontrado.");
     return;
   }
-  const std::string banco =
-      Funcoes.Busca_Valor("CADCONTA", "CONTA", "BANCO", Funcoes.Aspas(EdtIConta.Text()), true, true);
+  const std::string banco = Funcoes.Busca_Valor("CADCONTA", {{"CONTA", EdtIConta.Text()}}, "BANCO");
   const PositionLayout posicoes = Posicoes(banco);
   std::string texto;
   try {
@@ -317,8 +315,7 @@ void TFmCadExtrato::GravaExtrato() {
   const int64_t linhas = TbImporta.RecordCount();
   const std::vector<std::string> numeros =
       Funcoes.Proximos("EXTRATO", "LANCTO", 6, true, static_cast<std::size_t>(linhas));
-  const Value banco =
-      Funcoes.Busca_Valor("CADCONTA", "CONTA", "BANCO", Funcoes.Aspas(EdtIConta.Text()), true, true);
+  const Value banco = Funcoes.Busca_Valor("CADCONTA", {{"CONTA", EdtIConta.Text()}}, "BANCO");
   const Value arquivo = Arquivo(), conta = EdtIConta.Text();
   const Value data = DtArq.Date().Empty() ? Date::FromDays(Date::kZeroDays) : DtArq.Date();
 

@@ -1,6 +1,6 @@
 // The page "Cadastro": statement lines typed, altered and deleted one by one.
 #include "reconciliation/cadextrado.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -63,16 +63,15 @@ void TFmCadExtrato::EdtContaChange() {
 }
 
 Currency TFmCadExtrato::SaldoExtrato(const std::string& conta) {
-  const auto soma = [&](const char* operacao) {
-    return Tabela.IBDatabase().Scalar(
-        "SELECT " + Soma("VALOR") + " FROM " + Funcoes.DBLocal("EXTRATO", true) +
-        " WHERE OPERACAO = " + Funcoes.Aspas(operacao) + " AND CONTA = " + Funcoes.Aspas(conta));
-  };
   if (conta.empty()) return {};
-  const Currency creditos = SomaDe(soma("C")), debitos = SomaDe(soma("D"));
+  const auto linha =
+      Tabela.IBDatabase()
+          .Rows("SELECT " + Soma(Creditos(kExtrato)) + ", " + Soma(Debitos(kExtrato)) + " FROM " +
+                Funcoes.DBLocal("EXTRATO", true) + " WHERE " + Igual("CONTA", conta))
+          .front();
+  const Currency creditos = SomaDe(linha[0]), debitos = SomaDe(linha[1]);
   if (!creditos.FitsField() || !debitos.FitsField())
-    ApontaForaDeMedida(User(), Tabela.IBDatabase(),
-                       Funcoes.DBLocal_SQL(ForaDeMedida("EXTRATO", "LANCTO"), ""));
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(), Funcoes.DBLocal_SQL(ForaDeMedida(kExtrato), ""));
   return creditos - debitos;
 }
 
@@ -84,7 +83,7 @@ void TFmCadExtrato::Maiusculas(const char* campo) {
 // --- Leaving the fields.
 
 void TFmCadExtrato::ContaExit(Edit& campo) {
-  if (Trim(campo.Text()).empty() || Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(campo.Text()))) return;
+  if (Trim(campo.Text()).empty() || Funcoes.Existe("CADCONTA", {{"CONTA", campo.Text()}})) return;
   Inform("Conta não cadastrada.");
   campo.SetFocus();
 }
@@ -94,7 +93,7 @@ void TFmCadExtrato::EdtContaExit() {
   const std::string conta = TbExtrato["CONTA"].AsString();
   if (Trim(conta).empty()) {
     PqConta.AbrePesquisa();
-  } else if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(conta))) {
+  } else if (!Funcoes.Existe("CADCONTA", {{"CONTA", conta}})) {
     Inform("Conta não cadastrada.");
     EdtConta.SetFocus();
   }
@@ -157,8 +156,7 @@ void TFmCadExtrato::SbConfirmarClick() {
     return;
   }
   const std::string lancto = TbExtrato["LANCTO"].AsString();
-  TbExtrato["BANCO"] = Funcoes.Busca_Valor("CADCONTA", "CONTA", "BANCO",
-                                           Funcoes.Aspas(TbExtrato["CONTA"].AsString()), true, true);
+  TbExtrato["BANCO"] = Funcoes.Busca_Valor("CADCONTA", {{"CONTA", TbExtrato["CONTA"].AsString()}}, "BANCO");
   // Before the row leaves its edit: where the line can't be written, the row stays as it was typed.
   Funcoes.GeraLog(kLog, "INCLUSAO / ALTERACAO LANCAMENTO " + lancto, TOperacaoLog::Inclusao, lancto);
   TbExtrato.Post();

@@ -69,10 +69,6 @@ TFmConcilia::TFmConcilia(Application& application)
   EdtConta.SetFocus();
 }
 
-LookupSettings TFmConcilia::Contas() const {
-  return Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"BANCO", "Banco"}, {"DESCRICAO", "Descrição"}});
-}
-
 void TFmConcilia::Desenha() {
   Layout(R"(
     PageControl1 {
@@ -126,7 +122,7 @@ void TFmConcilia::LigaExtrato() {
   TodayOnEnter(DtInicio);
   SameOnEnter(DtFinal, DtInicio);
   EdtPrazo.SetText(kPrazo);
-  Lookups({{&EdtConta, &PqConta, "CADCONTA", "CONTA", {}, "", false, [this] { EdtContaChange(); }}});
+  Lookups({{&EdtConta, &PqConta, {}, "", false, [this] { EdtContaChange(); }}});
   EdtCodBan.OnChange = [this] { EdtCodBanChange(); };
 
   BitBtn1.OnClick = [this] { BitBtn1Click(); };
@@ -146,8 +142,6 @@ void TFmConcilia::LigaCheques() {
   SameOnEnter(DtFimArq, DtIniArq);
   Lookups({{&EdtContaArq,
             &PqContaArq,
-            "CADCONTA",
-            "CONTA",
             {{"DESCRICAO", &EdtDescContaArq}, {"BANCO", &EdtBancoArq}},
             "",
             false,
@@ -168,15 +162,8 @@ void TFmConcilia::LigaCartoes() {
   SameOnEnter(DtCartao_Fim, DtCartao_Ini);
   CbCartao_TipoConcilia.SetEnabled(false);
   Lookups({
-      {&EdtCodBanco, &PqBanco, "CADBAN", "BANCO", {{"NOME_BANCO", &EdtDescBanco}}, "", false, nullptr},
-      {&EdtContaMoeda,
-       &PqContaMoeda,
-       "CADCONTA",
-       "CONTA",
-       {{"DESCRICAO", &EdtDescContaMoeda}},
-       "",
-       false,
-       nullptr},
+      {&EdtCodBanco, &PqBanco, {{"NOME_BANCO", &EdtDescBanco}}, "", false, nullptr},
+      {&EdtContaMoeda, &PqContaMoeda, {{"DESCRICAO", &EdtDescContaMoeda}}, "", false, nullptr},
   });
 
   cbCartao_Operadora.OnChange = [this] { cbCartao_OperadoraChange(); };
@@ -193,13 +180,11 @@ void TFmConcilia::LigaGrades() {
   struct Lado {
     TOrvDBGrid& grade;
     TClientDataSet& set;
-    Field& marca;
-    void (TFmConcilia::*muda)();
+    Ticks& marcas;
   };
-  for (const Lado& lado : {Lado{OrvDBGrid1, TbMov, TbMov.Conciliar, &TFmConcilia::TbMovConciliarChange},
-                           Lado{OrvDBGrid2, TbArq, TbArq.Concilia, &TFmConcilia::TbArqConciliaChange}}) {
+  for (const Lado& lado : {Lado{OrvDBGrid1, TbMov, marcas_mov_}, Lado{OrvDBGrid2, TbArq, marcas_arq_}}) {
     TClientDataSet& set = lado.set;
-    lado.marca.OnChange = [this, muda = lado.muda] { (this->*muda)(); };
+    lado.marcas.MoveOn();
     set.AfterPost = [this, &set] {
       if (set.Tag < 2) CalculaTotais();
     };
@@ -223,15 +208,10 @@ void TFmConcilia::LigaGrades() {
     grade->SetRowsFixed(true);
 }
 
-void TFmConcilia::Recusa(std::string_view message, Control& field) {
-  Inform(message);
-  field.SetFocus();
-}
-
 void TFmConcilia::EdtCodBanChange() {
-  const std::string banco = Funcoes.Aspas(EdtCodBan.Text());
-  EdtBanco.SetText(Funcoes.Busca_Valor("CADBAN", "BANCO", "NOME_BANCO", banco, true, true));
-  EdtArq.SetText(Funcoes.Busca_Valor("CADBAN", "BANCO", "ENTRADA", banco, true, true));
+  const std::vector<ChaveBusca> banco{{"BANCO", EdtCodBan.Text()}};
+  EdtBanco.SetText(Funcoes.Busca_Valor("CADBAN", banco, "NOME_BANCO"));
+  EdtArq.SetText(Funcoes.Busca_Valor("CADBAN", banco, "ENTRADA"));
 }
 
 void TFmConcilia::BitBtn5Click() {
@@ -271,7 +251,10 @@ void TFmConcilia::cbCartao_OperadoraChange() {
 }
 
 void TFmConcilia::BtCartao_ConsultarClick() {
-  if (cbCartao_Operadora.ItemIndex() < 0) return Recusa("Selecione uma operadora.", cbCartao_Operadora);
+  if (cbCartao_Operadora.ItemIndex() < 0) {
+    Recusa("Selecione uma operadora.", cbCartao_Operadora);
+    return;
+  }
   Inform("Os arquivos da operadora " + cbCartao_Operadora.Text() +
          " não são lidos. Operadoras cujos arquivos são lidos: nenhuma.");
 }

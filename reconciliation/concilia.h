@@ -13,6 +13,7 @@
 
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "frame/ticks.h"
 #include "reconciliation/aviso.h"
 #include "reconciliation/formats/cheque_return.h"
 #include "rules/bloqueio.h"
@@ -230,8 +231,7 @@ class ORV_EXPORT TFmConcilia : public Child {
   Edit EdCartao_Arquivo{*this, "EdCartao_Arquivo", "Arquivo"};
   SmallButton SpeedButton2{*this, "SpeedButton2", "Procurar..."};
   Edit EdtCodBanco{*this, "EdtCodBanco", "Banco", 3};
-  TPesquisa PqBanco{*this, "PqBanco",
-                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  TPesquisa PqBanco{*this, "PqBanco", Bancos()};
   ReadOnlyEdit EdtDescBanco{*this, "EdtDescBanco"};
   Edit EdtContaMoeda{*this, "EdtContaMoeda", "Conta", 13};
   TPesquisa PqContaMoeda{*this, "PqContaMoeda", Contas()};
@@ -307,14 +307,11 @@ class ORV_EXPORT TFmConcilia : public Child {
 
  private:
   // --- Creation (concilia.cpp).
-  LookupSettings Contas() const;
   void Desenha();
   void LigaExtrato();
   void LigaCheques();
   void LigaCartoes();
   void LigaGrades();
-  // Tells what is wrong and brings the user there.
-  void Recusa(std::string_view message, Control& field);
   void EdtCodBanChange();
   void BitBtn5Click();
   void BitBtn7Click();
@@ -325,8 +322,6 @@ class ORV_EXPORT TFmConcilia : public Child {
   // --- Marks (concilia_marks.cpp).
   void EdtContaChange();
   void BitBtn1Click();
-  void TbMovConciliarChange();
-  void TbArqConciliaChange();
   // The filters of the page, in the terms of the ledger or of the statement.
   std::string Filtros(const char* operacao, const char* debito, const char* credito, const char* situacao,
                       const char* feito, const char* aberto) const;
@@ -365,8 +360,6 @@ class ORV_EXPORT TFmConcilia : public Child {
   void MostraVolta(const std::string& numero);
   // Finds out which of them hold a cheque.
   void ProcuraCheques(std::vector<Movimento>& movimentos);
-  // True when the table has the row that the condition finds.
-  bool Ha(const char* tabela, const std::string& condicao);
   // The accounting of a cheque, confirmed by the user; null where he refuses it.
   std::unique_ptr<TContabil> PartidaDoCheque(const Movimento& cheque, const std::string& numero);
   // The condition that finds a movement as it was loaded, or as the reconciliation `numero` has left it.
@@ -417,6 +410,7 @@ class ORV_EXPORT TFmConcilia : public Child {
   std::string caminho_arq_;
   // The days that were confirmed since that load, by the movement's number.
   std::map<std::string, Date> gravadas_;
+  Ticks marcas_mov_{TbMov, TbMov.Conciliar, "N"}, marcas_arq_{TbArq, TbArq.Concilia, "S"};
   Currency tot_mov_, tot_ext_;
 };
 

@@ -66,7 +66,7 @@ std::optional<std::vector<ChequeReturn>> TFmConcilia::LeArquivo() {
     Inform("Arquivo não encontrado.");
     return std::nullopt;
   }
-  if (!Funcoes.Existe("CADCONTA", "CONTA", Funcoes.Aspas(EdtContaArq.Text()))) {
+  if (!Funcoes.Existe("CADCONTA", {{"CONTA", EdtContaArq.Text()}})) {
     Recusa("Conta não encontrada.", EdtContaArq);
     return std::nullopt;
   }
@@ -143,7 +143,7 @@ void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
       Cheque cheque;
       for (std::size_t c = 0; c < cheque.size(); ++c) {
         const std::string_view parte = linha[c + 1].Text();
-        cheque[c] = parte.substr(0, parte.find_last_not_of(' ') + 1);
+        cheque[c] = TrimCode(parte);
       }
       lancamentos.try_emplace(std::move(cheque), linha[0].AsString());
     }
@@ -181,7 +181,8 @@ void TFmConcilia::BitBtn10Click() {
                       celula(TbArquivo.DtComp).AsDate()});
     if (!linhas.back().data.Empty()) continue;
     TbArquivo.SetRecNo(i + 1);
-    return Recusa("Informe a data de compensação do lançamento " + linhas.back().lancto + ".", OrvDBGrid3);
+    Recusa("Informe a data de compensação do lançamento " + linhas.back().lancto + ".", OrvDBGrid3);
+    return;
   }
 
   const BusyMark busy(Funcoes, *this);

@@ -2,7 +2,7 @@
 #include <unordered_map>
 
 #include "reconciliation/concilia.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -11,14 +11,8 @@ namespace {
 enum Busca { kConciliados = 0, kAConciliar = 1 };
 enum Tipo { kPagamentos = 0, kRecebimentos = 1 };
 
-// The mode of a set while it is loaded.
+// The modes of a set: as the user works at it, and while it is loaded.
 constexpr int kNormal = 0, kCarga = 2;
-
-// A code as the database compares it, which takes trailing blanks for nothing.
-std::string Codigo(const Value& value) {
-  const std::string_view text = value.Text();
-  return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
-}
 
 // Takes rows of a statement into a set: each column of the result into a field.
 class Linhas : public RowSink {
@@ -53,14 +47,15 @@ class Movimentos : public Linhas {
                {&set.Conciliar, &set.Operacao, &set.Lancto, &set.Docto, &set.DataLancto, &set.Data,
                 &set.DataVencto, &set.Classe, &set.Valor, &set.Historico, &set.Observacao, &set.LancCon}),
         set_(set) {
-    for (const auto& classe : classes) classes_.emplace(Codigo(classe[0]), set.DescClasse.Convert(classe[1]));
+    for (const auto& classe : classes)
+      classes_.emplace(std::string(TrimCode(classe[0].Text())), set.DescClasse.Convert(classe[1]));
   }
 
  private:
   void Completa() override {
     Value& operacao = Celula(set_.Operacao);
     operacao = operacao.Text() == "+" ? "C" : "D";
-    const auto classe = classes_.find(Codigo(Celula(set_.Classe)));
+    const auto classe = classes_.find(std::string(TrimCode(Celula(set_.Classe).Text())));
     Celula(set_.DescClasse) = classe == classes_.end() ? Value() : classe->second;
   }
 
@@ -68,67 +63,31 @@ class Movimentos : public Linhas {
   std::unordered_map<std::string, Value> classes_;
 };
 
-// What is ticked, credits less debits.
-Currency Marcado(MemoryDataSet& set, const Field& marca, std::string_view marcada, const Field& operacao,
-                 const Field& valor) {
-  Currency total;
-  const int64_t linhas = set.RecordCount();
-  for (int64_t i = 0; i < linhas; ++i) {
-    if (set.Cell(i, marca).Text() != marcada) continue;
-    const Currency amount = set.Cell(i, valor).AsCurrency();
-    if (set.Cell(i, operacao).Text() == "D") {
-      total -= amount;
-    } else {
-      total += amount;
-    }
-  }
-  return total;
-}
-
 }  // namespace
 
 void TFmConcilia::EdtContaChange() {
-  const std::string ate = Funcoes.AspasData(DtFinal.Date()), conta = Funcoes.Aspas(EdtConta.Text());
-  Currency saldo, conciliado;
-  bool cabem = true, extrato_cabe = true;
-  std::string descricao, banco;
-  for (const auto& linha : Tabela.IBDatabase().Rows(
-           "SELECT " + Soma("CONTACOR.VALOR") +
-           " AS VALOR, CADCONTA.DESCRICAO, CADCONTA.BANCO, CONTACOR.OPERACAO, "
-           "CONTACOR.PENDENTE FROM " +
-           Funcoes.DBLocal("CONTACOR", true) + " CONTACOR JOIN " + Funcoes.DBLocal("CADCONTA", true) +
-           " CADCONTA ON CADCONTA.CONTA = CONTACOR.CONTA WHERE CONTACOR.DT_CONT <= " + ate +
-           " AND CONTACOR.CONTA = " + conta +
-           " GROUP BY CADCONTA.DESCRICAO, CADCONTA.BANCO, CONTACOR.OPERACAO, CONTACOR.PENDENTE ")) {
-    const Currency soma = SomaDe(linha[0]), valor = linha[3].Text() == "-" ? -soma : soma;
-    cabem = cabem && soma.FitsField();
-    saldo += valor;
-    if (linha[4].Text() == "N") conciliado += valor;
-    descricao = linha[1].AsString();
-    banco = linha[2].AsString();
-  }
-  EdtSaldoMov.SetAmount(saldo);
-  EdtSaldoMovCon.SetAmount(conciliado);
-  EdtDescConta.SetText(descricao);
-  EdtCodBan.SetText(banco);
-
-  Currency extrato, extrato_conciliado;
-  for (const auto& linha : Tabela.IBDatabase().Rows(
-           "SELECT " + Soma("EXTRATO.VALOR") + " AS VALOR, EXTRATO.OPERACAO, EXTRATO.CONCILIADO FROM " +
-           Funcoes.DBLocal("EXTRATO", true) + " EXTRATO WHERE EXTRATO.DT_CONT <= " + ate +
-           " AND EXTRATO.CONTA = " + conta + " GROUP BY EXTRATO.OPERACAO, EXTRATO.CONCILIADO ")) {
-    const Currency soma = SomaDe(linha[0]), valor = linha[1].Text() == "D" ? -soma : soma;
-    extrato_cabe = extrato_cabe && soma.FitsField();
-    extrato += valor;
-    if (linha[2].Text() == "S") extrato_conciliado += valor;
-  }
-  EdtSaldoExt.SetAmount(extrato);
-  EdtSaldoExtCon.SetAmount(extrato_conciliado);
-  const auto aponta = [&](const char* tabela, const char* chave) {
-    ApontaForaDeMedida(User(), Tabela.IBDatabase(), Funcoes.DBLocal_SQL(ForaDeMedida(tabela, chave), ""));
+  // Beside the balances, what else the statement tells of the account.
+  const auto saldos = [&](const Livro& livro, const char* conciliado, const char* mais, const std::string& de,
+                          MoneyEdit& saldo, MoneyEdit& saldo_conciliado) {
+    auto linha = Tabela.IBDatabase()
+                     .Rows("SELECT " + Soma(Creditos(livro, "M")) + ", " + Soma(Debitos(livro, "M")) + ", " +
+                           Soma(ComSinal(livro, "M", conciliado)) + mais + " FROM " +
+                           Funcoes.DBLocal(livro.tabela, true) + " M" + de + " WHERE M.DT_CONT <= " +
+                           Funcoes.AspasData(DtFinal.Date()) + " AND " + Igual("M.CONTA", EdtConta.Text()))
+                     .front();
+    const Currency creditos = SomaDe(linha[0]), debitos = SomaDe(linha[1]);
+    saldo.SetAmount(creditos - debitos);
+    saldo_conciliado.SetAmount(SomaDe(linha[2]));
+    if (!creditos.FitsField() || !debitos.FitsField())
+      ApontaForaDeMedida(User(), Tabela.IBDatabase(), Funcoes.DBLocal_SQL(ForaDeMedida(livro), ""));
+    return linha;
   };
-  if (!cabem) aponta("CONTACOR", "LANCAMENTO");
-  if (!extrato_cabe) aponta("EXTRATO", "LANCTO");
+  const auto conta = saldos(kContaCorrente, "M.PENDENTE = 'N'", ", MIN(C.DESCRICAO), MIN(C.BANCO)",
+                            " JOIN " + Funcoes.DBLocal("CADCONTA", true) + " C ON C.CONTA = M.CONTA",
+                            EdtSaldoMov, EdtSaldoMovCon);
+  EdtDescConta.SetText(conta[3].AsString());
+  EdtCodBan.SetText(conta[4].AsString());
+  saldos(kExtrato, "M.CONCILIADO = 'S'", "", "", EdtSaldoExt, EdtSaldoExtCon);
 }
 
 void TFmConcilia::BitBtn1Click() {
@@ -156,7 +115,10 @@ std::string TFmConcilia::Filtros(const char* operacao, const char* debito, const
 }
 
 void TFmConcilia::CarregaMovimentos() {
-  if (EdtConta.Empty()) return Recusa("Selecione uma Conta.", EdtConta);
+  if (EdtConta.Empty()) {
+    Recusa("Selecione uma Conta.", EdtConta);
+    return;
+  }
   struct Carga {
     TFmConcilia& tela;
     explicit Carga(TFmConcilia& t) : tela(t) { tela.TbMov.Tag = tela.TbArq.Tag = kCarga; }
@@ -197,8 +159,8 @@ void TFmConcilia::CarregaMovimentos() {
 void TFmConcilia::CalculaTotais() {
   TbArq.PostIfEditing();
   TbMov.PostIfEditing();
-  tot_ext_ = Marcado(TbArq, TbArq.Concilia, "S", TbArq.Operacao, TbArq.Valor);
-  tot_mov_ = Marcado(TbMov, TbMov.Conciliar, "N", TbMov.Operacao, TbMov.Valor);
+  tot_ext_ = marcas_arq_.Balance(TbArq.Valor, TbArq.Operacao, "D");
+  tot_mov_ = marcas_mov_.Balance(TbMov.Valor, TbMov.Operacao, "D");
   EdtTotExt.SetAmount(tot_ext_);
   EdtTotMov.SetAmount(tot_mov_);
   // There is a difference only between sets that end on the same side.
@@ -210,26 +172,11 @@ void TFmConcilia::CalculaTotais() {
 
 // In words, since the figure compares only sets that end on the same side.
 void TFmConcilia::MostraDiferenca() {
-  const auto marcada = [](TClientDataSet& set, const Field& marca, std::string_view sim) {
-    for (int64_t i = 0, n = set.RecordCount(); i < n; ++i)
-      if (set.Cell(i, marca).Text() == sim) return true;
-    return false;
-  };
   const bool pode = tot_mov_ == tot_ext_;
-  const bool alguma = !pode || marcada(TbMov, TbMov.Conciliar, "N") || marcada(TbArq, TbArq.Concilia, "S");
+  const bool alguma = !pode || marcas_mov_.Any() || marcas_arq_.Any();
   const bool aberto = RgBusca.ItemIndex() == kAConciliar && alguma;
   LbDif.SetCaption(!aberto ? "" : pode ? "Pode conciliar" : "Faltam " + (tot_mov_ - tot_ext_).Abs().Brazil());
   LbDif.SetColor(pode ? "good" : "warning");
-}
-
-// A tick is posted and the next row is at hand.
-
-void TFmConcilia::TbMovConciliarChange() {
-  if (TbMov.Editing() && TbMov.Tag == kNormal) TbMov.Next();
-}
-
-void TFmConcilia::TbArqConciliaChange() {
-  if (TbArq.Editing() && TbArq.Tag == kNormal) TbArq.Next();
 }
 
 }  // namespace orv

@@ -93,7 +93,10 @@ void TFmConcilia::BtSugerirClick() {
   const bool numero =
       !texto.empty() && std::all_of(texto.begin(), texto.end(), [](char c) { return c >= '0' && c <= '9'; });
   const int64_t prazo = numero ? ParseInteger(texto) : -1;
-  if (prazo < 0 || prazo > kMaxPrazo) return Recusa("Prazo inválido: informe de 0 a 90 dias.", EdtPrazo);
+  if (prazo < 0 || prazo > kMaxPrazo) {
+    Recusa("Prazo inválido: informe de 0 a 90 dias.", EdtPrazo);
+    return;
+  }
 
   const BusyMark busy(Funcoes, *this);
   TbMov.PostIfEditing();

@@ -3,7 +3,9 @@
 #include <set>
 
 #include "reconciliation/concilia.h"
+#include "rules/como_lido.h"
 #include "rules/compensacao.h"
+#include "rules/conta_contabil.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -40,12 +42,6 @@ Par ParDe(std::string_view lancto, std::string_view docto) {
 
 }  // namespace
 
-bool TFmConcilia::Ha(const char* tabela, const std::string& condicao) {
-  return !Tabela.IBDatabase()
-              .Rows("SELECT FIRST 1 1 FROM " + Funcoes.DBLocal(tabela, true) + " WHERE " + condicao)
-              .empty();
-}
-
 // --- Reconciliation.
 
 void TFmConcilia::BitBtn4Click() {
@@ -58,8 +54,10 @@ void TFmConcilia::BitBtn4Click() {
   const bool varios = movimentos.size() > 1;
   std::vector<Conjunto> conjuntos = Conjuntos(std::move(movimentos));
   const bool nada = conjuntos.front().movimentos.empty() && conjuntos.front().linhas.empty();
-  if (!nada && EdtConta.Text() != conta_)
-    return Recusa("A conta foi trocada depois da consulta. Consulte novamente.", EdtConta);
+  if (!nada && EdtConta.Text() != conta_) {
+    Recusa("A conta foi trocada depois da consulta. Consulte novamente.", EdtConta);
+    return;
+  }
   if (varios && cheque) return Inform(kMultiplos);
   if (Fechado(conjuntos)) return;
   const std::vector<std::string> numeros =
@@ -94,14 +92,12 @@ void TFmConcilia::BitBtn4Click() {
 
 std::vector<TFmConcilia::Movimento> TFmConcilia::Marcados() {
   std::vector<Movimento> movimentos;
-  const int64_t linhas = TbMov.RecordCount();
-  for (int64_t i = 0; i < linhas; ++i) {
-    if (TbMov.Cell(i, TbMov.Conciliar).Text() != "N") continue;
+  marcas_mov_.ForEach([&](int64_t i) {
     const auto texto = [&](const Field& campo) { return TbMov.Cell(i, campo).AsString(); };
     movimentos.push_back({texto(TbMov.Lancto), texto(TbMov.Docto), texto(TbMov.Operacao) == "C" ? "+" : "-",
                           texto(TbMov.Historico), texto(TbMov.LancCon),
                           TbMov.Cell(i, TbMov.Valor).AsCurrency(), i});
-  }
+  });
   return movimentos;
 }
 
@@ -136,13 +132,11 @@ std::vector<TFmConcilia::Conjunto> TFmConcilia::Conjuntos(std::vector<Movimento>
   };
   for (Movimento& m : movimentos)
     conjunto(grupo_de(do_movimento, m.lugar)).movimentos.push_back(std::move(m));
-  const int64_t linhas = TbArq.RecordCount();
-  for (int64_t i = 0; i < linhas; ++i) {
-    if (TbArq.Cell(i, TbArq.Concilia).Text() != "S") continue;
+  marcas_arq_.ForEach([&](int64_t i) {
     Conjunto& deste = conjunto(grupo_de(da_linha, i));
     if (deste.linhas.empty()) deste.data = TbArq.Cell(i, TbArq.Data).AsDate();
     deste.linhas.push_back(i);
-  }
+  });
   std::vector<Conjunto> conjuntos;
   for (auto& [grupo, deste] : por_grupo) conjuntos.push_back(std::move(deste));
   if (conjuntos.empty()) conjuntos.emplace_back();
@@ -195,28 +189,34 @@ void TFmConcilia::ProcuraCheques(std::vector<Movimento>& movimentos) {
 }
 
 std::unique_ptr<TContabil> TFmConcilia::PartidaDoCheque(const Movimento& cheque, const std::string& numero) {
-  const std::string historico = Funcoes.Aspas(cheque.historico);
-  const auto conta = [&](const char* chave, const std::string& valor) {
-    return Funcoes.Busca_Valor("CLASSE_CONTA", std::string(chave) + ";HISTORICO", "CONTA_CONT",
-                               valor + ";" + historico, true, true);
-  };
-  const std::string conta_c = conta("CODCLI", Funcoes.Aspas("")),
-                    conta_d = conta("CONTA", Funcoes.Aspas(EdtConta.Text()));
   auto partida = Contabil.Create();
   // Dated by the line at which the user stands.
-  partida->SetContabilidadeFinan(numero, cheque.docto, cheque.docto, conta_c, conta_d, "-", "CC", "",
-                                 cheque.historico, cheque.valor, TbArq.Data.AsDate(), "000-00",
-                                 "COMPENSACAO DO CHEQUE NR: " + cheque.docto);
+  partida->SetContabilidadeFinan(
+      {.lancamento = numero,
+       .docto = cheque.docto,
+       .docto2 = cheque.docto,
+       .conta_c = ContaContabil(Funcoes, Tabela, {{.historico = cheque.historico, .codcli = ""}}),
+       .conta_d = ContaContabil(Funcoes, Tabela, {{.conta = EdtConta.Text(), .historico = cheque.historico}}),
+       .operacao = "-",
+       .origem = "CC",
+       .historico = cheque.historico,
+       .valor = cheque.valor,
+       .data = TbArq.Data.AsDate(),
+       .codigo = "000-00",
+       .observacao = "COMPENSACAO DO CHEQUE NR: " + cheque.docto});
   return partida->ConfirmaDadosContabilidade(0) ? std::move(partida) : nullptr;
 }
 
 std::string TFmConcilia::ComoCarregado(const Movimento& movimento, const std::string& numero) const {
-  return "LANCAMENTO = " + Funcoes.Aspas(movimento.lancto) +
-         " AND DOCTO = " + Funcoes.Aspas(movimento.docto) + " AND CONTA = " + Funcoes.Aspas(conta_) +
-         " AND OPERACAO = " + Funcoes.Aspas(movimento.operacao) +
-         " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(movimento.valor) +
-         " AND ((PENDENTE = 'S' AND COALESCE(LANC_CON, '') = " + Funcoes.Aspas(movimento.lanc_con) +
-         ") OR LANC_CON = " + Funcoes.Aspas(numero) + ")";
+  return ComoLido(Funcoes)
+      .Chave("LANCAMENTO", movimento.lancto)
+      .Chave("DOCTO", movimento.docto)
+      .Chave("CONTA", conta_)
+      .Chave("OPERACAO", movimento.operacao)
+      .Valor("VALOR", movimento.valor)
+      .Ou(ComoLido(Funcoes).Chave("PENDENTE", "S").Texto("LANC_CON", movimento.lanc_con),
+          ComoLido(Funcoes).Chave("LANC_CON", numero))
+      .Condicao();
 }
 
 int64_t TFmConcilia::Executa(const std::vector<std::string>& comandos) {
@@ -282,17 +282,19 @@ void TFmConcilia::ConciliaLinhas(const std::vector<Conjunto>& conjuntos) {
   std::vector<std::string> comandos, como_lidas;
   std::vector<int64_t> lugares;
   for (const Conjunto& conjunto : conjuntos) {
-    const std::string numero = Funcoes.Aspas(conjunto.numero);
     for (const int64_t i : conjunto.linhas) {
-      const auto aspas = [&](const Field& campo) { return Funcoes.Aspas(TbArq.Cell(i, campo).Text()); };
-      como_lidas.push_back(
-          "LANCTO = " + aspas(TbArq.Lancto) + " AND CONTA = " + Funcoes.Aspas(conta_) +
-          " AND OPERACAO = " + aspas(TbArq.Operacao) +
-          " AND COALESCE(VALOR, 0) = " + Funcoes.PermanecePonto(TbArq.Cell(i, TbArq.Valor).AsCurrency()) +
-          " AND ((COALESCE(CONCILIADO, 'N') = 'N' AND COALESCE(LANC_CON, '') = " + aspas(TbArq.LancCon) +
-          ") OR LANC_CON = " + numero + ")");
-      comandos.push_back("UPDATE " + Funcoes.DBLocal("EXTRATO", true) +
-                         " SET CONCILIADO = 'S', LANC_CON = " + numero + " WHERE " + como_lidas.back());
+      como_lidas.push_back(ComoLido(Funcoes)
+                               .Chave("LANCTO", TbArq.Cell(i, TbArq.Lancto).Text())
+                               .Chave("CONTA", conta_)
+                               .Chave("OPERACAO", TbArq.Cell(i, TbArq.Operacao).Text())
+                               .Valor("VALOR", TbArq.Cell(i, TbArq.Valor).AsCurrency())
+                               .Ou(ComoLido(Funcoes)
+                                       .Chave("COALESCE(CONCILIADO, 'N')", "N")
+                                       .Texto("LANC_CON", TbArq.Cell(i, TbArq.LancCon).Text()),
+                                   ComoLido(Funcoes).Chave("LANC_CON", conjunto.numero))
+                               .Condicao());
+      comandos.push_back("UPDATE " + Funcoes.DBLocal("EXTRATO", true) + " SET CONCILIADO = 'S', LANC_CON = " +
+                         Funcoes.Aspas(conjunto.numero) + " WHERE " + como_lidas.back());
       lugares.push_back(i);
     }
   }

@@ -93,18 +93,11 @@ TfmRelCC::TfmRelCC(Application& application)
   TbFinan.CreateDataSet();
   Period(EdtDataDe, edtDataAte);
 
-  Lookups({{&RelConta,
-            &wwrelConta,
-            "CADCONTA",
-            "CONTA",
-            {{"EMPRESA", &Edit1}, {"BANCO", &RelCodBan}},
-            "",
-            false,
-            nullptr},
-           {&RelCodBan, &PqBanco, "CADBAN", "BANCO", {}, "", false, nullptr},
-           {&EdtHistHistorico, &pqHistorico, "HISTCP", "HISTORICO", {}, "", false, nullptr},
-           {&EdtClasseIni, &PqClasseIni, "SUBGRUPO", "CODIGO", {}, "", false, nullptr},
-           {&EdtClasseFim, &PqClasseFim, "SUBGRUPO", "CODIGO", {}, "", false, nullptr}});
+  Lookups({{&RelConta, &wwrelConta, {{"EMPRESA", &Edit1}, {"BANCO", &RelCodBan}}, "", false, nullptr},
+           {&RelCodBan, &PqBanco, {}, "", false, nullptr},
+           {&EdtHistHistorico, &pqHistorico, {}, "", false, nullptr},
+           {&EdtClasseIni, &PqClasseIni, {}, "", false, nullptr},
+           {&EdtClasseFim, &PqClasseFim, {}, "", false, nullptr}});
   RelCodBan.OnChange = [this] { RelCodBanChange(); };
   EdtHistHistorico.OnChange = [this] { EdtHistHistoricoChange(); };
   RgTipo.OnChange = [this] { RgTipoClick(); };

@@ -23,9 +23,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
   DateEdit edtDataAte{*this, "edtDataAte", "Até"};
   Edit RelConta{*this, "RelConta", "Conta", 13};
-  TPesquisa wwrelConta{
-      *this, "wwrelConta",
-      Search("CADCONTA", "CONTA", {{"CONTA", "Conta"}, {"EMPRESA", "Empresa"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa wwrelConta{*this, "wwrelConta", Contas()};
   ReadOnlyEdit Edit1{*this, "Edit1"};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Por Conta", "Todas Contas", "Todas Contas/Empresas"}, 0};
   RadioGroup RgAgrupar{*this,
@@ -38,22 +36,17 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   RadioGroup RgBusca{*this, "RgBusca", "Buscar", {"Todos", "Baixados"}, 0};
   GroupBox GbFiltros{*this, "GbFiltros", "Movimentos"};
   Edit RelCodBan{*this, "RelCodBan", "Banco", 3};
-  TPesquisa PqBanco{*this, "PqBanco",
-                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  TPesquisa PqBanco{*this, "PqBanco", Bancos()};
   ReadOnlyEdit RelDesBan{*this, "RelDesBan"};
   Edit EdtHistHistorico{*this, "EdtHistHistorico", "Histórico", 5};
-  TPesquisa pqHistorico{
-      *this, "pqHistorico",
-      Search("HISTCP", "HISTORICO", {{"HISTORICO", "Histórico"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa pqHistorico{*this, "pqHistorico", Historicos()};
   ReadOnlyEdit EdtDesHistorico{*this, "EdtDesHistorico"};
   Edit EdtDocto{*this, "EdtDocto", "Doc.", 15};
   GroupBox GbClasse{*this, "GbClasse", "Classe Gerencial"};
   Edit EdtClasseIni{*this, "EdtClasseIni", "De", 6};
-  TPesquisa PqClasseIni{*this, "PqClasseIni",
-                        Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqClasseIni{*this, "PqClasseIni", Classes()};
   Edit EdtClasseFim{*this, "EdtClasseFim", "Até", 6};
-  TPesquisa PqClasseFim{*this, "PqClasseFim",
-                        Search("SUBGRUPO", "CODIGO", {{"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqClasseFim{*this, "PqClasseFim", Classes()};
   GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
   CheckBox CbZeradas{*this, "CbZeradas", "Contas Zeradas"};
   CheckBox CbFinanceiro{*this, "CbFinanceiro", "Buscar Financeiro"};

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "reports/rel_cc.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 
 namespace orv {
 namespace {

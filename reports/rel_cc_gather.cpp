@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "reports/rel_cc.h"
-#include "rules/soma.h"
+#include "rules/saldo.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -275,8 +275,7 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
   if (TbRelatorio.IsEmpty() && CbZeradas.Checked()) ContasSemMovimento(inicial);
 
   if (!cabem) {
-    ApontaForaDeMedida(User(), Tabela.IBDatabase(),
-                       PorEmpresa(ForaDeMedida("CONTACOR", "LANCAMENTO"), "CONTACOR"));
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(), PorEmpresa(ForaDeMedida(kContaCorrente), "CONTACOR"));
   }
 
   gathering.Stage("Ordem das linhas");

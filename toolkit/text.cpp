@@ -140,6 +140,8 @@ std::string Fold(std::string_view text) {
   return out;
 }
 
+std::string_view TrimCode(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
+
 std::string_view Trim(std::string_view text) {
   const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
   while (!text.empty() && blank(text.front())) text.remove_prefix(1);

@@ -31,6 +31,8 @@ bool SameText(std::string_view a, std::string_view b);
 std::string Fold(std::string_view text);
 
 std::string_view Trim(std::string_view text);
+// Without trailing blanks, which the database takes for nothing where it compares codes.
+std::string_view TrimCode(std::string_view text);
 
 // The pieces between separators; an empty text gives one empty piece.
 std::vector<std::string> Split(std::string_view text, std::string_view separator);

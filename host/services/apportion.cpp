@@ -2,9 +2,7 @@
 
 #include <cmath>
 
-#include "host/services/sql_text.h"
 #include "toolkit/error.h"
-#include "toolkit/text.h"
 
 namespace orv {
 
@@ -24,33 +22,20 @@ void SetAmounts(std::vector<Share>& shares, Currency total) {
   shares.back().amount += left;
 }
 
-std::vector<ShareRule> ReadShareRules(TOrvDatabase& db, std::string_view table, std::string_view share_class,
-                                      std::string_view tipo, std::string_view tipo_val) {
-  std::string sql = "SELECT CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO FROM ";
-  sql.append(table).append(" WHERE CODIGO = ").append(SqlLiteral(share_class));
-  sql.append(" AND TIPO = ").append(SqlLiteral(tipo)).append(" AND TIPO_VAL = ").append(SqlLiteral(tipo_val));
-  std::vector<ShareRule> rules;
-  for (const auto& row : db.Rows(sql)) {
-    rules.push_back({std::string(Trim(row[0].AsString())), row[1].AsFloat(),
-                     std::string(Trim(row[2].AsString())), row[3].AsFloat()});
-  }
-  return rules;
-}
-
-std::vector<Share> SharesOfClass(const std::vector<ShareRule>& rules) {
+std::vector<Share> SharesOfClass(const std::vector<RegraRateio>& rules) {
   std::vector<Share> shares;
-  for (const ShareRule& rule : rules) {
-    if (rule.centre.empty()) continue;
-    shares.push_back({rule.account, rule.centre, rule.account_percent * rule.centre_percent / 100, {}});
+  for (const RegraRateio& rule : rules) {
+    if (rule.centro.empty()) continue;
+    shares.push_back({rule.conta, rule.centro, rule.perc_conta * rule.perc_centro / 100, {}});
   }
   return shares;
 }
 
-std::vector<Share> SharesOfAccount(const std::vector<ShareRule>& rules, std::string_view account) {
+std::vector<Share> SharesOfAccount(const std::vector<RegraRateio>& rules, std::string_view account) {
   std::vector<Share> shares;
-  for (const ShareRule& rule : rules) {
-    if (rule.centre.empty() || rule.account != account) continue;
-    shares.push_back({rule.account, rule.centre, rule.centre_percent, {}});
+  for (const RegraRateio& rule : rules) {
+    if (rule.centro.empty() || rule.conta != account) continue;
+    shares.push_back({rule.conta, rule.centro, rule.perc_centro, {}});
   }
   return shares;
 }

@@ -28,48 +28,37 @@ std::string ContabilService::Title() const {
 
 std::unique_ptr<TContabil> ContabilService::Create() { return std::make_unique<Posting>(*this); }
 
-void ContabilService::LancaContaCorrente(std::string_view lancamento, std::string_view docto,
-                                         std::string_view banco, std::string_view conta,
-                                         std::string_view grupo, std::string_view historico,
-                                         std::string_view tipo, std::string_view pendente,
-                                         std::string_view operacao, std::string_view observacao,
-                                         Currency valor, Date dt_lan, Date data2, Date data3,
-                                         std::string_view tipo_doc) {
-  std::string bank(banco);
-  if (bank.empty()) {
-    bank = Trim(db_.Scalar("SELECT BANCO FROM " + Local("CADCONTA") + " WHERE CONTA = " + SqlLiteral(conta))
-                    .AsString());
-  }
+void ContabilService::LancaContaCorrente(const MovimentoConta& m) {
+  const std::string banco = m.banco.empty()
+                                ? std::string(Trim(db_.Scalar("SELECT BANCO FROM " + Local("CADCONTA") +
+                                                              " WHERE CONTA = " + SqlLiteral(m.conta))
+                                                       .AsString()))
+                                : m.banco;
   db_.Execute(
       "INSERT INTO " + Local("CONTACOR") +
       " (LANCAMENTO, DOCTO, BANCO, CONTA, DT_LAN, DT_CONT, DT_VENCTO, VALOR, OPERACAO, GRUPO, HISTORICO, "
       "OBSERVACAO, TIPO, TIPO_DOC, PENDENTE, LANC_CON) VALUES (" +
-      SqlLiteral(lancamento) + ", " + SqlLiteral(docto) + ", " + SqlLiteral(bank) + ", " + SqlLiteral(conta) +
-      ", " + DateLiteral(dt_lan) + ", " + DateLiteral(data3) + ", " + DateLiteral(data2) + ", " +
-      valor.Neutral() + ", " + SqlLiteral(operacao) + ", " + SqlLiteral(grupo) + ", " +
-      SqlLiteral(historico) + ", " + SqlLiteral(CutChars(observacao, 100)) + ", " + SqlLiteral(tipo) + ", " +
-      SqlLiteral(tipo_doc) + ", " + SqlLiteral(pendente) + ", '')");
+      SqlLiteral(m.lancamento) + ", " + SqlLiteral(m.docto) + ", " + SqlLiteral(banco) + ", " +
+      SqlLiteral(m.conta) + ", " + DateLiteral(m.dt_lan) + ", " + DateLiteral(m.dt_cont) + ", " +
+      DateLiteral(m.dt_vencto) + ", " + m.valor.Neutral() + ", " + SqlLiteral(m.operacao) + ", " +
+      SqlLiteral(m.grupo) + ", " + SqlLiteral(m.historico) + ", " + SqlLiteral(CutChars(m.observacao, 100)) +
+      ", " + SqlLiteral(m.tipo) + ", " + SqlLiteral(m.tipo_doc) + ", " + SqlLiteral(m.pendente) + ", '')");
 }
 
 void ContabilService::DeletaContaCorrente(std::string_view lancamento) {
   db_.Execute("DELETE FROM " + Local("CONTACOR") + " WHERE LANCAMENTO = " + SqlLiteral(lancamento));
 }
 
-void ContabilService::LancaContabilidade(std::string_view lancamento, std::string_view docto,
-                                         std::string_view docto2, std::string_view conta_c,
-                                         std::string_view conta_d, std::string_view operacao,
-                                         std::string_view origem, std::string_view classe,
-                                         std::string_view historico, Currency valor, Date data,
-                                         std::string_view codigo, std::string_view observacao) {
+void ContabilService::LancaContabilidade(const LinhaContabil& l) {
   db_.Execute(
       "INSERT INTO " + Local("CONTABIL") +
       " (LANCAMENTO, DOCTO, DOCTO2, CONTA_C, CONTA_D, OPERACAO, ORIGEM, CLASSE, HISTORICO, VALOR, DATA, "
       "CODIGO, OBSERVACAO) VALUES (" +
-      SqlLiteral(lancamento) + ", " + SqlLiteral(CutChars(docto, 12)) + ", " +
-      SqlLiteral(CutChars(docto2, 12)) + ", " + SqlLiteral(conta_c) + ", " + SqlLiteral(conta_d) + ", " +
-      SqlLiteral(operacao) + ", " + SqlLiteral(origem) + ", " + SqlLiteral(classe) + ", " +
-      SqlLiteral(historico) + ", " + valor.Neutral() + ", " + DateLiteral(data) + ", " +
-      SqlLiteral(CutChars(codigo, 12)) + ", " + SqlLiteral(CutChars(observacao, 200)) + ")");
+      SqlLiteral(l.lancamento) + ", " + SqlLiteral(CutChars(l.docto, 12)) + ", " +
+      SqlLiteral(CutChars(l.docto2, 12)) + ", " + SqlLiteral(l.conta_c) + ", " + SqlLiteral(l.conta_d) +
+      ", " + SqlLiteral(l.operacao) + ", " + SqlLiteral(l.origem) + ", " + SqlLiteral(l.classe) + ", " +
+      SqlLiteral(l.historico) + ", " + l.valor.Neutral() + ", " + DateLiteral(l.data) + ", " +
+      SqlLiteral(CutChars(l.codigo, 12)) + ", " + SqlLiteral(CutChars(l.observacao, 200)) + ")");
 }
 
 void ContabilService::DeletaContabilidadeFinan(std::string_view lancamento) {
@@ -88,9 +77,22 @@ void ContabilService::WriteShares(std::string_view lancamento, std::string_view 
   }
 }
 
+std::vector<RegraRateio> ContabilService::RegrasRateio(std::string_view classe, std::string_view tipo,
+                                                       std::string_view tipo_val) {
+  std::string sql = "SELECT CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO FROM " + Local("CONT_RATEIO") +
+                    " WHERE CODIGO = " + SqlLiteral(classe) + " AND TIPO = " + SqlLiteral(tipo);
+  if (!tipo_val.empty()) sql += " AND TIPO_VAL = " + SqlLiteral(tipo_val);
+  std::vector<RegraRateio> rules;
+  for (const auto& row : db_.Rows(sql)) {
+    rules.push_back({std::string(Trim(row[0].AsString())), row[1].AsFloat(),
+                     std::string(Trim(row[2].AsString())), row[3].AsFloat()});
+  }
+  return rules;
+}
+
 bool ContabilService::SharesOf(std::string_view classe, Currency total, bool confirm,
                                std::vector<Share>& shares) {
-  const auto rules = ReadShareRules(db_, Local("CONT_RATEIO"), classe, "C", "VF");
+  const auto rules = RegrasRateio(classe, "C", "VF");
   shares = SharesOfClass(rules);
   if (SharesAreWhole(shares)) {
     SetAmounts(shares, total);

@@ -24,18 +24,12 @@ class ContabilService : public IContabil {
 
   std::unique_ptr<TContabil> Create() override;
 
-  void LancaContaCorrente(std::string_view lancamento, std::string_view docto, std::string_view banco,
-                          std::string_view conta, std::string_view grupo, std::string_view historico,
-                          std::string_view tipo, std::string_view pendente, std::string_view operacao,
-                          std::string_view observacao, Currency valor, Date dt_lan, Date data2, Date data3,
-                          std::string_view tipo_doc) override;
+  void LancaContaCorrente(const MovimentoConta& movimento) override;
   void DeletaContaCorrente(std::string_view lancamento) override;
-  void LancaContabilidade(std::string_view lancamento, std::string_view docto, std::string_view docto2,
-                          std::string_view conta_c, std::string_view conta_d, std::string_view operacao,
-                          std::string_view origem, std::string_view classe, std::string_view historico,
-                          Currency valor, Date data, std::string_view codigo,
-                          std::string_view observacao) override;
+  void LancaContabilidade(const LinhaContabil& linha) override;
   void DeletaContabilidadeFinan(std::string_view lancamento) override;
+  std::vector<RegraRateio> RegrasRateio(std::string_view classe, std::string_view tipo,
+                                        std::string_view tipo_val) override;
   // The shares stand in CENTRO_RATEIO under NUMERO and TIPO, with an empty LANCAMENTO: those that hang from a
   // movement's entries are of another kind. What stood there before is replaced.
   bool SetRateioClasse(std::string_view numero, std::string_view classe, std::string_view origem,

@@ -54,37 +54,26 @@ std::string FuncoesService::UnionTodasEmpresas(std::string_view sql, std::string
 
 // --- Look-ups.
 
-std::string FuncoesService::Condition(std::string_view keys, char key_separator, std::string_view values,
-                                      char value_separator) const {
-  const auto columns = SplitSqlList(keys, key_separator);
-  const auto literals = SplitSqlList(values, value_separator);
-  ORV_ASSERT(columns.size() == literals.size());
+std::string FuncoesService::Condition(const std::vector<ChaveBusca>& keys) const {
   std::string condition;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    condition += (i == 0 ? "" : " AND ") + columns[i] + " = " + AsSqlLiteral(literals[i]);
+  for (const ChaveBusca& key : keys) {
+    condition.append(condition.empty() ? "" : " AND ").append(key.column).append(" = ") += Aspas(key.text);
   }
   return condition;
 }
 
-std::string FuncoesService::Busca_Valor(std::string_view table, std::string_view keys,
-                                        std::string_view column, std::string_view values, bool local,
-                                        bool trim) {
-  const auto rows = p_.db.Rows("SELECT FIRST 1 " + ColumnList(column, ';') + " FROM " +
-                               DBLocal(table, local) + " WHERE " + Condition(keys, ';', values, ';'));
+std::string FuncoesService::Busca_Valor(std::string_view table, const std::vector<ChaveBusca>& keys,
+                                        std::string_view column) {
+  const auto rows = p_.db.Rows("SELECT FIRST 1 " + ColumnList(column, ';') + " FROM " + DBLocal(table, true) +
+                               " WHERE " + Condition(keys));
   if (rows.empty()) return "";
   std::vector<std::string> texts;
-  for (const Value& value : rows[0]) {
-    std::string text = value.AsString();
-    texts.push_back(trim ? std::string(Trim(text)) : std::move(text));
-  }
+  for (const Value& value : rows[0]) texts.emplace_back(Trim(value.AsString()));
   return Join(texts, ";");
 }
 
-bool FuncoesService::Existe(std::string_view table, std::string_view keys, std::string_view values) {
-  return !p_.db
-              .Rows("SELECT FIRST 1 1 FROM " + DBLocal(table, true) + " WHERE " +
-                    Condition(keys, ',', values, ','))
-              .empty();
+bool FuncoesService::Existe(std::string_view table, const std::vector<ChaveBusca>& keys) {
+  return !p_.db.Rows("SELECT FIRST 1 1 FROM " + DBLocal(table, true) + " WHERE " + Condition(keys)).empty();
 }
 
 std::string FuncoesService::Proximo(std::string_view table, std::string_view column, int width, bool local) {
@@ -231,10 +220,10 @@ int FuncoesService::LeConfiguracao(std::string_view key, std::string_view sectio
 }
 
 std::string FuncoesService::LancamentoPendente(std::string_view account, std::string_view history) {
-  const std::string pair = Busca_Valor("HIST_CONTA", "CONTA;HISTORICO", "PENDENTE",
-                                       Aspas(account) + ";" + Aspas(history), true, true);
+  const std::string pair = Busca_Valor(
+      "HIST_CONTA", {{"CONTA", std::string(account)}, {"HISTORICO", std::string(history)}}, "PENDENTE");
   if (!pair.empty()) return pair == "S" ? "S" : "N";
-  return Busca_Valor("HISTCP", "HISTORICO", "SITUACAO", Aspas(history), true, true) == "P" ? "S" : "N";
+  return Busca_Valor("HISTCP", {{"HISTORICO", std::string(history)}}, "SITUACAO") == "P" ? "S" : "N";
 }
 
 }  // namespace orv

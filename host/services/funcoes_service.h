@@ -50,9 +50,9 @@ class FuncoesService : public IFuncoes {
   std::string DBEmpresa_SQL(std::string_view sql, std::string_view suffix) const override;
   std::string UnionTodasEmpresas(std::string_view sql, std::string_view table, bool all) const override;
 
-  std::string Busca_Valor(std::string_view table, std::string_view keys, std::string_view column,
-                          std::string_view values, bool local, bool trim) override;
-  bool Existe(std::string_view table, std::string_view keys, std::string_view values) override;
+  std::string Busca_Valor(std::string_view table, const std::vector<ChaveBusca>& keys,
+                          std::string_view column) override;
+  bool Existe(std::string_view table, const std::vector<ChaveBusca>& keys) override;
   std::string Proximo(std::string_view table, std::string_view column, int width, bool local) override;
   std::vector<std::string> Proximos(std::string_view table, std::string_view column, int width, bool local,
                                     std::size_t count) override;
@@ -91,8 +91,7 @@ class FuncoesService : public IFuncoes {
   void EndBusy();
 
  private:
-  std::string Condition(std::string_view keys, char key_separator, std::string_view values,
-                        char value_separator) const;
+  std::string Condition(const std::vector<ChaveBusca>& keys) const;
   void Launch(Form& screen, std::string_view identifier, bool graphic, bool text);
   std::string CaptionOf(std::string_view screen_class) const;
 

@@ -27,35 +27,16 @@ constexpr std::size_t kBatch = 500;
 
 }  // namespace
 
-void Posting::SetContabilidadeFinan(std::string_view lancamento, std::string_view docto,
-                                    std::string_view docto2, std::string_view conta_c,
-                                    std::string_view conta_d, std::string_view operacao,
-                                    std::string_view origem, std::string_view classe,
-                                    std::string_view historico, Currency valor, Date data,
-                                    std::string_view codigo, std::string_view observacao) {
+void Posting::SetContabilidadeFinan(LinhaContabil linha) {
   confirmed_ = false;
-  const auto text = [](std::string_view t) { return std::string(t); };
-  lines_.push_back({text(lancamento),
-                    text(docto),
-                    text(docto2),
-                    text(conta_c),
-                    text(conta_d),
-                    text(operacao),
-                    text(origem),
-                    text(classe),
-                    text(historico),
-                    valor,
-                    data,
-                    text(codigo),
-                    text(observacao),
-                    {}});
+  lines_.push_back({std::move(linha), {}});
 }
 
 void Posting::GravaRaterioCentroCusto(std::string_view conta, std::string_view classe, std::string_view tipo,
                                       std::string_view tipo_val, Currency valor) {
   ORV_ASSERT(!lines_.empty());
   confirmed_ = false;
-  const auto rules = ReadShareRules(contabil_.Db(), contabil_.Local("CONT_RATEIO"), classe, tipo, tipo_val);
+  const auto rules = contabil_.RegrasRateio(classe, tipo, tipo_val);
   std::vector<Share> shares = SharesOfAccount(rules, conta);
   if (shares.empty()) return;
   if (SharesAreWhole(shares)) {
@@ -112,9 +93,7 @@ void Posting::GravaContabilidadeFinan() {
   // A number's lines are counted together, in the order in which they were gathered.
   std::unordered_map<std::string, int> orders;
   for (const Line& line : lines_) {
-    contabil_.LancaContabilidade(line.lancamento, line.docto, line.docto2, line.conta_c, line.conta_d,
-                                 line.operacao, line.origem, line.classe, line.historico, line.valor,
-                                 line.data, line.codigo, line.observacao);
+    contabil_.LancaContabilidade(line);
     contabil_.WriteShares(line.lancamento, CutChars(line.docto, 12), line.origem, ++orders[line.lancamento],
                           true, line.shares);
   }

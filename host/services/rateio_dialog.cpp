@@ -48,8 +48,8 @@ void TfmRateio::Prepare(const std::vector<Share>& proposal, Currency total) {
 }
 
 void TfmRateio::CodigoChange() {
-  TbRateio.CentroCusto = Value(Funcoes.Busca_Valor("CENTROCUSTO", "CODIGO", "DESCRICAO",
-                                                   Funcoes.Aspas(TbRateio.Codigo.AsString()), true, true));
+  TbRateio.CentroCusto =
+      Value(Funcoes.Busca_Valor("CENTROCUSTO", {{"CODIGO", TbRateio.Codigo.AsString()}}, "DESCRICAO"));
 }
 
 void TfmRateio::PercChange() {
@@ -101,7 +101,7 @@ void TfmRateio::BitBtn1Click() {
   double percent = 0;
   Currency left = total_;
   for (const Share& share : rows) {
-    if (!Funcoes.Existe("CENTROCUSTO", "CODIGO", Funcoes.Aspas(share.centre))) {
+    if (!Funcoes.Existe("CENTROCUSTO", {{"CODIGO", share.centre}})) {
       Inform("Centro de Custo Inválido.");
       DbgRateio.SetFocus();
       return;

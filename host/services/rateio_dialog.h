@@ -40,8 +40,7 @@ class TfmRateio : public Dialog {
                         {.field = "Perc", .title = "Percentual", .decimals = 4},
                         {"Valor", "Valor"}},
                        false};
-  TPesquisa PqCCusto{*this, "PqCCusto",
-                     Search("CENTROCUSTO", "CODIGO", {{"CODIGO", "Código"}, {"DESCRICAO", "Descrição"}})};
+  TPesquisa PqCCusto{*this, "PqCCusto", CentrosDeCusto()};
 
   Button BitBtn1{*this, "BitBtn1", "&Confirmar"};
   Button BitBtn2{*this, "BitBtn2", "C&ancelar"};

@@ -25,12 +25,8 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   PqVarios.Settings().MultiSelecao = true;
   Lookups({{.field = &EdtBanco,
             .lookup = &PqBanco,
-            .table = "CADBAN",
-            .key = "BANCO",
             .shows = {{"NOME_BANCO", &EdtNomeBanco}},
-            .message = "Banco inexistente.",
-            .optional = false,
-            .after_change = nullptr}});
+            .message = "Banco inexistente."}});
   PqVarios.OnFechaPesquisa = [this] { EdtTexto.SetText(PqVarios.RetornoPesquisa("BANCO")); };
   Menu.OnPopup = [this] { ItDetalhe.SetEnabled(!Linhas.IsEmpty()); };
   ItDetalhe.OnClick = [this] { Funcoes.TelaDetalhamento("Linhas", Linhas); };
@@ -52,8 +48,18 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   };
   BtConta.OnClick = [this] {
     const auto contabil = Contabil.Create();
-    contabil->SetContabilidadeFinan("900001", "D1", "D1", "9.9.9", "1.1.02.001", "+", "CC", "", "020",
-                                    Currency(5), Today(), "000", "AMOSTRA");
+    contabil->SetContabilidadeFinan({.lancamento = "900001",
+                                     .docto = "D1",
+                                     .docto2 = "D1",
+                                     .conta_c = "9.9.9",
+                                     .conta_d = "1.1.02.001",
+                                     .operacao = "+",
+                                     .origem = "CC",
+                                     .historico = "020",
+                                     .valor = Currency(5),
+                                     .data = Today(),
+                                     .codigo = "000",
+                                     .observacao = "AMOSTRA"});
     LbSoma.SetCaption(contabil->ConfirmaDadosContabilidade(0) ? "confirmado" : "recusado");
   };
   BtDialogo.OnClick = [this] {

@@ -26,10 +26,9 @@ class TfmAmostra : public Child {
   ProgressBar PbAnda{*this, "PbAnda", "Andamento"};
   Label LbSoma{*this, "LbSoma", "Soma"};
   Edit EdtBanco{*this, "EdtBanco", "Banco", 3};
-  TPesquisa PqBanco{*this, "PqBanco",
-                    Search("CADBAN", "BANCO", {{"BANCO", "Banco"}, {"NOME_BANCO", "Nome"}})};
+  TPesquisa PqBanco{*this, "PqBanco", Bancos()};
   ReadOnlyEdit EdtNomeBanco{*this, "EdtNomeBanco"};
-  TPesquisa PqVarios{*this, "PqVarios", Search("CADBAN", "BANCO", {{"BANCO", "Banco"}})};
+  TPesquisa PqVarios{*this, "PqVarios", Bancos()};
   TOrvDBGrid Grade{*this,
                    "Grade",
                    Linhas,

@@ -43,11 +43,24 @@ class ContabilTest : public ServicesTest {
 };
 
 TEST_F(ContabilTest, AMovementTakesTheBankOfItsAccount) {
-  Contabil().LancaContaCorrente("000001", "D'1", "", "222-2", "010101", "002", "L", "S", "+",
-                                std::string(120, 'o'), Currency::FromCents(123456), Date(2026, 11, 1),
-                                Date(2026, 11, 2), Date(2026, 11, 3), "");
-  Contabil().LancaContaCorrente("000001", "D'1", "999", "111-1", "010101", "002", "TR", "N", "-", "x",
-                                Currency::FromRaw(15), Date(2026, 11, 1), Date(2026, 11, 2), Date(), "CH");
+  MovimentoConta movimento{.lancamento = "000001",
+                           .docto = "D'1",
+                           .conta = "222-2",
+                           .grupo = "010101",
+                           .historico = "002",
+                           .tipo = "L",
+                           .pendente = "S",
+                           .operacao = "+",
+                           .observacao = std::string(120, 'o'),
+                           .valor = Currency::FromCents(123456),
+                           .dt_lan = Date(2026, 11, 1),
+                           .dt_vencto = Date(2026, 11, 2),
+                           .dt_cont = Date(2026, 11, 3)};
+  Contabil().LancaContaCorrente(movimento);
+  movimento.banco = "999", movimento.conta = "111-1", movimento.tipo = "TR", movimento.pendente = "N";
+  movimento.operacao = "-", movimento.observacao = "x", movimento.valor = Currency::FromRaw(15);
+  movimento.dt_cont = Date(), movimento.tipo_doc = "CH";
+  Contabil().LancaContaCorrente(movimento);
   EXPECT_EQ(
       Sql("SELECT DOCTO, BANCO, DT_LAN, DT_VENCTO, DT_CONT, VALOR, OPERACAO, GRUPO, HISTORICO, "
           "CHAR_LENGTH(OBSERVACAO), TIPO, TIPO_DOC, PENDENTE, LANC_CON FROM CONTACOR_001 ORDER BY BANCO"),
@@ -59,11 +72,26 @@ TEST_F(ContabilTest, AMovementTakesTheBankOfItsAccount) {
 
 TEST_F(ContabilTest, APostingIsWrittenOnlyAfterTheUsersYes) {
   const auto posting = Contabil().Create();
-  posting->SetContabilidadeFinan("000007", "1234567890123", "DOC2", "1.01", "4.01", "-", "CC", "020201",
-                                 "002", Currency::FromCents(10000), Date(2026, 11, 3), "000", "Luz");
+  const auto line = [&](const char* number, const char* docto, const char* docto2, const char* credit,
+                        const char* debit, const char* origin, const char* share_class, int cents,
+                        const char* note) {
+    posting->SetContabilidadeFinan({.lancamento = number,
+                                    .docto = docto,
+                                    .docto2 = docto2,
+                                    .conta_c = credit,
+                                    .conta_d = debit,
+                                    .operacao = "-",
+                                    .origem = origin,
+                                    .classe = share_class,
+                                    .historico = "002",
+                                    .valor = Currency::FromCents(cents),
+                                    .data = Date(2026, 11, 3),
+                                    .codigo = "000",
+                                    .observacao = note});
+  };
+  line("000007", "1234567890123", "DOC2", "1.01", "4.01", "CC", "020201", 10000, "Luz");
   posting->GravaRaterioCentroCusto("4.01", "020201", "C", "VF", Currency::FromCents(10000));
-  posting->SetContabilidadeFinan("000007", "DOC", "DOC", "9.99", "111-1", "+", "PP", "", "002",
-                                 Currency::FromCents(1), Date(2026, 11, 3), "000-00", "");
+  line("000007", "DOC", "DOC", "9.99", "111-1", "PP", "", 1, "");
   EXPECT_EQ(ErrorOf([&] { posting->GravaContabilidadeFinan(); }),
             "O lançamento contábil não foi confirmado.");
 
@@ -87,9 +115,9 @@ TEST_F(ContabilTest, APostingIsWrittenOnlyAfterTheUsersYes) {
   posting->GravaContabilidadeFinan();
   EXPECT_EQ(
       Sql("SELECT LANCAMENTO, DOCTO, DOCTO2, CONTA_C, CONTA_D, OPERACAO, ORIGEM, CLASSE, HISTORICO, VALOR, "
-          "DATA, CODIGO, OBSERVACAO FROM CONTABIL_001 ORDER BY CODIGO"),
+          "DATA, CODIGO, OBSERVACAO FROM CONTABIL_001 ORDER BY DOCTO"),
       "000007|123456789012|DOC2|1.01|4.01|-|CC|020201|002|100.0000|2026-11-03|000|Luz;"
-      "000007|DOC|DOC|9.99|111-1|+|PP||002|0.0100|2026-11-03|000-00|");
+      "000007|DOC|DOC|9.99|111-1|-|PP||002|0.0100|2026-11-03|000|");
   EXPECT_EQ(
       Sql("SELECT LANCAMENTO, ORDEM, CONTA, NUMERO, CENTROCUSTO, TIPO, VALOR_RAT FROM CENTRO_RATEIO_001 "
           "ORDER BY CENTROCUSTO"),
@@ -97,8 +125,7 @@ TEST_F(ContabilTest, APostingIsWrittenOnlyAfterTheUsersYes) {
       "000007|1|4.01|123456789012|0003|CC|33.3400");
 
   // A line added after the yes needs another one.
-  posting->SetContabilidadeFinan("000008", "", "", "1.01", "4.01", "-", "CC", "", "", Currency(1),
-                                 Date(2026, 1, 5), "", "");
+  line("000008", "", "", "1.01", "4.01", "CC", "", 100, "");
   EXPECT_NE(ErrorOf([&] { posting->GravaContabilidadeFinan(); }), "");
   Contabil().DeletaContabilidadeFinan("000007");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM CONTABIL_001"), "0");

@@ -234,7 +234,7 @@ TEST_F(HouseTest, StatementsReachTheCompaniesTheyShould) {
   std::string walked;
   for (companies.First(); !companies.Eof(); companies.Next()) {
     walked += Funcoes().DBLocal("CADCONTA", true) + " " + main_->db->LocalName("CADCONTA") + " " +
-              Funcoes().Busca_Valor("CADCONTA", "BANCO", "CONTA", "'341'", true, true) + ";";
+              Funcoes().Busca_Valor("CADCONTA", {{"BANCO", "341"}}, "CONTA") + ";";
   }
   EXPECT_EQ(walked, "CADCONTA_001 CADCONTA_001 ;CADCONTA_002 CADCONTA_002 333-3;");
   EXPECT_EQ(Funcoes().vEmpresa_Atual(), "_001");
@@ -254,7 +254,7 @@ TEST_F(HouseTest, SharedTablesStandOnce) {
   const std::string sql = "SELECT CONTA, '{}' AS EMP FROM {CADCONTA}";
   EXPECT_EQ(Sql(Funcoes().DBLocal_SQL(sql, "")), "333-3|_001");
   EXPECT_EQ(Sql(Funcoes().UnionTodasEmpresas(sql, "", true)), "333-3|_002");
-  EXPECT_TRUE(Funcoes().Existe("CADCONTA", "CONTA", "'333-3'"));
+  EXPECT_TRUE(Funcoes().Existe("CADCONTA", {{"CONTA", "333-3"}}));
   // A table of each company beside a shared one takes a branch each.
   Run("INSERT INTO CONTACOR_001 (CONTA, VALOR) VALUES ('333-3', 10)");
   Run("INSERT INTO CONTACOR_002 (CONTA, VALOR) VALUES ('333-3', 20)");
@@ -312,23 +312,19 @@ TEST_F(HouseTest, AUnionOfTooManyCompaniesIsRefusedBeforeTheEngineFails) {
 }
 
 TEST_F(HouseTest, LookUpsTakeListsAndAnyText) {
-  EXPECT_EQ(Funcoes().Busca_Valor("CADCONTA", "CONTA;BANCO", "DESCRICAO;BANCO", "'111-1';'001'", true, true),
+  EXPECT_EQ(Funcoes().Busca_Valor("CADCONTA", {{"CONTA", "111-1"}, {"BANCO", "001"}}, "DESCRICAO;BANCO"),
             "Conta movimento;001");
-  EXPECT_EQ(Funcoes().Busca_Valor("CADCONTA", "CONTA", "DESCRICAO", "'9'", true, true), "");
-  EXPECT_TRUE(Funcoes().Existe("CADCONTA", "CONTA,BANCO", "'111-1','001'"));
-  EXPECT_FALSE(Funcoes().Existe("CADCONTA", "CONTA,BANCO", "'111-1','237'"));
-  // Separators and quotes inside a value, and a value that nobody quoted.
+  EXPECT_EQ(Funcoes().Busca_Valor("CADCONTA", {{"CONTA", "9"}}, "DESCRICAO"), "");
+  EXPECT_TRUE(Funcoes().Existe("CADCONTA", {{"CONTA", "111-1"}, {"BANCO", "001"}}));
+  EXPECT_FALSE(Funcoes().Existe("CADCONTA", {{"CONTA", "111-1"}, {"BANCO", "237"}}));
+  // Separators and quotes inside a value.
   for (const std::string text : {"a;b", "a,b", "d'água", "{}", "' OR '1'='1"}) {
     Run("UPDATE CADCONTA_001 SET DESCRICAO = " + Funcoes().Aspas(text) + " WHERE CONTA = '222-2'");
     EXPECT_EQ(Sql("SELECT DESCRICAO FROM CADCONTA_001 WHERE CONTA = '222-2'"), text);
-    EXPECT_EQ(Funcoes().Busca_Valor("CADCONTA", "BANCO;DESCRICAO", "CONTA", "'237';" + Funcoes().Aspas(text),
-                                    true, true),
-              "222-2");
-    EXPECT_TRUE(Funcoes().Existe("CADCONTA", "DESCRICAO,BANCO", Funcoes().Aspas(text) + ",'237'"));
-    EXPECT_FALSE(Funcoes().Existe("CADCONTA", "CONTA", Funcoes().Aspas(text)));
+    EXPECT_EQ(Funcoes().Busca_Valor("CADCONTA", {{"BANCO", "237"}, {"DESCRICAO", text}}, "CONTA"), "222-2");
+    EXPECT_TRUE(Funcoes().Existe("CADCONTA", {{"DESCRICAO", text}, {"BANCO", "237"}}));
+    EXPECT_FALSE(Funcoes().Existe("CADCONTA", {{"CONTA", text}}));
   }
-  EXPECT_FALSE(Funcoes().Existe("CADCONTA", "CONTA", "'' OR '1'='1'"));
-  EXPECT_TRUE(Funcoes().Existe("CADCONTA", "CONTA", "111-1"));
 }
 
 }  // namespace

@@ -1,0 +1,61 @@
+#include "rules/saldo.h"
+
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+std::string Parte(std::string_view alias, std::string_view condicao, char operacao, const char* sinal) {
+  const std::string de = alias.empty() ? "" : std::string(alias) + ".";
+  std::string parte = " WHEN " + de + "OPERACAO = '" + operacao + "'";
+  if (!condicao.empty()) parte.append(" AND ").append(condicao);
+  return parte + " THEN " + sinal + de + "VALOR";
+}
+
+}  // namespace
+
+std::string Creditos(const Livro& livro, std::string_view alias, std::string_view condicao) {
+  return "CASE" + Parte(alias, condicao, livro.credito, "") + " ELSE 0 END";
+}
+
+std::string Debitos(const Livro& livro, std::string_view alias, std::string_view condicao) {
+  return "CASE" + Parte(alias, condicao, livro.debito, "") + " ELSE 0 END";
+}
+
+std::string ComSinal(const Livro& livro, std::string_view alias, std::string_view condicao) {
+  return "CASE" + Parte(alias, condicao, livro.credito, "") + Parte(alias, condicao, livro.debito, "-") +
+         " ELSE 0 END";
+}
+
+const std::array<ReportField, 5> kSaldoPorMes{{{"Ano", FieldType::Integer},
+                                               {"Mês", FieldType::Integer},
+                                               {"Movimentos", FieldType::Integer},
+                                               {"Créditos", FieldType::Currency},
+                                               {"Débitos", FieldType::Currency}}};
+
+void CompletaMes(std::span<Value> mes) {
+  mes[3] = SomaDe(mes[3]);
+  mes[4] = SomaDe(mes[4]);
+}
+
+std::string ForaDeMedida(const Livro& livro) {
+  return std::string("SELECT FIRST 5 ") + livro.chave + ", VALOR FROM {" + livro.tabela +
+         "} WHERE VALOR > 999999999999.99 OR VALOR < -999999999999.99";
+}
+
+void ApontaForaDeMedida(UserInterface& user, TOrvDatabase& db, const std::string& sql) {
+  std::vector<std::string> quais;
+  for (const auto& registro : db.Rows(sql))
+    quais.push_back(registro[0].AsString() + " (" + registro[1].AsCurrency().Brazil() + ")");
+  if (quais.empty()) return;
+  user.Note(NoteKind::Warning, "As somas contêm valores grandes demais. Corrija ou exclua os lançamentos: " +
+                                   Join(quais, "; ") + ".");
+}
+
+Currency Total(TOrvDatabase& db, const std::string& sql) {
+  Currency total;
+  for (const auto& linha : db.Rows(sql)) total += SomaDe(linha[0]);
+  return total;
+}
+
+}  // namespace orv

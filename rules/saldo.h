@@ -1,0 +1,48 @@
+// Balances: credits less debits, of the ledger's movements and of the lines of the banks' statements.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "frame/report_screen.h"
+#include "rules/soma.h"
+#include "toolkit/database.h"
+#include "toolkit/user.h"
+
+namespace orv {
+
+// Rows with VALOR and OPERACAO, and by what they add to a balance or take from it; any other operation does
+// neither.
+struct Livro {
+  const char* tabela;
+  const char* chave;
+  char credito, debito;
+};
+constexpr Livro kContaCorrente{"CONTACOR", "LANCAMENTO", '+', '-'}, kExtrato{"EXTRATO", "LANCTO", 'C', 'D'};
+
+// Which movements are settled and which are pending: conditions.
+constexpr const char* kBaixado = "PENDENTE IN ('N','C')";
+constexpr const char* kPendente = "PENDENTE = 'S'";
+
+// A row's part of each side and of the balance, for Soma. `alias` is the table's name in the statement, ""
+// where it has only one; rows that don't meet the condition have no part.
+std::string Creditos(const Livro& livro, std::string_view alias = "", std::string_view condicao = "");
+std::string Debitos(const Livro& livro, std::string_view alias = "", std::string_view condicao = "");
+std::string ComSinal(const Livro& livro, std::string_view alias = "", std::string_view condicao = "");
+
+// The total of a statement's first column, a sum by Soma: it has a row for each company.
+Currency Total(TOrvDatabase& db, const std::string& sql);
+
+// A balance by months, as a drill-down shows it: year, month, count and the sums of credits and of debits,
+// which the statement gives by `Soma`.
+extern const std::array<ReportField, 5> kSaldoPorMes;
+void CompletaMes(std::span<Value> mes);
+
+// The records whose amount no field takes, by their key, with the table as a macro.
+std::string ForaDeMedida(const Livro& livro);
+// Tells them to the user, who goes on meanwhile. `sql` is such a statement, made ready for its companies.
+void ApontaForaDeMedida(UserInterface& user, TOrvDatabase& db, const std::string& sql);
+
+}  // namespace orv
