@@ -287,7 +287,7 @@ class ORV_EXPORT TfmCC : public Child {
   void LimpaTela();
   void ModoEdicao(bool edicao);
   // True when the number on the screen is that of a stored movement.
-  bool Gravado() const;
+  bool EstaGravado() const;
   // The condition that finds a movement's one row.
   ComoLido Identidade(const std::string& lancamento, const std::string& docto, const std::string& conta,
                       const std::string& operacao) const;

@@ -214,7 +214,7 @@ void TfmCC::EdtLanctoChange() {
   EdtDtLanc.SetEnabled(livre);
   EdtValor.SetEnabled(livre);
   // The identity of a stored row stands.
-  const bool identidade = livre && !(numero && Gravado());
+  const bool identidade = livre && !(numero && EstaGravado());
   EdtConta.SetEnabled(identidade);
   PqConta.SetEnabled(identidade);
   EdtNumDoc.SetEnabled(identidade);
@@ -222,19 +222,19 @@ void TfmCC::EdtLanctoChange() {
 }
 
 void TfmCC::EdtTipoChange() {
-  if (preenche_ || Gravado()) return;
+  if (preenche_ || EstaGravado()) return;
   const std::string operacao = Funcoes.Busca_Valor("SUBGRUPO", {{"CODIGO", EdtTipo.Text()}}, "OPERACAO");
   CbOper.SetItemIndex(operacao == "-" ? 1 : 0);
 }
 
 void TfmCC::EdtHisChange() {
-  if (preenche_ || Gravado()) return;
+  if (preenche_ || EstaGravado()) return;
   const bool pendente = Funcoes.LancamentoPendente(EdtConta.Text(), EdtHis.Text()) == "S";
   RgSituacao.SetItemIndex(pendente ? kPendente : kBaixado);
 }
 
 void TfmCC::EdtDtLancExit() {
-  if (Gravado()) return;
+  if (EstaGravado()) return;
   EdtDtVencto.SetText(EdtDtLanc.Text());
   EdtDtCont.SetText(EdtDtLanc.Text());
 }
@@ -244,7 +244,7 @@ void TfmCC::EdtDtContExit() {
 }
 
 void TfmCC::EdtObsExit() {
-  if (Gravado()) return;
+  if (EstaGravado()) return;
   PartidaContabil();
   SpeedButton2.SetFocus();
 }
@@ -278,7 +278,7 @@ std::string TfmCC::LinhaGravada() const {
   return linha.Condicao();
 }
 
-bool TfmCC::Gravado() const {
+bool TfmCC::EstaGravado() const {
   return !EdtLancto.Empty() && Funcoes.Existe("CONTACOR", {{"LANCAMENTO", EdtLancto.Text()}});
 }
 
@@ -366,7 +366,7 @@ void TfmCC::ModoEdicao(bool edicao) {
   DbgRateioCC.SetReadOnly(!edicao);
   Panel5.SetVisible(edicao);
   Panel6.SetVisible(!edicao);
-  SetBadge(!edicao ? "" : (Gravado() ? "Alterando " : "Incluindo ") + EdtLancto.Text());
+  SetBadge(!edicao ? "" : (EstaGravado() ? "Alterando " : "Incluindo ") + EdtLancto.Text());
 }
 
 }  // namespace orv

@@ -34,7 +34,7 @@ void PostAndEdit(DataSet& set) {
 // --- Proposal.
 
 void TfmCC::PartidaContabil() {
-  if (Gravado()) return;
+  if (EstaGravado()) return;
   const ProgramFill fill(TbContabil);
   EsvaziaRateio();
 
