@@ -13,6 +13,7 @@
 
 #include "host/print/chart.h"
 #include "host/print/format.h"
+#include "host/print/sheet_form.h"
 #include "host/print/writers.h"
 #include "toolkit/text.h"
 
@@ -22,6 +23,7 @@ namespace {
 constexpr double kLong = 841.89, kShort = 595.28, kMargin = 34;  // points
 constexpr double kLargest = 8.5, kSmallest = 4.5;
 constexpr double kHead = 44;
+constexpr double kMillimetre = 72 / 25.4;
 constexpr double kPicture = 190, kPictureFont = 7;
 
 template <auto destroy>
@@ -184,8 +186,12 @@ class Pdf {
  public:
   Pdf(const Report& report, const std::filesystem::path& file)
       : report_(report),
-        width_(report.landscape ? kLong : kShort),
-        height_(report.landscape ? kShort : kLong),
+        width_(report.sheet_width > 0 ? report.sheet_width * kMillimetre
+               : report.landscape     ? kLong
+                                      : kShort),
+        height_(report.sheet_width > 0 ? report.sheet_height * kMillimetre
+                : report.landscape     ? kShort
+                                       : kLong),
         size_(Size()),
         step_(size_ * 1.45),
         plain_(Faces::Instance().Plain(), size_),
@@ -200,6 +206,17 @@ class Pdf {
   }
 
   void Draw() {
+    if (report_.sheet_width > 0) {
+      Sheets();
+    } else {
+      Lines();
+    }
+    cairo_surface_finish(surface_.get());
+    Check(cairo_surface_status(surface_.get()));
+  }
+
+ private:
+  void Lines() {
     const double head = kHead + 11 * static_cast<double>(report_.subtitles.size());
     const auto fits =
         std::max<std::size_t>(static_cast<std::size_t>((height_ - 2 * kMargin - head) / step_), 10);
@@ -212,14 +229,42 @@ class Pdf {
         Line(line, y);
         y += step_;
       }
-      cairo_show_page(context_.get());
-      Check(cairo_status(context_.get()));
+      EndPage();
     }
-    cairo_surface_finish(surface_.get());
-    Check(cairo_surface_status(surface_.get()));
   }
 
- private:
+  void EndPage() {
+    cairo_show_page(context_.get());
+    Check(cairo_status(context_.get()));
+  }
+
+  // The sheets as they are; what couldn't be printed on one of its own.
+  void Sheets() {
+    Pen();
+    std::map<std::pair<bool, double>, Font> fonts;
+    for (const ReportSheet& sheet : report_.sheets) {
+      for (const PlacedText& placed : sheet) {
+        const auto font = [&](double size) -> Font& {
+          const auto face = placed.bold ? Faces::Instance().Bold() : Faces::Instance().Plain();
+          return fonts.try_emplace({placed.bold, size}, face, size).first->second;
+        };
+        const FittedText fitted =
+            Fit(placed, [&](std::string_view text) { return font(placed.size).Width(text) / kMillimetre; });
+        double y = placed.y * kMillimetre;
+        for (const std::string& line : fitted.lines) {
+          Text(font(placed.size * fitted.scale), line, placed.x * kMillimetre, y,
+               placed.width * kMillimetre + 0.1, placed.align);
+          y += placed.step * kMillimetre;
+        }
+      }
+      EndPage();
+    }
+    double y = kMargin;
+    for (const std::string& note : report_.notes)
+      Text(plain_, "* " + note, kMargin, y += step_, width_ - 2 * kMargin, Align::Left);
+    if (report_.sheets.empty() || !report_.notes.empty()) EndPage();
+  }
+
   // So that the widest section fits.
   double Size() const {
     std::size_t widest = 1;

@@ -14,6 +14,7 @@ namespace {
 constexpr int64_t kAhead = 1000;  // rows read at once
 constexpr std::size_t kMostNotes = 50;
 constexpr std::size_t kMostLines = 3'000'000;
+constexpr std::size_t kMostSheets = 5000;
 constexpr std::size_t kLongestText = 2000;  // characters of a cell
 constexpr std::size_t kMostPoints = 40 * kPointsAPicture;
 constexpr double kLargestPoint = 1e15;
@@ -55,6 +56,8 @@ class Layout {
     report_.user = input.user;
     report_.when = input.now;
     report_.landscape = form.landscape;
+    report_.sheet_width = form.sheet_width;
+    report_.sheet_height = form.sheet_height;
     report_.notes = form.errors;
     sums_.resize(form.values.size());
   }
@@ -312,6 +315,7 @@ class Layout {
       if (section.chart) Point(*section.chart);
       Bands(BandKind::Detail);
       Under(0);
+      if (form_.sheet_width > 0) Sheet();
     }
     if (count > 0) {
       sources_[*source].row = count - 1;
@@ -450,6 +454,39 @@ class Layout {
     }
   }
 
+  // --- Sheets.
+
+  void Sheet() {
+    if (report_.sheets.size() >= kMostSheets) {
+      Note(section_->line, "há mais de " + std::to_string(kMostSheets) + " folhas; o resto ficou de fora");
+      return;
+    }
+    ReportSheet sheet;
+    for (const SheetField& field : section_->fields) {
+      PlacedText placed{field.x,    field.y,     field.width, field.align, field.bold,
+                        field.size, field.lines, field.step,  ""};
+      if (field.set.empty()) {
+        placed.text = Print(field.text, field.line);
+        sheet.push_back(std::move(placed));
+        continue;
+      }
+      const auto source = SourceOf(field.set);
+      if (!source) {
+        Note(field.line, "o conjunto " + field.set + " não existe ou está fechado");
+        continue;
+      }
+      const int64_t count = sources_[*source].set->DisplayCount();
+      for (int64_t row = 0; row < std::min<int64_t>(count, field.rows); ++row) {
+        Stand(*source, row, count);
+        placed.text = Print(field.text, field.line);
+        sheet.push_back(placed);
+        placed.y += field.step;
+      }
+      sources_[*source].row = 0;
+    }
+    report_.sheets.push_back(std::move(sheet));
+  }
+
   // --- Pictures.
 
   // Without columns of its own a picture's rows stand in a table of what it shows.
@@ -560,6 +597,7 @@ class Layout {
 std::size_t Report::Size() const {
   std::size_t size = 0;
   for (const ReportLine& line : lines) size += line.cells.size();
+  for (const ReportSheet& sheet : sheets) size += sheet.size();
   for (const ReportRows& set : sets) size += set.rows.size() * set.fields.size() + set.looks.size();
   return size;
 }

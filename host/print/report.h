@@ -67,11 +67,26 @@ struct ReportPicture {
 
 inline constexpr std::size_t kPointsAPicture = 15;
 
+// A text of a sheet, as SheetField places it.
+struct PlacedText {
+  double x = 0, y = 0, width = 0;
+  Align align = Align::Left;
+  bool bold = false;
+  double size = 10;
+  int lines = 1;
+  double step = 0;
+  std::string text;
+};
+using ReportSheet = std::vector<PlacedText>;
+
 struct Report {
   std::string identifier, title, company, user;
   DateTime when;
   std::vector<std::string> subtitles;
   bool landscape = false;
+  // Of a form, in millimetres; 0 of a report in lines.
+  double sheet_width = 0, sheet_height = 0;
+  std::vector<ReportSheet> sheets;
   // The columns of each section, and what stands above them.
   std::vector<std::vector<ReportColumn>> columns;
   std::vector<std::string> headings;

@@ -19,6 +19,8 @@ constexpr std::size_t kMostInner = 9;
 constexpr std::size_t kMostSeries = 3;
 constexpr std::size_t kMostErrors = 50;
 constexpr int kWidest = 200;
+constexpr std::size_t kMostFields = 300;
+constexpr double kNarrowest = 20, kLargestSheet = 420, kMostRows = 200;
 
 [[noreturn]] void Wrong(const std::string& text) { throw FormulaError(text); }
 
@@ -145,6 +147,11 @@ class Reader {
     } else if (word == "pagina") {
       if (rest != "retrato" && rest != "paisagem") Wrong("a página é retrato ou paisagem");
       result_.landscape = rest == "paisagem";
+    } else if (word == "folha") {
+      result_.sheet_width = Number(rest, kNarrowest, kLargestSheet);
+      result_.sheet_height = Number(rest, kNarrowest, kLargestSheet);
+    } else if (word == "campo" || word == "lista") {
+      ReadField(word == "lista", rest);
     } else if (word == "dados") {
       ReportSection section;
       section.line = line_;
@@ -283,6 +290,56 @@ class Reader {
     column.title = title;
     if (Section().columns.size() >= kMostColumns) Wrong("há colunas demais");
     Section().columns.push_back(std::move(column));
+  }
+
+  // Takes the next word off, a number with a decimal point.
+  static double Number(std::string_view& rest, double least, double most) {
+    const std::string word = TakeWord(rest);
+    double number = 0;
+    const auto read = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (read.ec != std::errc() || read.ptr != word.data() + word.size() ||
+        !(number >= least && number <= most))
+      Wrong("esperava-se um número de " + std::to_string(static_cast<int>(least)) + " a " +
+            std::to_string(static_cast<int>(most)) + " em vez de \"" + word + "\"");
+    return number;
+  }
+
+  // campo X Y LARGURA [como]: TEXTO | lista CONJUNTO X Y LARGURA PASSO LINHAS [como]: TEXTO
+  void ReadField(bool list, std::string_view rest) {
+    if (result_.sheet_width == 0) Wrong("falta antes a linha \"folha\"");
+    const std::size_t colon = rest.find(':');
+    if (colon == std::string_view::npos) Wrong("falta o \":\" antes do texto");
+    std::string_view head = rest.substr(0, colon);
+    SheetField field;
+    field.line = line_;
+    if (list) field.set = TakeWord(head);
+    field.x = Number(head, 0, kLargestSheet);
+    field.y = Number(head, 0, kLargestSheet);
+    field.width = Number(head, 1, kLargestSheet);
+    if (list) {
+      field.step = Number(head, 1, kLargestSheet);
+      field.rows = static_cast<int>(Number(head, 1, kMostRows));
+    }
+    while (!head.empty()) {
+      const std::string word = TakeWord(head);
+      if (word == "direita") {
+        field.align = Align::Right;
+      } else if (word == "centro") {
+        field.align = Align::Center;
+      } else if (word == "negrito") {
+        field.bold = true;
+      } else if (word == "corpo") {
+        field.size = Number(head, 4, 40);
+      } else if (word == "linhas" && !list) {
+        field.lines = static_cast<int>(Number(head, 1, kMostRows));
+        field.step = Number(head, 1, kLargestSheet);
+      } else if (word != "esquerda") {
+        Wrong("não se esperava \"" + word + "\"");
+      }
+    }
+    field.text = ReportText::Parse(Trim(rest.substr(colon + 1)));
+    if (Section().fields.size() >= kMostFields) Wrong("há campos demais");
+    Section().fields.push_back(std::move(field));
   }
 
   // cabecalho [GRUPO] | detalhe [CONJUNTO] | rodape [GRUPO [varias]], [se FÓRMULA] [estilo LOOK]

@@ -125,6 +125,21 @@ struct ReportValue {
   int line = 0;
 };
 
+// A text at a place of a sheet, in millimetres from its upper left corner to the foot of the first line.
+struct SheetField {
+  double x = 0, y = 0, width = 0;
+  Align align = Align::Left;
+  bool bold = false;
+  double size = 10;  // of the letters, in points
+  int lines = 1;
+  double step = 0;  // from line to line, or from row to row
+  // The rows of another set, one under the other, so many at most; "" for a text of the sheet's own row.
+  std::string set;
+  int rows = 0;
+  ReportText text;
+  int line = 0;  // of the file
+};
+
 // The rows of one data set, one after the other.
 struct ReportSection {
   std::string set;
@@ -134,6 +149,8 @@ struct ReportSection {
   std::vector<ReportInner> inner;
   std::optional<ReportChart> chart;
   std::vector<Band> bands;
+  // What stands on a sheet, of which there is one a row.
+  std::vector<SheetField> fields;
   int line = 0;
 };
 
@@ -148,13 +165,16 @@ struct ReportTemplate {
   std::string title;
   std::vector<ReportText> subtitles;
   bool landscape = false;
+  // Of a form: its sheet, in millimetres; 0 of a report in lines.
+  double sheet_width = 0, sheet_height = 0;
   std::vector<ReportValue> values;
   std::vector<ReportSection> sections;
   std::vector<std::string> errors;
 };
 
 // The template of an identifier: the file "<identifier>.rel" of the folder where there is one, else the
-// desk's own. Names are compared exactly. Raises UserError when there is none.
+// desk's own; without either that of the name without the digits at its end. Names are compared exactly.
+// Raises UserError when there is none.
 ReportTemplate FindTemplate(const std::string& identifier, const std::string& folder);
 
 // The identifiers of the desk's own templates.

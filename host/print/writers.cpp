@@ -6,6 +6,7 @@
 
 #include "host/print/chart.h"
 #include "host/print/format.h"
+#include "host/print/sheet_form.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -31,7 +32,9 @@ td { padding: 3px 6px; vertical-align: top; overflow-wrap: break-word; border-bo
 .m td, td.m { color: #51616c; } .w td, td.w { color: #7a4a00; } .a td, td.a { color: #9b1c1c; }
 .s td, td.s { background: #eef2f4; } .h td, td.h { background: #fdf0c8; }
 .r td, td.r { border-top: 1px solid #51616c; }
-figure { margin: 0 0 12px; } svg { display: block; width: 100%; height: auto; font-family: system-ui, sans-serif; }
+figure { margin: 0 0 12px; } svg { display: block; font-family: system-ui, sans-serif; }
+figure svg { width: 100%; height: auto; }
+.sheet { border: 1px solid #c6d0d6; margin: 0 0 12px; max-width: 100%; height: auto; }
 .notes { margin-top: 18px; border-left: 3px solid #a15c00; padding-left: 10px; color: #5f3b00; }
 @media print {
   @page { size: A4; margin: 12mm; @bottom-right { content: "Página " counter(page) " de " counter(pages); font: 8px system-ui, sans-serif; } }
@@ -42,35 +45,9 @@ figure { margin: 0 0 12px; } svg { display: block; width: 100%; height: auto; fo
   thead { display: table-header-group; }
   tr { break-inside: avoid; }
   .np { break-before: page; }
+  .sheet { border: 0; max-width: none; break-inside: avoid; }
 }
 )css";
-
-std::string Escaped(std::string_view text) {
-  std::string escaped;
-  escaped.reserve(text.size());
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      case '\'':
-        escaped += "&#39;";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
-}
 
 std::string_view AlignClass(Align align) {
   return align == Align::Right ? "d" : align == Align::Center ? "c" : "";
@@ -102,13 +79,6 @@ std::string Classes(uint8_t style, std::string_view more) {
 
 // --- Pictures as they stand in a page.
 
-std::string Tenth(double number) {
-  std::array<char, 32> text{};
-  const auto end =
-      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 1).ptr;
-  return {text.data(), end};
-}
-
 std::string Painted(std::string_view attribute, Ink ink) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text = " " + std::string(attribute) + "=\"#";
@@ -121,25 +91,26 @@ struct Svg {
   double font;
 
   void operator()(const Box& box) const {
-    html += "<rect x=\"" + Tenth(box.x) + "\" y=\"" + Tenth(box.y) + "\" width=\"" + Tenth(box.width) +
-            "\" height=\"" + Tenth(box.height) + "\"" + Painted("fill", box.ink) + "/>";
+    html += "<rect x=\"" + FixedText(box.x) + "\" y=\"" + FixedText(box.y) + "\" width=\"" +
+            FixedText(box.width) + "\" height=\"" + FixedText(box.height) + "\"" + Painted("fill", box.ink) +
+            "/>";
   }
   void operator()(const Stroke& stroke) const {
     html += "<polyline fill=\"none\" points=\"";
-    for (const auto& [x, y] : stroke.points) html += Tenth(x) + "," + Tenth(y) + " ";
-    html += "\" stroke-width=\"" + Tenth(stroke.width) + "\"" + Painted("stroke", stroke.ink);
-    if (stroke.dashed) html += " stroke-dasharray=\"" + Tenth(font * 0.6) + "\"";
+    for (const auto& [x, y] : stroke.points) html += FixedText(x) + "," + FixedText(y) + " ";
+    html += "\" stroke-width=\"" + FixedText(stroke.width) + "\"" + Painted("stroke", stroke.ink);
+    if (stroke.dashed) html += " stroke-dasharray=\"" + FixedText(font * 0.6) + "\"";
     html += "/>";
   }
   void operator()(const Dot& dot) const {
-    html += "<circle cx=\"" + Tenth(dot.x) + "\" cy=\"" + Tenth(dot.y) + "\" r=\"" + Tenth(dot.radius) +
-            "\"" + Painted("fill", dot.ink) + "/>";
+    html += "<circle cx=\"" + FixedText(dot.x) + "\" cy=\"" + FixedText(dot.y) + "\" r=\"" +
+            FixedText(dot.radius) + "\"" + Painted("fill", dot.ink) + "/>";
   }
   void operator()(const Caption& caption) const {
-    html += "<text x=\"" + Tenth(caption.x) + "\" y=\"" + Tenth(caption.y) + "\"";
+    html += "<text x=\"" + FixedText(caption.x) + "\" y=\"" + FixedText(caption.y) + "\"";
     if (caption.align != Align::Left)
       html += caption.align == Align::Right ? " text-anchor=\"end\"" : " text-anchor=\"middle\"";
-    html += Painted("fill", Ink::Text) + ">" + Escaped(caption.text) + "</text>";
+    html += Painted("fill", Ink::Text) + ">" + EscapedHtml(caption.text) + "</text>";
   }
 };
 
@@ -148,9 +119,9 @@ void HtmlPicture(const ReportPicture& picture, bool landscape, std::string& html
   const double width = landscape ? 1040 : 720;
   std::string titles;
   for (const auto& one : picture.series) titles += (titles.empty() ? "" : ", ") + one.title;
-  html += "<figure><svg role=\"img\" aria-label=\"" + Escaped("Gráfico: " + titles + ". " + picture.part) +
-          "\" viewBox=\"0 0 " + Tenth(width) + " " + Tenth(kHeight) + "\" font-size=\"" + Tenth(kFont) +
-          "\">";
+  html += "<figure><svg role=\"img\" aria-label=\"" +
+          EscapedHtml("Gráfico: " + titles + ". " + picture.part) + "\" viewBox=\"0 0 " + FixedText(width) +
+          " " + FixedText(kHeight) + "\" font-size=\"" + FixedText(kFont) + "\">";
   for (const Shape& shape : Draw(picture, width, kHeight, kFont)) std::visit(Svg{html, kFont}, shape);
   html += "</svg></figure>\n";
 }
@@ -165,8 +136,8 @@ void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std
   }
   html += "</colgroup><thead><tr>";
   for (const ReportColumn& column : columns) {
-    html += "<th scope=\"col\"" + Classes(kPlain, AlignClass(column.align)) + ">" + Escaped(column.title) +
-            "</th>";
+    html += "<th scope=\"col\"" + Classes(kPlain, AlignClass(column.align)) + ">" +
+            EscapedHtml(column.title) + "</th>";
   }
   html += "</tr></thead><tbody>\n";
   for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
@@ -182,7 +153,7 @@ void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std
       const Align align = columns[cell.column].align;
       html += "<td" + Classes(cell.style, align == Align::Left && IsCode(cell) ? "n" : AlignClass(align));
       if (cell.span > 1) html += " colspan=\"" + std::to_string(cell.span) + "\"";
-      html += ">" + Escaped(cell.text) + "</td>";
+      html += ">" + EscapedHtml(cell.text) + "</td>";
       at = cell.column + cell.span;
     }
     blank(columns.size());
@@ -246,6 +217,40 @@ std::string CsvCell(const Value& value) {
 }
 
 }  // namespace
+
+std::string EscapedHtml(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '\'':
+        escaped += "&#39;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+std::string FixedText(double number) {
+  std::array<char, 32> text{};
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 1).ptr;
+  return {text.data(), end};
+}
 
 std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns) {
   std::vector<std::size_t> places{0};
@@ -323,29 +328,35 @@ std::string_view ReportHtmlStyle() { return kStyle; }
 
 std::string ReportHtml(const Report& report) {
   std::string html = "<!doctype html>\n<html lang=\"pt-BR\"><head><meta charset=\"utf-8\"><title>" +
-                     Escaped(report.title) + "</title><style>" + std::string(kStyle) +
+                     EscapedHtml(report.title) + "</title><style>" + std::string(kStyle) +
                      "</style></head>\n<body" + Classes(kPlain, report.landscape ? "lying" : "") +
-                     "><header><div><h1>" + Escaped(report.title) + "</h1>";
-  for (const std::string& subtitle : report.subtitles) html += "<p>" + Escaped(subtitle) + "</p>";
-  html += "</div><div class=\"right\"><p>" + Escaped(report.company) + "</p><p>" +
-          FormatValue(Value(report.when), "dd/mm/yyyy hh:nn") + "</p><p>" + Escaped(report.user) +
+                     "><header><div><h1>" + EscapedHtml(report.title) + "</h1>";
+  for (const std::string& subtitle : report.subtitles) html += "<p>" + EscapedHtml(subtitle) + "</p>";
+  html += "</div><div class=\"right\"><p>" + EscapedHtml(report.company) + "</p><p>" +
+          FormatValue(Value(report.when), "dd/mm/yyyy hh:nn") + "</p><p>" + EscapedHtml(report.user) +
           "</p></div></header>\n";
+  html += SheetsHtml(report);
   std::size_t line = 0, picture = 0;
-  for (std::size_t section = 0; section < report.columns.size(); ++section) {
-    if (!report.headings[section].empty()) html += "<h2>" + Escaped(report.headings[section]) + "</h2>\n";
+  for (std::size_t section = 0; report.sheet_width == 0 && section < report.columns.size(); ++section) {
+    if (!report.headings[section].empty()) html += "<h2>" + EscapedHtml(report.headings[section]) + "</h2>\n";
     for (; picture < report.pictures.size() && report.pictures[picture].section == section; ++picture)
       HtmlPicture(report.pictures[picture], report.landscape, html);
     HtmlTable(report, section, line, html);
   }
   if (!report.notes.empty()) {
     html += "<div class=\"notes\" role=\"note\"><p>Nem tudo pôde ser impresso:</p>";
-    for (const std::string& note : report.notes) html += "<p>" + Escaped(note) + "</p>";
+    for (const std::string& note : report.notes) html += "<p>" + EscapedHtml(note) + "</p>";
     html += "</div>";
   }
   return html + "</body></html>\n";
 }
 
 std::string ReportText66(const Report& report) {
+  if (report.sheet_width > 0) {
+    std::string text = SheetsText(report);
+    for (const std::string& note : report.notes) text += "* " + note + "\n";
+    return text;
+  }
   std::size_t width = report.landscape ? kBroad : kNarrow;
   std::vector<std::vector<std::size_t>> places;
   for (const auto& columns : report.columns) {

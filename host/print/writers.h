@@ -29,7 +29,7 @@ std::string ReportCsv(const Report& report);
 
 void WriteReportXlsx(const Report& report, const std::filesystem::path& file);
 
-// A4. Raises UserError when the fonts aren't installed.
+// A4, or the form's own sheet. Raises UserError when the fonts aren't installed.
 void WriteReportPdf(const Report& report, const std::filesystem::path& file);
 
 // --- Shared by the forms that have pages.
@@ -48,6 +48,10 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
 // Red, green, blue of what a style colours, as numbers "#rrggbb"; 0 for what it doesn't.
 uint32_t TextColour(uint8_t style);
 uint32_t GroundColour(uint8_t style);
+
+// A text as it stands in a page for a browser; a number with one place.
+std::string EscapedHtml(std::string_view text);
+std::string FixedText(double number);
 
 // Where each column begins, in characters, with one blank between two; the last number is the whole width.
 std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns);

@@ -507,6 +507,40 @@ TEST_F(PrintTest, TheDesksOwnTemplatesAreWhole) {
   std::ofstream(folder_ / "WCCSaldoConta.rel") << "relatorio Nosso\ndados TbContas\n";
   EXPECT_EQ(FindTemplate("WCCSaldoConta", folder_.string()).title, "Nosso");
   EXPECT_NE(FindTemplate("WCCSaldoConta", "").title, "Nosso");
+  // A bank's own, else that of every bank, which a company may have, too.
+  EXPECT_EQ(FindTemplate("WChequeEmi_341", folder_.string()).sheet_width, 175);
+  std::ofstream(folder_ / "WChequeEmi_.rel") << "folha 150 70\ndados TbCheque\n";
+  EXPECT_EQ(FindTemplate("WChequeEmi_341", folder_.string()).sheet_width, 150);
+  EXPECT_THROW(FindTemplate("Nada341", folder_.string()), UserError);
+}
+
+TEST_F(PrintTest, SheetsHaveTextsAtPlaces) {
+  rows_.Add(20, "MIL DUZENTOS E TRINTA E QUATRO REAIS", 123456);
+  rows_.Add(21, "UM REAL <b>", 100);
+  accounts_.Add("S", 1);
+  accounts_.Add("N", 2);
+  accounts_.Add("S", 3);
+  const Report report = Make(
+      "folha 120 30\ndados TbRelatorio\n"
+      "campo 80 5 40 direita: [:<#,##0.00>TbRelatorio.Valor]\n"
+      "campo 3 9 60 linhas 2 4.3: [TbRelatorio.Nome]\n"
+      "lista TbSaldo 3 18 40 4.3 2: [TbSaldo.Sel] [:<0>TbSaldo.Valor]\n"
+      "campo 3 9: sem largura\ncampo 3 999 10: fora");
+  EXPECT_EQ(report.notes.size(), 2U) << "what can't be read is told";
+  const std::string text = ReportText66(report);
+  EXPECT_EQ(text.substr(0, text.find('*')),
+            "\n                                       1.234,56\n MIL DUZENTOS E TRINTA E\n"
+            " QUATRO REAIS\n S 1\n N 2\n\n\f"
+            "\n                                           1,00\n UM REAL <b>\n\n S 1\n N 2\n\n");
+  const std::string html = ReportHtml(report);
+  EXPECT_NE(html.find("viewBox=\"0 0 120.0 30.0\""), std::string::npos);
+  EXPECT_NE(html.find("UM REAL &lt;b&gt;"), std::string::npos);
+  EXPECT_EQ(html.find("<table"), std::string::npos);
+  WriteReport(report, "pdf", folder_ / "cheque.pdf");
+  std::ifstream in(folder_ / "cheque.pdf", std::ios::binary);
+  const std::string pdf((std::istreambuf_iterator<char>(in)), {});
+  EXPECT_NE(pdf.find("/MediaBox [ 0 0 340.15"), std::string::npos) << "the page is the sheet";
+  EXPECT_NE(pdf.find("/Count 3"), std::string::npos) << "two sheets, and what couldn't be read";
 }
 
 }  // namespace
