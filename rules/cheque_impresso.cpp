@@ -25,6 +25,12 @@ std::string ExtensoMaiusculo(const IFuncoes& funcoes, Currency valor) {
   return texto;
 }
 
+ReportAnswer RespondeExtenso(const IFuncoes& funcoes) {
+  return {1, [&funcoes](std::span<const Value> valor) {
+            return Value(ExtensoMaiusculo(funcoes, valor[0].AsCurrency()));
+          }};
+}
+
 std::unique_ptr<TImpCheque> ImpressoraDeCheques(IFuncoes& funcoes, std::initializer_list<int> modelos) {
   auto impressora = funcoes.ImpCheque();
   const int porta = funcoes.LeConfiguracao("Venda", "Parametros", "PortaImpCheque", 0);

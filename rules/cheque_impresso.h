@@ -6,6 +6,7 @@
 #include <string>
 
 #include "frame/services.h"
+#include "toolkit/report_answers.h"
 
 namespace orv {
 
@@ -19,6 +20,9 @@ struct DataPorExtenso {
 // The amount in words with the letters a to z in upper case; accented ones stay as they are. Raises UserError
 // for an amount that no cheque can have.
 std::string ExtensoMaiusculo(const IFuncoes& funcoes, Currency valor);
+
+// The same for the layouts: "Extenso(TbCheque.Total)".
+ReportAnswer RespondeExtenso(const IFuncoes& funcoes);
 
 // The printer on the port of the user's settings, set to their model where it is one of `modelos`; any other
 // leaves the model as it is.

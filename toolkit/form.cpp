@@ -140,6 +140,7 @@ bool Form::SetFocus(Control& control) {
       ~Exiting() { flag = false; }
     };
     redirect_ = nullptr;
+    target_ = target;
     bool stays = false;
     {
       Exiting exiting(exiting_);

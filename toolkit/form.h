@@ -46,6 +46,8 @@ class Form {
 
   // --- Focus.
   Control* Focus() const { return focus_; }
+  // Where the focus is going while the focused control is left, null else.
+  Control* FocusTarget() const { return exiting_ ? target_ : nullptr; }
   // Leaves the focused control and enters `control`: exit, then enter. An exit that sets the focus elsewhere
   // decides where it goes. True when `control` has the focus in the end. A control that can't take the focus
   // leaves everything as it is.
@@ -119,6 +121,7 @@ class Form {
   std::string badge_;
   Control* focus_ = nullptr;
   Control* redirect_ = nullptr;
+  Control* target_ = nullptr;
   bool exiting_ = false;
   bool closed_ = false;
 };
