@@ -154,7 +154,7 @@ void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
     linha[Saldo] = linha[Vlr_Cre];
   }
   for (const Campo campo : {Desc_Pessoa, Nome_Banco, DescClasse, Historico}) nomes_.Share(linha[campo]);
-  AppendFitted(TbRelatorio, linha);
+  TbRelatorio.AppendRow(linha);
   origens_.push_back(std::move(origem));
 }
 
@@ -212,8 +212,7 @@ void TfmRelFluxo::busca_Saldos() {
     ApontaForaDeMedida(User(), Tabela.IBDatabase(),
                        ForCompanies(ForaDeMedida(kContaCorrente), "CONTACOR", CbEmp.Checked()));
   for (const Conta& conta : contas) {
-    Value linha[] = {"S",    conta.valor.ToDouble(), CutChars(conta.empresa.Text(), 30), conta.conta, Value(),
-                     Value()};
+    Value linha[] = {"S", conta.valor, conta.empresa, conta.conta, Value(), Value()};
     TbSaldo.AppendRow(linha);
   }
 }

@@ -94,20 +94,6 @@ void ReportScreen::ForEach(std::string_view sql, const std::function<void(std::s
   Tabela.IBDatabase().Fetch(sql, sink);
 }
 
-void ReportScreen::AppendFitted(MemoryDataSet& set, std::span<Value> values) {
-  const auto& fields = set.Fields();
-  ORV_ASSERT(fields.size() == values.size());
-  for (std::size_t at = 0; at < values.size(); ++at) {
-    const Field& field = *fields[at];
-    Value& value = values[at];
-    if (value.IsNull()) continue;
-    if (value.Kind() != KindOf(field.Type()) ||
-        (value.IsText() && value.Text().size() > static_cast<std::size_t>(field.Size())))
-      value = field.Convert(std::move(value));
-  }
-  set.AppendRow(values);
-}
-
 // --- Fields.
 
 void ReportScreen::Period(DateEdit& first, DateEdit& last) {
@@ -150,7 +136,7 @@ void ReportScreen::ShowDetail(std::string_view title, std::string_view sql,
   LayDown(rows, fields);
   ForEach(sql, [&](std::span<Value> values) {
     complete(values);
-    AppendFitted(rows, values.first(fields.size()));
+    rows.AppendRow(values.first(fields.size()));
   });
   rows.First();
   Funcoes.TelaDetalhamento(title, rows);

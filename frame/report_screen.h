@@ -66,8 +66,6 @@ class ReportScreen : public Child {
               Half half = Half::Empties);
   // Runs a statement and hands on each row, whose values may be moved out. Nothing is kept.
   void ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const;
-  // Appends a row in the bulk manner, each value as its field holds it. The values are moved out.
-  static void AppendFitted(MemoryDataSet& set, std::span<Value> values);
 
   // --- From a figure to where it comes from: shows the rows of the statement.
   void ShowDetail(std::string_view title, std::string sql);

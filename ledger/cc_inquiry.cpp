@@ -39,10 +39,7 @@ class Achados : public RowSink {
   void Columns(const std::vector<Column>& columns) override { ORV_ASSERT(columns.size() + 1 == columns_); }
   bool Row(std::span<Value> values) override {
     if (!contas_.contains(std::string(TrimCode(At(values, set_.Conta).Text())))) return true;
-    Value& amount = At(values, set_.Valor);
-    const Currency valor = amount.AsCurrency();
-    (At(values, set_.Operacao).Text() == "-" ? debito : credito) += valor;
-    if (!amount.IsNull()) amount = valor.ToDouble();
+    (At(values, set_.Operacao).Text() == "-" ? debito : credito) += At(values, set_.Valor).AsCurrency();
     const auto classe = classes_.find(std::string(TrimCode(At(values, set_.Grupo).Text())));
     cells_.insert(cells_.end(), std::move_iterator(values.begin()), std::move_iterator(values.end()));
     cells_.push_back(classe == classes_.end() ? Value() : classe->second);

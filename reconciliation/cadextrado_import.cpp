@@ -7,6 +7,7 @@
 #include "reconciliation/cadextrado.h"
 #include "reconciliation/formats/outside_file.h"
 #include "toolkit/error.h"
+#include "toolkit/row_writer.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -199,29 +200,24 @@ void TFmCadExtrato::LeArquivo(const std::string& texto, const PositionLayout& po
 
 StatementSink TFmCadExtrato::Inclui(Currency& saldo, Contagem confirmadas) {
   return [this, &saldo, confirmadas = std::move(confirmadas),
-          linha = std::vector<Value>(TbImporta.Fields().size())](const StatementLine& lida) mutable {
-    const auto celula = [&](const Field& campo) -> Value& {
-      return linha[static_cast<std::size_t>(campo.Index())];
-    };
-    const auto guarda = [&](const Field& campo, Value valor) {
-      celula(campo) = campo.Convert(std::move(valor));
-    };
-    guarda(TbImporta.Conta, NotOFX ? Value(lida.conta) : Value(EdtIConta.Text()));
-    guarda(TbImporta.Docto, lida.docto);
-    guarda(TbImporta.DtCont, lida.dt_cont);
-    guarda(TbImporta.Valor, lida.valor);
-    guarda(TbImporta.Operacao, lida.operacao);
-    guarda(TbImporta.Obs, lida.obs);
-    guarda(TbImporta.Chave, lida.chave);
+          linha = RowWriter(TbImporta)](const StatementLine& lida) mutable {
+    linha[TbImporta.Conta] = NotOFX ? Value(lida.conta) : Value(EdtIConta.Text());
+    linha[TbImporta.Docto] = lida.docto;
+    linha[TbImporta.DtCont] = lida.dt_cont;
+    linha[TbImporta.Valor] = lida.valor;
+    linha[TbImporta.Operacao] = lida.operacao;
+    linha[TbImporta.Obs] = lida.obs;
+    linha[TbImporta.Chave] = lida.chave;
+    linha.Fit();
     if (!confirmadas.empty() &&
-        Retira(confirmadas, Chave(celula(TbImporta.DtCont), celula(TbImporta.Valor),
-                                  celula(TbImporta.Operacao), celula(TbImporta.Docto)))) {
+        Retira(confirmadas, Chave(linha[TbImporta.DtCont], linha[TbImporta.Valor], linha[TbImporta.Operacao],
+                                  linha[TbImporta.Docto]))) {
       ++carga_.confirmadas;
       return;
     }
-    const Currency valor = celula(TbImporta.Valor).AsCurrency();
-    saldo += celula(TbImporta.Operacao).Text() == "C" ? valor : -valor;
-    TbImporta.AppendRow(linha);
+    const Currency valor = linha[TbImporta.Valor].AsCurrency();
+    saldo += linha[TbImporta.Operacao].Text() == "C" ? valor : -valor;
+    linha.Append();
   };
 }
 

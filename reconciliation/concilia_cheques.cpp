@@ -6,6 +6,7 @@
 
 #include "reconciliation/concilia.h"
 #include "reconciliation/formats/outside_file.h"
+#include "toolkit/row_writer.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -98,17 +99,16 @@ void TFmConcilia::CarregaPendentes() {
   struct Pendentes : RowSink {
     explicit Pendentes(ArquivoSet& s) : set(s) {}
     void Columns(const std::vector<Column>&) override {}
-    bool Row(std::span<Value> v) override {
+    bool Row(std::span<Value> colunas) override {
       const Field* const campos[] = {&set.Lancto, &set.Docto,    &set.DtLan,    &set.Historico, &set.Classe,
                                      &set.Valor,  &set.Operacao, &set.DescHist, &set.DescClasse};
-      for (std::size_t i = 0; i < std::size(campos); ++i)
-        linha[static_cast<std::size_t>(campos[i]->Index())] = campos[i]->Convert(std::move(v[i]));
-      linha[static_cast<std::size_t>(set.Compensar.Index())] = "N";
-      set.AppendRow(linha);
+      linha.Take(campos, colunas);
+      linha[set.Compensar] = "N";
+      linha.Append();
       return true;
     }
     ArquivoSet& set;
-    std::vector<Value> linha = std::vector<Value>(set.Fields().size());
+    RowWriter linha{set};
   } pendentes(TbArquivo);
   Tabela.IBDatabase().Fetch(
       "SELECT C.LANCAMENTO, C.DOCTO, C.DT_LAN, C.HISTORICO, C.GRUPO, C.VALOR, C.OPERACAO, H.DESCRICAO AS "

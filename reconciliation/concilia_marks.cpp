@@ -3,6 +3,7 @@
 
 #include "reconciliation/concilia.h"
 #include "rules/saldo.h"
+#include "toolkit/row_writer.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -17,26 +18,21 @@ constexpr int kNormal = 0, kCarga = 2;
 // Takes rows of a statement into a set: each column of the result into a field.
 class Linhas : public RowSink {
  public:
-  Linhas(TClientDataSet& set, std::vector<const Field*> campos)
-      : set_(set), campos_(std::move(campos)), linha_(set.Fields().size()) {}
+  Linhas(TClientDataSet& set, std::vector<const Field*> campos) : campos_(std::move(campos)), linha_(set) {}
   void Columns(const std::vector<Column>& columns) override { ORV_ASSERT(columns.size() == campos_.size()); }
   bool Row(std::span<Value> values) override {
-    for (std::size_t i = 0; i < campos_.size(); ++i)
-      Celula(*campos_[i]) = campos_[i]->Convert(std::move(values[i]));
-    Completa();
-    set_.AppendRow(linha_);
+    linha_.Take(campos_, values);
+    Completa(linha_);
+    linha_.Append();
     return true;
   }
 
- protected:
-  Value& Celula(const Field& campo) { return linha_[static_cast<std::size_t>(campo.Index())]; }
-  // What a row has that isn't in the statement.
-  virtual void Completa() {}
-
  private:
-  TClientDataSet& set_;
+  // What a row has that isn't in the statement.
+  virtual void Completa(RowWriter&) {}
+
   std::vector<const Field*> campos_;
-  std::vector<Value> linha_;
+  RowWriter linha_;
 };
 
 class Movimentos : public Linhas {
@@ -52,11 +48,11 @@ class Movimentos : public Linhas {
   }
 
  private:
-  void Completa() override {
-    Value& operacao = Celula(set_.Operacao);
+  void Completa(RowWriter& linha) override {
+    Value& operacao = linha[set_.Operacao];
     operacao = operacao.Text() == "+" ? "C" : "D";
-    const auto classe = classes_.find(std::string(TrimCode(Celula(set_.Classe).Text())));
-    Celula(set_.DescClasse) = classe == classes_.end() ? Value() : classe->second;
+    const auto classe = classes_.find(std::string(TrimCode(linha[set_.Classe].Text())));
+    linha[set_.DescClasse] = classe == classes_.end() ? Value() : classe->second;
   }
 
   TFmConcilia::MovSet& set_;

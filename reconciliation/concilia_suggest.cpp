@@ -4,6 +4,7 @@
 
 #include "reconciliation/concilia.h"
 #include "reconciliation/suggest.h"
+#include "toolkit/row_writer.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -179,10 +180,7 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
   Marcacao marcacao(TbMov, TbArq);
 
   std::array<std::size_t, 3> por_motivo{};
-  std::vector<Value> linha(TbSugestao.Fields().size());
-  const auto guarda = [&](const Field& campo, Value valor) {
-    linha[static_cast<std::size_t>(campo.Index())] = campo.Convert(std::move(valor));
-  };
+  RowWriter linha(TbSugestao);
   int64_t grupo = 0;
   for (const Suggestion& sugestao : sugestoes) {
     ++grupo;
@@ -193,19 +191,19 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
       for (const uint32_t l : sugestao.lines) {
         const auto do_movimento = [&](const Field& campo) { return TbMov.Cell(lugares_mov[m], campo); };
         const auto da_linha = [&](const Field& campo) { return TbArq.Cell(lugares_arq[l], campo); };
-        guarda(TbSugestao.Grupo, grupo);
-        guarda(TbSugestao.Lancto, do_movimento(TbMov.Lancto));
-        guarda(TbSugestao.DoctoMov, do_movimento(TbMov.Docto));
-        guarda(TbSugestao.DataMov, do_movimento(TbMov.Data));
-        guarda(TbSugestao.ValorMov, do_movimento(TbMov.Valor));
-        guarda(TbSugestao.Linha, da_linha(TbArq.Lancto));
-        guarda(TbSugestao.DoctoArq, da_linha(TbArq.Docto));
-        guarda(TbSugestao.DataArq, da_linha(TbArq.Data));
-        guarda(TbSugestao.ValorArq, da_linha(TbArq.Valor));
-        guarda(TbSugestao.Motivo, Motivo(sugestao));
-        guarda(TbSugestao.LugarMov, lugares_mov[m] + 1);
-        guarda(TbSugestao.LugarArq, lugares_arq[l] + 1);
-        TbSugestao.AppendRow(linha);
+        linha[TbSugestao.Grupo] = grupo;
+        linha[TbSugestao.Lancto] = do_movimento(TbMov.Lancto);
+        linha[TbSugestao.DoctoMov] = do_movimento(TbMov.Docto);
+        linha[TbSugestao.DataMov] = do_movimento(TbMov.Data);
+        linha[TbSugestao.ValorMov] = do_movimento(TbMov.Valor);
+        linha[TbSugestao.Linha] = da_linha(TbArq.Lancto);
+        linha[TbSugestao.DoctoArq] = da_linha(TbArq.Docto);
+        linha[TbSugestao.DataArq] = da_linha(TbArq.Data);
+        linha[TbSugestao.ValorArq] = da_linha(TbArq.Valor);
+        linha[TbSugestao.Motivo] = Motivo(sugestao);
+        linha[TbSugestao.LugarMov] = lugares_mov[m] + 1;
+        linha[TbSugestao.LugarArq] = lugares_arq[l] + 1;
+        linha.Append();
       }
     }
   }

@@ -436,7 +436,7 @@ void TfmRelCC::Anexa(std::span<Value> movimento, Anexos& anexos, Currency inicia
   }
   for (const Campo campo : {Nome_Banco, DesGrupo, Historico, EmpresaConta, Pessoa})
     nomes_.Share(linha[campo]);
-  AppendFitted(TbRelatorio, linha);
+  TbRelatorio.AppendRow(linha);
   empresa_da_linha_.push_back(empresa);
 }
 
@@ -447,7 +447,7 @@ void TfmRelCC::AnexaTitulos(const std::vector<Titulo>& titulos, const std::strin
     if (!repete && TbFinan.Locate("Lancto;Numero", {Value(lancamento), titulo[fNumero]})) continue;
     Titulo linha = titulo;
     for (const CampoTitulo campo : {fNome, fDescHist, fDescClasse, fCnpj}) nomes_.Share(linha[campo]);
-    AppendFitted(TbFinan, linha);
+    TbFinan.AppendRow(linha);
     empresa_do_titulo_.push_back(empresa);
   }
 }
@@ -469,7 +469,7 @@ void TfmRelCC::ContasSemMovimento(Currency inicial) {
   }
   linha[Data_ini] = consulta_.de;
   linha[data_fim] = consulta_.ate;
-  AppendFitted(TbRelatorio, linha);
+  TbRelatorio.AppendRow(linha);
   empresa_da_linha_.push_back(Empresa(Funcoes.vEmpresa_Atual()));
 }
 

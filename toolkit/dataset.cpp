@@ -6,24 +6,6 @@
 
 namespace orv {
 
-ValueKind KindOf(FieldType type) {
-  switch (type) {
-    case FieldType::String:
-      return ValueKind::Text;
-    case FieldType::Integer:
-      return ValueKind::Integer;
-    case FieldType::Float:
-      return ValueKind::Float;
-    case FieldType::Currency:
-      return ValueKind::Currency;
-    case FieldType::Date:
-      return ValueKind::Date;
-    case FieldType::DateTime:
-      return ValueKind::DateTime;
-  }
-  return ValueKind::Null;
-}
-
 std::string_view StateName(DataSetState state) {
   switch (state) {
     case DataSetState::Inactive:
@@ -70,6 +52,7 @@ Field::Field(DataSet& owner, std::string name, FieldType type, int size)
 const Value& Field::Get() const { return owner_.CurrentValue(index_); }
 
 Value Field::Convert(Value value) const {
+  if (Holds(value)) return value;
   if (value.Kind() != KindOf(type_)) value = value.As(KindOf(type_));
   if (type_ == FieldType::String && size_ > 0 && value.Text().size() > static_cast<std::size_t>(size_))
     value = Value(std::string(CutChars(value.Text(), static_cast<std::size_t>(size_))));

@@ -20,7 +20,23 @@ class DataSet;
 
 enum class FieldType : uint8_t { String, Integer, Float, Currency, Date, DateTime };
 
-ValueKind KindOf(FieldType type);
+constexpr ValueKind KindOf(FieldType type) {
+  switch (type) {
+    case FieldType::String:
+      return ValueKind::Text;
+    case FieldType::Integer:
+      return ValueKind::Integer;
+    case FieldType::Float:
+      return ValueKind::Float;
+    case FieldType::Currency:
+      return ValueKind::Currency;
+    case FieldType::Date:
+      return ValueKind::Date;
+    case FieldType::DateTime:
+      return ValueKind::DateTime;
+  }
+  return ValueKind::Null;
+}
 
 // A column of a data set and, through it, the value of the current row.
 //
@@ -47,6 +63,13 @@ class Field {
   Currency AsCurrency() const { return Get().AsCurrency(); }
   Date AsDate() const { return Get().AsDate(); }
 
+  // True for a value that needs no conversion. A text of more bytes than the size has characters may need
+  // one.
+  bool Holds(const Value& value) const {
+    return value.IsNull() ||
+           (value.Kind() == KindOf(type_) &&
+            (!value.IsText() || size_ <= 0 || value.Text().size() <= static_cast<std::size_t>(size_)));
+  }
   // The value as this field would hold it: of its type and cut to its size. Raises ConversionError.
   Value Convert(Value value) const;
   void Set(Value value);

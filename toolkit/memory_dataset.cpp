@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "toolkit/text.h"
 
@@ -63,6 +64,7 @@ void MemoryDataSet::DropRows() {
   store_.Reset(Fields().size());
   full_view_.Clear();
   filtered_view_.Clear();
+  unplaced_.clear();
   indexes_.clear();
   searched_ = {};
   buffer_.clear();
@@ -107,16 +109,60 @@ void MemoryDataSet::Link(RowId row) {
     filtered_view_.Insert(shown, row);
     ChangedFrom(static_cast<int64_t>(shown));
   }
-  for (const auto& index : indexes_) index->Add(row);
+}
+
+void MemoryDataSet::PlaceRows() {
+  std::vector<RowId> rows = std::exchange(unplaced_, {});
+  // Few among many find their places one by one.
+  if (rows.size() < full_view_.Size() / 16) {
+    for (const RowId row : rows) Link(row);
+    return;
+  }
+  SortRows(rows);
+  std::vector<RowId> all;
+  all.reserve(full_view_.Size() + rows.size());
+  RowSequence::Walk placed(full_view_);
+  for (RowId row = placed.Next(); row != kNoRow; row = placed.Next()) all.push_back(row);
+  const auto middle = static_cast<std::ptrdiff_t>(all.size());
+  all.insert(all.end(), rows.begin(), rows.end());
+  std::inplace_merge(all.begin(), all.begin() + middle, all.end(),
+                     [this](RowId a, RowId b) { return Before(a, b); });
+  Show(std::move(all));
+}
+
+void MemoryDataSet::Show(std::vector<RowId> rows) {
+  ChangedFrom(0);
+  full_view_.Assign(rows);
+  if (!active_filter_) return;
+  std::erase_if(rows, [this](RowId row) { return !Passes(row); });
+  filtered_view_.Assign(rows);
+}
+
+void MemoryDataSet::FitRow(std::span<Value> values) const {
+  const auto& fields = Fields();
+  ORV_ASSERT(fields.size() == values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (!fields[i]->Holds(values[i])) values[i] = fields[i]->Convert(std::move(values[i]));
+  }
 }
 
 void MemoryDataSet::AppendRow(std::span<Value> values) {
+  FitRow(values);
+  TakeRow(values);
+}
+
+void MemoryDataSet::TakeRow(std::span<Value> values) {
   ORV_ASSERT(State() == DataSetState::Browse && values.size() == store_.Columns());
   const RowId row = store_.Add();
   std::move(values.begin(), values.end(), store_.Cells(row));
-  Link(row);
-  if (current_ == kNoRow && View().Size() > 0) {
-    StandOn(0);
+  for (const auto& index : indexes_) index->Add(row);
+  if (order_.empty()) {
+    Link(row);
+  } else {
+    unplaced_.push_back(row);
+  }
+  if (current_ == kNoRow && Passes(row)) {
+    StandAt(row);
     SetEnds(true, false);
   } else if (current_ != kNoRow && !order_.empty()) {
     StandAt(current_);
@@ -195,7 +241,8 @@ bool MemoryDataSet::Locate(std::string_view names, std::span<const Value> values
 RowId MemoryDataSet::FirstMatch(const RowIndex& index, std::vector<Value> values) {
   if (searched_.index != &index || searched_.wanted != values) searched_ = {&index, std::move(values), 0};
   const std::vector<Value>& wanted = searched_.wanted;
-  RowSequence::Walk view(View(), static_cast<std::size_t>(searched_.rows));
+  const RowSequence& rows = View();
+  RowSequence::Walk view(rows, static_cast<std::size_t>(searched_.rows));
   RowId first = kNoRow;
   for (RowId row = index.First(wanted); row != kNoRow; row = index.Next(row, wanted)) {
     if (Passes(row) && (first == kNoRow || Before(row, first))) first = row;
@@ -251,6 +298,7 @@ void MemoryDataSet::DoPost() {
     row = store_.AddBetween(at > 0 ? full_view_.At(at - 1) : kNoRow, current_);
   }
   std::move(buffer_.begin(), buffer_.end(), store_.Cells(row));
+  for (const auto& index : indexes_) index->Add(row);
   Link(row);
   // A row that doesn't pass the filter leaves the cursor on the one that has its place.
   if (Passes(row)) {
@@ -349,18 +397,14 @@ void MemoryDataSet::SetIndexFieldNames(std::string_view names) {
   index_names_ = names;
   if (order == order_) return;
   order_ = std::move(order);
-  ChangedFrom(0);
+  unplaced_.clear();
   std::vector<RowId> rows;
   rows.reserve(store_.Live());
   for (RowId row = 0; row < store_.Bound(); ++row) {
     if (store_.IsLive(row)) rows.push_back(row);
   }
   SortRows(rows);
-  full_view_.Assign(rows);
-  if (active_filter_) {
-    std::erase_if(rows, [&](RowId row) { return !Passes(row); });
-    filtered_view_.Assign(rows);
-  }
+  Show(std::move(rows));
   if (current_ != kNoRow) StandAt(current_);
   Changed();
 }
@@ -399,6 +443,7 @@ void MemoryDataSet::SetFiltered(bool filtered) {
 }
 
 void MemoryDataSet::Refilter(std::shared_ptr<const Filter> filter) {
+  if (!unplaced_.empty()) PlaceRows();
   active_filter_ = std::move(filter);
   filtered_view_.Clear();
   ChangedFrom(0);

@@ -42,9 +42,12 @@ class MemoryDataSet : public DataSet {
   void SetFiltered(bool filtered);
   bool Filtered() const { return filtered_; }
 
-  // Appends a row as it stands, without events, behind the others; for filling a set in bulk. The values are
-  // moved out and must be as many as the fields. The cursor stays.
+  // Appends a row without events, behind the others, each value as its field holds it; for filling a set in
+  // bulk. The values are moved out and must be as many as the fields. The cursor stays. Raises
+  // ConversionError, and then nothing is appended.
   void AppendRow(std::span<Value> values);
+  // Makes each of a row's values as its field holds it. Raises ConversionError.
+  void FitRow(std::span<Value> values) const;
   // The current row whatever the order: while none is removed, how many were added before it. kNoRow without
   // rows.
   RowId CurrentRow() const { return current_; }
@@ -54,6 +57,8 @@ class MemoryDataSet : public DataSet {
   void OpenRows();
   // Fires AfterOpen, and AfterScroll where there are rows.
   void Opened();
+  // Appends a row as it stands.
+  void TakeRow(std::span<Value> values);
   // Drops all rows, without events.
   void DropRows();
 
@@ -72,10 +77,16 @@ class MemoryDataSet : public DataSet {
  private:
   bool Before(RowId a, RowId b) const;
   bool Passes(RowId row) const { return !active_filter_ || active_filter_->Accepts(store_.Cells(row)); }
-  RowSequence& View() { return active_filter_ ? filtered_view_ : full_view_; }
-  const RowSequence& View() const { return active_filter_ ? filtered_view_ : full_view_; }
+  const RowSequence& View() const {
+    if (!unplaced_.empty()) const_cast<MemoryDataSet*>(this)->PlaceRows();
+    return active_filter_ ? filtered_view_ : full_view_;
+  }
   std::size_t PositionIn(const RowSequence& view, RowId row) const;
   void Link(RowId row);
+  // Puts the rows appended in bulk into their places.
+  void PlaceRows();
+  // Makes the views of all rows, in order.
+  void Show(std::vector<RowId> rows);
   void StoreEdit();
   void StandOn(int64_t position);
   void StandAt(RowId row);
@@ -91,6 +102,8 @@ class MemoryDataSet : public DataSet {
 
   RowStore store_;
   RowSequence full_view_, filtered_view_;
+  // Rows appended in bulk to a set in order, which stand in no view until somebody looks.
+  std::vector<RowId> unplaced_;
   std::vector<int> order_;
   std::string index_names_;
   std::string filter_text_;

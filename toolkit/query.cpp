@@ -37,7 +37,7 @@ void TOrvQuery::Open() {
       query_.OpenRows();
     }
     bool Row(std::span<Value> values) override {
-      query_.AppendRow(values);
+      query_.TakeRow(values);
       return true;
     }
 

@@ -1,5 +1,7 @@
 #include "toolkit/trans_dataset.h"
 
+#include "toolkit/row_writer.h"
+
 namespace orv {
 
 void TTransDataSet::CriaCampos() {
@@ -19,12 +21,13 @@ void TTransDataSet::TransfereDados() {
   target_->PostIfEditing();
   std::vector<const Field*> from;
   for (const Field* field : target_->Fields()) from.push_back(source_->FindField(field->Name()));
-  std::vector<Value> values(from.size());
+  RowWriter copy(*target_);
   const int64_t count = source_->DisplayCount();
   for (int64_t row = 0; row < count; ++row) {
-    for (std::size_t i = 0; i < from.size(); ++i)
-      values[i] = from[i] == nullptr ? Value() : target_->Fields()[i]->Convert(source_->Cell(row, *from[i]));
-    target_->AppendRow(values);
+    for (std::size_t i = 0; i < from.size(); ++i) {
+      if (from[i] != nullptr) copy[*target_->Fields()[i]] = source_->Cell(row, *from[i]);
+    }
+    copy.Append();
   }
   if (count > 0) target_->First();
 }

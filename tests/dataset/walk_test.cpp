@@ -106,8 +106,8 @@ class Walk {
   void Bulk(int count) {
     for (int i = 0; i < count; ++i) {
       Cells cells = Random();
-      if (model_.current < 0) model_.current = cells[0].AsInteger();
       model_.rows.push_back(cells);
+      if (model_.current < 0) model_.StandOn(0);
       set_.AppendRow(cells);
     }
   }
@@ -161,6 +161,12 @@ class Walk {
       return off ? "filter off" : model_.filter->text;
     }
     if (what < 14) return Locate();
+    if (what == 14) {
+      // More or fewer than those that are there.
+      set_.PostIfEditing();
+      Bulk(random_() % 2 == 0 ? 1 : 40);
+      return "bulk";
+    }
     const auto distance = static_cast<int64_t>(random_() % 7) - 3;
     const int64_t from = model_.Position();
     const int64_t moved = set_.MoveBy(distance);
