@@ -39,6 +39,7 @@ void Edit::SetText(std::string_view text) {
   std::string normal = Normal(text);
   if (normal == text_) return;
   text_ = std::move(normal);
+  ReadText();
   Touch();
   if (OnChange) OnChange();
 }

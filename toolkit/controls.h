@@ -39,6 +39,8 @@ class Edit : public Control {
  protected:
   // The text as the control keeps it.
   virtual std::string Normal(std::string_view text) const;
+  // The text has become another: what it says is read once, before `OnChange`.
+  virtual void ReadText() {}
 
  private:
   std::string text_;
@@ -59,7 +61,7 @@ class ReadOnlyEdit : public Edit {
 class MoneyEdit : public Edit {
  public:
   using Edit::Edit;
-  Currency Amount() const { return Currency::ParseBrazilOr(Text(), Currency()); }
+  Currency Amount() const { return amount_; }
   void SetAmount(Currency amount) { SetText(amount.Brazil()); }
 
   std::string_view Kind() const override { return "money"; }
@@ -68,6 +70,10 @@ class MoneyEdit : public Edit {
 
  protected:
   std::string Normal(std::string_view text) const override;
+  void ReadText() override { amount_ = Currency::ParseBrazilOr(Text(), Currency()); }
+
+ private:
+  Currency amount_;
 };
 
 // A date, typed "dd/mm/yyyy"; the empty mask is the empty date. While typed it may hold what isn't a date;
@@ -77,7 +83,7 @@ class DateEdit : public Edit {
   DateEdit(Form& form, std::string name, std::string caption = "")
       : Edit(form, std::move(name), std::move(caption), 10) {}
   // The empty date for a text that isn't one.
-  orv::Date Date() const { return orv::Date::ParseBrazilOr(Text(), orv::Date()); }
+  orv::Date Date() const { return date_; }
   void SetDate(orv::Date date) { SetText(date.Brazil()); }
 
   std::string_view Kind() const override { return "date"; }
@@ -85,6 +91,10 @@ class DateEdit : public Edit {
 
  protected:
   std::string Normal(std::string_view text) const override;
+  void ReadText() override { date_ = orv::Date::ParseBrazilOr(Text(), orv::Date()); }
+
+ private:
+  orv::Date date_;
 };
 
 // A list of which one item is chosen, or none (-1).
