@@ -9,6 +9,7 @@
 #include "desk/session.h"
 #include "frame/screen.h"
 #include "toolkit/lookup.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -82,10 +83,7 @@ std::string Decoded(const std::string& base64) {
 void Session::Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer) {
   const Json waiting{{"on", "waiting"}, {"for", what}};
   // However the question ends, it is no longer open.
-  struct Open {
-    Json& open;
-    ~Open() { open = Json(); }
-  } const guard{question_};
+  const AtEnd closed([this] { question_ = Json(); });
   EndGathering();
   Collect();
   question_ = question;
@@ -201,13 +199,10 @@ LookupChoice Session::Choose(TPesquisa& lookup) {
 
 std::optional<std::string> Session::OpenFile(std::string_view control, std::string_view filters) {
   // What came and wasn't chosen goes with the question.
-  struct Asked {
-    Session& session;
-    ~Asked() {
-      const std::lock_guard lock(session.mutex_);
-      session.uploads_.clear();
-    }
-  } const asked{*this};
+  const AtEnd asked([this] {
+    const std::lock_guard lock(mutex_);
+    uploads_.clear();
+  });
   std::optional<std::string> path;
   Wait("file", {{"on", "file"}, {"control", control}, {"filters", filters}}, [&](const Json& in) {
     if (in["do"] == Json("answer") && in["value"] == Json("cancel")) return true;

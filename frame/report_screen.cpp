@@ -12,22 +12,6 @@ constexpr int64_t kStepsATelling = 200;
 // The period with which a report's screen opens.
 const Date kFirst(1980, 1, 1), kLast(2030, 12, 31);
 
-// Displays of the sets hold still.
-class SetsHold {
- public:
-  explicit SetsHold(std::initializer_list<TClientDataSet*> sets) : sets_(sets) {
-    for (TClientDataSet* set : sets_) set->DisableControls();
-  }
-  ~SetsHold() {
-    for (TClientDataSet* set : sets_) set->EnableControls();
-  }
-  SetsHold(const SetsHold&) = delete;
-  SetsHold& operator=(const SetsHold&) = delete;
-
- private:
-  std::vector<TClientDataSet*> sets_;
-};
-
 class EachRow : public RowSink {
  public:
   explicit EachRow(const std::function<void(std::span<Value>)>& row) : row_(row) {}
@@ -74,7 +58,7 @@ void ReportScreen::LayDown(TClientDataSet& set, std::span<const ReportField> fie
 void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
                           const std::function<void(Gathering&)>& work, Half half) {
   const BusyMark busy(Funcoes, *this);
-  const SetsHold hold(sets);
+  const ControlsHold hold({sets.begin(), sets.end()});
   Gathering gathering(User());
   try {
     work(gathering);

@@ -2,23 +2,11 @@
 #include "ledger/cc.h"
 #include "rules/bloqueio.h"
 #include "rules/soma.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
 namespace {
-
-// While it lives, what the fields propose to one another keeps out.
-class Filling {
- public:
-  explicit Filling(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
-  ~Filling() { flag_ = before_; }
-  Filling(const Filling&) = delete;
-  Filling& operator=(const Filling&) = delete;
-
- private:
-  bool& flag_;
-  bool before_;
-};
 
 constexpr const char* kDataContabil = "A Data de Contabilização deve ser maior que a Data de Lançamento.";
 
@@ -297,7 +285,7 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
     return;
   }
 
-  const Filling filling(preenche_);
+  const ScopedValue filling(preenche_, true);
   const auto& linha = linhas.front();
   Edit* const textos[] = {&EdtLancto, &EdtConta, &EdtNumDoc, &EdtTipoDocto};
   for (std::size_t i = 0; i < std::size(textos); ++i) textos[i]->SetText(linha[i].AsString());
@@ -349,7 +337,7 @@ void TfmCC::GravaLancamento() {
 }
 
 void TfmCC::LimpaTela() {
-  const Filling filling(preenche_);
+  const ScopedValue filling(preenche_, true);
   gravada_.reset();
   for (Edit* campo : std::initializer_list<Edit*>{&EdtLancConc, &EdtLancto, &EdtConta, &EdtCodBan, &EdtNumDoc,
                                                   &EdtTipoDocto, &EdtDtLanc, &EdtDtVencto, &EdtDtCont,

@@ -9,6 +9,7 @@
 #include "ledger/cc.h"
 #include "ledger/cc_trans_conta.h"
 #include "rules/saldo.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -193,11 +194,8 @@ void TfmCC::BitBtn8Click() {
     const BusyMark busy(Funcoes, *this);
     ConsultaContas();
   }
-  struct Ordem {
-    explicit Ordem(TClientDataSet& s) : set(s) { set.SetIndexFieldNames("Descricao"); }
-    ~Ordem() { set.SetIndexFieldNames(""); }
-    TClientDataSet& set;
-  } const ordem(TbContas);
+  TbContas.SetIndexFieldNames("Descricao");
+  const AtEnd volta([this] { TbContas.SetIndexFieldNames(""); });
   Funcoes.Chama_RelatorioWin(*this, "WCCSaldoConta");
 }
 

@@ -1,6 +1,7 @@
 // The accounting split of a movement: its entries and, for each, the cost centres that bear it.
 #include "ledger/cc.h"
 #include "rules/conta_contabil.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -8,17 +9,8 @@ namespace {
 
 constexpr Currency kTolerancia = Currency::FromRaw(500);  // 0.05
 
-// While it lives, the program fills the entries and the logic for rows added by hand keeps out.
-class ProgramFill {
- public:
-  explicit ProgramFill(DataSet& set) : set_(set) { set_.Tag = 1; }
-  ~ProgramFill() { set_.Tag = 0; }
-  ProgramFill(const ProgramFill&) = delete;
-  ProgramFill& operator=(const ProgramFill&) = delete;
-
- private:
-  DataSet& set_;
-};
+// The mode of the entries in which the program fills them and the logic for rows added by hand keeps out.
+constexpr int kProgramFill = 1;
 
 // True when a row stands there, one in insertion included.
 bool HasRow(const DataSet& set) { return set.Editing() || !set.IsEmpty(); }
@@ -35,7 +27,7 @@ void PostAndEdit(DataSet& set) {
 
 void TfmCC::PartidaContabil() {
   if (EstaGravado()) return;
-  const ProgramFill fill(TbContabil);
+  const ScopedValue fill(TbContabil.Tag, kProgramFill);
   EsvaziaRateio();
 
   const auto regras = Contabil.RegrasRateio(EdtTipo.Text(), "C", "VF");
@@ -86,7 +78,7 @@ std::string TfmCC::DescricaoDe(std::string_view tabela, const std::string& codig
 // --- Loading.
 
 void TfmCC::BuscaContabil(bool como_gravado) {
-  const ProgramFill fill(TbContabil);
+  const ScopedValue fill(TbContabil.Tag, kProgramFill);
   EsvaziaRateio();
   mexida_ = false;
   if (EdtLancto.Empty()) return;
@@ -313,7 +305,7 @@ void TfmCC::ArredondaRateio() {
     if (row + 1 < TbCCusto.DisplayCount()) outros += parte.Round2();
   }
   if (soma == valor) return;
-  const ProgramFill fill(TbContabil);
+  const ScopedValue fill(TbContabil.Tag, kProgramFill);
 
   // All in whole cents, and the last row takes what the others leave. A credit without cost centres gets a
   // row of nobody's, which isn't stored.

@@ -2,6 +2,7 @@
 #include "reconciliation/cadextrado.h"
 
 #include "frame/entry/unit.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -111,18 +112,12 @@ void TFmCadExtrato::LigaAcesso() {
 // The lines that were found are printed, under the period that found them.
 void TFmCadExtrato::BitBtn1Click() {
   if (!QryExtrato.Active()) BitBtn5Click();
-  struct Periodo {
-    explicit Periodo(TFmCadExtrato& t) : tela(t), de(t.dtInicio.Text()), ate(t.dtFim.Text()) {
-      tela.dtInicio.SetText(tela.consultado_.first);
-      tela.dtFim.SetText(tela.consultado_.second);
-    }
-    ~Periodo() {
-      tela.dtInicio.SetText(de);
-      tela.dtFim.SetText(ate);
-    }
-    TFmCadExtrato& tela;
-    const std::string de, ate;
-  } const periodo(*this);
+  const AtEnd volta([this, de = dtInicio.Text(), ate = dtFim.Text()] {
+    dtInicio.SetText(de);
+    dtFim.SetText(ate);
+  });
+  dtInicio.SetText(consultado_.first);
+  dtFim.SetText(consultado_.second);
   Funcoes.Chama_RelatorioWin(*this, "WCCDigExtrato");
 }
 

@@ -4,6 +4,7 @@
 #include "frame/entry/unit.h"
 #include "ledger/cc_lanc_fluxo.h"
 #include "toolkit/error.h"
+#include "toolkit/scoped.h"
 
 namespace orv {
 
@@ -21,22 +22,14 @@ enum Operadora { kGetnet, kStone, kCielo, kPagarMe, kYapay, kRede };
 enum TipoConcilia { kVenda, kContaCorrente, kPedido };
 
 // Narrows a set for a block.
-class Filtrado {
- public:
-  Filtrado(TClientDataSet& set, std::string_view filtro) : set_(set) {
-    set_.SetFilter(filtro);
-    set_.SetFiltered(true);
-  }
-  ~Filtrado() {
-    set_.SetFiltered(false);
-    set_.SetFilter("");
-  }
-  Filtrado(const Filtrado&) = delete;
-  Filtrado& operator=(const Filtrado&) = delete;
-
- private:
-  TClientDataSet& set_;
-};
+auto Filtrado(TClientDataSet& set, std::string_view filtro) {
+  set.SetFilter(filtro);
+  set.SetFiltered(true);
+  return AtEnd([&set] {
+    set.SetFiltered(false);
+    set.SetFilter("");
+  });
+}
 
 }  // namespace
 
@@ -223,7 +216,8 @@ void TFmConcilia::BitBtn5Click() {
 }
 
 void TFmConcilia::BitBtn7Click() {
-  const Filtrado movimentos(TbMov, "Conciliar = 'N'"), linhas(TbArq, "Concilia = 'S'");
+  const auto movimentos = Filtrado(TbMov, "Conciliar = 'N'");
+  const auto linhas = Filtrado(TbArq, "Concilia = 'S'");
   Funcoes.Chama_Relatorio(*this, kRelatorio);
 }
 

@@ -7,6 +7,7 @@
 #include "reconciliation/concilia.h"
 #include "reconciliation/formats/outside_file.h"
 #include "toolkit/row_writer.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -150,12 +151,7 @@ void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
   }
 
   // The totals of the other page don't change by this: they are spared for every line.
-  struct Carga {
-    explicit Carga(DataSet& s) : set(s), modo(s.Tag) { set.Tag = 2; }
-    ~Carga() { set.Tag = modo; }
-    DataSet& set;
-    int modo;
-  } const carga(TbArq);
+  const ScopedValue carga(TbArq.Tag, 2);
   const ControlsHold hold(TbArquivo);
   for (const ChequeReturn& retorno : retornos) {
     const auto achado = lancamentos.find(retorno.cheque);

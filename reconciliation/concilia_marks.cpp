@@ -4,6 +4,7 @@
 #include "reconciliation/concilia.h"
 #include "rules/saldo.h"
 #include "toolkit/row_writer.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -115,14 +116,9 @@ void TFmConcilia::CarregaMovimentos() {
     Recusa("Selecione uma Conta.", EdtConta);
     return;
   }
-  struct Carga {
-    TFmConcilia& tela;
-    explicit Carga(TFmConcilia& t) : tela(t) { tela.TbMov.Tag = tela.TbArq.Tag = kCarga; }
-    ~Carga() { tela.TbMov.Tag = tela.TbArq.Tag = kNormal; }
-  };
   {
-    const Carga carga(*this);
-    const ControlsHold movimentos(TbMov), extrato(TbArq);
+    const ScopedValue modo_mov(TbMov.Tag, kCarga), modo_arq(TbArq.Tag, kCarga);
+    const ControlsHold hold({&TbMov, &TbArq});
     TOrvDatabase& db = Tabela.IBDatabase();
     EsqueceSugestoes();
     LbVolta.Mostra("");

@@ -5,6 +5,7 @@
 #include "reconciliation/concilia.h"
 #include "reconciliation/suggest.h"
 #include "toolkit/row_writer.h"
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -67,10 +68,7 @@ void Marca(MemoryDataSet& set, Field& marca, int64_t lugar, const char* valor) {
 // Ticks are set without what follows a click.
 class Marcacao {
  public:
-  Marcacao(TClientDataSet& mov, TClientDataSet& arq) : mov_(mov), arq_(arq) { mov_.Tag = arq_.Tag = 2; }
-  ~Marcacao() { mov_.Tag = arq_.Tag = 0; }
-  Marcacao(const Marcacao&) = delete;
-  Marcacao& operator=(const Marcacao&) = delete;
+  Marcacao(TClientDataSet& mov, TClientDataSet& arq) : mov_(mov), arq_(arq) {}
   // Once all is marked: back to where the user was.
   void Volta() {
     mov_.SetRecNo(no_mov_);
@@ -79,7 +77,8 @@ class Marcacao {
 
  private:
   TClientDataSet &mov_, &arq_;
-  const ControlsHold movimentos_{mov_}, linhas_{arq_};
+  const ScopedValue<int> modo_mov_{mov_.Tag, 2}, modo_arq_{arq_.Tag, 2};
+  const ControlsHold hold_{{&mov_, &arq_}};
   const int64_t no_mov_ = mov_.RecNo(), no_arq_ = arq_.RecNo();
 };
 

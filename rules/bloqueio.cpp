@@ -2,28 +2,23 @@
 
 #include <algorithm>
 
+#include "toolkit/scoped.h"
+
 namespace orv {
 namespace {
 
-// The accounts are open while it lives, also for a screen that doesn't hold them.
-class ContasAbertas {
- public:
-  explicit ContasAbertas(ITabela& tabela) : tabela_(tabela) { tabela_.AbreTabela("TbCadConta", false); }
-  // A session that ends while the user reads of the lock unwinds this: nothing may run.
-  ~ContasAbertas() { tabela_.SoltaTabela("TbCadConta"); }
-  ContasAbertas(const ContasAbertas&) = delete;
-  ContasAbertas& operator=(const ContasAbertas&) = delete;
-
- private:
-  ITabela& tabela_;
-};
+// The accounts are open for a block, also for a screen that doesn't hold them.
+auto AbreContas(ITabela& tabela) {
+  tabela.AbreTabela("TbCadConta", false);
+  return AtEnd([&tabela] { tabela.SoltaTabela("TbCadConta"); });
+}
 
 }  // namespace
 
 bool Bloqueio::Caixa(const std::vector<Date>& datas) { return Fechado(datas, "CX"); }
 
 bool Bloqueio::Conta(std::string_view conta, const std::vector<Date>& datas) {
-  const ContasAbertas abertas(tabela_);
+  const auto abertas = AbreContas(tabela_);
   return tabela_.TbCadConta().Locate("CONTA", Value(conta)) && Fechado(datas, "CT");
 }
 
@@ -43,7 +38,7 @@ bool Bloqueio::Movimentos(const std::string& contacor, const std::string& condic
 }
 
 Date Bloqueio::FechadoAte(std::string_view conta) {
-  const ContasAbertas abertas(tabela_);
+  const auto abertas = AbreContas(tabela_);
   const Date caixa = contabil_.PeriodoFechadoAte("CX");
   return tabela_.TbCadConta().Locate("CONTA", Value(conta))
              ? std::max(caixa, contabil_.PeriodoFechadoAte("CT"))

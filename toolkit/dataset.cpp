@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -201,11 +202,7 @@ void DataSet::BeginInsert(bool append) {
   SetState(DataSetState::Insert);
   try {
     // What the program presets isn't a person's entry: an untouched new row is dropped.
-    struct Preparing {
-      bool& flag;
-      explicit Preparing(bool& f) : flag(f) { flag = true; }
-      ~Preparing() { flag = false; }
-    } preparing(preparing_);
+    const ScopedValue preparing(preparing_, true);
     OnNewRecord();
   } catch (...) {
     DropEdit();

@@ -270,16 +270,21 @@ class DataSet {
   uint64_t version_ = 0;
 };
 
-// Keeps a set's displays still for a block.
+// Keeps the sets' displays still for a block.
 class ControlsHold {
  public:
-  explicit ControlsHold(DataSet& set) : set_(set) { set_.DisableControls(); }
-  ~ControlsHold() { set_.EnableControls(); }
+  explicit ControlsHold(std::vector<DataSet*> sets) : sets_(std::move(sets)) {
+    for (DataSet* set : sets_) set->DisableControls();
+  }
+  explicit ControlsHold(DataSet& set) : ControlsHold(std::vector{&set}) {}
+  ~ControlsHold() {
+    for (DataSet* set : sets_) set->EnableControls();
+  }
   ControlsHold(const ControlsHold&) = delete;
   ControlsHold& operator=(const ControlsHold&) = delete;
 
  private:
-  DataSet& set_;
+  std::vector<DataSet*> sets_;
 };
 
 }  // namespace orv

@@ -6,6 +6,7 @@
 #include "toolkit/control.h"
 #include "toolkit/dataset.h"
 #include "toolkit/error.h"
+#include "toolkit/scoped.h"
 #include "toolkit/value.h"
 
 namespace orv {
@@ -134,16 +135,11 @@ bool Form::SetFocus(Control& control) {
 
   Control* target = &control;
   if (focus_ != nullptr) {
-    struct Exiting {
-      bool& flag;
-      explicit Exiting(bool& f) : flag(f) { flag = true; }
-      ~Exiting() { flag = false; }
-    };
     redirect_ = nullptr;
     target_ = target;
     bool stays = false;
     {
-      Exiting exiting(exiting_);
+      const ScopedValue exiting(exiting_, true);
       stays = !focus_->Leaving();
       if (!stays && focus_->OnExit) focus_->OnExit();
     }

@@ -15,6 +15,7 @@
 
 #include "host/data/api.h"
 #include "toolkit/database.h"
+#include "toolkit/scoped.h"
 
 #ifdef __SANITIZE_ADDRESS__
 extern "C" __attribute__((weak)) const char* __lsan_default_options();
@@ -218,13 +219,11 @@ void KeepingSignals(const std::function<void()>& attach) {
   static std::atomic<bool> installed = false;
   if (installed) return attach();
   const std::lock_guard lock(mutex);
-  struct Restore {
-    std::array<struct sigaction, 2> before{};
-    ~Restore() {
-      for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &before[i], nullptr);
-    }
-  } restore;
-  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], nullptr, &restore.before[i]);
+  std::array<struct sigaction, kSignals.size()> before{};
+  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], nullptr, &before[i]);
+  const AtEnd restore([&before] {
+    for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &before[i], nullptr);
+  });
   attach();
   KeepEngineLoaded();
   installed = true;

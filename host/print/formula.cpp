@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -244,7 +245,7 @@ class Parser {
   }
 
   NodePointer Either() {
-    const Depth depth(*this);
+    const auto depth = Deeper();
     NodePointer left = Both();
     while (TakeWord("ou", "or")) left = Make(Op::Or, std::move(left), Both());
     return left;
@@ -290,7 +291,7 @@ class Parser {
     }
   }
   NodePointer Signed() {
-    const Depth depth(*this);
+    const auto depth = Deeper();
     if (Take("-")) return Make(Op::Negative, Signed());
     if (TakeWord("nao", "not") || TakeWord("não", "não")) return Make(Op::Not, Signed());
     return Single();
@@ -363,18 +364,10 @@ class Parser {
   }
 
   // Refuses what is nested so deep that working it out could exhaust the stack.
-  class Depth {
-   public:
-    explicit Depth(Parser& parser) : parser_(parser) {
-      if (++parser_.depth_ > kDeepest) throw FormulaError("a fórmula tem níveis demais");
-    }
-    ~Depth() { --parser_.depth_; }
-    Depth(const Depth&) = delete;
-    Depth& operator=(const Depth&) = delete;
-
-   private:
-    Parser& parser_;
-  };
+  ScopedValue<int> Deeper() {
+    if (depth_ == kDeepest) throw FormulaError("a fórmula tem níveis demais");
+    return {depth_, depth_ + 1};
+  }
 
   std::string_view rest_;
   std::vector<std::string>& names_;

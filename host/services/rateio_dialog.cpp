@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -37,10 +38,11 @@ void TfmRateio::Prepare(const std::vector<Share>& proposal, Currency total) {
     TbRateio.Append();
     TbRateio.Conta = Value(share.account);
     TbRateio.Codigo = Value(share.centre);
-    following_ = true;
-    TbRateio.Perc = Value(share.percent);
-    TbRateio.Valor = Value(share.amount);
-    following_ = false;
+    {
+      const ScopedValue following(following_, true);
+      TbRateio.Perc = Value(share.percent);
+      TbRateio.Valor = Value(share.amount);
+    }
     TbRateio.Post();
   }
   TbRateio.First();
@@ -54,16 +56,14 @@ void TfmRateio::CodigoChange() {
 
 void TfmRateio::PercChange() {
   if (following_) return;
-  following_ = true;
+  const ScopedValue following(following_, true);
   TbRateio.Valor = Value((total_ * (TbRateio.Perc.AsFloat() / 100)).Round2());
-  following_ = false;
 }
 
 void TfmRateio::ValorChange() {
   if (following_) return;
-  following_ = true;
+  const ScopedValue following(following_, true);
   TbRateio.Perc = Value(RoundFloat(TbRateio.Valor.AsCurrency().ToDouble() / total_.ToDouble() * 100, 2));
-  following_ = false;
 }
 
 void TfmRateio::PqCCustoFechaPesquisa() {
