@@ -12,50 +12,12 @@ const Unit kUnit("Relfluxo",
                  {"TfmRelFluxo", "Relatóro de Estatística de Caixa", ScreenKind::Child, "Fluxo de Caixa",
                   [](Application& a) { return std::make_unique<TfmRelFluxo>(a); }});
 
-std::vector<GridColumn> ColunasRelatorio() {
-  return {{"DtLanc", "Data"},
-          {"Numero", "Número"},
-          {"Documento", "Documento"},
-          {"Vlr_receb", "A Receber"},
-          {"Vlr_pagar", "A Pagar"},
-          {"Vlr_Compra", "Compras"},
-          {"Vlr_Venda", "Vendas"},
-          {"Vlr_ChequeRec", "Ch. Recebido"},
-          {"Vlr_ChequePag", "Ch. Emitido"},
-          {"Cod_Pessoa", "Código", 8},
-          {"Desc_Pessoa", "Cliente/Fornecedor", 30},
-          {"Operacao", "Op."},
-          {"Historico", "Histórico", 30},
-          {"Data_ini", "De", 10},
-          {"data_fim", "Até", 10},
-          {"Vlr_Deb", "Débito"},
-          {"Vlr_Cre", "Crédito"},
-          {"Saldo", "Saldo"},
-          {"Lim_Credito", "Limite de Crédito"},
-          {"Banco", "Banco"},
-          {"Nome_Banco", "Nome do Banco", 20},
-          {"Grupo_Dias", "Dias"},
-          {"SaldoCorr", "Saldo Corrente"},
-          {"ClasseGer", "Classe Ger."},
-          {"DescClasse", "Descrição da Classe", 30},
-          {"Obs", "Observação", 40},
-          {"Conta", "Conta"},
-          {"Data", "Data Conta"}};
-}
-
-std::vector<GridColumn> ColunasSaldo() {
-  return {{"Sel", "Sel", 4, false, true, "S", "N"},
-          {"Conta", "Conta", 13, true},
-          {"Empresa", "Empresa", 30, true},
-          {"Valor", "Valor", 14, true}};
-}
-
 }  // namespace
 
 TfmRelFluxo::TfmRelFluxo(Application& application)
     : ReportScreen(application, "TfmRelFluxo", "fmRelFluxo", "Relatóro de Estatística de Caixa"),
-      DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio(), true, "Lançamentos"),
-      OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, ColunasSaldo(), false, "Saldos das contas") {
+      DBGrid1(*this, "DBGrid1", TbRelatorio, GridColumns(kRelatorio), true, "Lançamentos"),
+      OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, GridColumns(kSaldo), false, "Saldos das contas") {
   Layout(R"(
     @bar {
       EdtDataDe edtDataAte EdtConta PqConta EdtEmp RgTipo

@@ -62,8 +62,46 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   SmallButton SpeedButton3{*this, "SpeedButton3", "Limpar"};
   Button BitBtn29{*this, "BitBtn29", "Consultar"};
 
-  // Rebuilt by each gathering: what is expected, and the balances of the accounts.
+  // Laid down anew by each gathering: what is expected, and the balances of the accounts.
+  static constexpr auto kRelatorio = std::to_array<ReportField>({
+      {"DtLanc", FieldType::Date, 0, {"Data"}},
+      {"Numero", FieldType::String, 10, {"Número"}},
+      {"Documento", FieldType::String, 15, {"Documento"}},
+      {"Vlr_receb", FieldType::Currency, 0, {"A Receber"}},
+      {"Vlr_pagar", FieldType::Currency, 0, {"A Pagar"}},
+      {"Vlr_Compra", FieldType::Currency, 0, {"Compras"}},
+      {"Vlr_Venda", FieldType::Currency, 0, {"Vendas"}},
+      {"Vlr_ChequeRec", FieldType::Currency, 0, {"Ch. Recebido"}},
+      {"Vlr_ChequePag", FieldType::Currency, 0, {"Ch. Emitido"}},
+      {"Cod_Pessoa", FieldType::String, 15, {"Código", 8}},
+      {"Desc_Pessoa", FieldType::String, 40, {"Cliente/Fornecedor", 30}},
+      {"Operacao", FieldType::String, 2, {"Op."}},
+      {"Historico", FieldType::String, 40, {"Histórico", 30}},
+      {"Data_ini", FieldType::String, 12, {"De", 10}},
+      {"data_fim", FieldType::String, 12, {"Até", 10}},
+      {"Vlr_Deb", FieldType::Currency, 0, {"Débito"}},
+      {"Vlr_Cre", FieldType::Currency, 0, {"Crédito"}},
+      {"Saldo", FieldType::Currency, 0, {"Saldo"}},
+      {"Lim_Credito", FieldType::Currency, 0, {"Limite de Crédito"}},
+      {"Banco", FieldType::String, 5, {"Banco"}},
+      {"Nome_Banco", FieldType::String, 30, {"Nome do Banco", 20}},
+      {"Grupo_Dias", FieldType::Integer, 0, {"Dias"}},
+      {"SaldoCorr", FieldType::Currency, 0, {"Saldo Corrente"}},
+      {"ClasseGer", FieldType::String, 6, {"Classe Ger."}},
+      {"DescClasse", FieldType::String, 50, {"Descrição da Classe", 30}},
+      {"Obs", FieldType::String, 250, {"Observação", 40}},
+      {"Conta", FieldType::String, 13, {"Conta"}},
+      {"Data", FieldType::Date, 0, {"Data Conta"}},
+  });
   TClientDataSet TbRelatorio{"TbRelatorio"};
+  static constexpr auto kSaldo = std::to_array<ReportField>({
+      {"Sel", FieldType::String, 1, {"Sel", 4, 1, ColumnRole::Tick}},
+      {"Valor", FieldType::Float, 0, {"Valor", 14, 4, ColumnRole::Fixed}},
+      {"Empresa", FieldType::String, 30, {"Empresa", 30, 3, ColumnRole::Fixed}},
+      {"Conta", FieldType::String, 15, {"Conta", 13, 2, ColumnRole::Fixed}},
+      {"Operacao", FieldType::String, 1},
+      {"ValReceb_Bancos", FieldType::Float},
+  });
   TClientDataSet TbSaldo{"TbSaldo"};
   TOrvDBGrid DBGrid1;
   TOrvDBGrid OrvDBGrid1;
@@ -71,38 +109,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   Button BitBtn5{*this, "BitBtn5", "Fechar"};
 
  private:
-  // A row's fields, in the order of the set.
-  enum Campo : uint8_t {
-    DtLanc,
-    Numero,
-    Documento,
-    Vlr_receb,
-    Vlr_pagar,
-    Vlr_Compra,
-    Vlr_Venda,
-    Vlr_ChequeRec,
-    Vlr_ChequePag,
-    Cod_Pessoa,
-    Desc_Pessoa,
-    Operacao,
-    Historico,
-    Data_ini,
-    data_fim,
-    Vlr_Deb,
-    Vlr_Cre,
-    Saldo,
-    Lim_Credito,
-    Banco,
-    Nome_Banco,
-    Grupo_Dias,
-    SaldoCorr,
-    ClasseGer,
-    DescClasse,
-    Obs,
-    Conta,
-    Data,
-    kCampos
-  };
   // Where a row comes from, with the table's key and the company.
   enum class Fonte : uint8_t { Receber, Pagar, Cheque, Movimento, Pedido, Compra };
   struct Origem {
@@ -110,7 +116,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
     uint16_t empresa;
     Fonte fonte;
   };
-  using Linha = std::array<Value, kCampos>;
+  using Linha = ReportRow<kRelatorio>;
   // The period, and what a gathering remembers.
   struct Consulta {
     Gathering& andamento;
@@ -141,7 +147,9 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   // An order or a purchase that is to be parted into its instalments.
   struct Pendente {
     Fonte fonte;
-    Value numero, pessoa, nome, condicao, limite;
+    // Its number, its customer or supplier and his limit.
+    Linha linha;
+    Value condicao;
     Currency valor;
     Date base;
     uint16_t empresa;
@@ -155,9 +163,10 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   std::string FiltroSituacao(const std::string& tabela, const Edit& desconsiderar) const;
   std::string FiltroStatus(const std::string& tabela, const CheckBox& orcamentos) const;
 
-  // Hands on each row of the statement, and tells how far the gathering is.
+  // Hands on each row of the statement and the columns beside it, and tells how far the gathering is.
   void Percorre(Consulta& consulta, const char* passo, std::string_view sql, std::string_view tabela,
-                const std::function<void(std::span<Value>)>& linha, std::string_view ordem = "");
+                const std::function<void(Linha&, std::span<Value>)>& linha, std::string_view ordem = "");
+  static void Zera(Linha& linha);
   // Completes a row and appends it. Its values are moved out.
   void Anexa(Linha& linha, Origem origem);
   uint16_t Empresa(std::string_view sufixo);

@@ -9,72 +9,24 @@
 namespace orv {
 namespace {
 
-constexpr ReportField kRelatorio[] = {
-    {"DtLanc", FieldType::Date},
-    {"Numero", FieldType::String, 10},
-    {"Documento", FieldType::String, 15},
-    {"Vlr_receb", FieldType::Currency},
-    {"Vlr_pagar", FieldType::Currency},
-    {"Vlr_Compra", FieldType::Currency},
-    {"Vlr_Venda", FieldType::Currency},
-    {"Vlr_ChequeRec", FieldType::Currency},
-    {"Vlr_ChequePag", FieldType::Currency},
-    {"Cod_Pessoa", FieldType::String, 15},
-    {"Desc_Pessoa", FieldType::String, 40},
-    {"Operacao", FieldType::String, 2},
-    {"Historico", FieldType::String, 40},
-    {"Data_ini", FieldType::String, 12},
-    {"data_fim", FieldType::String, 12},
-    {"Vlr_Deb", FieldType::Currency},
-    {"Vlr_Cre", FieldType::Currency},
-    {"Saldo", FieldType::Currency},
-    {"Lim_Credito", FieldType::Currency},
-    {"Banco", FieldType::String, 5},
-    {"Nome_Banco", FieldType::String, 30},
-    {"Grupo_Dias", FieldType::Integer},
-    {"SaldoCorr", FieldType::Currency},
-    {"ClasseGer", FieldType::String, 6},
-    {"DescClasse", FieldType::String, 50},
-    {"Obs", FieldType::String, 250},
-    {"Conta", FieldType::String, 13},
-    {"Data", FieldType::Date},
-};
-
-constexpr ReportField kSaldo[] = {
-    {"Sel", FieldType::String, 1},      {"Valor", FieldType::Float},
-    {"Empresa", FieldType::String, 30}, {"Conta", FieldType::String, 15},
-    {"Operacao", FieldType::String, 1}, {"ValReceb_Bancos", FieldType::Float},
-};
-
-// The columns that titles and received cheques are read by.
+// What titles and received cheques have beside a row's fields.
 enum Receber : uint8_t {
-  rNumero,
-  rBanco,
-  rNomeBanco,
   rValor,
   rJuros,
   rPago,
   rDevolvido,
   rDesconto,
-  rCodCli,
-  rNome,
-  rCredito,
   rVencimento,
   rSituacao,
-  rFatura,
-  rObs,
-  rClasse,
-  rDescClasse,
-  rConta,
-  rData,
   rEmpresa,
   rChave
 };
 
 constexpr const char* kReceber =
     "SELECT RECEBER.NUMERO, RECEBER.BANCO, CADBAN.NOME_BANCO, RECEBER.VALOR2, RECEBER.JUROS, "
-    "RECEBER.VALOR_PAGO, RECEBER.VAL_DEV, RECEBER.DESCONTO, RECEBER.CODCLI, CLIENTE.NOME, CLIENTE.CREDITO, "
-    "RECEBER.DT_VENCTO, RECEBER.SITUACAO, RECEBER.FATURA, RECEBER.OBS, RECEBER.CLASSE, SUBGRUPO.DESCRICAO, ";
+    "RECEBER.VALOR_PAGO, RECEBER.VAL_DEV, RECEBER.DESCONTO, RECEBER.CODCLI AS COD_PESSOA, "
+    "CLIENTE.NOME AS DESC_PESSOA, CLIENTE.CREDITO AS LIM_CREDITO, RECEBER.DT_VENCTO, RECEBER.SITUACAO, "
+    "RECEBER.OBS, RECEBER.CLASSE AS CLASSEGER, SUBGRUPO.DESCRICAO AS DESCCLASSE, ";
 constexpr const char* kDeReceber =
     " FROM {RECEBER} RECEBER"
     " LEFT JOIN {CADBAN} CADBAN ON CADBAN.BANCO = RECEBER.BANCO"
@@ -134,28 +86,37 @@ void TfmRelFluxo::Ordena() {
 // --- What the steps have in common.
 
 void TfmRelFluxo::Percorre(Consulta& consulta, const char* passo, std::string_view sql,
-                           std::string_view tabela, const std::function<void(std::span<Value>)>& linha,
+                           std::string_view tabela,
+                           const std::function<void(Linha&, std::span<Value>)>& linha,
                            std::string_view ordem) {
   consulta.andamento.Stage(passo);
-  ForEach(ForCompanies(sql, tabela, CbEmp.Checked(), ordem), [&](std::span<Value> valores) {
-    linha(valores);
-    consulta.andamento.Advance();
-  });
+  ForEachRow<kRelatorio>(ForCompanies(sql, tabela, CbEmp.Checked(), ordem),
+                         [&](Linha& lida, std::span<Value> resto) {
+                           linha(lida, resto);
+                           consulta.andamento.Advance();
+                         });
 }
 
 void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
-  linha[Data_ini] = EdtDataDe.Text();
-  linha[data_fim] = edtDataAte.Text();
-  linha[Vlr_Deb] = Currency();
-  if (linha[Vlr_Cre].IsNull()) linha[Vlr_Cre] = Currency();
+  linha["Data_ini"] = EdtDataDe.Text();
+  linha["data_fim"] = edtDataAte.Text();
+  linha["Vlr_Deb"] = Currency();
+  if (linha["Vlr_Cre"].IsNull()) linha["Vlr_Cre"] = Currency();
   if (CbSaldo.Checked()) {
-    linha[Saldo] = EdtSaldo.Amount();
+    linha["Saldo"] = EdtSaldo.Amount();
   } else if (RgTipo.ItemIndex() == 0) {
-    linha[Saldo] = linha[Vlr_Cre];
+    linha["Saldo"] = linha["Vlr_Cre"];
   }
-  for (const Campo campo : {Desc_Pessoa, Nome_Banco, DescClasse, Historico}) nomes_.Share(linha[campo]);
-  TbRelatorio.AppendRow(linha);
+  for (const auto campo : Linha::Names{"Desc_Pessoa", "Nome_Banco", "DescClasse", "Historico"})
+    nomes_.Share(linha[campo]);
+  TbRelatorio.AppendRow(linha.Values());
   origens_.push_back(std::move(origem));
+}
+
+// The values of the sources are zero where a row has none of its own.
+void TfmRelFluxo::Zera(Linha& linha) {
+  for (const auto campo : Linha::Names{"Vlr_receb", "Vlr_pagar", "Vlr_Compra", "Vlr_Venda", "Vlr_ChequeRec"})
+    linha[campo] = Currency();
 }
 
 uint16_t TfmRelFluxo::Empresa(std::string_view sufixo) {
@@ -238,69 +199,35 @@ void TfmRelFluxo::BuscaSaldoAbertoBancos() {
 
 void TfmRelFluxo::Grava_Receber(Consulta& consulta) {
   const std::string sql =
-      std::string(kReceber) + "BORDERO.CONTA, BORDERO.DATA, '{}' AS EMPRESA" + kDeReceber +
-      " LEFT JOIN {BORDERO} BORDERO ON BORDERO.NUMERO = RECEBER.BORDERO AND BORDERO.TIPO = 'R'" +
+      std::string(kReceber) + "RECEBER.FATURA AS DOCUMENTO, BORDERO.CONTA, BORDERO.DATA, '{}' AS EMPRESA" +
+      kDeReceber + " LEFT JOIN {BORDERO} BORDERO ON BORDERO.NUMERO = RECEBER.BORDERO AND BORDERO.TIPO = 'R'" +
       kReceberAberto + FiltroPeriodo("RECEBER.DT_VENCTO", consulta) + FiltroStatus("RECEBER", CbOrcReceber) +
       FiltroProgramacao() + FiltroSituacao("RECEBER", EdtSitDesc);
   const bool flutua = CbContBanc.Checked();
-  Percorre(consulta, "Títulos a receber", sql, "RECEBER", [&](std::span<Value> v) {
+  Percorre(consulta, "Títulos a receber", sql, "RECEBER", [&](Linha& linha, std::span<Value> v) {
     const Date vencimento = v[rVencimento].AsDate();
     const Date dia =
         flutua ? consulta.dias.Credito(vencimento, v[rSituacao].Text()) : consulta.dias.DiaUtil(vencimento);
     if (!consulta.Dentro(dia)) return;
-    Linha linha;
-    Origem origem{v[rNumero], Empresa(v[rEmpresa].Text()), Fonte::Receber};
-    linha[DtLanc] = dia;
-    linha[Vlr_receb] = TituloDe(v).EmAberto();
-    for (const Campo campo : {Vlr_pagar, Vlr_Compra, Vlr_Venda, Vlr_ChequeRec}) linha[campo] = Currency();
-    linha[Operacao] = "+";
-    linha[Historico] = "";
-    linha[Numero] = std::move(v[rNumero]);
-    linha[Documento] = std::move(v[rFatura]);
-    linha[Lim_Credito] = std::move(v[rCredito]);
-    linha[Cod_Pessoa] = std::move(v[rCodCli]);
-    linha[Desc_Pessoa] = std::move(v[rNome]);
-    linha[Banco] = std::move(v[rBanco]);
-    linha[Nome_Banco] = std::move(v[rNomeBanco]);
-    linha[Obs] = std::move(v[rObs]);
-    linha[ClasseGer] = std::move(v[rClasse]);
-    linha[DescClasse] = std::move(v[rDescClasse]);
-    linha[Conta] = std::move(v[rConta]);
-    linha[Data] = std::move(v[rData]);
-    Anexa(linha, std::move(origem));
+    Zera(linha);
+    linha["DtLanc"] = dia;
+    linha["Vlr_receb"] = TituloDe(v).EmAberto();
+    linha["Operacao"] = "+";
+    linha["Historico"] = "";
+    Anexa(linha, {linha["Numero"], Empresa(v[rEmpresa].Text()), Fonte::Receber});
   });
 }
 
 void TfmRelFluxo::Grava_Pagar(Consulta& consulta) {
-  enum Coluna : uint8_t {
-    pClasse,
-    pNumAp,
-    pDupli,
-    pNrBanco,
-    pNomeBanco,
-    pValor,
-    pJuros,
-    pPago,
-    pDevolvido,
-    pDesconto,
-    pCodCre,
-    pNome,
-    pVencimento,
-    pHistorico,
-    pObs,
-    pDescClasse,
-    pDocto,
-    pConta,
-    pData,
-    pEmpresa
-  };
+  enum Resto : uint8_t { pNumAp, pValor, pJuros, pPago, pDevolvido, pDesconto, pVencimento, pEmpresa };
   const bool programacao = CbProgramacao.Checked();
   const std::string sql =
       std::string(
-          "SELECT PAGTO.NUM_OS, PAGTO.NUM_AP, PAGTO.DUPLI, PAGTO.NRBANCO, CADBAN.NOME_BANCO, PAGTO.VALOR, "
-          "PAGTO.JUROS, PAGTO.VAL_PAG, PAGTO.VAL_DEV, PAGTO.DESCONTO, PAGTO.CODCRE, FORNECED.NOME, "
-          "PAGTO.DT_VEN, HISTCP.DESCRICAO, PAGTO.OBS, SUBGRUPO.DESCRICAO AS DESC_CLASSE, PAGTO.DOCTO, "
-          "BORDERO.CONTA, BORDERO.DATA, '{}' AS EMPRESA FROM {PAGTO} PAGTO"
+          "SELECT PAGTO.NUM_OS AS CLASSEGER, PAGTO.NUM_AP, PAGTO.DUPLI AS NUMERO, PAGTO.NRBANCO AS BANCO, "
+          "CADBAN.NOME_BANCO, PAGTO.VALOR, PAGTO.JUROS, PAGTO.VAL_PAG, PAGTO.VAL_DEV, PAGTO.DESCONTO, "
+          "PAGTO.CODCRE AS COD_PESSOA, FORNECED.NOME AS DESC_PESSOA, PAGTO.DT_VEN, "
+          "HISTCP.DESCRICAO AS HISTORICO, PAGTO.OBS, SUBGRUPO.DESCRICAO AS DESCCLASSE, "
+          "PAGTO.DOCTO AS DOCUMENTO, BORDERO.CONTA, BORDERO.DATA, '{}' AS EMPRESA FROM {PAGTO} PAGTO"
           " LEFT JOIN {BORDERO} BORDERO ON PAGTO.LOTE > '0' AND BORDERO.TIPO = 'P'"
           " AND BORDERO.NUMERO = CAST(PAGTO.LOTE AS INTEGER)"
           " LEFT JOIN {CADBAN} CADBAN ON PAGTO.BANCO = CADBAN.BANCO"
@@ -314,28 +241,15 @@ void TfmRelFluxo::Grava_Pagar(Consulta& consulta) {
       FiltroSituacao("PAGTO", EdtSitDescPag);
   Percorre(
       consulta, "Títulos a pagar", sql, "PAGTO",
-      [&](std::span<Value> v) {
-        const Date dia = consulta.dias.DiaUtil(v[programacao ? pData : pVencimento].AsDate());
+      [&](Linha& linha, std::span<Value> v) {
+        const Date dia = consulta.dias.DiaUtil((programacao ? linha["Data"] : v[pVencimento]).AsDate());
         if (!consulta.Dentro(dia)) return;
         const Titulo titulo{v[pValor].AsCurrency(), v[pJuros].AsCurrency(), v[pDesconto].AsCurrency(),
                             v[pPago].AsCurrency(), v[pDevolvido].AsCurrency()};
-        Linha linha;
-        linha[DtLanc] = dia;
-        linha[Vlr_pagar] = titulo.EmAberto();
-        for (const Campo campo : {Vlr_receb, Vlr_Compra, Vlr_Venda, Vlr_ChequeRec}) linha[campo] = Currency();
-        linha[Operacao] = "-";
-        linha[Numero] = std::move(v[pDupli]);
-        linha[Documento] = std::move(v[pDocto]);
-        linha[Historico] = std::move(v[pHistorico]);
-        linha[Cod_Pessoa] = std::move(v[pCodCre]);
-        linha[Desc_Pessoa] = std::move(v[pNome]);
-        linha[Banco] = std::move(v[pNrBanco]);
-        linha[Nome_Banco] = std::move(v[pNomeBanco]);
-        linha[Obs] = std::move(v[pObs]);
-        linha[ClasseGer] = std::move(v[pClasse]);
-        linha[DescClasse] = std::move(v[pDescClasse]);
-        linha[Conta] = std::move(v[pConta]);
-        linha[Data] = std::move(v[pData]);
+        Zera(linha);
+        linha["DtLanc"] = dia;
+        linha["Vlr_pagar"] = titulo.EmAberto();
+        linha["Operacao"] = "-";
         Anexa(linha, {std::move(v[pNumAp]), Empresa(v[pEmpresa].Text()), Fonte::Pagar});
       },
       rgOrdem.ItemIndex() == 1 ? "ORDER BY 1 " : "");
@@ -349,45 +263,25 @@ void TfmRelFluxo::Grava_Cheque(Consulta& consulta) {
 }
 
 void TfmRelFluxo::GravaChequeEmitido(Consulta& consulta) {
-  enum Coluna : uint8_t {
-    cNumero,
-    cBanco,
-    cNomeBanco,
-    cVencimento,
-    cCliente,
-    cNome,
-    cObs,
-    cValor,
-    cConta,
-    cChave,
-    cEmpresa
-  };
+  enum Resto : uint8_t { cValor, cChave, cEmpresa };
   std::string sql =
-      "SELECT CHEQUE_PRE.NUMERO, CHEQUE_PRE.BANCO, CADBAN.NOME_BANCO, CHEQUE_PRE.VENCIMENTO, "
-      "CHEQUE_PRE.CLIENTE, CLIENTE.NOME, CHEQUE_PRE.OBS, CHEQUE_PRE.VALOR, CHEQUE_PRE.CONTA, "
-      "CHEQUE_PRE.CHAVE, '{}' AS EMPRESA FROM {CHEQUE_PRE} CHEQUE_PRE"
+      "SELECT CHEQUE_PRE.NUMERO, CHEQUE_PRE.BANCO, CADBAN.NOME_BANCO, CHEQUE_PRE.VENCIMENTO AS DATA, "
+      "CHEQUE_PRE.CLIENTE AS COD_PESSOA, CLIENTE.NOME AS DESC_PESSOA, CHEQUE_PRE.OBS AS HISTORICO, "
+      "CHEQUE_PRE.VALOR, CHEQUE_PRE.CONTA, CHEQUE_PRE.CHAVE, '{}' AS EMPRESA FROM {CHEQUE_PRE} CHEQUE_PRE"
       " LEFT JOIN {ENTIDADE} CLIENTE ON CHEQUE_PRE.CLIENTE = CLIENTE.CODCLI"
       " LEFT JOIN {CADBAN} CADBAN ON CHEQUE_PRE.BANCO = CADBAN.BANCO"
       " WHERE CHEQUE_PRE.STATUS = 'P' AND CHEQUE_PRE.TIPO = 'P'" +
       FiltroPeriodo("CHEQUE_PRE.VENCIMENTO", consulta);
   if (CbProgramacao.Checked() && !EdtConta.Empty())
     sql += " AND CHEQUE_PRE.CONTA = " + Funcoes.Aspas(EdtConta.Text());
-  Percorre(consulta, "Cheques emitidos", sql, "CHEQUE_PRE", [&](std::span<Value> v) {
-    const Date dia = consulta.dias.DiaUtil(v[cVencimento].AsDate());
+  Percorre(consulta, "Cheques emitidos", sql, "CHEQUE_PRE", [&](Linha& linha, std::span<Value> v) {
+    const Date dia = consulta.dias.DiaUtil(linha["Data"].AsDate());
     if (!consulta.Dentro(dia)) return;
-    Linha linha;
-    linha[DtLanc] = dia;
-    linha[Vlr_ChequePag] = v[cValor].AsCurrency();
-    for (const Campo campo : {Vlr_receb, Vlr_pagar, Vlr_Compra, Vlr_Venda}) linha[campo] = Currency();
-    linha[Operacao] = "+";
-    linha[Numero] = std::move(v[cNumero]);
-    linha[Historico] = std::move(v[cObs]);
-    linha[Cod_Pessoa] = std::move(v[cCliente]);
-    linha[Desc_Pessoa] = std::move(v[cNome]);
-    linha[Banco] = std::move(v[cBanco]);
-    linha[Nome_Banco] = std::move(v[cNomeBanco]);
-    linha[Conta] = std::move(v[cConta]);
-    linha[Data] = std::move(v[cVencimento]);
+    Zera(linha);
+    linha["Vlr_ChequeRec"] = Value();
+    linha["DtLanc"] = dia;
+    linha["Vlr_ChequePag"] = v[cValor].AsCurrency();
+    linha["Operacao"] = "+";
     Anexa(linha, {std::move(v[cChave]), Empresa(v[cEmpresa].Text()), Fonte::Cheque});
   });
 }
@@ -398,87 +292,70 @@ void TfmRelFluxo::GravaChequeRecebido(Consulta& consulta) {
   const std::string sql =
       programacao
           ? std::string(
-                "SELECT CONTACOR.DOCTO AS NUMERO, CONTACOR.BANCO, CADBAN.NOME_BANCO, "
-                "CONTACOR.VALOR AS VALOR2, 0 AS JUROS, 0 AS VALOR_PAGO, 0 AS VAL_DEV, 0 AS DESCONTO, "
-                "'' AS CODCLI, '' AS NOME, 0 AS CREDITO, CONTACOR.DT_VENCTO, '' AS SITUACAO, '' AS FATURA, "
-                "CONTACOR.OBSERVACAO AS OBS, CONTACOR.GRUPO AS CLASSE, SUBGRUPO.DESCRICAO, CONTACOR.CONTA, "
-                "CONTACOR.DT_CONT, '{}' AS EMPRESA, CONTACOR.LANCAMENTO FROM {CONTACOR} CONTACOR"
+                "SELECT CONTACOR.DOCTO AS NUMERO, CONTACOR.BANCO, CADBAN.NOME_BANCO, CONTACOR.VALOR, "
+                "0 AS JUROS, 0 AS VALOR_PAGO, 0 AS VAL_DEV, 0 AS DESCONTO, '' AS COD_PESSOA, "
+                "'' AS DESC_PESSOA, CONTACOR.DT_VENCTO, '' AS SITUACAO, CONTACOR.OBSERVACAO AS OBS, "
+                "CONTACOR.GRUPO AS CLASSEGER, SUBGRUPO.DESCRICAO AS DESCCLASSE, CONTACOR.CONTA, "
+                "CONTACOR.DT_CONT AS DATA, '{}' AS EMPRESA, CONTACOR.LANCAMENTO FROM {CONTACOR} CONTACOR"
                 " LEFT JOIN {CADBAN} CADBAN ON CADBAN.BANCO = CONTACOR.BANCO"
                 " LEFT JOIN {SUBGRUPO} SUBGRUPO ON CONTACOR.GRUPO = SUBGRUPO.CODIGO"
                 " WHERE CONTACOR.PENDENTE = 'S' AND CONTACOR.TIPO_DOC = 'CH'") +
                 FiltroPeriodo("CONTACOR.DT_VENCTO", consulta)
-          : std::string(kReceber) +
-                "'' AS CONTA, CAST(NULL AS DATE) AS DATA, '{}' AS EMPRESA, RECEBER.NUMERO AS CHAVE" +
-                kDeReceber + kReceberAberto + FiltroPeriodo("RECEBER.DT_VENCTO", consulta) +
-                " AND RECEBER.STATUS = 'CH'" + FiltroSituacao("RECEBER", EdtSitDesc);
-  Percorre(consulta, "Cheques recebidos", sql, programacao ? "CONTACOR" : "RECEBER", [&](std::span<Value> v) {
-    const Date dia = consulta.dias.DiaUtil(v[rVencimento].AsDate());
-    if (!consulta.Dentro(dia)) return;
-    Linha linha;
-    linha[DtLanc] = dia;
-    linha[Vlr_ChequeRec] = TituloDe(v).EmAberto();
-    for (const Campo campo : {Vlr_receb, Vlr_pagar, Vlr_Venda, Vlr_Compra}) linha[campo] = Currency();
-    linha[Operacao] = "+";
-    linha[Historico] = "";
-    linha[Numero] = std::move(v[rNumero]);
-    linha[Lim_Credito] = v[rCredito].AsCurrency();
-    linha[Cod_Pessoa] = std::move(v[rCodCli]);
-    linha[Desc_Pessoa] = std::move(v[rNome]);
-    linha[Banco] = std::move(v[rBanco]);
-    linha[Nome_Banco] = std::move(v[rNomeBanco]);
-    linha[Obs] = std::move(v[rObs]);
-    linha[ClasseGer] = std::move(v[rClasse]);
-    linha[DescClasse] = std::move(v[rDescClasse]);
-    if (programacao) {
-      linha[Conta] = std::move(v[rConta]);
-      linha[Data] = std::move(v[rData]);
-    }
-    Anexa(linha, {std::move(v[rChave]), Empresa(v[rEmpresa].Text()),
-                  programacao ? Fonte::Movimento : Fonte::Receber});
-  });
+          : std::string(kReceber) + "'{}' AS EMPRESA, RECEBER.NUMERO AS CHAVE" + kDeReceber + kReceberAberto +
+                FiltroPeriodo("RECEBER.DT_VENCTO", consulta) + " AND RECEBER.STATUS = 'CH'" +
+                FiltroSituacao("RECEBER", EdtSitDesc);
+  Percorre(consulta, "Cheques recebidos", sql, programacao ? "CONTACOR" : "RECEBER",
+           [&](Linha& linha, std::span<Value> v) {
+             const Date dia = consulta.dias.DiaUtil(v[rVencimento].AsDate());
+             if (!consulta.Dentro(dia)) return;
+             Zera(linha);
+             linha["DtLanc"] = dia;
+             linha["Vlr_ChequeRec"] = TituloDe(v).EmAberto();
+             linha["Lim_Credito"] = linha["Lim_Credito"].AsCurrency();
+             linha["Operacao"] = "+";
+             linha["Historico"] = "";
+             Anexa(linha, {std::move(v[rChave]), Empresa(v[rEmpresa].Text()),
+                           programacao ? Fonte::Movimento : Fonte::Receber});
+           });
 }
 
 // --- Orders and purchases that aren't invoiced yet.
 
 void TfmRelFluxo::BuscaPedidoPendente(Consulta& consulta) {
   const std::string sql =
-      "SELECT PEDIDO.NUMERO, PEDIDO.DT_FATURA, PEDIDO.CODCLI, PEDIDO.PGTO, "
-      "SUM(PED_ITEN.PRECO*PED_ITEN.QTDE) AS VALOR, PEDIDO.PER_DESC, CLIENTE.NOME, CLIENTE.CREDITO, "
-      "'{}' AS EMPRESA FROM {PEDIDO} PEDIDO"
+      "SELECT PEDIDO.NUMERO, PEDIDO.DT_FATURA, PEDIDO.CODCLI AS COD_PESSOA, PEDIDO.PGTO, "
+      "SUM(PED_ITEN.PRECO*PED_ITEN.QTDE) AS VALOR, PEDIDO.PER_DESC, CLIENTE.NOME AS DESC_PESSOA, "
+      "CLIENTE.CREDITO AS LIM_CREDITO, '{}' AS EMPRESA FROM {PEDIDO} PEDIDO"
       " INNER JOIN {PED_ITEN} PED_ITEN ON PED_ITEN.NUMERO = PEDIDO.NUMERO"
       " INNER JOIN {ENTIDADE} CLIENTE ON CLIENTE.CODCLI = PEDIDO.CODCLI"
       " WHERE PEDIDO.DT_FATURA <= " +
       Funcoes.AspasData(consulta.ate) +
       " GROUP BY PEDIDO.NUMERO, PEDIDO.DT_FATURA, PEDIDO.CODCLI, PEDIDO.PGTO, PEDIDO.PER_DESC, CLIENTE.NOME, "
       "CLIENTE.CREDITO HAVING SUM(PED_ITEN.QTDE) > 0 ";
-  Percorre(consulta, "Pedidos pendentes", sql, "PEDIDO", [&](std::span<Value> v) {
-    Gera_Duplicatas(consulta,
-                    {Fonte::Pedido, v[0], v[2], v[6], v[3], v[7], ValorPedido(v[4].AsFloat(), v[5].AsFloat()),
-                     v[1].AsDate(), Empresa(v[8].Text())});
+  Percorre(consulta, "Pedidos pendentes", sql, "PEDIDO", [&](Linha& linha, std::span<Value> v) {
+    enum Resto : uint8_t { oData, oCondicao, oValor, oDesconto, oEmpresa };
+    Gera_Duplicatas(consulta, {Fonte::Pedido, linha, v[oCondicao],
+                               ValorPedido(v[oValor].AsFloat(), v[oDesconto].AsFloat()), v[oData].AsDate(),
+                               Empresa(v[oEmpresa].Text())});
   });
 }
 
 void TfmRelFluxo::BuscaCompraPendente(Consulta& consulta) {
   const std::string sql =
-      "SELECT COMPRA.NUMERO, COMPRA.DT_ENTREGA, COMPRA.CODFOR, COMPRA.CONDICAO, "
-      "SUM(CO_ITEN.PRECO*(CO_ITEN.QTDE - CO_ITEN.QTDE_B)) AS VALOR, FORNEC.NOME, FORNEC.CREDITO, "
-      "'{}' AS EMPRESA FROM {COMPRA} COMPRA"
+      "SELECT COMPRA.NUMERO, COMPRA.DT_ENTREGA, COMPRA.CODFOR AS COD_PESSOA, COMPRA.CONDICAO, "
+      "SUM(CO_ITEN.PRECO*(CO_ITEN.QTDE - CO_ITEN.QTDE_B)) AS VALOR, FORNEC.NOME AS DESC_PESSOA, "
+      "FORNEC.CREDITO AS LIM_CREDITO, '{}' AS EMPRESA FROM {COMPRA} COMPRA"
       " INNER JOIN {CO_ITEN} CO_ITEN ON CO_ITEN.NUMERO = COMPRA.NUMERO"
       " INNER JOIN {ENTIDADE} FORNEC ON COMPRA.CODFOR = FORNEC.CODCLI"
       " WHERE COMPRA.DT_ENTREGA <= " +
       Funcoes.AspasData(consulta.ate) +
       " AND CO_ITEN.SITUACAO = 'A' GROUP BY COMPRA.NUMERO, COMPRA.DT_ENTREGA, COMPRA.CODFOR, "
       "COMPRA.CONDICAO, FORNEC.NOME, FORNEC.CREDITO ";
-  Percorre(consulta, "Ordens de compra", sql, "COMPRA", [&](std::span<Value> v) {
-    const Pendente compra{Fonte::Compra,
-                          v[0],
-                          v[2],
-                          v[5],
-                          v[3],
-                          v[6],
-                          Currency::FromDouble(v[4].AsFloat()),
-                          v[1].AsDate(),
-                          Empresa(v[7].Text())};
+  Percorre(consulta, "Ordens de compra", sql, "COMPRA", [&](Linha& linha, std::span<Value> v) {
+    enum Resto : uint8_t { oData, oCondicao, oValor, oEmpresa };
+    const Pendente compra{Fonte::Compra,     linha,
+                          v[oCondicao],      Currency::FromDouble(v[oValor].AsFloat()),
+                          v[oData].AsDate(), Empresa(v[oEmpresa].Text())};
     try {
       Gera_Duplicatas(consulta, compra);
     } catch (const ConversionError&) {
@@ -490,26 +367,24 @@ void TfmRelFluxo::BuscaCompraPendente(Consulta& consulta) {
 
 void TfmRelFluxo::Gera_Duplicatas(Consulta& consulta, const Pendente& pendente) {
   const bool venda = pendente.fonte == Fonte::Pedido, partes = CBCond.Checked();
+  const Value& numero = pendente.linha["Numero"];
   const CondicaoPagamento condicao(pendente.condicao.Text());
   const int parcelas = partes ? condicao.Parcelas() : 1;
   for (int i = 1; i <= parcelas; ++i) {
     const Date dia = pendente.base.AddDays(partes ? condicao.Dias(i) : 0);
     const Currency valor = ValorParcela(pendente.valor, parcelas, i);
     if (!consulta.Dentro(dia)) continue;
-    Linha linha;
-    for (const Campo campo : {Vlr_receb, Vlr_pagar, Vlr_Compra, Vlr_Venda, Vlr_ChequeRec, Vlr_ChequePag})
-      linha[campo] = Currency();
-    linha[venda ? Vlr_Venda : Vlr_Compra] = valor;
+    Linha linha = pendente.linha;
+    Zera(linha);
+    linha["Vlr_ChequePag"] = Currency();
+    linha[venda ? Linha::Name("Vlr_Venda") : Linha::Name("Vlr_Compra")] = valor;
     // A purchase is paid on a working day, even one behind the period.
-    linha[DtLanc] = venda ? dia : consulta.dias.DiaUtil(dia);
-    linha[Numero] = NumeroParcela(pendente.numero.Text(), i);
-    linha[Historico] =
-        (venda ? "PEDIDO PENDENTE Nº " : "ORDEM DE COMPRA Nº ") + std::string(pendente.numero.Text());
-    linha[Operacao] = "+";
-    linha[Cod_Pessoa] = pendente.pessoa;
-    linha[Desc_Pessoa] = pendente.nome;
-    linha[Vlr_Cre] = linha[Lim_Credito] = pendente.limite.AsCurrency();
-    Anexa(linha, {pendente.numero, pendente.empresa, pendente.fonte});
+    linha["DtLanc"] = venda ? dia : consulta.dias.DiaUtil(dia);
+    linha["Numero"] = NumeroParcela(numero.Text(), i);
+    linha["Historico"] = (venda ? "PEDIDO PENDENTE Nº " : "ORDEM DE COMPRA Nº ") + std::string(numero.Text());
+    linha["Operacao"] = "+";
+    linha["Vlr_Cre"] = linha["Lim_Credito"] = linha["Lim_Credito"].AsCurrency();
+    Anexa(linha, {numero, pendente.empresa, pendente.fonte});
   }
 }
 

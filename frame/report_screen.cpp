@@ -25,6 +25,42 @@ class EachRow : public RowSink {
   const std::function<void(std::span<Value>)>& row_;
 };
 
+// Parts the columns of each row into those of a set and the others.
+class EachParted : public RowSink {
+ public:
+  EachParted(std::span<const ReportField> fields, std::span<Value> row,
+             const std::function<void(std::span<Value>)>& others)
+      : fields_(fields), row_(row), others_(others) {}
+  void Columns(const std::vector<Column>& columns) override {
+    for (const Column& column : columns) {
+      const auto field = std::find_if(fields_.begin(), fields_.end(), [&](const ReportField& one) {
+        return SameText(one.name, column.name);
+      });
+      Value* const own =
+          field == fields_.end() ? nullptr : &row_[static_cast<std::size_t>(field - fields_.begin())];
+      ORV_ASSERT(own == nullptr || std::find(places_.begin(), places_.end(), own) == places_.end());
+      places_.push_back(own);
+    }
+    rest_.resize(static_cast<std::size_t>(std::count(places_.begin(), places_.end(), nullptr)));
+  }
+  bool Row(std::span<Value> values) override {
+    ORV_ASSERT(values.size() == places_.size());
+    std::fill(row_.begin(), row_.end(), Value());
+    auto other = rest_.begin();
+    for (std::size_t i = 0; i < values.size(); ++i)
+      (places_[i] ? *places_[i] : *other++) = std::move(values[i]);
+    others_(rest_);
+    return true;
+  }
+
+ private:
+  std::span<const ReportField> fields_;
+  std::span<Value> row_;
+  const std::function<void(std::span<Value>)>& others_;
+  std::vector<Value*> places_;
+  std::vector<Value> rest_;
+};
+
 }  // namespace
 
 // --- Gathering.
@@ -46,15 +82,6 @@ void Gathering::Advance(int64_t steps) {
 // Rows that others write meanwhile may make the steps more than was thought.
 void Gathering::Tell() const { user_.Progress(of_ > 0 ? std::min(done_, of_) : done_, of_, text_); }
 
-void ReportScreen::LayDown(TClientDataSet& set, std::span<const ReportField> fields) {
-  if (set.Active()) set.Close();
-  // Rows are put in order once all are there.
-  set.SetIndexFieldNames("");
-  set.FieldDefs.Clear();
-  for (const ReportField& field : fields) set.FieldDefs.Add(field.name, field.type, field.size);
-  set.CreateDataSet();
-}
-
 void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
                           const std::function<void(Gathering&)>& work, Half half) {
   const BusyMark busy(Funcoes, *this);
@@ -75,6 +102,12 @@ void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
 
 void ReportScreen::ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const {
   EachRow sink(row);
+  Tabela.IBDatabase().Fetch(sql, sink);
+}
+
+void ReportScreen::ReadRows(std::string_view sql, std::span<const ReportField> fields, std::span<Value> row,
+                            const std::function<void(std::span<Value>)>& others) const {
+  EachParted sink(fields, row, others);
   Tabela.IBDatabase().Fetch(sql, sink);
 }
 

@@ -9,17 +9,10 @@
 #include <string>
 #include <string_view>
 
+#include "frame/report_set.h"
 #include "frame/screen.h"
-#include "toolkit/client_dataset.h"
 
 namespace orv {
-
-// A field of a working set that each gathering lays down anew.
-struct ReportField {
-  const char* name;
-  FieldType type;
-  int size = 0;
-};
 
 // How far a gathering is. The user may cancel it whenever it tells, which raises UserError.
 class Gathering {
@@ -55,8 +48,6 @@ class ReportScreen : public Child {
   void ListField(Edit& list, TPesquisa& lookup, const std::string& key, Choice choice, Control& clear);
 
   // --- Gathering.
-  // Closes the set and creates it anew with these fields, in the order in which they were added.
-  static void LayDown(TClientDataSet& set, std::span<const ReportField> fields);
   // What becomes of the rows of a gathering that failed or was cancelled: half of a report isn't taken for a
   // whole one, unless the screen says that they stay.
   enum class Half : uint8_t { Empties, Stays };
@@ -66,12 +57,24 @@ class ReportScreen : public Child {
               Half half = Half::Empties);
   // Runs a statement and hands on each row, whose values may be moved out. Nothing is kept.
   void ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const;
+  // The same, each row as one of the set of `kFields`: the columns that are named as fields stand in it, and
+  // the others are handed on beside it, in their order.
+  template <const auto& kFields>
+  void ForEachRow(std::string_view sql,
+                  const std::function<void(ReportRow<kFields>&, std::span<Value>)>& each) const {
+    ReportRow<kFields> row;
+    ReadRows(sql, kFields, row.Values(), [&](std::span<Value> others) { each(row, others); });
+  }
 
   // --- From a figure to where it comes from: shows the rows of the statement.
   void ShowDetail(std::string_view title, std::string sql);
   // The same, each row completed before it is shown; what stands behind the fields serves that alone.
   void ShowDetail(std::string_view title, std::string_view sql, std::span<const ReportField> fields,
                   const std::function<void(std::span<Value>)>& complete);
+
+ private:
+  void ReadRows(std::string_view sql, std::span<const ReportField> fields, std::span<Value> row,
+                const std::function<void(std::span<Value>)>& others) const;
 };
 
 }  // namespace orv

@@ -13,64 +13,12 @@ namespace {
 const Unit kUnit("Relcc", {"TfmRelCC", "Relatório de Lançamentos", ScreenKind::Child, "Contas Correntes",
                            [](Application& a) { return std::make_unique<TfmRelCC>(a); }});
 
-std::vector<GridColumn> ColunasRelatorio() {
-  return {{"DtLanc", "Lançamento"},
-          {"DtCont", "Contabilização"},
-          {"DtVencto", "Vencimento"},
-          {"Lancamento", "Número"},
-          {"Numero", "Documento"},
-          {"Conta", "Conta"},
-          {"Operacao", "Op."},
-          {"Valor", "Valor", 14},
-          {"Saldo", "Saldo", 14},
-          {"Pendente", "Pend."},
-          {"Pessoa", "Cliente/Fornecedor", 30},
-          {"Obs", "Observação", 40},
-          {"CodGrupo", "Classe"},
-          {"DesGrupo", "Descrição da Classe", 28},
-          {"CodHistorico", "Hist.", 6},
-          {"Historico", "Histórico", 24},
-          {"Banco", "Banco"},
-          {"Nome_Banco", "Nome do Banco", 24},
-          {"Agencia", "Agência"},
-          {"Empresa", "Titular", 24},
-          {"SaldoIni", "Saldo Anterior", 14},
-          {"Limite", "Limite", 14},
-          {"Tipo", "Tipo"}};
-}
-
-std::vector<GridColumn> ColunasFinan() {
-  return {{"Tipo", "Tipo"},
-          {"Lancto", "Lançamento"},
-          {"Numero", "Número"},
-          {"Dupli", "Duplicata"},
-          {"Docto", "Documento"},
-          {"Codcli", "Código"},
-          {"Nome", "Cliente/Fornecedor", 30},
-          {"Dt_Emissao", "Emissão"},
-          {"Dt_Vencto", "Vencimento"},
-          {"Valor", "Valor", 14},
-          {"Val_Pag", "Pago", 14},
-          {"Juros", "Juros", 12},
-          {"Val_Dev", "Devolvido", 12},
-          {"Desconto", "Desconto", 12},
-          {"Classe", "Classe"},
-          {"Desc_Classe", "Descrição da Classe", 28},
-          {"CodHist", "Hist.", 6},
-          {"DescHist", "Histórico", 24},
-          {"ContaC", "Conta Crédito"},
-          {"ContaD", "Conta Débito"},
-          {"Obs", "Observação", 40},
-          {"Obs_Baixa", "Observação da Baixa", 40},
-          {"CNPJ", "CNPJ"}};
-}
-
 }  // namespace
 
 TfmRelCC::TfmRelCC(Application& application)
     : ReportScreen(application, "TfmRelCC", "fmRelCC", "Relatório de Lançamentos"),
-      DBGrid1(*this, "DBGrid1", TbRelatorio, ColunasRelatorio(), true, "Lançamentos"),
-      DBGrid2(*this, "DBGrid2", TbFinan, ColunasFinan(), true, "Financeiro") {
+      DBGrid1(*this, "DBGrid1", TbRelatorio, GridColumns(kRelatorio), true, "Lançamentos"),
+      DBGrid2(*this, "DBGrid2", TbFinan, GridColumns(kFinan), true, "Financeiro") {
   Layout(R"(
     @bar {
       GbPeriodo { EdtDataDe edtDataAte } RelConta wwrelConta Edit1 RgTipo
@@ -89,8 +37,8 @@ TfmRelCC::TfmRelCC(Application& application)
   AddSet(TbRelatorio);
   AddSet(TbFinan);
   AbreTabelas({"tbSubgrupo", "tbBanco", "tbCadConta", "tbContaCor", "tbHistorico"});
-  CriaRelatorio();
-  TbFinan.CreateDataSet();
+  LayDown(TbRelatorio, kRelatorio);
+  LayDown(TbFinan, kFinan);
   Period(EdtDataDe, edtDataAte);
 
   Lookups({{&RelConta, &wwrelConta, {{"EMPRESA", &Edit1}, {"BANCO", &RelCodBan}}, "", false, nullptr},

@@ -53,36 +53,66 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   CheckBox cbAgpPendente{*this, "cbAgpPendente", "Agrupa Pendente"};
   Button BitBtn29{*this, "BitBtn29", "&Consultar"};
 
-  // The movements; its fields are laid down by each gathering.
+  // The movements, laid down anew by each gathering. The sets and their fields are what the report reads by
+  // name.
+  static constexpr auto kRelatorio = std::to_array<ReportField>({
+      {"Lancamento", FieldType::String, 7, {"Número", 0, 4}},
+      {"Numero", FieldType::String, 15, {"Documento", 0, 5}},
+      {"Banco", FieldType::String, 5, {"Banco", 0, 17}},
+      {"Nome_Banco", FieldType::String, 40, {"Nome do Banco", 24, 18}},
+      {"Conta", FieldType::String, 13, {"Conta", 0, 6}},
+      {"Operacao", FieldType::String, 2, {"Op.", 0, 7}},
+      {"Valor", FieldType::Currency, 0, {"Valor", 14, 8}},
+      {"Saldo", FieldType::Float, 0, {"Saldo", 14, 9}},
+      {"SaldoIni", FieldType::Float, 0, {"Saldo Anterior", 14, 21}},
+      {"DtLanc", FieldType::Date, 0, {"Lançamento", 0, 1}},
+      {"DtCont", FieldType::Date, 0, {"Contabilização", 0, 2}},
+      {"DtVencto", FieldType::Date, 0, {"Vencimento", 0, 3}},
+      {"CodGrupo", FieldType::String, 6, {"Classe", 0, 13}},
+      {"DesGrupo", FieldType::String, 50, {"Descrição da Classe", 28, 14}},
+      {"CodHistorico", FieldType::String, 5, {"Hist.", 6, 15}},
+      {"Historico", FieldType::String, 30, {"Histórico", 24, 16}},
+      {"Limite", FieldType::Currency, 0, {"Limite", 14, 22}},
+      {"Empresa", FieldType::String, 30, {"Titular", 24, 20}},
+      {"Agencia", FieldType::String, 7, {"Agência", 0, 19}},
+      {"Data_ini", FieldType::Date},
+      {"data_fim", FieldType::Date},
+      {"Grupo", FieldType::String, 2},
+      {"Obs", FieldType::String, 100, {"Observação", 40, 12}},
+      {"Pessoa", FieldType::String, 40, {"Cliente/Fornecedor", 30, 11}},
+      {"Agrupar", FieldType::String, 1},
+      {"Pendente", FieldType::String, 1, {"Pend.", 0, 10}},
+      {"Tipo", FieldType::String, 2, {"Tipo", 0, 23}},
+  });
   TClientDataSet TbRelatorio{"TbRelatorio"};
 
   // The titles that they settled.
-  struct FinanSet : TClientDataSet {
-    using TClientDataSet::TClientDataSet;
-    Field Tipo{*this, "Tipo", FieldType::String, 1};
-    Field Lancto{*this, "Lancto", FieldType::String, 7};
-    Field Docto{*this, "Docto", FieldType::String, 15};
-    Field Numero{*this, "Numero", FieldType::String, 12};
-    Field Dupli{*this, "Dupli", FieldType::String, 12};
-    Field Codcli{*this, "Codcli", FieldType::String, 5};
-    Field Nome{*this, "Nome", FieldType::String, 80};
-    Field DtEmissao{*this, "Dt_Emissao", FieldType::Date};
-    Field DtVencto{*this, "Dt_Vencto", FieldType::Date};
-    Field Obs{*this, "Obs", FieldType::String, 100};
-    Field DescHist{*this, "DescHist", FieldType::String, 50};
-    Field CodHist{*this, "CodHist", FieldType::String, 4};
-    Field Valor{*this, "Valor", FieldType::Currency};
-    Field ValPag{*this, "Val_Pag", FieldType::Currency};
-    Field Juros{*this, "Juros", FieldType::Currency};
-    Field ValDev{*this, "Val_Dev", FieldType::Currency};
-    Field Desconto{*this, "Desconto", FieldType::Currency};
-    Field ContaC{*this, "ContaC", FieldType::String, 12};
-    Field ContaD{*this, "ContaD", FieldType::String, 12};
-    Field ObsBaixa{*this, "Obs_Baixa", FieldType::String, 100};
-    Field Classe{*this, "Classe", FieldType::String, 6};
-    Field DescClasse{*this, "Desc_Classe", FieldType::String, 50};
-    Field Cnpj{*this, "CNPJ", FieldType::String, 18};
-  } TbFinan{"TbFinan"};
+  static constexpr auto kFinan = std::to_array<ReportField>({
+      {"Tipo", FieldType::String, 1, {"Tipo", 0, 1}},
+      {"Lancto", FieldType::String, 7, {"Lançamento", 0, 2}},
+      {"Docto", FieldType::String, 15, {"Documento", 0, 5}},
+      {"Numero", FieldType::String, 12, {"Número", 0, 3}},
+      {"Dupli", FieldType::String, 12, {"Duplicata", 0, 4}},
+      {"Codcli", FieldType::String, 5, {"Código", 0, 6}},
+      {"Nome", FieldType::String, 80, {"Cliente/Fornecedor", 30, 7}},
+      {"Dt_Emissao", FieldType::Date, 0, {"Emissão", 0, 8}},
+      {"Dt_Vencto", FieldType::Date, 0, {"Vencimento", 0, 9}},
+      {"Obs", FieldType::String, 100, {"Observação", 40, 21}},
+      {"DescHist", FieldType::String, 50, {"Histórico", 24, 18}},
+      {"CodHist", FieldType::String, 4, {"Hist.", 6, 17}},
+      {"Valor", FieldType::Currency, 0, {"Valor", 14, 10}},
+      {"Val_Pag", FieldType::Currency, 0, {"Pago", 14, 11}},
+      {"Juros", FieldType::Currency, 0, {"Juros", 12, 12}},
+      {"Val_Dev", FieldType::Currency, 0, {"Devolvido", 12, 13}},
+      {"Desconto", FieldType::Currency, 0, {"Desconto", 12, 14}},
+      {"ContaC", FieldType::String, 12, {"Conta Crédito", 0, 19}},
+      {"ContaD", FieldType::String, 12, {"Conta Débito", 0, 20}},
+      {"Obs_Baixa", FieldType::String, 100, {"Observação da Baixa", 40, 22}},
+      {"Classe", FieldType::String, 6, {"Classe", 0, 15}},
+      {"Desc_Classe", FieldType::String, 50, {"Descrição da Classe", 28, 16}},
+      {"CNPJ", FieldType::String, 18, {"CNPJ", 0, 23}},
+  });
+  TClientDataSet TbFinan{"TbFinan"};
 
   TOrvDBGrid DBGrid1;
   TOrvDBGrid DBGrid2;
@@ -91,8 +121,8 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
 
  private:
   enum class Tipo : uint8_t { PorConta, TodasContas, TodasEmpresas };
-  // A title as TbFinan has it.
-  using Titulo = std::array<Value, 23>;
+  using Linha = ReportRow<kRelatorio>;
+  using Titulo = ReportRow<kFinan>;
   // What was asked for by the latest gathering, as its drill-downs need it.
   struct Consulta {
     Tipo tipo = Tipo::PorConta;
@@ -120,14 +150,13 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
 
   // --- The gathering (rel_cc_gather.cpp).
   void Monta_Rel(Gathering& gathering);
-  void CriaRelatorio();
   Consulta LeFiltros() const;
   std::string Indice() const;
   Currency SaldoAnterior() const;
   std::vector<Janela> Janelas(int64_t& linhas);
   void BuscaPessoas(const Janela& janela, Anexos& anexos) const;
   void BuscaFinanceiro(const Janela& janela, Anexos& anexos) const;
-  void Anexa(std::span<Value> movimento, Anexos& anexos, Currency inicial, Currency& saldo);
+  void Anexa(Linha& linha, uint16_t empresa, Anexos& anexos, Currency inicial, Currency& saldo);
   void AnexaTitulos(const std::vector<Titulo>& titulos, const std::string& lancamento, bool repete,
                     uint16_t empresa);
   void ContasSemMovimento(Currency inicial);

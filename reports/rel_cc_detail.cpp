@@ -81,7 +81,7 @@ void TfmRelCC::DBGrid1DblClick() {
 
 void TfmRelCC::DBGrid2DblClick() {
   if (TbFinan.IsEmpty()) return;
-  MostraLancamento(TbFinan.Lancto.AsString(), empresa_do_titulo_.at(TbFinan.CurrentRow()));
+  MostraLancamento(TbFinan["Lancto"].AsString(), empresa_do_titulo_.at(TbFinan.CurrentRow()));
 }
 
 void TfmRelCC::MostraLancamento(const std::string& lancamento, uint16_t empresa) {

@@ -12,99 +12,14 @@
 namespace orv {
 namespace {
 
-// A row of TbRelatorio. The sets and their fields are what the report reads by name.
-enum Campo : std::size_t {
-  Lancamento,
-  Numero,
-  Banco,
-  Nome_Banco,
-  Conta,
-  Operacao,
-  Valor,
-  Saldo,
-  SaldoIni,
-  DtLanc,
-  DtCont,
-  DtVencto,
-  CodGrupo,
-  DesGrupo,
-  CodHistorico,
-  Historico,
-  Limite,
-  EmpresaConta,
-  Agencia,
-  Data_ini,
-  data_fim,
-  Grupo,
-  Obs,
-  Pessoa,
-  Agrupar,
-  Pendente,
-  TipoMov,
-  kCampos
-};
-
-constexpr ReportField kRelatorio[kCampos] = {{"Lancamento", FieldType::String, 7},
-                                             {"Numero", FieldType::String, 15},
-                                             {"Banco", FieldType::String, 5},
-                                             {"Nome_Banco", FieldType::String, 40},
-                                             {"Conta", FieldType::String, 13},
-                                             {"Operacao", FieldType::String, 2},
-                                             {"Valor", FieldType::Currency},
-                                             {"Saldo", FieldType::Float},
-                                             {"SaldoIni", FieldType::Float},
-                                             {"DtLanc", FieldType::Date},
-                                             {"DtCont", FieldType::Date},
-                                             {"DtVencto", FieldType::Date},
-                                             {"CodGrupo", FieldType::String, 6},
-                                             {"DesGrupo", FieldType::String, 50},
-                                             {"CodHistorico", FieldType::String, 5},
-                                             {"Historico", FieldType::String, 30},
-                                             {"Limite", FieldType::Currency},
-                                             {"Empresa", FieldType::String, 30},
-                                             {"Agencia", FieldType::String, 7},
-                                             {"Data_ini", FieldType::Date},
-                                             {"data_fim", FieldType::Date},
-                                             {"Grupo", FieldType::String, 2},
-                                             {"Obs", FieldType::String, 100},
-                                             {"Pessoa", FieldType::String, 40},
-                                             {"Agrupar", FieldType::String, 1},
-                                             {"Pendente", FieldType::String, 1},
-                                             {"Tipo", FieldType::String, 2}};
-
-// The columns of the movements. Their places are named by the order.
-enum Coluna : std::size_t {
-  mBanco,
-  mConta,
-  mNomeBanco,
-  mValor,
-  mDtLan,
-  mDtVencto,
-  mDocto,
-  mLancamento,
-  mObservacao,
-  mGrupo,
-  mPendente,
-  mCodGrupo,
-  mDesGrupo,
-  mOperacao,
-  mCodHistorico,
-  mHistorico,
-  mDtCont,
-  mEmpresa,
-  mAgencia,
-  mTipo,
-  mLimite,
-  mSufixo,
-  kColunas
-};
-
+// What a movement fills of the report, and its company.
 constexpr const char* kSelecao =
-    "SELECT CONTACOR.BANCO, CONTACOR.CONTA, BANCO.NOME_BANCO, CONTACOR.VALOR, CONTACOR.DT_LAN, "
-    "CONTACOR.DT_VENCTO, CONTACOR.DOCTO, CONTACOR.LANCAMENTO, CONTACOR.OBSERVACAO, CONTACOR.GRUPO, "
-    "CONTACOR.PENDENTE, SUBGRUPO.CODIGO AS CODGRUPO, SUBGRUPO.DESCRICAO AS DESGRUPO, CONTACOR.OPERACAO, "
-    "CONTACOR.HISTORICO AS CODHISTORICO, HISTORICO.DESCRICAO AS HISTORICO, CONTACOR.DT_CONT, "
-    "CADCONTA.EMPRESA, CADCONTA.AGENCIA, CONTACOR.TIPO, CADCONTA.LIMITE, '{}' AS SUFIXO";
+    "SELECT CONTACOR.BANCO, CONTACOR.CONTA, BANCO.NOME_BANCO, CONTACOR.VALOR, CONTACOR.DT_LAN AS DTLANC, "
+    "CONTACOR.DT_VENCTO AS DTVENCTO, CONTACOR.DOCTO AS NUMERO, CONTACOR.LANCAMENTO, "
+    "CONTACOR.OBSERVACAO AS OBS, CONTACOR.GRUPO, CONTACOR.PENDENTE, SUBGRUPO.CODIGO AS CODGRUPO, "
+    "SUBGRUPO.DESCRICAO AS DESGRUPO, CONTACOR.OPERACAO, CONTACOR.HISTORICO AS CODHISTORICO, "
+    "HISTORICO.DESCRICAO AS HISTORICO, CONTACOR.DT_CONT AS DTCONT, CADCONTA.EMPRESA, CADCONTA.AGENCIA, "
+    "CONTACOR.TIPO, CADCONTA.LIMITE, '{}' AS SUFIXO";
 
 // The accounts come first: they are few, and lead to their movements.
 constexpr const char* kMovimentos =
@@ -114,66 +29,32 @@ constexpr const char* kDescricoes =
     " LEFT JOIN {CADBAN} BANCO ON (CONTACOR.BANCO = BANCO.BANCO)"
     " LEFT JOIN {HISTCP} HISTORICO ON (CONTACOR.HISTORICO = HISTORICO.HISTORICO)";
 
-// Fields of TbFinan.
-enum CampoTitulo : uint8_t {
-  fTipo,
-  fLancto,
-  fDocto,
-  fNumero,
-  fDupli,
-  fCodcli,
-  fNome,
-  fDtEmissao,
-  fDtVencto,
-  fObs,
-  fDescHist,
-  fCodHist,
-  fValor,
-  fValPag,
-  fJuros,
-  fValDev,
-  fDesconto,
-  fContaC,
-  fContaD,
-  fObsBaixa,
-  fClasse,
-  fDescClasse,
-  fCnpj
-};
-
-// The titles of a kind, and into which field each column goes. Of settlements that differ in nothing one is
-// shown; the statement's order says which comes first.
+// The titles of a kind. Of settlements that differ in nothing one is shown; the order of the columns says
+// which comes first.
 constexpr const char* kPagos =
-    "SELECT DISTINCT M.LANCAMENTO, ENTIDADE.NOME, ENTIDADE.CONTAC AS ENT_CONTAC, "
-    "ENTIDADE.CONTAD AS ENT_CONTAD, PAGTO1.VAL_PAG, PAGTO1.VAL_DEV, PAGTO1.JURO, PAGTO1.DESCONTO, "
-    "HISTCP.DESCRICAO AS DESCHIST, PAGTO.NUM_AP, PAGTO.DUPLI, PAGTO.CODCRE, PAGTO.HISTORICO, PAGTO.OBS, "
-    "PAGTO.DT_VEN, PAGTO.DT_EMI, PAGTO.VALOR, PAGTO1.OBS AS OBS_PAGTO, PAGTO1.DOCTO, "
-    "PAGTO.NUM_OS AS CLASSE, SUBGRUPO.DESCRICAO AS DESC_CLASSE, ENTIDADE.CNPJ FROM ";
+    "SELECT DISTINCT M.LANCAMENTO AS LANCTO, ENTIDADE.NOME, ENTIDADE.CONTAC, ENTIDADE.CONTAD, "
+    "PAGTO1.VAL_PAG, PAGTO1.VAL_DEV, PAGTO1.JURO AS JUROS, PAGTO1.DESCONTO, HISTCP.DESCRICAO AS DESCHIST, "
+    "PAGTO.NUM_AP AS NUMERO, PAGTO.DUPLI, PAGTO.CODCRE AS CODCLI, PAGTO.HISTORICO AS CODHIST, PAGTO.OBS, "
+    "PAGTO.DT_VEN AS DT_VENCTO, PAGTO.DT_EMI AS DT_EMISSAO, PAGTO.VALOR, PAGTO1.OBS AS OBS_BAIXA, "
+    "PAGTO1.DOCTO, PAGTO.NUM_OS AS CLASSE, SUBGRUPO.DESCRICAO AS DESC_CLASSE, ENTIDADE.CNPJ FROM ";
 constexpr const char* kPagosDe =
     " INNER JOIN {PAGTO1} PAGTO1 ON (PAGTO1.LANCAMENTO = M.LANCAMENTO)"
     " INNER JOIN {PAGTO} PAGTO ON (PAGTO.NUM_AP = PAGTO1.NUM_AP)"
     " LEFT JOIN {ENTIDADE} ENTIDADE ON (ENTIDADE.CODCLI = PAGTO.CODCRE)"
     " LEFT JOIN {HISTCP} HISTCP ON (HISTCP.HISTORICO = PAGTO.HISTORICO)"
     " LEFT JOIN {SUBGRUPO} SUBGRUPO ON (SUBGRUPO.CODIGO = PAGTO.NUM_OS)";
-constexpr CampoTitulo kCamposPagos[] = {fLancto,  fNome,     fContaC,     fContaD,    fValPag, fValDev,
-                                        fJuros,   fDesconto, fDescHist,   fNumero,    fDupli,  fCodcli,
-                                        fCodHist, fObs,      fDtVencto,   fDtEmissao, fValor,  fObsBaixa,
-                                        fDocto,   fClasse,   fDescClasse, fCnpj};
 constexpr const char* kRecebidos =
-    "SELECT DISTINCT M.LANCAMENTO, ENTIDADE.NOME, ENTIDADE.CONTAC AS ENT_CONTAC, "
-    "ENTIDADE.CONTAD AS ENT_CONTAD, RECEBERB.VALOR_PAGO, "
+    "SELECT DISTINCT M.LANCAMENTO AS LANCTO, ENTIDADE.NOME, ENTIDADE.CONTAC, ENTIDADE.CONTAD, "
+    "RECEBERB.VALOR_PAGO AS VAL_PAG, "
     "(RECEBERB.DESCONTO + RECEBERB.DESCONTO2 + RECEBERB.DESCONTO3) AS DESCONTO, RECEBERB.JUROS, "
     "RECEBERB.VAL_DEV, RECEBER.NUMERO, RECEBER.CODCLI, RECEBER.DT_EMISSAO, RECEBER.DT_VENCTO, "
-    "RECEBER.VALOR2, RECEBER.OBS, RECEBERB.OBS AS OBS_BAIXA, RECEBERB.DOCTO, RECEBER.CLASSE, "
+    "RECEBER.VALOR2 AS VALOR, RECEBER.OBS, RECEBERB.OBS AS OBS_BAIXA, RECEBERB.DOCTO, RECEBER.CLASSE, "
     "SUBGRUPO.DESCRICAO AS DESC_CLASSE, ENTIDADE.CNPJ FROM ";
 constexpr const char* kRecebidosDe =
     " INNER JOIN {RECEBERB} RECEBERB ON (RECEBERB.LANCAMENTO = M.LANCAMENTO)"
     " INNER JOIN {RECEBER} RECEBER ON (RECEBER.NUMERO = RECEBERB.NUMERO)"
     " LEFT JOIN {ENTIDADE} ENTIDADE ON (ENTIDADE.CODCLI = RECEBER.CODCLI)"
     " LEFT JOIN {SUBGRUPO} SUBGRUPO ON (SUBGRUPO.CODIGO = RECEBER.CLASSE)";
-constexpr CampoTitulo kCamposRecebidos[] = {
-    fLancto,    fNome,     fContaC, fContaD, fValPag,   fDesconto, fJuros,  fValDev,     fNumero, fCodcli,
-    fDtEmissao, fDtVencto, fValor,  fObs,    fObsBaixa, fDocto,    fClasse, fDescClasse, fCnpj};
 
 // Movements brought together. Many make few statements, few keep little in memory.
 constexpr int64_t kLinhasPorJanela = 2000;
@@ -242,12 +123,10 @@ std::string TfmRelCC::Movimentos(Date de, Date ate, std::string_view mais) const
          consulta_.filtro_linhas + WhereBetween(consulta_.data, de, ate);
 }
 
-void TfmRelCC::CriaRelatorio() { LayDown(TbRelatorio, kRelatorio); }
-
 void TfmRelCC::Monta_Rel(Gathering& gathering) {
   TbFinan.EmptyDataSet();
   TbFinan.SetIndexFieldNames("");
-  CriaRelatorio();
+  LayDown(TbRelatorio, kRelatorio);
   consulta_ = LeFiltros();
   como_ = {RgData.ItemIndex(), RgAgrupar.ItemIndex(), cbAgpPendente.Checked()};
   empresas_.clear();
@@ -266,11 +145,12 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
     BuscaPessoas(janela, anexos);
     if (CbFinanceiro.Checked()) BuscaFinanceiro(janela, anexos);
     const std::string sql = kSelecao + Movimentos(janela.de, janela.ate, kDescricoes);
-    ForEach(PorEmpresa(sql, "CONTACOR", kOrdens[Opcao(RgData)]), [&](std::span<Value> movimento) {
-      Anexa(movimento, anexos, inicial, saldo);
-      cabem = cabem && saldo.FitsField();
-      gathering.Advance();
-    });
+    ForEachRow<kRelatorio>(PorEmpresa(sql, "CONTACOR", kOrdens[Opcao(RgData)]),
+                           [&](Linha& linha, std::span<Value> sufixo) {
+                             Anexa(linha, Empresa(Trim(sufixo[0].Text())), anexos, inicial, saldo);
+                             cabem = cabem && saldo.FitsField();
+                             gathering.Advance();
+                           });
   }
   if (TbRelatorio.IsEmpty() && CbZeradas.Checked()) ContasSemMovimento(inicial);
 
@@ -359,84 +239,58 @@ void TfmRelCC::BuscaPessoas(const Janela& janela, Anexos& anexos) const {
 // The titles of a movement may stand in any company where all are asked for.
 void TfmRelCC::BuscaFinanceiro(const Janela& janela, Anexos& anexos) const {
   const auto busca = [&](const char* tipo, const char* selecao, const char* de, const char* tabela,
-                         std::span<const CampoTitulo> campos, auto& titulos) {
+                         auto& titulos) {
     for (const uint16_t empresa : janela.empresas) {
       const std::string movimentos =
           ForCompany("(SELECT DISTINCT CONTACOR.LANCAMENTO" + Movimentos(janela.de, janela.ate) +
                          " AND CONTACOR.TIPO = " + Funcoes.Aspas(tipo) + ") M",
                      empresas_[empresa]);
-      ForEach(PorEmpresa(selecao + movimentos + de, tabela), [&](std::span<Value> valores) {
-        ORV_ASSERT(valores.size() == campos.size());
-        Titulo titulo;
-        titulo[fTipo] = tipo;
-        for (std::size_t i = 0; i < campos.size(); ++i) titulo[campos[i]] = std::move(valores[i]);
-        if (titulo[fTipo] == Value("R")) titulo[fDupli] = titulo[fNumero];
-        titulos[Chave(empresa, titulo[fLancto].Text())].push_back(std::move(titulo));
-      });
+      ForEachRow<kFinan>(PorEmpresa(selecao + movimentos + de, tabela),
+                         [&](Titulo& titulo, std::span<Value>) {
+                           titulo["Tipo"] = tipo;
+                           if (titulo["Tipo"] == Value("R")) titulo["Dupli"] = titulo["Numero"];
+                           titulos[Chave(empresa, titulo["Lancto"].Text())].push_back(std::move(titulo));
+                         });
     }
   };
-  busca("P", kPagos, kPagosDe, "PAGTO1", kCamposPagos, anexos.pagar);
-  busca("R", kRecebidos, kRecebidosDe, "RECEBERB", kCamposRecebidos, anexos.receber);
+  busca("P", kPagos, kPagosDe, "PAGTO1", anexos.pagar);
+  busca("R", kRecebidos, kRecebidosDe, "RECEBERB", anexos.receber);
 }
 
-void TfmRelCC::Anexa(std::span<Value> movimento, Anexos& anexos, Currency inicial, Currency& saldo) {
-  ORV_ASSERT(movimento.size() == kColunas);
-  const Currency valor = movimento[mValor].AsCurrency();
-  const std::string_view operacao = movimento[mOperacao].Text();
+void TfmRelCC::Anexa(Linha& linha, uint16_t empresa, Anexos& anexos, Currency inicial, Currency& saldo) {
+  const Currency valor = linha["Valor"].AsCurrency();
+  const std::string_view operacao = linha["Operacao"].Text();
   if (operacao == "+") saldo += valor;
   if (operacao == "-") saldo -= valor;
-  const uint16_t empresa = Empresa(Trim(movimento[mSufixo].Text()));
-  const std::string lancamento(movimento[mLancamento].Text());
-  const std::string tipo(movimento[mTipo].Text());
+  const std::string lancamento(linha["Lancamento"].Text());
+  const std::string tipo(linha["Tipo"].Text());
 
-  std::array<Value, kCampos> linha;
   const std::string chave = Chave(empresa, lancamento);
   if (const auto cliente = anexos.clientes.find(chave); cliente != anexos.clientes.end()) {
-    linha[Pessoa] = cliente->second;
-  } else if (const auto fornecedor = anexos.fornecedores.find(
-                 ChaveFornecedor(empresa, lancamento, movimento[mDocto].Text(), tipo));
+    linha["Pessoa"] = cliente->second;
+  } else if (const auto fornecedor =
+                 anexos.fornecedores.find(ChaveFornecedor(empresa, lancamento, linha["Numero"].Text(), tipo));
              fornecedor != anexos.fornecedores.end()) {
-    linha[Pessoa] = fornecedor->second;
+    linha["Pessoa"] = fornecedor->second;
   } else {
-    linha[Pessoa] = movimento[mObservacao];
+    linha["Pessoa"] = linha["Obs"];
   }
-  const std::string_view pendente = movimento[mPendente].Text();
-  linha[Pendente] = pendente == "N" || pendente == "C" ? "N" : "S";
-  linha[Saldo] = saldo.ToDouble();
-  linha[SaldoIni] = inicial.ToDouble();
-  linha[Data_ini] = consulta_.de;
-  linha[data_fim] = consulta_.ate;
-  linha[Agrupar] = kAgrupar[Opcao(RgAgrupar)];
-  constexpr std::pair<Campo, Coluna> kLidos[] = {{Lancamento, mLancamento},
-                                                 {Numero, mDocto},
-                                                 {Banco, mBanco},
-                                                 {Nome_Banco, mNomeBanco},
-                                                 {Conta, mConta},
-                                                 {Operacao, mOperacao},
-                                                 {Valor, mValor},
-                                                 {DtLanc, mDtLan},
-                                                 {DtCont, mDtCont},
-                                                 {DtVencto, mDtVencto},
-                                                 {CodGrupo, mCodGrupo},
-                                                 {DesGrupo, mDesGrupo},
-                                                 {CodHistorico, mCodHistorico},
-                                                 {Historico, mHistorico},
-                                                 {Limite, mLimite},
-                                                 {EmpresaConta, mEmpresa},
-                                                 {Agencia, mAgencia},
-                                                 {Grupo, mGrupo},
-                                                 {Obs, mObservacao},
-                                                 {TipoMov, mTipo}};
-  for (const auto& [campo, coluna] : kLidos) linha[campo] = std::move(movimento[coluna]);
+  const std::string_view pendente = linha["Pendente"].Text();
+  linha["Pendente"] = pendente == "N" || pendente == "C" ? "N" : "S";
+  linha["Saldo"] = saldo;
+  linha["SaldoIni"] = inicial;
+  linha["Data_ini"] = consulta_.de;
+  linha["data_fim"] = consulta_.ate;
+  linha["Agrupar"] = kAgrupar[Opcao(RgAgrupar)];
 
   if (CbFinanceiro.Checked()) {
     const auto& titulos = tipo == "P" ? anexos.pagar : anexos.receber;
     if (const auto dele = titulos.find(chave); (tipo == "P" || tipo == "R") && dele != titulos.end())
       AnexaTitulos(dele->second, lancamento, tipo == "R", empresa);
   }
-  for (const Campo campo : {Nome_Banco, DesGrupo, Historico, EmpresaConta, Pessoa})
+  for (const auto campo : Linha::Names{"Nome_Banco", "DesGrupo", "Historico", "Empresa", "Pessoa"})
     nomes_.Share(linha[campo]);
-  TbRelatorio.AppendRow(linha);
+  TbRelatorio.AppendRow(linha.Values());
   empresa_da_linha_.push_back(empresa);
 }
 
@@ -444,32 +298,33 @@ void TfmRelCC::AnexaTitulos(const std::vector<Titulo>& titulos, const std::strin
                             uint16_t empresa) {
   for (const Titulo& titulo : titulos) {
     // A payable is shown once a movement, whichever of its settlements comes first.
-    if (!repete && TbFinan.Locate("Lancto;Numero", {Value(lancamento), titulo[fNumero]})) continue;
+    if (!repete && TbFinan.Locate("Lancto;Numero", {Value(lancamento), titulo["Numero"]})) continue;
     Titulo linha = titulo;
-    for (const CampoTitulo campo : {fNome, fDescHist, fDescClasse, fCnpj}) nomes_.Share(linha[campo]);
-    TbFinan.AppendRow(linha);
+    for (const auto campo : Titulo::Names{"Nome", "DescHist", "Desc_Classe", "CNPJ"})
+      nomes_.Share(linha[campo]);
+    TbFinan.AppendRow(linha.Values());
     empresa_do_titulo_.push_back(empresa);
   }
 }
 
 void TfmRelCC::ContasSemMovimento(Currency inicial) {
   if (RelConta.Empty()) return;
-  std::array<Value, kCampos> linha;
-  linha[Conta] = RelConta.Text();
-  linha[EmpresaConta] = Edit1.Text();
-  linha[SaldoIni] = inicial.ToDouble();
-  linha[Banco] = RelCodBan.Text();
-  linha[Nome_Banco] = RelDesBan.Text();
+  Linha linha;
+  linha["Conta"] = RelConta.Text();
+  linha["Empresa"] = Edit1.Text();
+  linha["SaldoIni"] = inicial;
+  linha["Banco"] = RelCodBan.Text();
+  linha["Nome_Banco"] = RelDesBan.Text();
   const auto conta =
       Tabela.IBDatabase().Rows("SELECT AGENCIA, LIMITE FROM " + Funcoes.DBLocal("CADCONTA", true) +
                                " WHERE CONTA = " + Funcoes.Aspas(RelConta.Text()));
   if (!conta.empty()) {
-    linha[Agencia] = conta[0][0];
-    linha[Limite] = conta[0][1];
+    linha["Agencia"] = conta[0][0];
+    linha["Limite"] = conta[0][1];
   }
-  linha[Data_ini] = consulta_.de;
-  linha[data_fim] = consulta_.ate;
-  TbRelatorio.AppendRow(linha);
+  linha["Data_ini"] = consulta_.de;
+  linha["data_fim"] = consulta_.ate;
+  TbRelatorio.AppendRow(linha.Values());
   empresa_da_linha_.push_back(Empresa(Funcoes.vEmpresa_Atual()));
 }
 
