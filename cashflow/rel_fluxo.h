@@ -15,6 +15,7 @@
 #include "frame/report_screen.h"
 #include "rules/dias_efetivos.h"
 #include "rules/parcelas.h"
+#include "rules/periodo.h"
 #include "rules/titulo.h"
 #include "toolkit/client_dataset.h"
 #include "toolkit/shared_texts.h"
@@ -120,9 +121,8 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   // The period, and what a gathering remembers.
   struct Consulta {
     Gathering& andamento;
-    Date de, ate;
+    Periodo periodo;
     DiasEfetivos dias;
-    bool Dentro(Date dia) const { return !dia.Empty() && de <= dia && dia <= ate; }
   };
 
   void BitBtn29Click();

@@ -201,15 +201,11 @@ void TfmRelFluxo::OrvDBGrid1DblClick() {
   if (!TbSaldo.Active() || TbSaldo.IsEmpty()) return;
   const std::string conta = TbSaldo["Conta"].AsString();
   const std::string sql =
-      ForCompanies("SELECT EXTRACT(YEAR FROM DT_CONT), EXTRACT(MONTH FROM DT_CONT), COUNT(*), " +
-                       Soma("CASE WHEN OPERACAO = '+' THEN VALOR ELSE 0 END") + " AS CREDITOS, " +
-                       Soma("CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END") +
-                       " AS DEBITOS FROM {CONTACOR} CONTACOR "
-                       "WHERE PENDENTE = 'N' AND CONTA = " +
-                       Funcoes.Aspas(conta) + " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()) +
-                       " GROUP BY EXTRACT(YEAR FROM DT_CONT), EXTRACT(MONTH FROM DT_CONT)",
-                   "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2");
-  ShowDetail("Saldo da conta " + conta, sql, kSaldoPorMes, CompletaMes);
+      SaldoPorMes("DT_CONT", Creditos(kContaCorrente), "CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END",
+                  " FROM {CONTACOR} CONTACOR WHERE PENDENTE = 'N' AND CONTA = " + Funcoes.Aspas(conta) +
+                      " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()));
+  ShowDetail("Saldo da conta " + conta, ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2"),
+             kSaldoPorMes, CompletaMes);
 }
 
 }  // namespace orv

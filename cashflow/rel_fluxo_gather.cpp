@@ -50,7 +50,7 @@ void TfmRelFluxo::BitBtn29Click() {
 }
 
 void TfmRelFluxo::Monta(Gathering& andamento) {
-  Consulta consulta{andamento, EdtDataDe.Date(), edtDataAte.Date(), DiasEfetivos(Funcoes, Contabil)};
+  Consulta consulta{andamento, {EdtDataDe.Date(), edtDataAte.Date()}, DiasEfetivos(Funcoes, Contabil)};
   Cria_Tabela();
   andamento.Stage("Saldos das contas");
   busca_Saldos();
@@ -127,7 +127,7 @@ uint16_t TfmRelFluxo::Empresa(std::string_view sufixo) {
 }
 
 std::string TfmRelFluxo::FiltroPeriodo(const char* coluna, const Consulta& consulta) const {
-  return WhereBetween(coluna, consulta.de.AddDays(-kDiasAntes), consulta.ate);
+  return WhereBetween(coluna, consulta.periodo.de.AddDays(-kDiasAntes), consulta.periodo.ate);
 }
 
 std::string TfmRelFluxo::FiltroSituacao(const std::string& tabela, const Edit& desconsiderar) const {
@@ -208,7 +208,7 @@ void TfmRelFluxo::Grava_Receber(Consulta& consulta) {
     const Date vencimento = v[rVencimento].AsDate();
     const Date dia =
         flutua ? consulta.dias.Credito(vencimento, v[rSituacao].Text()) : consulta.dias.DiaUtil(vencimento);
-    if (!consulta.Dentro(dia)) return;
+    if (!consulta.periodo.Contem(dia)) return;
     Zera(linha);
     linha["DtLanc"] = dia;
     linha["Vlr_receb"] = TituloDe(v).EmAberto();
@@ -243,7 +243,7 @@ void TfmRelFluxo::Grava_Pagar(Consulta& consulta) {
       consulta, "Títulos a pagar", sql, "PAGTO",
       [&](Linha& linha, std::span<Value> v) {
         const Date dia = consulta.dias.DiaUtil((programacao ? linha["Data"] : v[pVencimento]).AsDate());
-        if (!consulta.Dentro(dia)) return;
+        if (!consulta.periodo.Contem(dia)) return;
         const Titulo titulo{v[pValor].AsCurrency(), v[pJuros].AsCurrency(), v[pDesconto].AsCurrency(),
                             v[pPago].AsCurrency(), v[pDevolvido].AsCurrency()};
         Zera(linha);
@@ -276,7 +276,7 @@ void TfmRelFluxo::GravaChequeEmitido(Consulta& consulta) {
     sql += " AND CHEQUE_PRE.CONTA = " + Funcoes.Aspas(EdtConta.Text());
   Percorre(consulta, "Cheques emitidos", sql, "CHEQUE_PRE", [&](Linha& linha, std::span<Value> v) {
     const Date dia = consulta.dias.DiaUtil(linha["Data"].AsDate());
-    if (!consulta.Dentro(dia)) return;
+    if (!consulta.periodo.Contem(dia)) return;
     Zera(linha);
     linha["Vlr_ChequeRec"] = Value();
     linha["DtLanc"] = dia;
@@ -307,7 +307,7 @@ void TfmRelFluxo::GravaChequeRecebido(Consulta& consulta) {
   Percorre(consulta, "Cheques recebidos", sql, programacao ? "CONTACOR" : "RECEBER",
            [&](Linha& linha, std::span<Value> v) {
              const Date dia = consulta.dias.DiaUtil(v[rVencimento].AsDate());
-             if (!consulta.Dentro(dia)) return;
+             if (!consulta.periodo.Contem(dia)) return;
              Zera(linha);
              linha["DtLanc"] = dia;
              linha["Vlr_ChequeRec"] = TituloDe(v).EmAberto();
@@ -329,7 +329,7 @@ void TfmRelFluxo::BuscaPedidoPendente(Consulta& consulta) {
       " INNER JOIN {PED_ITEN} PED_ITEN ON PED_ITEN.NUMERO = PEDIDO.NUMERO"
       " INNER JOIN {ENTIDADE} CLIENTE ON CLIENTE.CODCLI = PEDIDO.CODCLI"
       " WHERE PEDIDO.DT_FATURA <= " +
-      Funcoes.AspasData(consulta.ate) +
+      Funcoes.AspasData(consulta.periodo.ate) +
       " GROUP BY PEDIDO.NUMERO, PEDIDO.DT_FATURA, PEDIDO.CODCLI, PEDIDO.PGTO, PEDIDO.PER_DESC, CLIENTE.NOME, "
       "CLIENTE.CREDITO HAVING SUM(PED_ITEN.QTDE) > 0 ";
   Percorre(consulta, "Pedidos pendentes", sql, "PEDIDO", [&](Linha& linha, std::span<Value> v) {
@@ -348,7 +348,7 @@ void TfmRelFluxo::BuscaCompraPendente(Consulta& consulta) {
       " INNER JOIN {CO_ITEN} CO_ITEN ON CO_ITEN.NUMERO = COMPRA.NUMERO"
       " INNER JOIN {ENTIDADE} FORNEC ON COMPRA.CODFOR = FORNEC.CODCLI"
       " WHERE COMPRA.DT_ENTREGA <= " +
-      Funcoes.AspasData(consulta.ate) +
+      Funcoes.AspasData(consulta.periodo.ate) +
       " AND CO_ITEN.SITUACAO = 'A' GROUP BY COMPRA.NUMERO, COMPRA.DT_ENTREGA, COMPRA.CODFOR, "
       "COMPRA.CONDICAO, FORNEC.NOME, FORNEC.CREDITO ";
   Percorre(consulta, "Ordens de compra", sql, "COMPRA", [&](Linha& linha, std::span<Value> v) {
@@ -373,7 +373,7 @@ void TfmRelFluxo::Gera_Duplicatas(Consulta& consulta, const Pendente& pendente) 
   for (int i = 1; i <= parcelas; ++i) {
     const Date dia = pendente.base.AddDays(partes ? condicao.Dias(i) : 0);
     const Currency valor = ValorParcela(pendente.valor, parcelas, i);
-    if (!consulta.Dentro(dia)) continue;
+    if (!consulta.periodo.Contem(dia)) continue;
     Linha linha = pendente.linha;
     Zera(linha);
     linha["Vlr_ChequePag"] = Currency();

@@ -11,6 +11,7 @@
 
 #include "frame/module.h"
 #include "frame/report_screen.h"
+#include "rules/periodo.h"
 #include "toolkit/shared_texts.h"
 
 namespace orv {
@@ -127,13 +128,13 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   struct Consulta {
     Tipo tipo = Tipo::PorConta;
     const char* data = "";  // the column of the period
-    Date de, ate;
+    Periodo periodo;
     std::string filtro;         // of the balance and of the movements, with its leading AND
     std::string filtro_linhas;  // of the movements only
   };
   // Some days of the period whose movements are brought together, and the companies that have any.
   struct Janela {
-    Date de, ate;
+    Periodo dias;
     std::vector<uint16_t> empresas;
   };
   // What the movements of a window bring along, by the movement's key.
@@ -162,7 +163,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   void ContasSemMovimento(Currency inicial);
   // The statement's text from FROM on, for the movements between two days; " AND " and what else narrows
   // them.
-  std::string Movimentos(Date de, Date ate, std::string_view mais = "") const;
+  std::string Movimentos(const Periodo& dias, std::string_view mais = "") const;
   std::string PorEmpresa(std::string_view sql, std::string_view tabela, std::string_view ordem = "") const;
   uint16_t Empresa(std::string_view sufixo);
 

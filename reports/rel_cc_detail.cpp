@@ -112,19 +112,11 @@ void TfmRelCC::MostraLancamento(const std::string& lancamento, uint16_t empresa)
 
 // A balance is too many movements to list one by one.
 void TfmRelCC::MostraSaldoAnterior() {
-  const std::string mes =
-      "EXTRACT(YEAR FROM " + std::string(consulta_.data) + "), EXTRACT(MONTH FROM " + consulta_.data + ")";
-  const auto soma = [](const char* operacao) {
-    return Soma(std::string("CASE WHEN CONTACOR.OPERACAO = '") + operacao +
-                "' THEN CONTACOR.VALOR ELSE 0 END");
-  };
-  const std::string sql = "SELECT EXTRACT(YEAR FROM " + std::string(consulta_.data) +
-                          "), EXTRACT(MONTH FROM " + consulta_.data + "), COUNT(*), " + soma("+") +
-                          " AS CREDITOS, " + soma("-") +
-                          " AS DEBITOS FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON "
-                          "(CONTACOR.CONTA = CADCONTA.CONTA) WHERE 1 = 1 " +
-                          consulta_.filtro + " AND " + consulta_.data + " < " +
-                          Funcoes.AspasData(consulta_.de) + " GROUP BY " + mes;
+  const std::string sql = SaldoPorMes(
+      consulta_.data, Creditos(kContaCorrente, "CONTACOR"), Debitos(kContaCorrente, "CONTACOR"),
+      " FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON (CONTACOR.CONTA = CADCONTA.CONTA) "
+      "WHERE 1 = 1 " +
+          consulta_.filtro + " AND " + consulta_.data + " < " + Funcoes.AspasData(consulta_.periodo.de));
   ShowDetail("Saldo anterior da conta " + TbRelatorio["Conta"].AsString(),
              PorEmpresa(sql, "CONTACOR", "ORDER BY 1, 2"), kSaldoPorMes, CompletaMes);
 }

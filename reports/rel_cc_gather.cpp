@@ -85,8 +85,7 @@ TfmRelCC::Consulta TfmRelCC::LeFiltros() const {
   Consulta consulta;
   consulta.tipo = static_cast<Tipo>(Opcao(RgTipo));
   consulta.data = kDatas[Opcao(RgData)];
-  consulta.de = EdtDataDe.Date();
-  consulta.ate = edtDataAte.Date();
+  consulta.periodo = {EdtDataDe.Date(), edtDataAte.Date()};
   consulta.filtro = Where("CONTACOR.CONTA", "=", RelConta);
   if (consulta.tipo != Tipo::PorConta) consulta.filtro += " AND CADCONTA.IMP_FLUXO = 'S'";
   consulta.filtro +=
@@ -118,9 +117,9 @@ uint16_t TfmRelCC::Empresa(std::string_view sufixo) {
   return numero;
 }
 
-std::string TfmRelCC::Movimentos(Date de, Date ate, std::string_view mais) const {
+std::string TfmRelCC::Movimentos(const Periodo& dias, std::string_view mais) const {
   return std::string(kMovimentos).append(mais) + " WHERE 1 = 1 " + consulta_.filtro +
-         consulta_.filtro_linhas + WhereBetween(consulta_.data, de, ate);
+         consulta_.filtro_linhas + WhereBetween(consulta_.data, dias.de, dias.ate);
 }
 
 void TfmRelCC::Monta_Rel(Gathering& gathering) {
@@ -144,7 +143,7 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
     Anexos anexos;
     BuscaPessoas(janela, anexos);
     if (CbFinanceiro.Checked()) BuscaFinanceiro(janela, anexos);
-    const std::string sql = kSelecao + Movimentos(janela.de, janela.ate, kDescricoes);
+    const std::string sql = kSelecao + Movimentos(janela.dias, kDescricoes);
     ForEachRow<kRelatorio>(PorEmpresa(sql, "CONTACOR", kOrdens[Opcao(RgData)]),
                            [&](Linha& linha, std::span<Value> sufixo) {
                              Anexa(linha, Empresa(Trim(sufixo[0].Text())), anexos, inicial, saldo);
@@ -166,7 +165,7 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
 Currency TfmRelCC::SaldoAnterior() const {
   const std::string sql = std::string("SELECT CONTACOR.OPERACAO, ") + Soma("CONTACOR.VALOR") + " AS VALOR" +
                           kMovimentos + " WHERE 1 = 1 " + consulta_.filtro + " AND " + consulta_.data +
-                          " < " + Funcoes.AspasData(consulta_.de) + " GROUP BY CONTACOR.OPERACAO";
+                          " < " + Funcoes.AspasData(consulta_.periodo.de) + " GROUP BY CONTACOR.OPERACAO";
   Currency creditos, debitos;
   for (const auto& linha : Tabela.IBDatabase().Rows(PorEmpresa(sql, "CONTACOR"))) {
     if (linha[0].Text() == "+") creditos += SomaDe(linha[1]);
@@ -177,7 +176,7 @@ Currency TfmRelCC::SaldoAnterior() const {
 
 std::vector<TfmRelCC::Janela> TfmRelCC::Janelas(int64_t& linhas) {
   const std::string sql = std::string("SELECT ") + consulta_.data + ", '{}' AS SUFIXO, COUNT(*) AS LINHAS" +
-                          Movimentos(consulta_.de, consulta_.ate) + " GROUP BY " + consulta_.data;
+                          Movimentos(consulta_.periodo) + " GROUP BY " + consulta_.data;
   struct Dia {
     int64_t linhas = 0;
     std::vector<uint16_t> empresas;
@@ -192,11 +191,11 @@ std::vector<TfmRelCC::Janela> TfmRelCC::Janelas(int64_t& linhas) {
   int64_t na_janela = kLinhasPorJanela;
   for (const auto& [data, dia] : dias) {
     if (na_janela >= kLinhasPorJanela) {
-      janelas.push_back({data, data, {}});
+      janelas.push_back({{data, data}, {}});
       na_janela = 0;
     }
     Janela& janela = janelas.back();
-    janela.ate = data;
+    janela.dias.ate = data;
     for (const uint16_t empresa : dia.empresas) {
       if (std::find(janela.empresas.begin(), janela.empresas.end(), empresa) == janela.empresas.end())
         janela.empresas.push_back(empresa);
@@ -213,7 +212,7 @@ void TfmRelCC::BuscaPessoas(const Janela& janela, Anexos& anexos) const {
   for (const uint16_t empresa : janela.empresas) {
     const std::string clientes =
         "SELECT M.LANCAMENTO, ENTIDADE.NOME FROM (SELECT DISTINCT CONTACOR.LANCAMENTO" +
-        Movimentos(janela.de, janela.ate) +
+        Movimentos(janela.dias) +
         ") M INNER JOIN {RECEBERB} RECEBERB ON (RECEBERB.LANCAMENTO = M.LANCAMENTO)"
         " LEFT JOIN {RECEBER} RECEBER ON (RECEBER.NUMERO = RECEBERB.NUMERO)"
         " LEFT JOIN {ENTIDADE} ENTIDADE ON (ENTIDADE.CODCLI = RECEBER.CODCLI)";
@@ -223,7 +222,7 @@ void TfmRelCC::BuscaPessoas(const Janela& janela, Anexos& anexos) const {
     const std::string fornecedores =
         "SELECT M.LANCAMENTO, M.DOCTO, M.TIPO, ENTIDADE.NOME FROM (SELECT DISTINCT CONTACOR.LANCAMENTO, "
         "CONTACOR.DOCTO, CONTACOR.TIPO" +
-        Movimentos(janela.de, janela.ate) +
+        Movimentos(janela.dias) +
         ") M INNER JOIN {PAGTO1} PAGTO1 ON (PAGTO1.LANCAMENTO = M.LANCAMENTO)"
         " LEFT JOIN {PAGTO} PAGTO ON (PAGTO.NUM_AP = CASE WHEN M.TIPO = 'P' AND POSITION('/' IN M.DOCTO) > 0"
         " THEN SUBSTRING(M.DOCTO FROM 1 FOR POSITION('/' IN M.DOCTO) - 1) ELSE PAGTO1.NUM_AP END)"
@@ -242,7 +241,7 @@ void TfmRelCC::BuscaFinanceiro(const Janela& janela, Anexos& anexos) const {
                          auto& titulos) {
     for (const uint16_t empresa : janela.empresas) {
       const std::string movimentos =
-          ForCompany("(SELECT DISTINCT CONTACOR.LANCAMENTO" + Movimentos(janela.de, janela.ate) +
+          ForCompany("(SELECT DISTINCT CONTACOR.LANCAMENTO" + Movimentos(janela.dias) +
                          " AND CONTACOR.TIPO = " + Funcoes.Aspas(tipo) + ") M",
                      empresas_[empresa]);
       ForEachRow<kFinan>(PorEmpresa(selecao + movimentos + de, tabela),
@@ -279,8 +278,8 @@ void TfmRelCC::Anexa(Linha& linha, uint16_t empresa, Anexos& anexos, Currency in
   linha["Pendente"] = pendente == "N" || pendente == "C" ? "N" : "S";
   linha["Saldo"] = saldo;
   linha["SaldoIni"] = inicial;
-  linha["Data_ini"] = consulta_.de;
-  linha["data_fim"] = consulta_.ate;
+  linha["Data_ini"] = consulta_.periodo.de;
+  linha["data_fim"] = consulta_.periodo.ate;
   linha["Agrupar"] = kAgrupar[Opcao(RgAgrupar)];
 
   if (CbFinanceiro.Checked()) {
@@ -322,8 +321,8 @@ void TfmRelCC::ContasSemMovimento(Currency inicial) {
     linha["Agencia"] = conta[0][0];
     linha["Limite"] = conta[0][1];
   }
-  linha["Data_ini"] = consulta_.de;
-  linha["data_fim"] = consulta_.ate;
+  linha["Data_ini"] = consulta_.periodo.de;
+  linha["data_fim"] = consulta_.periodo.ate;
   TbRelatorio.AppendRow(linha.Values());
   empresa_da_linha_.push_back(Empresa(Funcoes.vEmpresa_Atual()));
 }

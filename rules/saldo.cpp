@@ -33,6 +33,13 @@ const std::array<ReportField, 5> kSaldoPorMes{{{"Ano", FieldType::Integer},
                                                {"Créditos", FieldType::Currency},
                                                {"Débitos", FieldType::Currency}}};
 
+std::string SaldoPorMes(const std::string& data, const std::string& credito, const std::string& debito,
+                        const std::string& de) {
+  const std::string mes = "EXTRACT(YEAR FROM " + data + "), EXTRACT(MONTH FROM " + data + ")";
+  return "SELECT " + mes + ", COUNT(*), " + Soma(credito) + " AS CREDITOS, " + Soma(debito) + " AS DEBITOS" +
+         de + " GROUP BY " + mes;
+}
+
 void CompletaMes(std::span<Value> mes) {
   mes[3] = SomaDe(mes[3]);
   mes[4] = SomaDe(mes[4]);

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/report_screen.h"
+#include "frame/report_set.h"
 #include "rules/soma.h"
 #include "toolkit/database.h"
 #include "toolkit/user.h"
@@ -35,9 +35,13 @@ std::string ComSinal(const Livro& livro, std::string_view alias = "", std::strin
 // The total of a statement's first column, a sum by Soma: it has a row for each company.
 Currency Total(TOrvDatabase& db, const std::string& sql);
 
-// A balance by months, as a drill-down shows it: year, month, count and the sums of credits and of debits,
-// which the statement gives by `Soma`.
+// A balance by months, as a drill-down shows it: year, month, count and the sums of credits and of debits.
 extern const std::array<ReportField, 5> kSaldoPorMes;
+// Its statement, unordered: the column of the day, what a row adds to the credits and to the debits, and the
+// rest from FROM on.
+std::string SaldoPorMes(const std::string& data, const std::string& credito, const std::string& debito,
+                        const std::string& de);
+// Makes a row of the statement one of the balance.
 void CompletaMes(std::span<Value> mes);
 
 // The records whose amount no field takes, by their key, with the table as a macro.
