@@ -230,7 +230,7 @@ void Session::GridAction(const std::string& verb, const Json& in) {
   if (grid == nullptr) throw RequestError("O controle " + control.Name() + " não é uma grade.");
   if (!Reach(control)) return;
   if (verb == "row") {
-    grid->UserRow(in["row"].Integer());
+    grid->UserRow(in["row"].Integer(), Name(in, "column"));
   } else if (verb == "cell") {
     grid->UserCell(in["row"].Integer(), in["column"].String(), Given(in["value"]));
   } else if (verb == "append") {

@@ -1,6 +1,7 @@
 #include "toolkit/grid.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "toolkit/text.h"
 
@@ -136,13 +137,49 @@ void TOrvDBGrid::CheckRow(int64_t row) const {
 void TOrvDBGrid::Select(std::string_view column) {
   if (column.empty()) return;
   const std::string& field = Column(column).field;
+  inside_ = true;
   if (field == selected_) return;
   selected_ = field;
   Touch();
   if (OnColEnter) OnColEnter();
 }
 
-void TOrvDBGrid::UserRow(int64_t row) {
+void TOrvDBGrid::SetSelectedField(std::string_view field) {
+  selected_ = Column(field).field;
+  inside_ = true;
+  // The same column may be another one to who has gone on meanwhile.
+  ++placed_;
+  Touch();
+}
+
+void TOrvDBGrid::LeaveCell() {
+  if (!std::exchange(inside_, false)) return;
+  // By value: a handler may put another in its place.
+  if (const auto exit = OnColExit) exit();
+}
+
+bool TOrvDBGrid::Leaving() {
+  LeaveCell();
+  return true;
+}
+
+std::string TOrvDBGrid::NextColumn() const {
+  const auto shown = ShownColumns();
+  const auto here = std::find_if(shown.begin(), shown.end(),
+                                 [this](const GridColumn* column) { return column->field == selected_; });
+  return here == shown.end() || here + 1 == shown.end() ? "" : (*(here + 1))->field;
+}
+
+void TOrvDBGrid::UserRow(int64_t row, std::string_view column) {
+  CheckRow(row);
+  const bool other_row = set_.DisplayRow() != row;
+  if (other_row || (!column.empty() && Column(column).field != selected_)) LeaveCell();
+  GoTo(row);
+  if (other_row) inside_ = !selected_.empty();
+  Select(column);
+}
+
+void TOrvDBGrid::GoTo(int64_t row) {
   CheckRow(row);
   if (set_.DisplayRow() == row) return;
   const int64_t before = set_.DisplayCount();
@@ -170,14 +207,14 @@ void TOrvDBGrid::UserCell(int64_t row, std::string_view column_name, std::string
   } else {
     throw UserError("\"" + std::string(text) + "\" não é um valor desta coluna.");
   }
-  UserRow(row);
-  Select(column_name);
+  UserRow(row, column_name);
   set_.Edit();
   field->Set(std::move(value));
 }
 
 void TOrvDBGrid::UserAppend() {
   if (read_only_ || rows_fixed_ || !set_.CanModify()) throw UserError("Aqui não se incluem linhas.");
+  LeaveCell();
   set_.Append();
 }
 
@@ -188,8 +225,7 @@ void TOrvDBGrid::UserDelete(int64_t row) {
 }
 
 void TOrvDBGrid::UserDblClick(int64_t row, std::string_view column) {
-  UserRow(row);
-  Select(column);
+  UserRow(row, column);
   if (OnDblClick) OnDblClick();
 }
 
@@ -200,9 +236,19 @@ void TOrvDBGrid::UserTitle(std::string_view column) {
 
 void TOrvDBGrid::UserKeyAt(int64_t row, KeyPress& key) {
   // A key on an empty grid still reaches its handler: an append comes so.
-  if (set_.Active() && set_.DisplayCount() > 0) UserRow(row);
-  Select(key.column);
+  if (set_.Active() && set_.DisplayCount() > 0) {
+    UserRow(row, key.column);
+  } else {
+    Select(key.column);
+  }
   UserKey(key);
+  // The display goes on to the next column by itself; the program may send the user elsewhere.
+  const GridColumn* column = FindColumn(selected_);
+  const bool leaves = key.key == "Tab" || (key.key == "Enter" && column != nullptr && !column->read_only);
+  if (key.handled || read_only_ || column == nullptr || !leaves || !Watched()) return;
+  const int64_t placed = placed_;
+  LeaveCell();
+  if (placed == placed_) Select(NextColumn());
 }
 
 void TOrvDBGrid::Describe(Properties& properties) const {
@@ -211,6 +257,9 @@ void TOrvDBGrid::Describe(Properties& properties) const {
   properties.emplace_back("readOnly", read_only_);
   properties.emplace_back("rowsFixed", rows_fixed_);
   properties.emplace_back("selected", selected_);
+  // The display tells of each column that the user reaches, and follows where the program put him.
+  properties.emplace_back("watched", Watched());
+  properties.emplace_back("placed", placed_);
   // One text a column, its parts parted by tabs: field, title, width, kind, read-only, decimals, check
   // values, then code, word and tone of each code that has a word.
   std::vector<std::string> columns;

@@ -60,12 +60,15 @@ class TOrvDBGrid : public Control {
   std::vector<const GridColumn*> ShownColumns() const;
   // The column in which the user stands.
   const std::string& SelectedField() const { return selected_; }
+  // Puts the user into a column that is shown, of the current row. Fires nothing.
+  void SetSelectedField(std::string_view field);
 
   // A cell as a display shows it: text in the Brazilian form, or the stored value of a check-box column.
   std::string CellText(int64_t row, const GridColumn& column) const;
 
   // --- What the user does. Raises UserError for what can't be done.
-  void UserRow(int64_t row);
+  // Reaches a row, and a column of it where one is named.
+  void UserRow(int64_t row, std::string_view column = "");
   void UserCell(int64_t row, std::string_view column, std::string_view text);
   void UserAppend();
   void UserDelete(int64_t row);
@@ -75,10 +78,15 @@ class TOrvDBGrid : public Control {
 
   std::string_view Kind() const override { return "grid"; }
   bool TakesFocus() const override { return true; }
+  bool Leaving() override;
   void Describe(Properties& properties) const override;
   const DataSet* BoundSet() const override { return &set_; }
 
   std::function<void(const std::string& column)> OnTitleClick;
+  // When the user leaves a cell for another column, row or control, once: `SelectedField` and the current row
+  // are still the cell's, and what was typed stands in its field. The handler may change the row, append
+  // others and say by `SetSelectedField` where the user goes on.
+  std::function<void()> OnColExit;
   // After the user reached another column.
   std::function<void()> OnColEnter;
 
@@ -87,6 +95,12 @@ class TOrvDBGrid : public Control {
   bool AllZero(const GridColumn& column) const;
   const GridColumn& Column(std::string_view field) const;
   void Select(std::string_view column);
+  // Somebody hears of the columns that the user reaches and leaves.
+  bool Watched() const { return OnColExit != nullptr || OnColEnter != nullptr; }
+  void LeaveCell();
+  void GoTo(int64_t row);
+  // The column behind the one in which the user stands, as they are shown; "" for the last one.
+  std::string NextColumn() const;
 
   DataSet& set_;
   std::vector<GridColumn> columns_;
@@ -97,6 +111,10 @@ class TOrvDBGrid : public Control {
   mutable std::vector<const GridColumn*> zeros_;
   mutable uint64_t zeros_version_ = ~uint64_t{0};
   std::string selected_;
+  // The user stands in a cell of that column, which he hasn't left yet.
+  bool inside_ = false;
+  // How often the program put the user into a column.
+  int64_t placed_ = 0;
 };
 
 // An input over a field of the current row. What the user gives puts the row in edit.

@@ -314,6 +314,22 @@ describe("grid", () => {
     assert.equal(await grid(page).getAttribute("aria-rowcount"), "100001");
   });
 
+  test("a bar reader fills row after row, over a slow link", async () => {
+    desk.delay = 120;
+    const page = await enter();
+    await openScreen(page, "lote", "Lote");
+    await page.getByRole("grid", { name: "Lote" }).waitFor();
+    const bars = ["1237000490180001234565000250012346", "1341004520180004321765000260098761"];
+    await keys(page, bars[0], "Enter", bars[1], "Enter");
+    const { lines } = desk.session().top.sets.TbCheque;
+    await until("lidos", () => lines.length === 3);
+    assert.deepEqual(lines, [["001234", "237", bars[0]], ["004321", "341", bars[1]], ["", "", ""]]);
+    // The columns that the user reaches are told to a desk that hears of them.
+    await keys(page, "ArrowRight", "34", "Tab", "Shift+Tab", "ArrowLeft");
+    const cells = () => desk.session().log.slice(-5).map((one) => [one.do, one.row, one.column]);
+    await until("contado", () => JSON.stringify(cells()) === JSON.stringify([["row", 2, "BANCO"], ["cell", 2, "BANCO"], ["key", 2, "BANCO"], ["row", 2, "BANCO"], ["row", 2, "NUMERO"]]));
+  });
+
   test("a million rows: the bar, the wheel and the keys reach every one; memory stays", async () => {
     const page = await enter();
     await openScreen(page, "milhao", "Um Milhão");

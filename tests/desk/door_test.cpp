@@ -168,6 +168,46 @@ TEST_F(DoorTest, AGridIsFilledChangedOrderedAndEmptied) {
   EXPECT_EQ(desk_.Rows("TbLinhas"), "C|1000.1000|N\n");
 }
 
+// Whichever way a typed cell is left, it is told once, with the row still current; a bar reader's Enter leads
+// to the next row, where it goes on.
+TEST_F(DoorTest, ACellIsLeftOnce) {
+  const auto grade = [&](const char* verb, int row, Json::Object more) {
+    Json in{{"do", verb}, {"control", "Grade"}, {"row", row}};
+    for (auto& [name, value] : more) in.Set(name, std::move(value));
+    desk_.Do(in);
+  };
+  grade("append", 0, {});
+  std::string rows;
+  for (int row = 0; row < 2; ++row) {
+    grade("cell", row, {{"column", "Codigo"}, {"value", "BARRA"}});
+    EXPECT_EQ(desk_.Rows("TbLinhas"), rows + "BARRA|-|-\n");
+    grade("key", row, {{"key", "Enter"}, {"column", "Codigo"}});
+    rows += "BARRA|1.0000|-\n";
+    EXPECT_EQ(desk_.Rows("TbLinhas"), rows + "-|-|-\n");
+    EXPECT_EQ(desk_.Property("Grade", "selected"), Json("Codigo"));
+    EXPECT_EQ(desk_.Property("Grade", "placed"), Json(row + 1));
+  }
+  const std::vector<std::function<void()>> ways = {[&] {
+                                                     grade("key", 2, {{"key", "Tab"}, {"column", "Codigo"}});
+                                                   },
+                                                   [&] {
+                                                     grade("row", 2, {{"column", "Valor"}});
+                                                   },
+                                                   [&] {
+                                                     grade("cell", 2, {{"column", "Marca"}, {"value", true}});
+                                                   },
+                                                   [&] { grade("row", 1, {}); },
+                                                   [&] { desk_.Set("EdtTexto", "x"); }};
+  for (std::size_t i = 0; i < ways.size(); ++i) {
+    grade("cell", 2, {{"column", "Codigo"}, {"value", "C" + std::to_string(i)}});
+    ways[i]();
+    grade("row", 2, {{"column", "Marca"}});
+    EXPECT_EQ(desk_.Rows("TbLinhas"), rows + "C" + std::to_string(i) + "|" + std::to_string(i + 1) +
+                                          ".0000|" + (i < 2 ? "-" : "S") + "\n")
+        << i;
+  }
+}
+
 TEST_F(DoorTest, QuestionsWaitForTheirOwnAnswers) {
   desk_.Click("BtPergunta");
   EXPECT_EQ(desk_.End(), "waiting answer");

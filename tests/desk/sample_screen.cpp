@@ -31,6 +31,13 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   Menu.OnPopup = [this] { ItDetalhe.SetEnabled(!Linhas.IsEmpty()); };
   ItDetalhe.OnClick = [this] { Funcoes.TelaDetalhamento("Linhas", Linhas); };
   Grade.OnKey = [this](KeyPress& key) { LbSoma.SetCaption(key.column + " " + key.key); };
+  Grade.OnColExit = [this] {
+    if (Grade.SelectedField() != "Codigo" || !Linhas.Editing()) return;
+    Linhas.Valor = Value(Linhas.Valor.AsCurrency() + Currency(1));
+    if (Linhas.Codigo.AsString() != "BARRA") return;
+    Linhas.Append();
+    Grade.SetSelectedField("Codigo");
+  };
   Grade.OnTitleClick = [this](const std::string& column) { Linhas.SetIndexFieldNames(column); };
   Grade.OnDblClick = [this] { LbSoma.SetCaption("duplo " + Linhas.Codigo.AsString()); };
   BtPergunta.OnClick = [this] {

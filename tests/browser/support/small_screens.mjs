@@ -9,6 +9,7 @@ export const kMenu = [
   { class: "Milhao", caption: "Um Milhão de Lançamentos", group: "Exemplos" },
   { class: "Cheques", caption: "Cheques Recebidos", group: "Cheques" },
   { class: "Concilia", caption: "Conciliação Bancária", group: "Conciliação" },
+  { class: "Lote", caption: "Lote de Cheques", group: "Cheques" },
   { class: "Fluxo", caption: "Fluxo de Caixa Realizado e Previsto", group: "Fluxo de Caixa" },
 ];
 
@@ -441,6 +442,33 @@ function cheques(session, id) {
   return s;
 }
 
+// A pile of cheques by a bar reader: a line read as a number is taken apart when its cell is left, and the next
+// cheque begins.
+function batch(session, id) {
+  const s = new SmallScreen(session, id, "Lote", "Lote de Cheques", "child");
+  const fields = ["NUMERO", "BANCO", "BARRA"];
+  const set = { name: "TbCheque", count: 1, row: 0, version: 1, state: "insert", lines: [["", "", ""]], cells: (row) => set.lines[row] };
+  s.sets[set.name] = set;
+  const columns = [35, 3, 34].map((width, at) => `${fields[at]}\t${fields[at]}\t${width}\ttext\t0\t2\t\t`);
+  s.add("Grade", "grid", "Lote", { set: set.name, readOnly: false, rowsFixed: false, selected: "", watched: true, placed: 0, columns });
+  s.controls.Grade.handlers = {
+    grid: (object) => {
+      if (object.row !== undefined) set.row = object.row;
+      const line = set.lines[set.row];
+      if (object.do === "cell") line[fields.indexOf(object.column)] = object.value;
+      set.version += 1;
+      if (object.key !== "Enter" || object.column !== "NUMERO" || line[0].length !== 34) return;
+      set.lines.splice(set.row, 1, [line[0].slice(13, 19), line[0].slice(1, 4), line[0]]);
+      set.row = set.lines.push(["", "", ""]) - 1;
+      set.count += 1;
+      Object.assign(s.controls.Grade, { selected: "NUMERO", placed: s.controls.Grade.placed + 1 });
+    },
+  };
+  s.rows = [["Grade"]];
+  s.focus = "Grade";
+  return s;
+}
+
 function dialog(session, id) {
   const s = new SmallScreen(session, id, "Dialogo", "Transferência entre Contas", "dialog");
   s.add("Origem", "edit", "Conta Origem", { maxLength: 13 });
@@ -467,6 +495,8 @@ export function makeScreen(name, session, id) {
       return controls(session, id);
     case "Cheques":
       return cheques(session, id);
+    case "Lote":
+      return batch(session, id);
     case "Dialogo":
       return dialog(session, id);
     case "Grade":

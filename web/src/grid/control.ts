@@ -59,6 +59,11 @@ export class GridControl extends ControlView implements GridOwner {
   override update(changed: Properties): void {
     if (changed["enabled"] === false || changed["visible"] === false) this.endEdit();
     super.update(changed);
+    // The program put the user into a column; one that he types into meanwhile stays his.
+    if (Number(changed["placed"]) > 0 && this.editor === null) {
+      const at = this.grid.columns.findIndex((one) => one.field === this.text("selected"));
+      if (at >= 0) this.grid.show(this.grid.row, at);
+    }
   }
 
   override setChanged(state: SetState): void {
@@ -106,7 +111,7 @@ export class GridControl extends ControlView implements GridOwner {
       this.screen.commit();
       this.endEdit();
       this.grid.anchor = event.shiftKey ? (this.grid.anchor < 0 ? this.grid.row : this.grid.anchor) : -1;
-      const here = row === this.grid.row;
+      const here = row === this.grid.row && (column === this.grid.column || !this.flag("watched"));
       this.grid.show(row, column);
       this.focus();
       if (!here || document.activeElement !== this.grid.scroller || this.desk.has(`row:${this.name}`)) this.sendRow(row, true);
@@ -163,7 +168,7 @@ export class GridControl extends ControlView implements GridOwner {
     }
     this.moves += 1;
     this.desk.send(
-      { do: "row", control: this.name, row },
+      { do: "row", control: this.name, row, ...(this.flag("watched") ? { column: this.field } : {}) },
       {
         hold,
         key: `row:${this.name}`,
@@ -183,6 +188,13 @@ export class GridControl extends ControlView implements GridOwner {
     const here = row === this.grid.row;
     this.grid.show(row);
     if (!here) this.sendRow(row);
+  }
+
+  // Another column of the row, of which the desk is told where it asks for that.
+  private goAcross(column: number): void {
+    const before = this.grid.column;
+    this.grid.show(this.grid.row, column);
+    if (this.flag("watched") && this.grid.column !== before && this.grid.row >= 0) this.sendRow(this.grid.row);
   }
 
   private get field(): string {
@@ -218,18 +230,18 @@ export class GridControl extends ControlView implements GridOwner {
     const lastRow = this.grid.scroll.count - 1;
     switch (key) {
       case "ArrowLeft":
-        this.grid.show(this.grid.row, ctrl ? 0 : this.grid.column - 1);
+        this.goAcross(ctrl ? 0 : this.grid.column - 1);
         return true;
       case "ArrowRight":
-        this.grid.show(this.grid.row, ctrl ? lastColumn : this.grid.column + 1);
+        this.goAcross(ctrl ? lastColumn : this.grid.column + 1);
         return true;
       case "Home":
         if (ctrl || !this.editable) this.goTo(0, shift);
-        else this.grid.show(this.grid.row, 0);
+        else this.goAcross(0);
         return true;
       case "End":
         if (ctrl || !this.editable) this.goTo(lastRow, shift);
-        else this.grid.show(this.grid.row, lastColumn);
+        else this.goAcross(lastColumn);
         return true;
       case "ArrowDown":
         if (this.grid.row === lastRow && !ctrl && !shift && this.mayAppend) {
@@ -304,7 +316,8 @@ export class GridControl extends ControlView implements GridOwner {
     const to = this.grid.column + (back ? -1 : 1);
     const inside = this.editable && this.grid.scroll.count > 0 && to >= 0 && to < this.grid.columns.length;
     if (this.editable && this.grid.scroll.count > 0 && !back) this.cellKey("Tab");
-    if (inside) this.grid.show(this.grid.row, to);
+    if (inside && back) this.goAcross(to);
+    else if (inside) this.grid.show(this.grid.row, to);
     else this.screen.moveFocus(this, !back);
     return true;
   }
