@@ -6,6 +6,13 @@
 #include "toolkit/text.h"
 
 namespace orv {
+namespace {
+
+// Events whose handlers are running. Handlers that fire one another without end are told as such.
+constexpr int kMostNested = 200;
+thread_local int nested_events = 0;
+
+}  // namespace
 
 std::string_view StateName(DataSetState state) {
   switch (state) {
@@ -31,6 +38,9 @@ std::shared_ptr<const void> Event::Listen(Handler handler) {
 }
 
 void Event::operator()() const {
+  if (!*this) return;
+  const ScopedValue nested(nested_events, nested_events + 1);
+  ORV_ASSERT(nested_events <= kMostNested);
   const auto listeners = listeners_;
   if (const Handler own = own_) own();
   for (const auto& one : listeners) {
@@ -71,7 +81,7 @@ void Field::Set(Value value) {
 
 // --- DataSet: fields.
 
-DataSet::~DataSet() = default;
+DataSet::~DataSet() { ORV_ASSERT(disabled_ == 0); }
 
 Field& DataSet::FieldByName(std::string_view name) {
   Field* field = FindField(name);
