@@ -45,7 +45,10 @@ class EachParted : public RowSink {
   }
   bool Row(std::span<Value> values) override {
     ORV_ASSERT(values.size() == places_.size());
-    std::fill(row_.begin(), row_.end(), Value());
+    // Appended rows leave nothing behind.
+    for (Value& value : row_) {
+      if (!value.IsNull()) value = Value();
+    }
     auto other = rest_.begin();
     for (std::size_t i = 0; i < values.size(); ++i)
       (places_[i] ? *places_[i] : *other++) = std::move(values[i]);

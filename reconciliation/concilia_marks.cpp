@@ -13,8 +13,8 @@ namespace {
 enum Busca { kConciliados = 0, kAConciliar = 1 };
 enum Tipo { kPagamentos = 0, kRecebimentos = 1 };
 
-// The modes of a set: as the user works at it, and while it is loaded.
-constexpr int kNormal = 0, kCarga = 2;
+// The mode of a set while it is loaded.
+constexpr int kCarga = 2;
 
 // Takes rows of a statement into a set: each column of the result into a field.
 class Linhas : public RowSink {
