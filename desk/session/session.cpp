@@ -170,7 +170,7 @@ void Session::RequireStanding() {
   const auto standing = services_->Users().Standing(services_->Login());
   if (standing && options_.seal == nullptr) options_.seal = std::make_shared<LoginSeal>(standing->seal);
   if (!standing || !options_.seal->Holds(standing->seal)) {
-    end_text_ = "Seu acesso foi retirado ou sua senha foi trocada. Entre de novo.";
+    end_text_ = kCutOff;
     throw SessionEnd{};
   }
   for (auto& [screen, shown] : shown_) {
