@@ -51,6 +51,7 @@ class TfmAmostra : public Child {
   Button BtFalha{*this, "BtFalha", "&Falha"};
   Button BtDesiste{*this, "BtDesiste", "De&siste"};
   Button BtLonga{*this, "BtLonga", "&Longa"};
+  Button BtLivro{*this, "BtLivro", "&Livro"};
   Button BtRelatorio{*this, "BtRelatorio", "&Relatório"};
   SmallButton BtFecha{*this, "BtFecha", "Fechar"};
 
