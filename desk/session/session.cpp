@@ -139,7 +139,7 @@ void Session::Serve() {
   for (;;) {
     Handle(Take().in);
     application_->FreeClosed();
-    services_->AfterAction();
+    in_order_ = Guarded("order", [this] { services_->AfterAction(); });
     Collect();
     Settle({{"on", "idle"}});
   }
@@ -191,7 +191,13 @@ void Session::Settle(Json out) {
 
 void Session::SendAll() {
   Send({{"on", "refresh"}});
-  for (Screen* screen : application_->Shown()) SendScreen(*screen, shown_[screen]);
+  for (Screen* screen : application_->Shown()) {
+    try {
+      SendScreen(*screen, shown_[screen]);
+    } catch (const std::exception& e) {
+      ToldFailure("refresh", e);
+    }
+  }
   Collect();
   if (busy_) Send({{"on", "busy"}, {"value", true}});
   if (!question_.IsNull()) Send(question_);

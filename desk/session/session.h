@@ -100,7 +100,8 @@ class Session : private UserInterface, private ApplicationObserver {
     std::map<const DataSet*, std::string> sets;  // what was told of them, as text
     std::string focus;
     std::string badge;
-    std::string rights;  // what the user may do on it, as of the latest action
+    std::string rights;   // what the user may do on it, as of the latest action
+    bool behind = false;  // looking at it was cut short: all of it is looked at again
   };
 
   struct Entry {
@@ -128,10 +129,14 @@ class Session : private UserInterface, private ApplicationObserver {
 
   // --- Working on an object (session_actions.cpp).
   void Handle(const Json& in);
+  // Runs it as an action: what fails is undone, logged under `verb` and told. False when it failed.
+  bool Guarded(const Json& verb, const std::function<void()>& work);
   // What is under way from here on is no gathering, until one tells of itself.
   void EndGathering();
   // Takes back what the action has written, also from what the shared tables hold.
   void Undo();
+  // Logs it under `verb` and tells the user.
+  void ToldFailure(const Json& verb, const std::exception& e);
   void LogFailure(const Json& verb, const std::exception& e);
   void Act(const Json& in);
   // Takes the screens that closed off the desk.
@@ -215,6 +220,8 @@ class Session : private UserInterface, private ApplicationObserver {
   int64_t last_report_ = 0;
   // The screen that the display takes to be on top; another one is told.
   int64_t front_ = 0;
+  // What the latest action left was put in order; false where that failed, and the next one does it first.
+  bool in_order_ = true;
   // What a display that comes back must be told: the open question, what ended the latest answer, the busy
   // mark.
   Json question_;

@@ -25,14 +25,23 @@ std::string Given(const Json& value) {
 }  // namespace
 
 void Session::Handle(const Json& in) {
-  attachment_->BeginAction();
   EndGathering();
-  try {
+  Guarded(in["do"], [&] {
+    if (!in_order_) services_->AfterAction();
+    in_order_ = true;
     RequireStanding();
     Act(in);
     ReleaseClosed();
     if (Screen* top = application_->Top()) top->RepairFocus();
+  });
+}
+
+bool Session::Guarded(const Json& verb, const std::function<void()>& work) {
+  attachment_->BeginAction();
+  try {
+    work();
     attachment_->EndAction();
+    return true;
   } catch (const SilentAbort&) {
     Undo();
   } catch (const RequestError& e) {
@@ -40,9 +49,14 @@ void Session::Handle(const Json& in) {
     SendError(e.what());
   } catch (const std::exception& e) {
     Undo();
-    LogFailure(in["do"], e);
-    SendError(e.what());
+    ToldFailure(verb, e);
   }
+  return false;
+}
+
+void Session::ToldFailure(const Json& verb, const std::exception& e) {
+  LogFailure(verb, e);
+  SendError(e.what());
 }
 
 void Session::EndGathering() {

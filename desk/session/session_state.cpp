@@ -66,16 +66,26 @@ Json Session::Tree(const Form& form) const {
 }
 
 void Session::Collect() {
-  for (Screen* screen : application_->Shown()) CollectScreen(*screen, shown_[screen]);
+  for (Screen* screen : application_->Shown()) {
+    try {
+      CollectScreen(*screen, shown_[screen]);
+    } catch (const SilentAbort&) {
+    } catch (const std::exception& e) {
+      ToldFailure("collect", e);
+    }
+  }
   const int64_t front = TopId();
   if (front != front_ && front != 0) Send({{"on", "front"}, {"screen", front}});
   front_ = front;
 }
 
 void Session::CollectScreen(Screen& screen, Shown& shown) {
+  const bool all = std::exchange(shown.behind, true);
   Json::Object controls;
   Json::Object sets;
-  std::map<const DataSet*, bool> moved;
+  // As told once all of it was looked at.
+  std::map<const Control*, Properties> described;
+  std::map<const DataSet*, std::string> moved;
   for (DataSet* set : screen.Sets()) {
     if (set->ControlsDisabled()) continue;
     const Json told{{"version", set->Version()},
@@ -84,25 +94,26 @@ void Session::CollectScreen(Screen& screen, Shown& shown) {
                     {"state", StateName(set->State())}};
     std::string text = told.Text();
     if (shown.sets[set] == text) continue;
-    shown.sets[set] = std::move(text);
+    moved[set] = std::move(text);
     sets.emplace_back(set->Name(), told);
-    moved[set] = true;
   }
   for (Control* control : screen.Controls()) {
     const bool bound = control->BoundSet() != nullptr;
-    if (!control->TakeDirty() && !(bound && (moved.count(control->BoundSet()) > 0 || shown.sent.empty())))
-      continue;
-    Properties now;
+    const bool touched = control->TakeDirty() || all;
+    if (!touched && !(bound && (moved.count(control->BoundSet()) > 0 || shown.sent.empty()))) continue;
+    Properties& now = described[control];
     control->Describe(now);
-    Properties& before = shown.sent[control];
+    const Properties& before = shown.sent[control];
     Json::Object changed;
     for (std::size_t i = 0; i < now.size(); ++i) {
       const bool same = before.size() == now.size() && before[i] == now[i];
       if (!same) changed.emplace_back(now[i].first, PropertyJson(now[i].second));
     }
-    before = std::move(now);
     if (!changed.empty()) controls.emplace_back(control->Name(), std::move(changed));
   }
+  for (auto& [control, properties] : described) shown.sent[control] = std::move(properties);
+  for (auto& [set, text] : moved) shown.sets[set] = std::move(text);
+  shown.behind = false;
   std::string focus = FocusName(screen);
   const bool refocused = focus != shown.focus;
   shown.focus = std::move(focus);

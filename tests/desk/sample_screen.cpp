@@ -30,7 +30,7 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   Layout(R"(
     EdtTexto EdtValor CbMarca CbLista LbLista TrPrazo PbAnda LbSoma /
     EdtBanco PqBanco EdtNomeBanco PqVarios / Grade / DbeBanco DbeCodigo DbrMarca / Grafico / Menu { ItDetalhe } /
-    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga BtLivro BtRelatorio BtFecha
+    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga LbTorto BtErra BtLivro BtRelatorio BtFecha
   )");
   PqVarios.Settings().MultiSelecao = true;
   Lookups({{.field = &EdtBanco,
@@ -94,6 +94,18 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
     PbAnda.SetMaximum(200000000);
     for (steps = 0; steps < 200000000; ++steps) PbAnda.SetPosition(steps);
   };
+  Listen(Tabela.tbEmpresa().AfterScroll, [this] {
+    if (!std::exchange(erra_, false)) return;
+    Grava("M01");
+    throw UserError("Falha ao arrumar.");
+  });
+  BtErra.OnClick = [this] {
+    Tabela.tbEmpresa().Next();
+    erra_ = true;
+    LbSoma.SetCaption("errou");
+    LbTorto.SetCaption("torto");
+    LbTorto.falha = true;
+  };
   BtLivro.OnClick = [this] {
     SheetText rows;
     Owner().Sheets().Read(User().OpenPath(EdtTexto.Text()).value(), rows);
@@ -101,6 +113,11 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   };
   BtRelatorio.OnClick = [this] { Funcoes.Chama_Relatorio(*this, EdtTexto.Text()); };
   BtFecha.OnClick = [this] { Close(); };
+}
+
+void Torto::Describe(Properties& properties) const {
+  if (std::exchange(falha, false)) throw UserError("Falha ao mostrar.");
+  Label::Describe(properties);
 }
 
 void TfmAmostra::Grava(const std::string& codigo) {
