@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "desk/client.h"
+#include "desk/session/client.h"
 
 namespace orv::bench {
 

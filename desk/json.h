@@ -73,6 +73,7 @@ class Json {
   friend bool operator==(const Json& a, const Json& b) { return a.value_ == b.value_; }
 
  private:
+  struct Builder;
   const Json* Find(std::string_view name) const;
   void Write(std::string& out) const;
 

@@ -10,6 +10,10 @@
 
 namespace orv {
 
+// What the user is told when his login holds no longer.
+inline constexpr std::string_view kCutOff =
+    "Seu acesso foi retirado ou sua senha foi trocada. Entre de novo.";
+
 // From any thread: a login's windows look at it, each on its own.
 class LoginSeal {
  public:

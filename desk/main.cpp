@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "desk/command_line.h"
-#include "desk/commands.h"
+#include "desk/commands/command_line.h"
+#include "desk/commands/commands.h"
 #include "toolkit/error.h"
 
 namespace {

@@ -14,6 +14,7 @@
 
 namespace orv {
 
+class ISheets;
 class Screen;
 struct ScreenInfo;
 
@@ -22,6 +23,7 @@ struct Services {
   IFuncoes& funcoes;
   IContabil& contabil;
   ITabela& tabela;
+  ISheets& sheets;
 };
 
 // Told of the screens that come and go.
@@ -51,6 +53,8 @@ class Application {
   IFuncoes& Funcoes() const { return services_->funcoes; }
   IContabil& Contabil() const { return services_->contabil; }
   ITabela& Tabela() const { return services_->tabela; }
+  // Of a file that the user gave: `Owner().Sheets().Read(*User().OpenPath(path), rows)` (frame/sheet.h).
+  ISheets& Sheets() const { return services_->sheets; }
   UserInterface& User() const { return user_; }
   Date Today() const { return clock_.Today(); }
   const Clock& GetClock() const { return clock_; }

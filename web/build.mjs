@@ -35,6 +35,15 @@ if (process.argv.includes("--tests")) {
     charset: "utf8",
     logLevel: "warning",
   });
+  await build({
+    entryPoints: [join(here, "style", "app.css")],
+    outfile: join(out, "app.css"),
+    bundle: true,
+    external: ["/favicon.svg"],
+    minify: true,
+    charset: "utf8",
+    logLevel: "warning",
+  });
   // The desk sends what stands compressed beside a file to browsers that take it.
   for (const name of readdirSync(out).filter((one) => /\.(html|js|css|svg)$/.test(one))) {
     writeFileSync(join(out, `${name}.gz`), gzipSync(readFileSync(join(out, name)), { level: 9 }));

@@ -399,11 +399,10 @@ void Core::BeginAction() {
 void Core::EndAction() {
   ORV_ASSERT(!actions_.empty());
   const bool savepoint = actions_.back();
+  // An action that can't be ended is still there to be rolled back.
+  if (savepoint) Savepoint("RELEASE SAVEPOINT", actions_.size() - 1);
   actions_.pop_back();
-  if (savepoint)
-    Savepoint("RELEASE SAVEPOINT", actions_.size());
-  else if (actions_.empty())
-    LetGo();
+  if (!savepoint && actions_.empty()) LetGo();
 }
 
 void Core::LetGo() {

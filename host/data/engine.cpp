@@ -139,13 +139,23 @@ void MakeRoot(const fs::path& folder) {
 
 constexpr std::array kSignals = {SIGTERM, SIGINT};
 
-// Keeps the engine's code in memory for the life of the process: the thread of a finished task may still be
-// on its way out when the client library takes the engine away.
-void KeepEngineLoaded() {
+// Keeps the engine for the life of the process. Its code, since the thread of a finished task may still be on
+// its way out when the client library takes the engine away; and a use of it, since a minute after the last
+// one the client library shuts it down, and what stays in memory never starts again.
+void KeepEngine() {
   const char* root = std::getenv("FIREBIRD");
   if (root == nullptr) return;
   // The handle is kept for good. Where the engine isn't in use, at a server, there is none.
-  dlopen((fs::path(root) / "plugins/libEngine12.so").c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+  if (dlopen((fs::path(root) / "plugins/libEngine12.so").c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE) ==
+      nullptr) {
+    return;
+  }
+  static Firebird::IPluginSet* use = nullptr;
+  fb::Call call;
+  use = fb::Master()->getPluginManager()->getPlugins(call(), Firebird::IPluginManager::TYPE_PROVIDER,
+                                                     "Engine12", nullptr);
+  // The client library, which goes after this, waits at its end for whoever still uses the engine.
+  if (use != nullptr) std::atexit([] { use->release(); });
 }
 
 bool HostName(std::string_view text) {
@@ -225,7 +235,7 @@ void KeepingSignals(const std::function<void()>& attach) {
     for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &before[i], nullptr);
   });
   attach();
-  KeepEngineLoaded();
+  KeepEngine();
   installed = true;
 }
 

@@ -6,6 +6,7 @@
 #include "host/services/contabil_service.h"
 #include "host/services/extenso.h"
 #include "host/services/funcoes_service.h"
+#include "host/sheet/sheet_reader.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -71,6 +72,7 @@ struct SessionServices::Parts {
   Numbering numbering;
   FuncoesService funcoes;
   ContabilService contabil;
+  SheetReader sheets;
 };
 
 SessionServices::SessionServices(Application& application, Attachment& db, std::string_view login,
@@ -84,7 +86,9 @@ SessionServices::SessionServices(Application& application, Attachment& db, std::
 
 SessionServices::~SessionServices() = default;
 
-Services SessionServices::Get() const { return {parts_->funcoes, parts_->contabil, parts_->tabela}; }
+Services SessionServices::Get() const {
+  return {parts_->funcoes, parts_->contabil, parts_->tabela, parts_->sheets};
+}
 
 orv::Users& SessionServices::Users() const { return parts_->users; }
 orv::Parameters& SessionServices::Parameters() const { return parts_->parameters; }

@@ -295,6 +295,15 @@ TEST_F(DoorTest, WhatFailsIsUndoneToWhereItsActionBegan) {
   desk_.Set("EdtTexto", "Z01");
   desk_.Click("BtGrava");
   EXPECT_EQ(Banks("'Z01'"), "Z01") << "the screen stays usable";
+
+  // So does what fails while the desk is put in order and looked at after an action: it is told later.
+  desk_.Click("BtErra");
+  EXPECT_EQ(desk_.Messages(), "error: Falha ao arrumar.\nerror: Falha ao mostrar.");
+  EXPECT_EQ(desk_.End(), "idle");
+  desk_.Set("EdtTexto", "N01");
+  EXPECT_EQ(desk_.Latest()[0]["controls"]["LbSoma"]["caption"], Json("errou"));
+  desk_.Click("BtGrava");
+  EXPECT_EQ(Banks("'M01','N01'"), "N01");
 }
 
 TEST_F(DoorTest, ALongGatheringIsCancelledAndNothingElse) {

@@ -78,7 +78,11 @@ TEST_F(ReportTest, IsKeptAsItStoodAndWrittenInEachForm) {
   EXPECT_NE(Written(told["id"], "csv").find("A;1000,10"), std::string::npos);
   EXPECT_NE(Written(told["id"], "html").find(">1.000,10<"), std::string::npos);
   EXPECT_EQ(Written(told["id"], "pdf").substr(0, 5), "%PDF-");
-  EXPECT_EQ(Written(told["id"], "xlsx").substr(0, 2), "PK");
+  std::ofstream(folder_.Path() / "livro.xlsx", std::ios::binary) << Written(told["id"], "xlsx");
+  desk_.Set("EdtTexto", "livro.xlsx");
+  desk_.Click("BtLivro");
+  const std::string book = desk_.Property("LbSoma", "caption").String();
+  EXPECT_NE(book.find("A|1.000,10|"), std::string::npos) << book << desk_.Messages();
 
   EXPECT_EQ(Written(told["id"], "exe"), "error: O relatório não tem o formato \"exe\".");
   EXPECT_EQ(Written(Json("1"), "pdf"), "error: O relatório não está mais aberto. Imprima-o de novo.");

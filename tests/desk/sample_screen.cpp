@@ -1,6 +1,7 @@
 #include "tests/desk/sample_screen.h"
 
 #include "frame/registry.h"
+#include "frame/sheet.h"
 #include "toolkit/error.h"
 
 namespace orv::test {
@@ -11,6 +12,15 @@ std::string InsertBank(IFuncoes& funcoes, const std::string& code) {
          funcoes.Aspas(code) + ", 'AMOSTRA')";
 }
 
+struct SheetText : SheetSink {
+  bool Row(const SheetRow& row) override {
+    for (int column = 1; column <= row.Columns(); ++column) text.append(row.Text(column)) += "|";
+    return true;
+  }
+  void TakeBack() noexcept override { text.clear(); }
+  std::string text;
+};
+
 }  // namespace
 
 TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostra", "fmAmostra", "Amostra") {
@@ -20,7 +30,7 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
   Layout(R"(
     EdtTexto EdtValor CbMarca CbLista LbLista TrPrazo PbAnda LbSoma /
     EdtBanco PqBanco EdtNomeBanco PqVarios / Grade / DbeBanco DbeCodigo DbrMarca / Grafico / Menu { ItDetalhe } /
-    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga BtRelatorio BtFecha
+    BtPergunta BtData BtArquivo BtDialogo BtConta BtGrava BtFalha BtDesiste BtLonga LbTorto BtErra BtLivro BtRelatorio BtFecha
   )");
   PqVarios.Settings().MultiSelecao = true;
   Lookups({{.field = &EdtBanco,
@@ -97,8 +107,30 @@ TfmAmostra::TfmAmostra(Application& application) : Child(application, "TfmAmostr
     PbAnda.SetMaximum(200000000);
     for (steps = 0; steps < 200000000; ++steps) PbAnda.SetPosition(steps);
   };
+  Listen(Tabela.tbEmpresa().AfterScroll, [this] {
+    if (!std::exchange(erra_, false)) return;
+    Grava("M01");
+    throw UserError("Falha ao arrumar.");
+  });
+  BtErra.OnClick = [this] {
+    Tabela.tbEmpresa().Next();
+    erra_ = true;
+    LbSoma.SetCaption("errou");
+    LbTorto.SetCaption("torto");
+    LbTorto.falha = true;
+  };
+  BtLivro.OnClick = [this] {
+    SheetText rows;
+    Owner().Sheets().Read(User().OpenPath(EdtTexto.Text()).value(), rows);
+    LbSoma.SetCaption(rows.text);
+  };
   BtRelatorio.OnClick = [this] { Funcoes.Chama_Relatorio(*this, EdtTexto.Text()); };
   BtFecha.OnClick = [this] { Close(); };
+}
+
+void Torto::Describe(Properties& properties) const {
+  if (std::exchange(falha, false)) throw UserError("Falha ao mostrar.");
+  Label::Describe(properties);
 }
 
 void TfmAmostra::Grava(const std::string& codigo) {

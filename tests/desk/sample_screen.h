@@ -13,6 +13,13 @@ struct TbLinhas : TClientDataSet {
   Field Marca{*this, "Marca", FieldType::String, 1};
 };
 
+// Can't be shown the next time.
+struct Torto : Label {
+  using Label::Label;
+  void Describe(Properties& properties) const override;
+  mutable bool falha = false;
+};
+
 class TfmAmostra : public Child {
  public:
   explicit TfmAmostra(Application& application);
@@ -50,6 +57,9 @@ class TfmAmostra : public Child {
   Button BtFalha{*this, "BtFalha", "&Falha"};
   Button BtDesiste{*this, "BtDesiste", "De&siste"};
   Button BtLonga{*this, "BtLonga", "&Longa"};
+  Torto LbTorto{*this, "LbTorto", "Torto"};
+  Button BtErra{*this, "BtErra", "&Erra"};
+  Button BtLivro{*this, "BtLivro", "&Livro"};
   Button BtRelatorio{*this, "BtRelatorio", "&Relatório"};
   SmallButton BtFecha{*this, "BtFecha", "Fechar"};
 
@@ -60,6 +70,7 @@ class TfmAmostra : public Child {
 
  private:
   void Grava(const std::string& codigo);
+  bool erra_ = false;
 };
 
 // A dialog that writes or fails inside the action that opened it.

@@ -1,5 +1,5 @@
 // The door over WebSocket: sessions that outlive their links, and what ends them.
-#include "desk/server_control.h"
+#include "desk/server/server_control.h"
 #include "tests/server/server_test.h"
 
 namespace orv::test {

@@ -1,6 +1,6 @@
 // What the desk answers over HTTP: who gets in, and what nobody gets.
 #include "desk/folders.h"
-#include "desk/http_guard.h"
+#include "desk/http/http_guard.h"
 #include "tests/server/server_test.h"
 
 namespace orv::test {

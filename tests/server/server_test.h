@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "desk/server.h"
+#include "desk/server/server.h"
 #include "host/services/users.h"
 #include "tests/server/client.h"
 #include "tests/support/desk_test.h"

@@ -1,32 +1,24 @@
-// The desk's page: it shows what the desk tells, sends what the user does, keeps the focus where the desk has
-// it, and keeps what is typed ahead.
+// The desk's page: it shows what the desk tells, sends what the user does, and keeps the focus where the desk
+// has it. What is asked stands in boxes.ts, what is typed in typing.ts.
 import { me as askMe, setPreference, upload } from "./api.ts";
+import { Boxes, type BoxesUser } from "./boxes.ts";
 import type { DeskContext } from "./context.ts";
-import { ButtonView } from "./controls/button.ts";
 import type { ControlView } from "./controls/control.ts";
 import { AccountDialog } from "./dialogs/account.ts";
-import { Dialog } from "./dialogs/dialog.ts";
-import { FileDialog } from "./dialogs/file.ts";
+import type { Dialog } from "./dialogs/dialog.ts";
 import { HelpDialog } from "./dialogs/help.ts";
-import { LookupDialog } from "./dialogs/lookup.ts";
-import { ErrorDialog, InputDialog, MessageDialog } from "./dialogs/message.ts";
-import { ProgressDialog } from "./dialogs/progress.ts";
-import { ReportDialog } from "./dialogs/report.ts";
-import { ConfirmDialog, DetailDialog } from "./dialogs/tables.ts";
+import { ErrorDialog } from "./dialogs/message.ts";
 import { Door, type DoorUser, type Link } from "./door.ts";
 import { Drafts } from "./drafts.ts";
 import { Frame, type FrameUser } from "./frame.ts";
-import { belongsToBrowser, isModifier, pressOf, strokeOf, type Ahead, type Press } from "./keys.ts";
+import type { Press } from "./keys.ts";
 import { kAccount } from "./menu.ts";
-import type { ChangeOut, In, Me, MenuEntry, Out, Question, StateOut } from "./protocol.ts";
+import type { ChangeOut, In, Me, MenuEntry, Out, StateOut } from "./protocol.ts";
 import type { Item } from "./queue.ts";
 import { ScreenView } from "./screen.ts";
 import { TakeUp, type TakeUpUser } from "./takeup.ts";
 import { fromNeutral, localToday, type Day } from "./text/date.ts";
-
-const kMostAhead = 2000;
-// Presses of one key that follow each other faster were meant for what was shown before the first of them.
-const kBurst = 400;
+import { Typing, type TypingUser } from "./typing.ts";
 
 export interface DeskOptions {
   // The session to come back to, null for a new one.
@@ -36,20 +28,15 @@ export interface DeskOptions {
   leave: () => void;
 }
 
-export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
+export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUpUser, TypingUser {
   private frame: Frame;
   private drafts: Drafts;
   private takeUp: TakeUp;
   private door: Door;
+  private boxes: Boxes;
+  private typing: Typing;
   // From bottom to top.
   private screens: ScreenView[] = [];
-  private question: Dialog | null = null;
-  // The user has answered; the box comes back if the desk goes on waiting.
-  private answered = false;
-  private progress: ProgressDialog | null = null;
-  // Boxes of the page itself, for which the desk doesn't wait.
-  private boxes: Dialog[] = [];
-  private ahead: Ahead[] = [];
   private busy = false;
   private draft: { id: number; name: string; text: string } | null = null;
   private greeted = false;
@@ -65,9 +52,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.frame = new Frame(me, this, this.takeUp.element);
     root.replaceChildren(this.frame.element);
     const { signal } = this.abort;
-    document.addEventListener("keydown", (event) => this.keyDown(event), { capture: true, signal });
-    document.addEventListener("beforeinput", (event) => this.beforeInput(event), { capture: true, signal });
-    document.addEventListener("compositionend", (event) => this.composed(event), { capture: true, signal });
+    this.boxes = new Boxes(root, this);
+    this.typing = new Typing(this, signal);
     window.addEventListener("orv-refocus", () => this.settle(), { signal });
     this.frame.focusHome();
     this.door = new Door(this, options.session, async () => {
@@ -83,7 +69,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.abort.abort();
     this.door.close();
     for (const screen of this.screens) screen.destroy();
-    for (const box of [this.question, this.progress, ...this.boxes]) box?.destroy();
+    this.boxes.destroy();
     document.documentElement.classList.remove("is-busy");
     this.root.replaceChildren();
   }
@@ -95,7 +81,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     const screen = this.top?.id;
     const meant = screen === undefined || object.do === "report" ? object : { screen, ...object };
     this.door.push({ object: meant, purpose: "screen", hold: true, ...options });
-    this.pressed = options.press ?? false;
+    this.typing.sent(options.press ?? false);
     if (object.do === "set" || object.do === "check") this.typed(this.top?.find(String(object["control"])));
     this.mark();
   }
@@ -115,41 +101,10 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   }
   act(run: () => void): void {
     const on = this.top;
-    this.later(() => on === this.top && run());
+    this.typing.later(() => on === this.top && run());
   }
-  private later(run: () => void, press = false): void {
-    if (this.holding) this.type({ kind: "act", run, press });
-    else run();
-  }
-
-  // What was pressed last, how it looked, and when.
-  private last = { by: "none", sight: "", at: 0 };
-  // The key that is being worked on.
-  private stroke = "";
-  // The last that went out was a press; what is done now was typed directly behind it.
-  private pressed = false;
-  private burst = false;
-  // The user has answered a box: what he presses next he means.
-  private seenSince(): void {
-    this.pressed = false;
-    this.last.by = "none";
-  }
-
   press(control: ControlView, clicks: number, run: () => void): void {
-    const top = this.top;
-    if (top === undefined) return;
-    // The same key typed twice before the first was answered; another key names what it means.
-    if (this.flushing && this.burst && this.stroke === this.last.by) return;
-    // One that isn't answered changes what this one was aimed at.
-    if (this.door.queue.pressing || (!this.flushing && this.ahead.some((one) => one.kind === "act" && one.press))) return;
-    const by = clicks > 0 ? "pointer" : this.stroke;
-    const shown = top.sight(control, top.grids);
-    const again = by === this.last.by && (clicks > 0 ? clicks > 1 : performance.now() - this.last.at < kBurst);
-    if (again && shown !== this.last.sight) return;
-    this.last = { by, sight: shown, at: performance.now() };
-    const grids = top.grids.filter((one) => one === top.focused);
-    const seen = top.sight(control, grids);
-    this.later(() => !(this.flushing && this.burst) && top === this.top && top.sight(control, grids) === seen && run(), true);
+    this.typing.press(control, clicks, run);
   }
   typed(control: ControlView | undefined): void {
     const top = this.top;
@@ -158,14 +113,14 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.drafts.keep(top.drafted());
   }
   get holding(): boolean {
-    return this.door.queue.holding || (this.ahead.length > 0 && !this.flushing);
+    return this.typing.holding;
   }
   get today(): Day {
     return (this.me.today !== undefined ? fromNeutral(this.me.today) : null) ?? localToday();
   }
   help(screen: { caption: string; keysShown: { key: string; caption: string }[] }): void {
-    const box: HelpDialog = new HelpDialog(screen.caption, screen.keysShown, () => this.closeBox(box));
-    this.openBox(box);
+    const box: HelpDialog = new HelpDialog(screen.caption, screen.keysShown, () => this.boxes.close(box));
+    this.boxes.show(box);
   }
   remember(key: string, value: string | null): void {
     if (value === null) this.options.preferences.delete(key);
@@ -176,15 +131,6 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     return this.options.preferences.get(key) ?? null;
   }
 
-  private answer(object: In): void {
-    if (this.question === null || this.answered) return;
-    this.answered = true;
-    this.seenSince();
-    this.question.element.hidden = true;
-    this.door.push({ object, purpose: "answer", hold: true });
-    this.mark();
-  }
-
   // --- FrameUser.
 
   open(entry: MenuEntry): void {
@@ -192,8 +138,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
       this.openScreen(entry.class);
       return;
     }
-    const box: AccountDialog = new AccountDialog(this.me.user, () => this.closeBox(box), () => this.loggedOut());
-    this.openBox(box);
+    const box: AccountDialog = new AccountDialog(this.me.user, () => this.boxes.close(box), () => this.loggedOut());
+    this.boxes.show(box);
   }
   raise(id: number): void {
     const screen = this.screens.find((one) => one.id === id);
@@ -201,14 +147,14 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   }
   close(id: number): void {
     this.raise(id);
-    this.later(() => {
+    this.typing.later(() => {
       const go = (): void => {
         this.top?.commit();
         this.send({ do: "close", screen: id });
       };
       const badge = this.screens.find((one) => one.id === id)?.badge ?? "";
       if (badge === "") go();
-      else this.confirm("Fechar", `${badge}: o que não foi confirmado será perdido.\nDeseja fechar?`, go);
+      else this.boxes.confirm("Fechar", `${badge}: o que não foi confirmado será perdido.\nDeseja fechar?`, go);
     });
   }
 
@@ -218,28 +164,17 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     return !this.top?.dialog && this.me.menu.some((entry) => entry.class === screenClass);
   }
   openScreen(screenClass: string): void {
-    this.later(() => {
+    this.typing.later(() => {
       this.top?.commit();
       this.send({ do: "open", class: screenClass });
     });
-  }
-  settled(): void {
-    this.settle();
   }
   leave(): void {
     if (this.screens.length === 0) {
       this.goOut();
       return;
     }
-    this.confirm("Sair", "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?", () => this.goOut());
-  }
-  // A question of the page itself; No is what Enter means.
-  private confirm(title: string, text: string, yes: () => void): void {
-    const box: MessageDialog = new MessageDialog({ on: "message", kind: "question", title, text, buttons: ["yes", "no"], default: "no" }, (value) => {
-      this.closeBox(box);
-      if (value === "yes") yes();
-    });
-    this.openBox(box);
+    this.boxes.confirm("Sair", "Há telas abertas. O que não foi confirmado será perdido.\nDeseja sair?", () => this.goOut());
   }
   private goOut(): void {
     this.drafts.clear();
@@ -301,13 +236,16 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
       case "confirm":
       case "file":
       case "detail":
-        this.ask(out);
+        // What was typed and sent for the screen before the question was seen must not reach what comes after it.
+        this.door.queue.dropScreen();
+        this.typing.drop();
+        this.boxes.ask(out);
         break;
       case "report":
-        this.report(out);
+        this.boxes.report(out);
         break;
       case "progress":
-        this.showProgress(out);
+        this.boxes.showProgress(out);
         break;
       case "busy":
         this.busy = out.value;
@@ -323,7 +261,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
         this.stateRead(out);
         break;
       case "waiting":
-        this.endProgress();
+        this.boxes.endProgress();
         this.waiting();
         break;
       case "idle":
@@ -349,7 +287,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     const draft = this.top?.draft;
     this.draft = draft !== undefined && draft !== null && session === this.session ? { id: this.top!.id, ...draft } : null;
     if (this.greeted && session !== this.session) {
-      this.ahead = [];
+      this.typing.drop();
       if (this.screens.length > 0) {
         this.failed("A sessão anterior terminou enquanto não havia conexão. O que não estava confirmado não foi gravado.");
       }
@@ -358,8 +296,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.session = session;
     for (const screen of this.screens) screen.destroy();
     this.screens = [];
-    this.endQuestion();
-    this.endProgress();
+    this.boxes.endQuestion();
+    this.boxes.endProgress();
     this.busy = false;
     this.showScreens();
     this.claim?.(session);
@@ -368,8 +306,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   claim: ((session: string) => void) | null = null;
 
   private idle(): void {
-    this.endQuestion();
-    this.endProgress();
+    this.boxes.endQuestion();
+    this.boxes.endProgress();
     this.door.queue.keepScreen(this.top?.id ?? 0);
     for (const screen of this.screens) this.drafts.keep(screen.drafted());
     this.ready();
@@ -377,12 +315,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
   }
 
   private waiting(): void {
-    if (this.question !== null && this.answered && !this.door.queue.pendingUser) {
-      this.answered = false;
-      this.question.element.hidden = false;
-      this.layers();
-      if (this.boxes.length === 0) this.question.focusFirst();
-    }
+    if (!this.door.queue.pendingUser) this.boxes.askAgain();
     this.ready();
   }
 
@@ -391,31 +324,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.mark();
     if (this.door.queue.holding) return;
     this.settle();
-    this.flush();
-  }
-
-  private flushing = false;
-  private flush(): void {
-    if (this.flushing) return;
-    this.flushing = true;
-    while (this.ahead.length > 0 && !this.door.queue.holding) {
-      const next = this.ahead.shift()!;
-      const top = this.top;
-      this.burst = this.pressed;
-      this.pressed = false;
-      if (next.kind === "press") this.stroke = strokeOf(next.press);
-      if (next.kind === "act") next.run();
-      else if (top === undefined || this.question !== null || this.gone(next.screen)) continue;
-      else if (next.kind === "text") top.textAhead(next.text);
-      else top.pressAhead(next.press);
-    }
-    this.flushing = false;
-    this.mark();
-  }
-
-  // What was typed for a screen that has closed isn't meant for the one beneath.
-  private gone(screen: number): boolean {
-    return screen !== 0 && !this.screens.some((one) => one.id === screen);
+    this.typing.flush();
   }
 
   // --- Screens.
@@ -438,10 +347,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     for (const screen of this.screens) {
       if (screen.dialog) this.root.append(screen.element);
     }
-    for (const box of [this.question, this.progress, ...this.boxes]) {
-      if (box !== null) this.root.append(box.element);
-    }
-    this.layers();
+    this.boxes.raise();
   }
 
   private showTabs(): void {
@@ -449,27 +355,8 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.frame.show(children, this.topChild?.id ?? -1);
   }
 
-  // Only what is on top can be reached.
-  private layers(): void {
-    const question = this.question !== null && !this.answered ? this.question : null;
-    const stack: HTMLElement[] = [this.frame.element];
-    for (const screen of this.screens) {
-      if (screen.dialog) stack.push(screen.element);
-    }
-    for (const box of [question, this.progress, ...this.boxes]) {
-      if (box !== null) stack.push(box.element);
-    }
-    stack.forEach((element, at) => (element.inert = at < stack.length - 1));
-  }
-
-  private get topBox(): Dialog | null {
-    const box = this.boxes[this.boxes.length - 1] ?? this.progress;
-    if (box !== null && box !== undefined) return box;
-    return this.question !== null && !this.answered ? this.question : null;
-  }
-
   // Puts the browser's focus where it belongs.
-  private settle(): void {
+  settle(): void {
     const box = this.topBox;
     if (box !== null) {
       if (!box.element.contains(document.activeElement)) box.focusFirst();
@@ -488,123 +375,44 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     }
   }
 
-  // --- Questions.
+  // --- BoxesUser.
 
-  private ask(out: Question): void {
-    // What was typed and sent for the screen before the question was seen must not reach what comes after it.
-    this.door.queue.dropScreen();
-    this.ahead = [];
-    this.endProgress();
+  beneath(): HTMLElement[] {
+    return [this.frame.element, ...this.screens.filter((screen) => screen.dialog).map((screen) => screen.element)];
+  }
+  labelOf(control: string): string {
+    return this.top?.find(control)?.label ?? "";
+  }
+  boxOpens(): void {
     this.frame.closeMenu(false);
-    if (out.on === "lookup" && this.question instanceof LookupDialog && this.question.control === out.control && !this.answered) {
-      this.question.show(out);
-      return;
-    }
-    this.endQuestion();
-    this.question = this.dialogFor(out);
-    this.answered = false;
-    this.root.append(this.question.element);
-    for (const box of this.boxes) this.root.append(box.element);
-    this.layers();
-    if (this.boxes.length === 0) this.question.focusFirst();
   }
-
-  private dialogFor(out: Question): Dialog {
-    const give = (value: string): void => this.answer({ do: "answer", value });
-    switch (out.on) {
-      case "message":
-        return new MessageDialog(out, give);
-      case "input":
-        return new InputDialog(out, give);
-      case "confirm":
-        return new ConfirmDialog(out, give);
-      case "detail":
-        return new DetailDialog(out, () => give("ok"));
-      case "file":
-        return new FileDialog(
-          out,
-          (file, signal) => upload(this.door.name, file, signal),
-          (name, given) => this.answer({ do: "file", name, upload: given }),
-          () => give("cancel"),
-        );
-      case "lookup": {
-        const caption = this.top?.find(out.control)?.label ?? "";
-        return new LookupDialog(out, caption, {
-          search: (text) => this.door.push({ object: { do: "search", text }, purpose: "answer", hold: false, key: "search" }),
-          choose: (rows) => this.answer({ do: "choose", rows }),
-          cancel: () => this.answer({ do: "choose" }),
-          read: (control, from, count) => this.read(control, from, count),
-        });
-      }
-    }
+  boxSeen(): void {
+    this.typing.seenSince();
   }
-
-  private endQuestion(): void {
-    if (this.question === null) return;
-    this.question.destroy();
-    this.question = null;
-    this.answered = false;
-    this.layers();
+  answer(object: In): void {
+    this.door.push({ object, purpose: "answer", hold: true });
+    this.mark();
   }
-
-  private showProgress(out: Extract<Out, { on: "progress" }>): void {
-    if (this.progress === null) {
-      this.progress = new ProgressDialog(() => {
-        this.seenSince();
-        // The answer has no place in the queue: it ends what is under way.
-        this.door.urgent({ do: "answer", value: "cancel" });
-      });
-      this.root.append(this.progress.element);
-      this.layers();
-      this.progress.focusFirst();
-    }
-    this.progress.show(out);
+  search(text: string): void {
+    this.door.push({ object: { do: "search", text }, purpose: "answer", hold: false, key: "search" });
   }
-  private endProgress(): void {
-    if (this.progress === null) return;
-    this.progress.destroy();
-    this.progress = null;
-    this.layers();
+  upload(file: File, signal: AbortSignal): ReturnType<typeof upload> {
+    return upload(this.door.name, file, signal);
   }
-
-  private report(out: Extract<Out, { on: "report" }>): void {
-    const known = this.boxes.find((box): box is ReportDialog => box instanceof ReportDialog && box.id === out.id);
-    if (out.address !== undefined) {
-      known?.ready(out.address, out.format ?? "");
-      return;
-    }
-    if (known !== undefined) return;
-    const box: ReportDialog = new ReportDialog(
-      out,
-      (format) =>
-        this.send({ do: "report", id: out.id, format }, { done: (outcome) => outcome === "answered" || box.refused() }),
-      () => this.closeBox(box),
-    );
-    this.openBox(box);
-    box.begin();
+  stop(): void {
+    // The answer has no place in the queue: it ends what is under way.
+    this.door.urgent({ do: "answer", value: "cancel" });
+  }
+  render(id: number | string, format: string, done: (answered: boolean) => void): void {
+    this.send({ do: "report", id, format }, { done: (outcome) => done(outcome === "answered") });
   }
 
   private failed(text: string): void {
     if (this.door?.queue.current?.purpose === "read") return;
     this.door?.queue.dropScreen();
-    this.ahead = [];
-    const box: ErrorDialog = new ErrorDialog(text, () => this.closeBox(box));
-    this.openBox(box);
-  }
-
-  private openBox(box: Dialog): void {
-    this.frame.closeMenu(false);
-    this.boxes.push(box);
-    this.root.append(box.element);
-    this.layers();
-    box.focusFirst();
-  }
-  private closeBox(box: Dialog): void {
-    this.boxes = this.boxes.filter((one) => one !== box);
-    this.seenSince();
-    box.destroy();
-    this.layers();
-    this.settle();
+    this.typing.drop();
+    const box: ErrorDialog = new ErrorDialog(text, () => this.boxes.close(box));
+    this.boxes.show(box);
   }
 
   private stateRead(out: StateOut): void {
@@ -615,9 +423,7 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     for (const state of out.screens) {
       this.screens.find((one) => one.id === state.id)?.state(state, control, from);
       const rows = state.sets[control];
-      if (rows !== undefined && this.question instanceof LookupDialog && this.question.control === control) {
-        this.question.rows(rows, from);
-      }
+      if (rows !== undefined) this.boxes.rows(control, rows, from);
     }
   }
 
@@ -625,54 +431,31 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     this.frame.busy((this.busy || this.door?.queue.holding) && this.topBox === null);
   }
 
-  // --- Keys.
+  // --- TypingUser.
 
-  private type(what: Ahead): void {
-    if (this.ahead.length < kMostAhead) this.ahead.push(what);
+  get topBox(): Dialog | null {
+    return this.boxes.top;
   }
-
-  private keyDown(event: KeyboardEvent): void {
-    if (event.isComposing || isModifier(event.key)) return;
-    const press = pressOf(event);
-    if (this.topBox !== null) {
-      // A box has its own keys; one that strayed is brought back.
-      if (!this.topBox.element.contains(event.target as Node)) {
-        event.preventDefault();
-        this.topBox.focusFirst();
-      }
-      return;
-    }
-    if ((event.target as Element).closest?.(".popup") !== null) return;
-    if (this.pressFrame(press)) {
-      event.preventDefault();
-      event.stopPropagation();
-      return;
-    }
-    const top = this.top;
-    if (this.frame.menuOpen || top === undefined) return;
-    if ((event.target as Element).closest?.(".top, .offers") !== null) return;
-    const all = press.ctrl && press.key.toLowerCase() === "a" && document.activeElement?.getAttribute("role") === "grid";
-    if (belongsToBrowser(press) && !all) return;
-    const focused = top.focused;
-    // A key held down goes through fields and rows, and presses nothing a second time.
-    if (event.repeat && focused instanceof ButtonView && (press.key === "Enter" || press.key === " ")) {
-      event.preventDefault();
-      return;
-    }
-    if (this.holding) {
-      // An accent that waits for its letter is put together by the browser first.
-      if (event.key === "Dead" || event.key === "Process") return;
-      this.type({ kind: "press", press, screen: top.id });
-      event.preventDefault();
-      return;
-    }
-    this.stroke = strokeOf(press);
-    if (this.stroke !== this.last.by) this.last.by = "none";
-    if (focused !== undefined && !focused.element.contains(document.activeElement)) top.syncFocus();
-    if (top.press(press)) event.preventDefault();
+  get asked(): boolean {
+    return this.boxes.asked;
   }
-
-  private pressFrame(press: Press): boolean {
+  get menuOpen(): boolean {
+    return this.frame.menuOpen;
+  }
+  get unanswered(): boolean {
+    return this.door.queue.holding;
+  }
+  get pressUnanswered(): boolean {
+    return this.door.queue.pressing;
+  }
+  // What was typed for a screen that has closed isn't meant for the one beneath.
+  gone(screen: number): boolean {
+    return screen !== 0 && !this.screens.some((one) => one.id === screen);
+  }
+  flushed(): void {
+    this.mark();
+  }
+  pressFrame(press: Press): boolean {
     const { key, ctrl, alt, shift } = press;
     if (ctrl && alt && key.toLowerCase() === "m") {
       if (this.top?.dialog) return true;
@@ -692,25 +475,5 @@ export class Desk implements DeskContext, DoorUser, FrameUser, TakeUpUser {
     const next = children[(at + (forward ? 1 : -1) + children.length) % Math.max(children.length, 1)];
     if (next !== undefined) this.raise(next.id);
     return true;
-  }
-
-  // Text that comes by other ways than single keys while keys wait: pasted, or from an input method.
-  private beforeInput(event: InputEvent): void {
-    if (!this.waitsForDesk(event) || !event.cancelable) return;
-    event.preventDefault();
-    const text = event.data ?? event.dataTransfer?.getData("text/plain") ?? "";
-    if (text !== "") this.type({ kind: "text", text, screen: this.top?.id ?? 0 });
-  }
-  private composed(event: CompositionEvent): void {
-    if (!this.waitsForDesk(event)) return;
-    const input = event.target;
-    if (!(input instanceof HTMLInputElement)) return;
-    const end = input.selectionEnd ?? input.value.length;
-    input.setRangeText("", Math.max(0, end - event.data.length), end, "end");
-    this.type({ kind: "text", text: event.data, screen: this.top?.id ?? 0 });
-  }
-  private waitsForDesk(event: Event): boolean {
-    const inScreen = (event.target as Element).closest?.(".screen, .dialog-screen") !== null;
-    return inScreen && this.holding && this.topBox === null;
   }
 }

@@ -11,7 +11,7 @@ export interface TakeUpUser {
   mayOpen(screenClass: string): boolean;
   openScreen(screenClass: string): void;
   // The lines have gone; the focus may have been on one.
-  settled(): void;
+  settle(): void;
 }
 
 export class TakeUp {
@@ -68,7 +68,7 @@ export class TakeUp {
     if (this.under?.draft === draft) this.under = null;
     this.drafts.settle(draft);
     this.show();
-    this.user.settled();
+    this.user.settle();
   }
 
   // The desk is idle: the next step.

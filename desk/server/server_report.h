@@ -1,0 +1,15 @@
+// The file of a report as an answer to a browser.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "desk/http/http_types.h"
+
+namespace orv {
+
+// A page is shown inside the desk's own page and nowhere else, and runs nothing; a PDF and a text are shown,
+// what else there is is kept under `name`. 404 when the file is gone.
+HttpResponse ReportResponse(const std::filesystem::path& file, const std::string& name);
+
+}  // namespace orv
