@@ -170,7 +170,6 @@ class ORV_EXPORT TfmChequePre : public Child {
 
   // The companies to which a cheque can go, in the order of CBEmpresa.
   TOrvQuery QryEmp{Tabela.IBDatabase(), "QryEmp"};
-  TOrvQuery QryGrava{Tabela.IBDatabase(), "QryGrava"};
   TOrvQuery QryDup{Tabela.IBDatabase(), "QryDup"};
 
  protected:

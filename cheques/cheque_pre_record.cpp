@@ -1,6 +1,7 @@
 // The page "Cadastro": a cheque is captured, altered, deleted, or handed over to another company.
 #include "cheques/cheque_pre.h"
 #include "rules/bloqueio.h"
+#include "rules/cheque.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -51,10 +52,7 @@ void TfmChequePre::BtExcluirClick() {
       " WHERE LANCAMENTO = " + Funcoes.Aspas(Texto("CHAVE")) + " AND COALESCE(TIPO, '') <> 'L'");
   if (!relacionados.empty()) return Inform("Cheque relacionado a Duplicatas. Impossível Excluir.");
   if (!Ask("Deseja eliminar este Registro?")) return;
-  Tabela.IBDatabase().Execute("DELETE FROM " + Funcoes.DBLocal("CHEQUE_DUP", true) +
-                              " WHERE BANCO = " + Funcoes.Aspas(DBEDCodBan.Text()) +
-                              " AND CONTA = " + Funcoes.Aspas(DBEDConta.Text()) +
-                              " AND NUMERO = " + Funcoes.Aspas(DBEDChequeNro.Text()));
+  Cheques(Funcoes, Tabela).ApagaTitulos({DBEDCodBan.Text(), DBEDConta.Text(), DBEDChequeNro.Text()});
   tbCheque_pre.Remove();
   Tabela.CommitRetaining();
   tbCheque_pre.Refresh();
@@ -234,22 +232,24 @@ bool TfmChequePre::ValidaTransferencia() {
 void TfmChequePre::Transfere() {
   const std::string numero = Texto("NUMERO");
   const std::string empresa(Trim(QryEmp["EMP_PAT"].AsString()));
-  constexpr const char* kColunas[] = {
-      "AGENCIA", "BANCO", "CHAVE",      "CLIENTE", "CONTA",         "DT_BAIXA", "DUPLICATA",  "LOTE",
-      "EMISSAO", "TIPO",  "FORNECEDOR", "NUMERO",  "REPRESENTANTE", "VALOR",    "VENCIMENTO", "OBS"};
-  std::vector<std::string> colunas, valores;
-  for (const char* coluna : kColunas) {
-    Field& campo = tbCheque_pre[coluna];
-    colunas.emplace_back(coluna);
-    valores.push_back(campo.Type() == FieldType::Date     ? Funcoes.AspasData(campo.AsDate())
-                      : campo.Type() == FieldType::String ? Funcoes.Aspas(campo.AsString())
-                                                          : Funcoes.PermanecePonto(campo.AsCurrency()));
-  }
-  QryGrava.SQL.Clear();
-  QryGrava.SQL.Add(" INSERT INTO CHEQUE_PRE" + empresa);
-  QryGrava.SQL.Add("(" + Join(colunas, ", ") + ")");
-  QryGrava.SQL.Add("VALUES (" + Join(valores, ", ") + ")");
-  QryGrava.ExecSQL();
+  const auto data = [this](const char* campo) { return tbCheque_pre[campo].AsDate(); };
+  // The state, the drawer and the bar line aren't handed over.
+  Cheques(Funcoes, Tabela)
+      .Grava({.chave = Texto("CHAVE"),
+              .numero = {Texto("BANCO"), Texto("CONTA"), numero},
+              .agencia = Texto("AGENCIA"),
+              .valor = tbCheque_pre["VALOR"].AsCurrency(),
+              .emissao = data("EMISSAO"),
+              .vencimento = data("VENCIMENTO"),
+              .tipo = Texto("TIPO"),
+              .dt_baixa = data("DT_BAIXA"),
+              .cliente = Texto("CLIENTE"),
+              .fornecedor = Texto("FORNECEDOR"),
+              .representante = Texto("REPRESENTANTE"),
+              .duplicata = Texto("DUPLICATA"),
+              .lote = Texto("LOTE"),
+              .obs = Texto("OBS")},
+             empresa);
   tbCheque_pre.Remove();
   Funcoes.GeraLog("CONTACOR", "CHEQUE PRE NR.: " + numero, TOperacaoLog::Processo, numero);
   Tabela.CommitRetaining();

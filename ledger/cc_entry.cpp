@@ -1,6 +1,7 @@
 // The page "Manutenção": a movement is shown, made, changed, deleted, confirmed.
 #include "ledger/cc.h"
 #include "rules/bloqueio.h"
+#include "rules/rateio.h"
 #include "rules/soma.h"
 #include "toolkit/scoped.h"
 #include "toolkit/text.h"
@@ -54,11 +55,7 @@ void TfmCC::BitBtn3Click() {
   if (Ask("Deseja eliminar este Registro?")) {
     RetiraLancamento();
     Contabil.DeletaContaCorrente(numero);
-    // An apportionment by class stands under the movement's number as its document and names no movement;
-    // that of an entry names it. Another movement's document can be the same text.
-    Tabela.IBDatabase().Execute("DELETE FROM " + Funcoes.DBLocal("CENTRO_RATEIO", true) + " WHERE " +
-                                Igual("LANCAMENTO", numero) + " OR (" + Igual("NUMERO", numero) +
-                                " AND TIPO = 'CC' AND (LANCAMENTO = '' OR LANCAMENTO IS NULL))");
+    ApagaRateioDoMovimento(Funcoes, Tabela, numero);
     // Without its movement an entry would stand for nothing.
     Contabil.DeletaContabilidadeFinan(numero);
     Funcoes.GeraLog("CONTACOR",

@@ -12,4 +12,11 @@ std::vector<std::pair<std::string, double>> ContasDoRateio(const std::vector<Reg
   return contas;
 }
 
+void ApagaRateioDoMovimento(const IFuncoes& funcoes, ITabela& tabela, const std::string& lancamento) {
+  const std::string numero = funcoes.Aspas(lancamento);
+  tabela.IBDatabase().Execute("DELETE FROM " + funcoes.DBLocal("CENTRO_RATEIO", true) +
+                              " WHERE LANCAMENTO = " + numero + " OR (NUMERO = " + numero +
+                              " AND TIPO = 'CC' AND (LANCAMENTO = '' OR LANCAMENTO IS NULL))");
+}
+
 }  // namespace orv
