@@ -17,8 +17,10 @@
 namespace orv {
 
 // How the situation of a movement is shown.
-inline const std::vector<CodeWord> kSituacoes = {
-    {"S", "Pendente", "warning"}, {"N", "Baixado", ""}, {"C", "Conciliado", "good"}};
+inline const std::vector<CodeWord> kSituacoes = {{"S", "Pendente", "warning"},
+                                                 {"P", "Pendente", "warning"},
+                                                 {"N", "Baixado", ""},
+                                                 {"C", "Conciliado", "good"}};
 
 class ORV_EXPORT TfmCC : public Child {
  public:

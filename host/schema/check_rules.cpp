@@ -259,7 +259,7 @@ std::span<const RowRule> RowRules() {
        "LANCAMENTO",
        "lançamento ",
        {{Demand::OneOf, "OPERACAO", "operação", "'+', '-'"},
-        {Demand::OneOf, "PENDENTE", "situação", "'S', 'N', 'C'"},
+        {Demand::OneOf, "PENDENTE", "situação", "'S', 'N', 'C', 'P'"},
         {Demand::Amount, "VALOR", "valor"},
         {Demand::Day, "DT_LAN", "data de lançamento"},
         {Demand::Day, "DT_CONT", "data de contabilização"},
