@@ -4,6 +4,7 @@
 
 #include "cashflow/rel_fluxo.h"
 #include "rules/saldo.h"
+#include "rules/titulo.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -147,7 +148,7 @@ std::string TfmRelFluxo::FiltroProgramacao() const {
 // --- Balances.
 
 void TfmRelFluxo::busca_Saldos() {
-  // A sum for each account reads its movements without sorting them.
+  // A sum for each account reads its movements without sorting them. Here what isn't a credit is a debit.
   std::string sql =
       "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT " +
       Soma("COALESCE(CASE CONTACOR.OPERACAO WHEN '+' THEN CONTACOR.VALOR ELSE -CONTACOR.VALOR END, 0)") +
@@ -179,14 +180,11 @@ void TfmRelFluxo::busca_Saldos() {
 }
 
 void TfmRelFluxo::BuscaSaldoAbertoBancos() {
-  const std::string sql = "SELECT " + Soma("VALOR2+JUROS-VALOR_PAGO-DESCONTO-VAL_DEV") +
-                          " AS SALDO FROM {RECEBER} RECEBER WHERE STATUS IN ('N','')" +
-                          WhereIn("BANCO", edtBanco) + " AND DT_VENCTO < " +
-                          Funcoes.AspasData(EdtDataDe.Date()) +
-                          " AND SITUACAO <> 'P' AND (VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO) > 0";
-  Currency vencidos;
-  for (const auto& row : Tabela.IBDatabase().Rows(ForCompanies(sql, "RECEBER", CbEmp.Checked())))
-    vencidos += SomaDe(row[0]);
+  const std::string sql =
+      "SELECT " + Soma(EmAbertoReceber()) + " AS SALDO FROM {RECEBER} RECEBER WHERE STATUS IN ('N','')" +
+      WhereIn("BANCO", edtBanco) + " AND DT_VENCTO < " + Funcoes.AspasData(EdtDataDe.Date()) +
+      " AND SITUACAO <> 'P' AND " + EmAbertoReceber() + " > 0";
+  const Currency vencidos = Total(Tabela.IBDatabase(), ForCompanies(sql, "RECEBER", CbEmp.Checked()));
   for (TbSaldo.First(); !TbSaldo.Eof(); TbSaldo.Next()) {
     TbSaldo.Edit();
     TbSaldo["ValReceb_Bancos"] = vencidos.ToDouble();

@@ -163,15 +163,10 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
 }
 
 Currency TfmRelCC::SaldoAnterior() const {
-  const std::string sql = std::string("SELECT CONTACOR.OPERACAO, ") + Soma("CONTACOR.VALOR") + " AS VALOR" +
-                          kMovimentos + " WHERE 1 = 1 " + consulta_.filtro + " AND " + consulta_.data +
-                          " < " + Funcoes.AspasData(consulta_.periodo.de) + " GROUP BY CONTACOR.OPERACAO";
-  Currency creditos, debitos;
-  for (const auto& linha : Tabela.IBDatabase().Rows(PorEmpresa(sql, "CONTACOR"))) {
-    if (linha[0].Text() == "+") creditos += SomaDe(linha[1]);
-    if (linha[0].Text() == "-") debitos += SomaDe(linha[1]);
-  }
-  return (creditos - debitos).Round2();
+  const std::string sql = "SELECT " + Soma(ComSinal(kContaCorrente, "CONTACOR")) + kMovimentos +
+                          " WHERE 1 = 1 " + consulta_.filtro + " AND " + consulta_.data + " < " +
+                          Funcoes.AspasData(consulta_.periodo.de);
+  return Total(Tabela.IBDatabase(), PorEmpresa(sql, "CONTACOR")).Round2();
 }
 
 std::vector<TfmRelCC::Janela> TfmRelCC::Janelas(int64_t& linhas) {

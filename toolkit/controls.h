@@ -215,7 +215,6 @@ class PageControl : public Control {
   PageControl(Form& form, std::string name, int active = 0)
       : Control(form, std::move(name)), active_(active) {}
   std::vector<TabSheet*> Pages() const;
-  int ActivePageIndex() const { return active_; }
   void SetActivePageIndex(int index);
   TabSheet* ActivePage() const;
   void SetActivePage(const TabSheet& page);

@@ -220,7 +220,6 @@ std::string Currency::Brazil(int decimals) const {
   const Int128 unit = PowerOfTen(4 - decimals);
   return Written(RoundedQuotient(raw_, unit) * unit, decimals, ',', true);
 }
-std::string Currency::BrazilPlain() const { return Written(Round2().raw_, 2, ',', false); }
 std::string Currency::Neutral() const { return Written(raw_, 4, '.', false); }
 std::string Currency::Format2() const { return Written(Round2().raw_, 2, '.', false); }
 

@@ -58,8 +58,6 @@ class Currency {
 
   // "1.234,56": so many decimals, 1 to 4, rounded half away from zero, with thousand points.
   std::string Brazil(int decimals = 2) const;
-  // "1234,56": as `Brazil` without thousand points.
-  std::string BrazilPlain() const;
   // "1234.5600": four decimals always.
   std::string Neutral() const;
   // "0.00": two decimals with a point, rounded half away from zero.

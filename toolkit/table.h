@@ -21,7 +21,6 @@ class TOrvTable : public DataSet {
   TOrvTable(TOrvDatabase& database, std::string name, std::string table, bool local = true)
       : DataSet(std::move(name)), database_(database), table_(std::move(table)), local_(local) {}
 
-  const std::string& TableName() const { return table_; }
   // The columns that tell one row from all others, "A;B"; before the table is opened.
   void SetKey(std::string_view columns) { key_ = columns; }
   // The order by which rows stand, "" for the key. The cursor stays on its row. Raises UserError for an
