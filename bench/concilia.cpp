@@ -5,7 +5,7 @@
 
 #include "bench/house.h"
 #include "bench/measure.h"
-#include "desk/session/client.h"
+#include "desk/session/door_client.h"
 #include "frame/module.h"
 #include "reconciliation/suggest.h"
 #include "toolkit/database.h"

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "desk/session/client.h"
+#include "desk/session/door_client.h"
 
 namespace orv::bench {
 

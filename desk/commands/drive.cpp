@@ -3,7 +3,7 @@
 
 #include "desk/commands/commands.h"
 #include "desk/folders.h"
-#include "desk/session/client.h"
+#include "desk/session/door_client.h"
 #include "frame/module.h"
 
 namespace orv::commands {

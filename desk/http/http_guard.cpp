@@ -80,7 +80,7 @@ bool HttpGuard::OriginAccepted(const HttpRequest& request) const {
   return origin == (tls_ ? "https://" : "http://") + Lower(std::string(request.Header("host")));
 }
 
-std::string HttpGuard::Asker(const HttpRequest& request) const {
+std::string HttpGuard::AddressOfAsker(const HttpRequest& request) const {
   if (proxy_.empty() || request.address != proxy_) return request.address;
   // The proxy adds whom it saw at the end; what stands before is hearsay.
   const std::string_view chain = request.Header("x-forwarded-for");
@@ -89,8 +89,8 @@ std::string HttpGuard::Asker(const HttpRequest& request) const {
   return address ? last : request.address;
 }
 
-std::string HttpGuard::AskersNetwork(const HttpRequest& request) const {
-  const std::string asker = Asker(request);
+std::string HttpGuard::NetworkOfAsker(const HttpRequest& request) const {
+  const std::string asker = AddressOfAsker(request);
   return asker == proxy_ ? "" : NetworkOf(asker);
 }
 

@@ -26,9 +26,9 @@ class HttpGuard {
   // The request comes from a page of the desk, as browsers tell.
   bool OriginAccepted(const HttpRequest& request) const;
   // The address of who asks.
-  std::string Asker(const HttpRequest& request) const;
+  std::string AddressOfAsker(const HttpRequest& request) const;
   // The network of who asks, "" where the proxy doesn't tell.
-  std::string AskersNetwork(const HttpRequest& request) const;
+  std::string NetworkOfAsker(const HttpRequest& request) const;
 
   // "" when there is none.
   std::string Token(const HttpRequest& request) const;

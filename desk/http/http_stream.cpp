@@ -61,11 +61,11 @@ void Stream::Read(asio::mutable_buffer buffer, Completion done) {
   }
 }
 
-void Stream::Write(const Parts& parts, Completion done) {
+void Stream::Write(const Pieces& pieces, Completion done) {
   if (ends_->tls) {
-    ends_->tls->async_write_some(parts, std::move(done));
+    ends_->tls->async_write_some(pieces, std::move(done));
   } else {
-    ends_->plain.async_write_some(parts, std::move(done));
+    ends_->plain.async_write_some(pieces, std::move(done));
   }
 }
 

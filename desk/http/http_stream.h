@@ -59,7 +59,7 @@ class Stream {
  public:
   using next_layer_type = boost::beast::tcp_stream;
   using executor_type = next_layer_type::executor_type;
-  using Parts = std::array<boost::asio::const_buffer, 8>;
+  using Pieces = std::array<boost::asio::const_buffer, 8>;
 
   // `tls` may be null.
   Stream(boost::asio::ip::tcp::socket socket, TlsContext* tls);
@@ -83,13 +83,13 @@ class Stream {
   // As many of the buffers as there is room for: it may be less than all.
   template <class Buffers, class Handler>
   void async_write_some(const Buffers& buffers, Handler&& handler) {
-    Parts parts;
+    Pieces pieces;
     std::size_t count = 0;
     for (auto it = boost::asio::buffer_sequence_begin(buffers);
-         it != boost::asio::buffer_sequence_end(buffers) && count < parts.size(); ++it) {
-      if (boost::asio::const_buffer(*it).size() > 0) parts[count++] = *it;
+         it != boost::asio::buffer_sequence_end(buffers) && count < pieces.size(); ++it) {
+      if (boost::asio::const_buffer(*it).size() > 0) pieces[count++] = *it;
     }
-    Write(parts, Completion(std::forward<Handler>(handler)));
+    Write(pieces, Completion(std::forward<Handler>(handler)));
   }
 
   // Done at once without TLS.
@@ -100,7 +100,7 @@ class Stream {
  private:
   struct Ends;
   void Read(boost::asio::mutable_buffer buffer, Completion done);
-  void Write(const Parts& parts, Completion done);
+  void Write(const Pieces& pieces, Completion done);
 
   std::unique_ptr<Ends> ends_;
 };

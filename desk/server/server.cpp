@@ -21,7 +21,7 @@ constexpr std::size_t kMostJobs = 256;
 Server::Parts::Parts(ServerOptions options, Log& log)
     : options_((Prepare(options), std::move(options))),
       log_(log),
-      house_(options_.database, options_.clock, options_.cost),
+      database_(options_.database, options_.clock, options_.cost),
       files_(options_.web),
       guard_(!options_.certificate.empty(), options_.public_address, options_.proxy, options_.subdomains),
       uploads_(options_.max_uploads),
@@ -57,7 +57,7 @@ std::string Server::Parts::Address() const {
 void Server::Parts::Sweep() {
   if (!thread_.joinable()) return;
   const auto before = OnNetwork([this] { return logins_.All(); });
-  auto standings = house_.Standings();
+  auto standings = database_.Standings();
   OnNetwork([&] {
     SweepNow();
     Watched(before, std::move(standings));
@@ -139,7 +139,7 @@ void Server::Parts::SweepNow() {
 void Server::Parts::Watch() {
   const auto again = [this] { network_.After(kWatchEvery, [this] { Watch(); }); };
   const bool taken = jobs_.Do(
-      [this] { return house_.Standings(); },
+      [this] { return database_.Standings(); },
       [this, again, before = logins_.All()](std::optional<std::map<std::string, Standing>> standings) {
         // A database that doesn't answer lets nobody act either.
         if (standings) Watched(before, std::move(*standings));

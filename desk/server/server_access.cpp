@@ -25,11 +25,11 @@ int64_t Minutes(std::chrono::steady_clock::duration time) {
 std::optional<PasswordCheck> Server::Parts::BeginCheck(const HttpRequest& request, const std::string& user,
                                                        const Respond& respond) {
   const auto known = standings_.find(Lower(Trim(user)));
-  const auto begun = checks_.Begin(user, guard_.Asker(request), guard_.DeviceNote(request, user),
+  const auto begun = checks_.Begin(user, guard_.AddressOfAsker(request), guard_.DeviceNote(request, user),
                                    known == standings_.end() ? "" : known->second.seal,
                                    options_.clock.Today(), options_.now());
   if (const auto* check = std::get_if<PasswordCheck>(&begun)) return *check;
-  log_.Write("login slowed down", {{"address", guard_.Asker(request)}});
+  log_.Write("login slowed down", {{"address", guard_.AddressOfAsker(request)}});
   respond(SlowedDown(std::get<std::chrono::seconds>(begun)));
   return std::nullopt;
 }
@@ -69,20 +69,20 @@ void Server::Parts::LogIn(const HttpRequest& request, const Respond& respond) {
   DoCheck(
       *check, respond,
       [this, user = *user, password = *password, company = *company, address = check->address] {
-        return house_.TryLogin(user, password, company, address);
+        return database_.TryLogin(user, password, company, address);
       },
       [this, check = *check, company = *company, before = guard_.Token(request)](
-          const ServerHouse::Attempt& attempt) { return LoggedIn(attempt, check, company, before); });
+          const ServerDatabase::Attempt& attempt) { return LoggedIn(attempt, check, company, before); });
 }
 
-HttpResponse Server::Parts::LoggedIn(const ServerHouse::Attempt& attempt, const PasswordCheck& check,
+HttpResponse Server::Parts::LoggedIn(const ServerDatabase::Attempt& attempt, const PasswordCheck& check,
                                      const std::string& company, const std::string& before) {
-  if (attempt.verdict == ServerHouse::Verdict::Refused) {
+  if (attempt.verdict == ServerDatabase::Verdict::Refused) {
     log_.Write("login refused", {{"user", attempt.user}, {"address", check.address}});
     return Told(401, "Usuário ou senha inválidos.");
   }
   checks_.Succeeded(check);
-  if (attempt.verdict == ServerHouse::Verdict::NoCompany) return Told(400, "A empresa não existe.");
+  if (attempt.verdict == ServerDatabase::Verdict::NoCompany) return Told(400, "A empresa não existe.");
   if (stopping_) return Told(503, "A mesa está sendo encerrada.");
 
   if (const Login* old = logins_.Find(before, options_.now())) {
@@ -137,7 +137,8 @@ void Server::Parts::ChangePassword(const HttpRequest& request, const Respond& re
       *check, respond,
       [this, login = *login, address = check->address, present = *present, fresh = *fresh]() -> Outcome {
         try {
-          return {house_.ChangePassword(login.user, login.company, address, present, fresh, *login.seal), ""};
+          return {database_.ChangePassword(login.user, login.company, address, present, fresh, *login.seal),
+                  ""};
         } catch (const DatabaseError&) {
           throw;
         } catch (const UserError& e) {

@@ -19,7 +19,7 @@
 #include "desk/server/server.h"
 #include "desk/server/server_checks.h"
 #include "desk/server/server_control.h"
-#include "desk/server/server_house.h"
+#include "desk/server/server_database.h"
 #include "desk/server/server_sessions.h"
 
 namespace orv {
@@ -95,7 +95,7 @@ class Server::Parts : private HttpHandler {
   template <class Work, class Done>
   void DoCheck(const PasswordCheck& check, const Respond& respond, Work work, Done done);
   void LogIn(const HttpRequest& request, const Respond& respond);
-  HttpResponse LoggedIn(const ServerHouse::Attempt& attempt, const PasswordCheck& check,
+  HttpResponse LoggedIn(const ServerDatabase::Attempt& attempt, const PasswordCheck& check,
                         const std::string& company, const std::string& before);
   void KnowDevice(HttpResponse& response, const std::string& user, const std::string& seal) const;
   void LogOut(const HttpRequest& request, const Respond& respond);
@@ -109,7 +109,7 @@ class Server::Parts : private HttpHandler {
 
   ServerOptions options_;
   Log& log_;
-  ServerHouse house_;
+  ServerDatabase database_;
   HttpFiles files_;
   HttpGuard guard_;
   UploadSpace uploads_;

@@ -25,7 +25,7 @@ std::string SessionOf(const HttpRequest& request) {
 }  // namespace
 
 Asker Server::Parts::Identify(const HttpRequest& request) {
-  return {guard_.AskersNetwork(request), LoginOf(request) != nullptr};
+  return {guard_.NetworkOfAsker(request), LoginOf(request) != nullptr};
 }
 
 BodyPlan Server::Parts::Receive(const HttpRequest& request, std::optional<uint64_t> size) {
@@ -123,7 +123,7 @@ void Server::Parts::JobOf(const Login& login, const Respond& respond, std::funct
         respond(response);
       },
       [this, user = login.user, seal = login.seal, work = std::move(work)] {
-        const auto standings = house_.Standings();
+        const auto standings = database_.Standings();
         const auto found = standings.find(Lower(user));
         return found != standings.end() && seal->Holds(found->second.seal) ? work() : NotLoggedIn();
       });
@@ -156,14 +156,14 @@ void Server::Parts::Companies(const HttpRequest&, const Respond& respond) {
         }
         respond(response);
       },
-      [this] { return Given(house_.Companies()); });
+      [this] { return Given(database_.Companies()); });
 }
 
 void Server::Parts::Me(const HttpRequest& request, const Respond& respond) {
   const Login* login = RequireLogin(request, respond);
   if (login == nullptr) return;
   JobOf(*login, respond, [this, user = login->user, company = login->company] {
-    const auto me = house_.Me(user, company);
+    const auto me = database_.Me(user, company);
     return me ? Given(*me) : NotLoggedIn();
   });
 }
@@ -171,7 +171,7 @@ void Server::Parts::Me(const HttpRequest& request, const Respond& respond) {
 void Server::Parts::Preferences(const HttpRequest& request, const Respond& respond) {
   const Login* login = RequireLogin(request, respond);
   if (login == nullptr) return;
-  JobOf(*login, respond, [this, user = login->user] { return Given(house_.Preferences(user)); });
+  JobOf(*login, respond, [this, user = login->user] { return Given(database_.Preferences(user)); });
 }
 
 void Server::Parts::SetPreference(const HttpRequest& request, const Respond& respond) {
@@ -187,7 +187,7 @@ void Server::Parts::SetPreference(const HttpRequest& request, const Respond& res
   }
   JobOf(*login, respond, [this, user = login->user, key = *key, value = *value] {
     try {
-      house_.SetPreference(user, key, value);
+      database_.SetPreference(user, key, value);
     } catch (const DatabaseError&) {
       throw;
     } catch (const UserError& e) {

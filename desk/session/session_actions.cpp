@@ -15,7 +15,7 @@ std::string Name(const Json& in, const char* member) {
 }
 
 // A value given as JSON, as the text that a person would have typed.
-std::string Given(const Json& value) {
+std::string Typed(const Json& value) {
   if (value.IsString()) return value.String();
   if (value.IsBool()) return value.Bool() ? "true" : "false";
   if (value.IsNull()) return "";
@@ -116,13 +116,13 @@ void Session::Act(const Json& in) {
     Control& control = Reachable(in);
     if (!in.Has("value")) throw RequestError("Falta \"value\".");
     if (!control.TakesFocus()) throw RequestError("O controle " + control.Name() + " é só de leitura.");
-    if (Reach(control)) control.UserSet(Given(in["value"]));
+    if (Reach(control)) control.UserSet(Typed(in["value"]));
   } else if (verb == "check") {
     Control& control = Reachable(in);
     if (dynamic_cast<CheckBox*>(&control) == nullptr) {
       throw RequestError("O controle " + control.Name() + " não é uma caixa de marcação.");
     }
-    if (!control.TakesFocus() || Reach(control)) control.UserSet(Given(in["value"]));
+    if (!control.TakesFocus() || Reach(control)) control.UserSet(Typed(in["value"]));
   } else if (verb == "click") {
     Control& control = Reachable(in);
     if (dynamic_cast<MenuItem*>(&control) != nullptr)
@@ -246,7 +246,7 @@ void Session::GridAction(const std::string& verb, const Json& in) {
   if (verb == "row") {
     grid->UserRow(in["row"].Integer(), Name(in, "column"));
   } else if (verb == "cell") {
-    grid->UserCell(in["row"].Integer(), in["column"].String(), Given(in["value"]));
+    grid->UserCell(in["row"].Integer(), in["column"].String(), Typed(in["value"]));
   } else if (verb == "append") {
     grid->UserAppend();
   } else if (verb == "delete") {

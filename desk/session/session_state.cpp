@@ -27,7 +27,7 @@ Properties AllProperties(const Control& control) {
 }
 
 // The rows [first, last) of a window that was asked for, made ready to be read.
-std::pair<int64_t, int64_t> Window(DataSet& set, int64_t from, int64_t count) {
+std::pair<int64_t, int64_t> RowsAsked(DataSet& set, int64_t from, int64_t count) {
   const int64_t all = set.Active() ? set.DisplayCount() : 0;
   const int64_t first = std::clamp<int64_t>(from, 0, all);
   const int64_t last = count < 0 || count > all - first ? all : first + count;
@@ -136,7 +136,7 @@ Json Session::Rows(DataSet& set, int64_t from, int64_t count) {
            {"state", StateName(set.State())},
            {"version", set.Version()}};
   Json::Array rows;
-  const auto [first, last] = Window(set, from, count);
+  const auto [first, last] = RowsAsked(set, from, count);
   for (int64_t row = first; row < last; ++row) {
     Json::Array values;
     for (const Field* field : set.Fields()) {
@@ -167,7 +167,7 @@ Json Session::State(const Json& in) const {
         Json::Array cells;
         DataSet& set = grid->Set();
         const std::vector<const GridColumn*> shown = grid->ShownColumns();
-        const auto [first, last] = Window(set, from, count);
+        const auto [first, last] = RowsAsked(set, from, count);
         for (int64_t row = first; row < last; ++row) {
           Json::Array texts;
           for (const GridColumn* column : shown) texts.emplace_back(grid->CellText(row, *column));

@@ -48,19 +48,19 @@ class Call {
 void KeepingSignals(const std::function<void()>& attach);
 
 // A block of tagged parameters, as attaching and the services take it.
-class Parameters {
+class ParameterBlock {
  public:
-  explicit Parameters(unsigned char version) : bytes_(1, static_cast<char>(version)) {}
-  Parameters() = default;
-  Parameters& Tag(unsigned char tag);
+  explicit ParameterBlock(unsigned char version) : bytes_(1, static_cast<char>(version)) {}
+  ParameterBlock() = default;
+  ParameterBlock& Tag(unsigned char tag);
   // One length byte; at most 255 bytes.
-  Parameters& Text(unsigned char tag, std::string_view text);
+  ParameterBlock& Text(unsigned char tag, std::string_view text);
   // Two length bytes.
-  Parameters& LongText(unsigned char tag, std::string_view text);
+  ParameterBlock& LongText(unsigned char tag, std::string_view text);
   // Four bytes, with a length byte before them.
-  Parameters& Number(unsigned char tag, unsigned number);
+  ParameterBlock& Number(unsigned char tag, unsigned number);
   // Four bytes without a length, as the actions of a service take them.
-  Parameters& Plain(unsigned char tag, unsigned number);
+  ParameterBlock& Plain(unsigned char tag, unsigned number);
   unsigned Size() const { return static_cast<unsigned>(bytes_.size()); }
   const unsigned char* Data() const { return reinterpret_cast<const unsigned char*>(bytes_.data()); }
 

@@ -11,9 +11,9 @@ namespace {
 
 constexpr const char* kConfig = "DefaultDbCachePages=20000\nGCPolicy=cooperative\nDeadlockTimeout=1";
 
-fb::Parameters AttachParameters(const DatabaseAddress& address) {
+fb::ParameterBlock AttachParameters(const DatabaseAddress& address) {
   const Credentials credentials = CredentialsFor(address);
-  fb::Parameters parameters(isc_dpb_version1);
+  fb::ParameterBlock parameters(isc_dpb_version1);
   parameters.Text(isc_dpb_utf8_filename, "")
       .Text(isc_dpb_lc_ctype, "UTF8")
       .Number(isc_dpb_sql_dialect, 3)
@@ -24,7 +24,7 @@ fb::Parameters AttachParameters(const DatabaseAddress& address) {
 }
 
 Firebird::IAttachment* Attach(const DatabaseAddress& address, const std::string& name, bool create,
-                              const fb::Parameters& parameters) {
+                              const fb::ParameterBlock& parameters) {
   fb::Ref<Firebird::IProvider> provider(fb::Master()->getDispatcher());
   fb::Call call;
   Firebird::IAttachment* attachment = nullptr;
@@ -37,8 +37,8 @@ Firebird::IAttachment* Attach(const DatabaseAddress& address, const std::string&
   return attachment;
 }
 
-fb::Parameters CreateParameters(const DatabaseAddress& address, int page_size) {
-  fb::Parameters parameters = AttachParameters(address);
+fb::ParameterBlock CreateParameters(const DatabaseAddress& address, int page_size) {
+  fb::ParameterBlock parameters = AttachParameters(address);
   return parameters.Number(isc_dpb_page_size, static_cast<unsigned>(page_size))
       .Text(isc_dpb_set_db_charset, "UTF8")
       .Number(isc_dpb_force_write, 1);
@@ -55,7 +55,7 @@ std::unique_ptr<Attachment> Attachment::Create(std::string_view database, int pa
   ORV_ASSERT(page_size == 8192 || page_size == 16384);
   PrepareEngine();
   const DatabaseAddress address = ParseAddress(database);
-  const fb::Parameters parameters = CreateParameters(address, page_size);
+  const fb::ParameterBlock parameters = CreateParameters(address, page_size);
   if (address.Embedded()) {
     NewFile file(address.name);
     fb::Core(Attach(address, file.Path(), true, parameters), file.Path());

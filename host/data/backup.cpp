@@ -38,7 +38,7 @@ bool OfBackup(const DatabaseError& error) {
 // and leave a database in which rows are missing.
 void RestoreTo(std::ifstream& in, const DatabaseAddress& address, const std::string& name) {
   fb::Service service(address);
-  fb::Parameters task;
+  fb::ParameterBlock task;
   task.Tag(isc_action_svc_restore)
       .LongText(isc_spb_bkp_file, "stdin")
       .LongText(isc_spb_dbname, name)
@@ -65,7 +65,7 @@ void Backup(std::string_view database, const std::string& file) {
   std::ofstream out(fresh.Path(), std::ios::binary);
   CheckWritten(out, target);
   fb::Service service(address);
-  fb::Parameters task;
+  fb::ParameterBlock task;
   task.Tag(isc_action_svc_backup)
       .LongText(isc_spb_dbname, fb::NameAtServer(address))
       .LongText(isc_spb_bkp_file, "stdout")

@@ -239,12 +239,12 @@ void KeepingSignals(const std::function<void()>& attach) {
   installed = true;
 }
 
-Parameters& Parameters::Tag(unsigned char tag) {
+ParameterBlock& ParameterBlock::Tag(unsigned char tag) {
   bytes_ += static_cast<char>(tag);
   return *this;
 }
 
-Parameters& Parameters::Text(unsigned char tag, std::string_view text) {
+ParameterBlock& ParameterBlock::Text(unsigned char tag, std::string_view text) {
   if (text.size() > 255)
     throw DatabaseError(DatabaseError::Kind::Limit, 0,
                         "Usuário, senha ou endereço do banco de dados longo demais.", "");
@@ -254,7 +254,7 @@ Parameters& Parameters::Text(unsigned char tag, std::string_view text) {
   return *this;
 }
 
-Parameters& Parameters::LongText(unsigned char tag, std::string_view text) {
+ParameterBlock& ParameterBlock::LongText(unsigned char tag, std::string_view text) {
   if (text.size() > 65535)
     throw DatabaseError(DatabaseError::Kind::Limit, 0, "Nome do banco de dados longo demais.", "");
   bytes_ += static_cast<char>(tag);
@@ -264,14 +264,14 @@ Parameters& Parameters::LongText(unsigned char tag, std::string_view text) {
   return *this;
 }
 
-Parameters& Parameters::Number(unsigned char tag, unsigned number) {
+ParameterBlock& ParameterBlock::Number(unsigned char tag, unsigned number) {
   bytes_ += static_cast<char>(tag);
   bytes_ += '\4';
   for (int shift = 0; shift < 32; shift += 8) bytes_ += static_cast<char>(number >> shift);
   return *this;
 }
 
-Parameters& Parameters::Plain(unsigned char tag, unsigned number) {
+ParameterBlock& ParameterBlock::Plain(unsigned char tag, unsigned number) {
   bytes_ += static_cast<char>(tag);
   for (int shift = 0; shift < 32; shift += 8) bytes_ += static_cast<char>(number >> shift);
   return *this;

@@ -18,7 +18,7 @@ unsigned Length(const unsigned char* at) { return at[0] | (at[1] << 8); }
 
 Service::Service(const DatabaseAddress& address) : database_(address.name) {
   const Credentials credentials = CredentialsFor(address);
-  Parameters parameters;
+  ParameterBlock parameters;
   parameters.Tag(isc_spb_version).Tag(isc_spb_current_version);
   parameters.Text(isc_spb_user_name, credentials.user);
   if (!credentials.password.empty()) parameters.Text(isc_spb_password, credentials.password);
@@ -37,7 +37,7 @@ Service::~Service() {
   if (call.Failed()) service_->release();
 }
 
-void Service::Start(const Parameters& task) {
+void Service::Start(const ParameterBlock& task) {
   Call call;
   service_->start(call(), task.Size(), task.Data());
   Check(call, {}, database_);

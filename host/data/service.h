@@ -18,7 +18,7 @@ class Service {
   Service(const Service&) = delete;
   Service& operator=(const Service&) = delete;
 
-  void Start(const Parameters& task);
+  void Start(const ParameterBlock& task);
   // Runs the task to its end. `output` takes what it writes; `input` gives up to so many bytes of what it
   // reads, none at the end.
   void Run(const std::function<void(std::string_view)>& output,

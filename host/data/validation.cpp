@@ -72,7 +72,7 @@ Validation Validate(std::string_view database) {
   PrepareEngine();
   const DatabaseAddress address = ParseAddress(database);
   fb::Service service(address);
-  fb::Parameters task;
+  fb::ParameterBlock task;
   task.Tag(isc_action_svc_validate).LongText(isc_spb_dbname, fb::NameAtServer(address));
   service.Start(task);
   Reader reader;

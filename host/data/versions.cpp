@@ -13,7 +13,7 @@ int64_t DeadVersions(std::string_view database, std::string_view table) {
   PrepareEngine();
   const DatabaseAddress address = ParseAddress(database);
   fb::Service service(address);
-  fb::Parameters task;
+  fb::ParameterBlock task;
   task.Tag(isc_action_svc_db_stats)
       .LongText(isc_spb_dbname, fb::NameAtServer(address))
       .Plain(isc_spb_options, isc_spb_sts_data_pages | isc_spb_sts_record_versions);

@@ -13,8 +13,8 @@ constexpr int kMaxContexts = 254;
 
 }  // namespace
 
-Companies::Companies(TOrvDatabase& db, std::function<std::string()> standing)
-    : db_(db), standing_(std::move(standing)), sharing_(db) {}
+Companies::Companies(TOrvDatabase& db, std::function<std::string()> current)
+    : db_(db), current_(std::move(current)), sharing_(db) {}
 
 std::vector<std::string> Companies::Suffixes() const {
   std::vector<std::string> suffixes;
@@ -36,7 +36,7 @@ std::string Companies::ForAll(std::string_view sql, std::string_view main_table)
                                        : IsShared(main_table);
   if (once) {
     const std::string_view main = !main_table.empty() || tables.empty() ? main_table : tables.front();
-    return ForCompany(sql, main.empty() ? Standing() : sharing_.SuffixOf(main, Standing()));
+    return ForCompany(sql, main.empty() ? CurrentCompany() : sharing_.SuffixOf(main, CurrentCompany()));
   }
 
   const auto companies = Suffixes();

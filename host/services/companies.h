@@ -13,11 +13,11 @@ namespace orv {
 
 class Companies {
  public:
-  // `standing` gives the suffix of the company on which the shared table of companies stands.
-  Companies(TOrvDatabase& db, std::function<std::string()> standing);
+  // `current` gives the suffix of the company on which the shared table of companies stands.
+  Companies(TOrvDatabase& db, std::function<std::string()> current);
 
   // The suffix of the company whose tables are named at this moment.
-  std::string Standing() const { return standing_(); }
+  std::string CurrentCompany() const { return current_(); }
   // The suffixes of all companies, in order, read anew.
   std::vector<std::string> Suffixes() const;
 
@@ -41,7 +41,7 @@ class Companies {
 
  private:
   TOrvDatabase& db_;
-  std::function<std::string()> standing_;
+  std::function<std::string()> current_;
   Sharing sharing_;
 };
 

@@ -18,7 +18,7 @@ std::string DateLiteral(Date date) { return SqlLiteral(date.Sql()); }
 }  // namespace
 
 std::string ContabilService::Local(std::string_view table) const {
-  return tabela_.GetCompanies().Physical(table, tabela_.Standing());
+  return tabela_.GetCompanies().Physical(table, tabela_.CurrentCompany());
 }
 
 std::string ContabilService::Title() const {
@@ -119,23 +119,23 @@ bool ContabilService::SetRateioClasse(std::string_view numero, std::string_view 
                                       std::string_view origem, Currency valor, std::string_view, bool confirm,
                                       Date, bool store) {
   const Currency total = valor.Round2();
-  Prepared prepared{
-      tabela_.Standing(), std::string(numero), std::string(classe), std::string(origem), total, {}};
-  if (store && prepared_ && prepared_->Of(prepared)) {
-    prepared = std::move(*prepared_);
-    prepared_.reset();
+  AskedShares asked{
+      tabela_.CurrentCompany(), std::string(numero), std::string(classe), std::string(origem), total, {}};
+  if (store && asked_ && asked_->Of(asked)) {
+    asked = std::move(*asked_);
+    asked_.reset();
   } else {
-    prepared_.reset();
-    if (!SharesOf(classe, total, confirm, prepared.shares)) return false;
+    asked_.reset();
+    if (!SharesOf(classe, total, confirm, asked.shares)) return false;
   }
   if (!store) {
-    prepared_ = std::move(prepared);
+    asked_ = std::move(asked);
     return true;
   }
   const std::string_view number = CutChars(numero, 12);
   db_.Execute("DELETE FROM " + Local("CENTRO_RATEIO") + " WHERE NUMERO = " + SqlLiteral(number) +
               " AND TIPO = " + SqlLiteral(origem) + " AND (LANCAMENTO = '' OR LANCAMENTO IS NULL)");
-  WriteShares("", number, origem, 1, false, prepared.shares);
+  WriteShares("", number, origem, 1, false, asked.shares);
   return true;
 }
 
@@ -146,7 +146,7 @@ std::string ContabilService::LockAccount(std::string_view kind) {
 }
 
 Date ContabilService::PeriodoFechadoAte(std::string_view kind) {
-  return locks_.ClosedUntil(tabela_.Standing(), kind, LockAccount(kind));
+  return locks_.ClosedUntil(tabela_.CurrentCompany(), kind, LockAccount(kind));
 }
 
 bool ContabilService::PeriodoConciliado(Date date, std::string_view kind) {
@@ -178,7 +178,7 @@ int ContabilService::FloatDays(std::string_view situacao, const std::string& com
 
 Date ContabilService::DataContabilizacaoBancaria(Date date, std::string_view situacao, bool working_day) {
   if (date.Empty()) return date;
-  const std::string company = tabela_.Standing();
+  const std::string company = tabela_.CurrentCompany();
   if (working_day) date = calendar_.WorkingDay(date, false, company);
   return Trim(situacao).empty() ? date
                                 : calendar_.AddWorkingDays(date, FloatDays(situacao, company), company);

@@ -64,16 +64,16 @@ class ContabilService : public IContabil {
   Calendar& calendar_;
 
   // What was asked for without being stored yet: the user isn't asked a second time.
-  struct Prepared {
+  struct AskedShares {
     std::string company, numero, classe, origem;
     Currency total;
     std::vector<Share> shares;
-    bool Of(const Prepared& other) const {
+    bool Of(const AskedShares& other) const {
       return company == other.company && numero == other.numero && classe == other.classe &&
              origem == other.origem && total == other.total;
     }
   };
-  std::optional<Prepared> prepared_;
+  std::optional<AskedShares> asked_;
 
   // The float of each situation of a company, read once and again after a while.
   std::string float_company_;

@@ -37,11 +37,11 @@ std::string FuncoesService::ListaSQL(std::string_view list) const { return SqlCo
 
 std::string FuncoesService::DBLocal(std::string_view table, bool local) const {
   if (!local) return std::string(table);
-  return p_.tabela.GetCompanies().Physical(table, p_.tabela.Standing());
+  return p_.tabela.GetCompanies().Physical(table, p_.tabela.CurrentCompany());
 }
 
 std::string FuncoesService::DBLocal_SQL(std::string_view sql, std::string_view) const {
-  return p_.tabela.GetCompanies().ForCompany(sql, p_.tabela.Standing());
+  return p_.tabela.GetCompanies().ForCompany(sql, p_.tabela.CurrentCompany());
 }
 
 std::string FuncoesService::DBEmpresa_SQL(std::string_view sql, std::string_view suffix) const {
@@ -77,12 +77,12 @@ bool FuncoesService::Existe(std::string_view table, const std::vector<ChaveBusca
 }
 
 std::string FuncoesService::Proximo(std::string_view table, std::string_view column, int width, bool local) {
-  return p_.numbering.Next(table, column, width, local ? p_.tabela.Standing() : "");
+  return p_.numbering.Next(table, column, width, local ? p_.tabela.CurrentCompany() : "");
 }
 
 std::vector<std::string> FuncoesService::Proximos(std::string_view table, std::string_view column, int width,
                                                   bool local, std::size_t count) {
-  return p_.numbering.Next(table, column, width, local ? p_.tabela.Standing() : "", count);
+  return p_.numbering.Next(table, column, width, local ? p_.tabela.CurrentCompany() : "", count);
 }
 
 std::string FuncoesService::BuscaParametro(std::string_view group, int number) {

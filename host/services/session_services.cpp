@@ -52,8 +52,9 @@ struct SessionServices::Parts {
                        [](Currency amount) { return AmountInWords(amount.Cents()); }, SystemChequePort);
                  }}),
         contabil(application, db, tabela, locks, calendar) {
-    db.SetLocalName(
-        [this](std::string_view table) { return tabela.GetCompanies().Physical(table, tabela.Standing()); });
+    db.SetLocalName([this](std::string_view table) {
+      return tabela.GetCompanies().Physical(table, tabela.CurrentCompany());
+    });
   }
   ~Parts() { db.SetLocalName(nullptr); }
   Parts(const Parts&) = delete;

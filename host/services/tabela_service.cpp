@@ -47,7 +47,7 @@ TabelaService::TabelaService(TOrvDatabase& db, std::string_view company) : db_(d
   if (company.empty() || !tbEmpresa().Locate("EMP_PAT", Value(company))) {
     throw UserError("A empresa \"" + company_ + "\" não existe.");
   }
-  companies_ = std::make_unique<Companies>(db, [this] { return Standing(); });
+  companies_ = std::make_unique<Companies>(db, [this] { return CurrentCompany(); });
 }
 
 TabelaService::~TabelaService() = default;
@@ -59,7 +59,7 @@ TabelaService::Shared& TabelaService::Find(std::string_view name) {
   throw UserError("A tabela \"" + std::string(name) + "\" não existe.");
 }
 
-std::string TabelaService::Standing() {
+std::string TabelaService::CurrentCompany() {
   TOrvTable& companies = tables_.front()->table;
   // Between its opening and its first row the session's own company holds.
   if (!companies.Active() || companies.IsEmpty()) return company_;
@@ -67,7 +67,7 @@ std::string TabelaService::Standing() {
 }
 
 void TabelaService::StandAtHome() {
-  if (Standing() != company_) tbEmpresa().Locate("EMP_PAT", Value(company_));
+  if (CurrentCompany() != company_) tbEmpresa().Locate("EMP_PAT", Value(company_));
 }
 
 void TabelaService::Reread() {

@@ -29,7 +29,7 @@ class TabelaService : public ITabela {
 
   const Companies& GetCompanies() const { return *companies_; }
   // The suffix of the company on which tbEmpresa stands.
-  std::string Standing();
+  std::string CurrentCompany();
   // Puts tbEmpresa back on the session's company, wherever an action that was cut short left it.
   void StandAtHome();
   // Reads the open tables anew after writes were undone, save one in which the user is typing.

@@ -240,13 +240,13 @@ TEST(HttpGuardTest, BehindAProxy) {
   EXPECT_EQ(guard.SetCookie("t"), "__Host-orvcc=t; Path=/; HttpOnly; SameSite=Strict; Secure");
   request.headers["x-forwarded-for"] = "1.2.3.4, 2001:db8::1";
   request.address = "10.0.0.1";
-  EXPECT_EQ(guard.Asker(request), "2001:db8::1");
+  EXPECT_EQ(guard.AddressOfAsker(request), "2001:db8::1");
   request.headers["x-forwarded-for"] = "<script>";
-  EXPECT_EQ(guard.Asker(request), "10.0.0.1");
+  EXPECT_EQ(guard.AddressOfAsker(request), "10.0.0.1");
   // Only the proxy is believed.
   request.headers["x-forwarded-for"] = "1.2.3.4";
   request.address = "10.0.0.2";
-  EXPECT_EQ(guard.Asker(request), "10.0.0.2");
+  EXPECT_EQ(guard.AddressOfAsker(request), "10.0.0.2");
   EXPECT_THROW(HttpGuard(false, "mesa.exemplo.com", ""), UserError);
   EXPECT_THROW(HttpGuard(false, "https://mesa.exemplo.com/x", ""), UserError);
 }

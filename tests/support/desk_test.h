@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "desk/session/client.h"
+#include "desk/session/door_client.h"
 #include "frame/module.h"
 #include "host/data/attachment.h"
 

@@ -144,11 +144,6 @@ export class Door {
     return this.session;
   }
 
-  // The link is whole and the desk has answered everything.
-  get quiet(): boolean {
-    return this.ready && this.queue.idle;
-  }
-
   close(): void {
     this.closed = true;
     window.clearTimeout(this.timer);

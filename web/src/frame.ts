@@ -150,9 +150,6 @@ export class Frame {
   focusHome(): void {
     if (!this.homeBox.hidden) this.home.focus();
   }
-  get home_(): boolean {
-    return !this.homeBox.hidden;
-  }
 
   // --- Marks.
 

@@ -129,7 +129,7 @@ export function isTall(node: TreeNode): boolean {
   return (node.layout ?? []).some((row) => row.some(isTall));
 }
 
-export function isGrowing(node: TreeNode): boolean {
+function isGrowing(node: TreeNode): boolean {
   if (["grid", "chart", "pages", "page", "progress"].includes(node.kind)) return true;
   return node.layout !== undefined && (isTall(node) || node.kind === "panel" || isPart(node));
 }

@@ -109,9 +109,6 @@ export class OutQueue {
     return (this.flying?.press ?? false) || this.waiting.some((item) => item.press);
   }
 
-  get idle(): boolean {
-    return this.flying === null && this.waiting.length === 0;
-  }
 
   get pendingUser(): boolean {
     return (this.flying !== null && this.flying.purpose !== "read") || this.lastUser() !== undefined;

@@ -27,7 +27,7 @@ function whole(first: Day, months: number): [Day, Day] {
 }
 
 // The periods that are asked for most.
-export function periods(today: Day): [string, [Day, Day]][] {
+function periods(today: Day): [string, [Day, Day]][] {
   const month = { ...today, day: 1 };
   const year = { year: today.year, month: 1, day: 1 };
   return [

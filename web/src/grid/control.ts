@@ -1,6 +1,6 @@
 // The grid as a control of a screen: the current row both ways, typing into cells, keys, copying.
 import { el } from "../dom.ts";
-import { insertInto, isCharacter, pressInto, type Press } from "../keys.ts";
+import { insertInto, isCharacter, type Press } from "../keys.ts";
 import { completeDate, brazil } from "../text/date.ts";
 import { isAmount } from "../text/money.ts";
 import { ControlView, type ScreenContext } from "../controls/control.ts";
@@ -462,11 +462,6 @@ export class GridControl extends ControlView implements GridOwner {
       return true;
     }
     return false;
-  }
-
-  // Typed ahead into the editor.
-  pressedAhead(press: Press): boolean {
-    return this.editor !== null && pressInto(this.editor, press);
   }
 
   // --- Copying rows.

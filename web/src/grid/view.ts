@@ -20,7 +20,7 @@ export interface GridOwner {
   marked?(row: number): boolean;
 }
 
-export const kRowHeight = 26;
+const kRowHeight = 26;
 
 interface DrawnRow {
   element: HTMLElement;
@@ -64,7 +64,7 @@ export class GridView {
   constructor(
     private owner: GridOwner,
     label: string,
-    private emptyText = "Nenhum registro",
+    emptyText = "Nenhum registro",
   ) {
     this.head = el("div", { class: "grid-head", role: "row", "aria-rowindex": "1" });
     this.rows = el("div", { class: "grid-rows", role: "presentation" });
@@ -102,9 +102,6 @@ export class GridView {
 
   set label(text: string) {
     this.scroller.setAttribute("aria-label", text);
-  }
-  set emptyMessage(text: string) {
-    if (text !== this.emptyText) this.empty.textContent = this.emptyText = text;
   }
 
   // --- Columns.

@@ -1,4 +1,4 @@
-#include "desk/session/client.h"
+#include "desk/session/door_client.h"
 
 namespace orv {
 

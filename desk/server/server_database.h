@@ -18,7 +18,7 @@ namespace orv {
 
 class Attachment;
 
-class ServerHouse {
+class ServerDatabase {
  public:
   enum class Verdict { Accepted, Refused, NoCompany };
   struct Attempt {
@@ -28,8 +28,8 @@ class ServerHouse {
   };
 
   // Raises UserError for a database that can't be used.
-  ServerHouse(std::string database, Clock clock, PasswordCost cost);
-  ~ServerHouse();
+  ServerDatabase(std::string database, Clock clock, PasswordCost cost);
+  ~ServerDatabase();
 
   // --- All raise UserError when the database doesn't answer.
   // Leaves an audit line.

@@ -1,4 +1,4 @@
-#include "desk/server/server_house.h"
+#include "desk/server/server_database.h"
 
 #include "frame/registry.h"
 #include "host/data/attachment.h"
@@ -14,17 +14,17 @@ constexpr std::size_t kMostPreferences = 1000;
 
 }  // namespace
 
-ServerHouse::ServerHouse(std::string database, Clock clock, PasswordCost cost)
+ServerDatabase::ServerDatabase(std::string database, Clock clock, PasswordCost cost)
     : database_(std::move(database)), clock_(clock), cost_(cost), idle_(Attachment::Open(database_)) {
   RequireCurrentSchema(*idle_);
   // No transaction stays open behind it.
   idle_->CommitRetaining();
 }
 
-ServerHouse::~ServerHouse() = default;
+ServerDatabase::~ServerDatabase() = default;
 
-ServerHouse::Attempt ServerHouse::TryLogin(const std::string& user, const std::string& password,
-                                           const std::string& company, const std::string& address) {
+ServerDatabase::Attempt ServerDatabase::TryLogin(const std::string& user, const std::string& password,
+                                                 const std::string& company, const std::string& address) {
   const auto db = Attachment::Open(database_);
   Audit nobody(*db, clock_, "", "");
   Users users(*db, nobody, cost_);
@@ -48,7 +48,7 @@ ServerHouse::Attempt ServerHouse::TryLogin(const std::string& user, const std::s
   return attempt;
 }
 
-std::map<std::string, Standing> ServerHouse::Standings() {
+std::map<std::string, Standing> ServerDatabase::Standings() {
   const std::lock_guard lock(watch_mutex_);
   try {
     if (watch_ == nullptr) watch_ = Attachment::Open(database_);
@@ -62,9 +62,10 @@ std::map<std::string, Standing> ServerHouse::Standings() {
   }
 }
 
-std::optional<std::string> ServerHouse::ChangePassword(const std::string& user, const std::string& company,
-                                                       const std::string& address, const std::string& present,
-                                                       const std::string& fresh, LoginSeal& login) {
+std::optional<std::string> ServerDatabase::ChangePassword(const std::string& user, const std::string& company,
+                                                          const std::string& address,
+                                                          const std::string& present,
+                                                          const std::string& fresh, LoginSeal& login) {
   const auto db = Attachment::Open(database_);
   Audit audit(*db, clock_, user, company);
   Users users(*db, audit, cost_);
@@ -82,7 +83,7 @@ std::optional<std::string> ServerHouse::ChangePassword(const std::string& user, 
   return seal;
 }
 
-Json ServerHouse::Companies() {
+Json ServerDatabase::Companies() {
   const auto db = Attachment::Open(database_);
   Json::Array companies;
   for (const auto& row : db->Rows("SELECT EMP_PAT, EMP_NOME FROM EMPRESA ORDER BY EMP_PAT")) {
@@ -91,7 +92,7 @@ Json ServerHouse::Companies() {
   return companies;
 }
 
-std::optional<Json> ServerHouse::Me(const std::string& user, const std::string& company) {
+std::optional<Json> ServerDatabase::Me(const std::string& user, const std::string& company) {
   const auto db = Attachment::Open(database_);
   Audit nobody(*db, clock_, "", "");
   Users users(*db, nobody, cost_);
@@ -112,7 +113,7 @@ std::optional<Json> ServerHouse::Me(const std::string& user, const std::string& 
               {"menu", std::move(menu)}};
 }
 
-Json ServerHouse::Preferences(const std::string& user) {
+Json ServerDatabase::Preferences(const std::string& user) {
   const auto db = Attachment::Open(database_);
   Json::Object all;
   for (auto& [key, value] : orv::Preferences(*db, user).List(kPagePreferences)) {
@@ -121,7 +122,8 @@ Json ServerHouse::Preferences(const std::string& user) {
   return all;
 }
 
-void ServerHouse::SetPreference(const std::string& user, const std::string& key, const std::string& value) {
+void ServerDatabase::SetPreference(const std::string& user, const std::string& key,
+                                   const std::string& value) {
   const auto db = Attachment::Open(database_);
   orv::Preferences preferences(*db, user);
   const auto all = preferences.List(kPagePreferences);
