@@ -1,8 +1,11 @@
 #include "host/data/engine.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -101,7 +104,27 @@ void CopyCharacterSets(const fs::path& installed, const fs::path& folder) {
 fs::path temporary_root;
 pid_t temporary_owner = 0;
 
+// What processes that were killed have left: a folder that nobody holds any more.
+void SweepTemporaryRoots() {
+  // Some at a time: nobody waits for the rest.
+  int most = 20;
+  std::error_code ignored;
+  for (const fs::directory_entry& entry : fs::directory_iterator(fs::temp_directory_path(), ignored)) {
+    if (!entry.path().filename().string().starts_with("orvcc-engine-")) continue;
+    const int folder = open(entry.path().c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder < 0) continue;
+    struct stat about {};
+    // Whoever has just made one may not hold it yet.
+    const bool left = fstat(folder, &about) == 0 && about.st_uid == geteuid() &&
+                      time(nullptr) - about.st_mtime > 60 && flock(folder, LOCK_EX | LOCK_NB) == 0;
+    if (left) fs::remove_all(entry.path(), ignored);
+    close(folder);
+    if (left && --most == 0) return;
+  }
+}
+
 fs::path TemporaryRoot() {
+  SweepTemporaryRoots();
   std::string pattern = (fs::temp_directory_path() / "orvcc-engine-XXXXXX").string();
   if (!mkdtemp(pattern.data()))
     Refuse("Não foi possível criar a pasta temporária do banco de dados em \"" +
@@ -109,6 +132,8 @@ fs::path TemporaryRoot() {
            "mkdtemp " + pattern);
   temporary_root = pattern;
   temporary_owner = getpid();
+  // Held for the life of the process.
+  flock(open(pattern.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), LOCK_SH | LOCK_NB);
   std::atexit([] {
     std::error_code ignored;
     if (getpid() == temporary_owner) fs::remove_all(temporary_root, ignored);
