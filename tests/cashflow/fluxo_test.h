@@ -25,14 +25,12 @@ class FluxoTest : public DeskTest {
       desk.Set(name, value);
       ASSERT_EQ(desk.Messages(), "") << name;
     }
-    desk.Set("EdtDataDe", de);
-    desk.Set("edtDataAte", ate);
+    desk.Set({{"EdtDataDe", de}, {"edtDataAte", ate}});
   }
   static std::string Gathered(Desk& desk, const std::string& de, const std::string& ate, const Fields& fields,
                               std::initializer_list<const char*> shown) {
     Fill(desk, de, ate, fields);
-    desk.Click("BitBtn29");
-    EXPECT_EQ(desk.Messages(), "");
+    EXPECT_EQ(desk.Press("BitBtn29"), "");
     return desk.Read("TbRelatorio", shown);
   }
 };

@@ -21,8 +21,8 @@ class FluxoPrintedTest : public FluxoTest {
     Clear();
     Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'S', EMPRESA = 'CONFECÇÃO' WHERE CONTA = '10250-1'");
     Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'S', EMPRESA = 'MALHARIA' WHERE CONTA = '20418-7'");
-    Run("UPDATE ENTIDADE_001 SET NOME = 'CONFECÇÕES SÃO JOÃO DA BOA VISTA INDÚSTRIA E COMÉRCIO LTDA' "
-        "WHERE CODCLI = '00002'");
+    Run("UPDATE ENTIDADE_001 SET NOME = 'CONFECÇÕES SÃO JOÃO DA BOA VISTA INDÚSTRIA E COMÉRCIO LTDA' WHERE "
+        "CODCLI = '00002'");
     Run("UPDATE ENTIDADE_001 SET NOME = 'FIAÇÃO ÁGUIA' WHERE CODCLI = '00003'");
     Movimento("10250-1", "+", "1500");
     Movimento("10250-1", "-", "200.5");
@@ -93,8 +93,7 @@ class FluxoPrintedTest : public FluxoTest {
 const Fields kResumo{{"CbCheque", "true"}, {"RgTipo", "1"}, {"edtBanco", "'901'"}};
 
 TEST_F(FluxoPrintedTest, SummaryByDay) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   std::string printed = Printed(desk, kResumo);
   EXPECT_NE(printed.find("Período de pesquisa de 07/12/2026 até 11/12/2026"), std::string::npos);
   EXPECT_NE(printed.find("Títulos Vencidos em Banco:50,00"), std::string::npos);
@@ -113,8 +112,7 @@ TEST_F(FluxoPrintedTest, SummaryByDay) {
 }
 
 TEST_F(FluxoPrintedTest, ItemByItem) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   std::string printed = Printed(desk, {{"CbCheque", "true"}});
   EXPECT_EQ(Line(printed, "Saldo Inicial"), "-1.700,50");
   EXPECT_EQ(Line(printed, "Total geral"), "3.500,10 300,00 695,05 150,00 1.254,55");
@@ -130,8 +128,7 @@ TEST_F(FluxoPrintedTest, ItemByItem) {
 }
 
 TEST_F(FluxoPrintedTest, ClassByClass) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   std::string printed = Printed(desk, {{"CbCheque", "true"}, {"rgOrdem", "1"}});
   EXPECT_EQ(Line(printed, "Total do período"), "3.500,10 300,00 695,05 150,00 2.955,05");
   EXPECT_EQ(Line(printed, "Saldo Geral"), "1.254,55");
@@ -153,8 +150,7 @@ TEST_F(FluxoPrintedTest, ClassByClass) {
 
 TEST_F(FluxoPrintedTest, WithOrdersAndPurchases) {
   Run("UPDATE PED_ITEN_001 SET QTDE = 12");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   // The order brings 120,00, the purchase takes 100,00.
   std::string printed = Printed(desk, {{"CbCheque", "true"}, {"CbVenCom", "true"}});
   EXPECT_EQ(Line(printed, "Total geral"), "120,00 3.500,10 300,00 100,00 695,05 150,00 1.274,55");

@@ -43,8 +43,7 @@ TEST_F(RelFluxoTest, ItemsMoveIntoThePeriodAndOutOfIt) {
   Conta("C1", "12/06/2026");
   Conta("C2", "12/08/2026", {{"VAL_DEV", "75"}});
   Conta("C3", "12/08/2026", {{"STATUS", "O"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   EXPECT_EQ(desk.Text("EdtDataDe") + desk.Text("edtDataAte") + desk.Text("dtSaldo"),
             "01/01/198031/12/203020/11/2026");
   const auto fields = {"DtLanc", "Numero", "Vlr_receb", "Vlr_pagar", "Operacao"};
@@ -56,8 +55,7 @@ TEST_F(RelFluxoTest, ItemsMoveIntoThePeriodAndOutOfIt) {
             "C1\nC2\nC3\nORCADO\nSABADO\n");
   // By the bank's float the titles move on; payables don't.
   Run("UPDATE TABSIT_001 SET DIAS_FLOAT = 1 WHERE CODIGO = '0'");
-  Desk later(database_);
-  later.Open("TfmRelFluxo");
+  Desk later(database_, At{"TfmRelFluxo"});
   EXPECT_EQ(Gathered(later, kDe, kAte, {{"CbContBanc", "true"}}, {"DtLanc", "Numero"}),
             "2026-12-07|C1\n2026-12-08|SABADO\n2026-12-08|C2\n");
 }
@@ -67,8 +65,7 @@ TEST_F(RelFluxoTest, RowsHoldWhatTheReportsRead) {
          {{"FATURA", "F1"}, {"CLASSE", "1101"}, {"OBS", "D'AGUA"}, {"BORDERO", "9"}, {"VALOR2", "10.5"}});
   Store("BORDERO_001", {{"NUMERO", "9"}, {"TIPO", "R"}, {"CONTA", "10250-1"}, {"DATA", "12/30/2026"}});
   Conta("C1", "12/08/2026");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   const auto fields = {"Numero",  "Documento",   "Vlr_ChequePag", "Vlr_ChequeRec", "Data_ini", "data_fim",
                        "Vlr_Deb", "Vlr_Cre",     "Saldo",         "ClasseGer",     "Obs",      "Conta",
                        "Data",    "Lim_Credito", "Grupo_Dias",    "SaldoCorr"};
@@ -90,8 +87,7 @@ TEST_F(RelFluxoTest, ProgrammedAccountsNarrowTheTitles) {
   for (const char* tipo : {"R", "P"})
     Store("BORDERO_001", {{"NUMERO", "7"}, {"TIPO", tipo}, {"CONTA", "10250-1"}, {"DATA", "12/09/2026"}});
   Store("BORDERO_001", {{"NUMERO", "8"}, {"TIPO", "R"}, {"CONTA", "20418-7"}, {"DATA", "12/09/2026"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   // The account alone narrows the balances only.
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"EdtConta", "10250-1"}, {"rgOrdem", "3"}}, {"Numero"}),
             "COM\nNAO\nOUTRA\nSEM\n");
@@ -105,11 +101,10 @@ TEST_F(RelFluxoTest, ListFieldsKeepAndLeaveOut) {
   Titulo("R0", "12/08/2026");
   Titulo("R1", "12/08/2026", {{"SITUACAO", "1"}});
   Conta("P1", "12/08/2026", {{"SITUACAO", "1"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   for (const char* key : {"0", "1"}) {
     desk.Click("PqSituacaoRec");
-    desk.Do({{"do", "choose"}, {"key", key}});
+    desk.Choose(key);
   }
   EXPECT_EQ(desk.Text("EdtSitDesc"), "'0','1'");
   desk.Click("SpeedButton2");
@@ -136,8 +131,7 @@ TEST_F(RelFluxoTest, OrdersArePartedByTheirCondition) {
   Compra("200", "12/07/2026", "000006");
   Compra("201", "12/08/2026", "00AZZZ");  // hides nothing but itself
   Compra("202", "12/09/2026", "000");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   const auto fields = {"DtLanc", "Numero", "Vlr_Venda", "Vlr_Compra", "Operacao", "Historico"};
   EXPECT_EQ(Gathered(desk, kDe, "13/12/2026", {{"CbVenCom", "true"}, {"rgOrdem", "3"}}, fields),
             "2026-12-07|100/01|100.0000|0.0000|+|PEDIDO PENDENTE Nº 100\n"
@@ -156,15 +150,12 @@ TEST_F(RelFluxoTest, OrdersArePartedByTheirCondition) {
   // screen can be used.
   Run("UPDATE PEDIDO_001 SET PGTO = '000XX ' WHERE NUMERO = '100'");
   Titulo("R1", "12/08/2026");
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), "error: \"XX\" não é um número inteiro válido.");
+  EXPECT_EQ(desk.Press("BitBtn29"), "error: \"XX\" não é um número inteiro válido.");
   EXPECT_EQ(desk.Do({{"do", "read"}}).back()["on"].String(), "idle");
   EXPECT_NE(desk.Read("TbRelatorio", {"Numero"}).find("R1"), std::string::npos);
   // Half of it isn't printed as the whole.
-  desk.Click("BitBtn33");
-  EXPECT_EQ(desk.Messages(),
+  EXPECT_EQ(desk.Told("BitBtn33"),
             "A última consulta não terminou: faltam lançamentos. Consulte de novo antes de imprimir.");
-  desk.Answer("ok");
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"CbVenCom", "false"}}, {"Numero"}), "R1\n");
 }
 
@@ -195,8 +186,7 @@ TEST_F(RelFluxoTest, ChequesComeFromTheirSources) {
                            {"DT_VENCTO", "12/09/2026"},
                            {"DT_CONT", "12/10/2026"},
                            {"VALOR", "5"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   const auto fields = {"DtLanc", "Numero", "Vlr_ChequePag", "Vlr_ChequeRec", "Historico", "Conta", "Data"};
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"CbCheque", "true"}}, fields),
             "2026-12-07|E1|33.0000|-|AO PORTADOR|10250-1|2026-12-05\n2026-12-08|CH1|-|60.0000||-|-\n");
@@ -231,14 +221,13 @@ TEST_F(RelFluxoTest, BalancesAreMarkedAndLost) {
                         {"SITUACAO", "0"},
                         {"STATUS", ""},
                         {"VALOR2", "0.5"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   Gathered(desk, kDe, kAte, {{"edtBanco", "'901','902'"}, {"CbEmp", "true"}}, {});
   const auto saldos = [&] { return desk.Read("TbSaldo", {"Sel", "Conta", "Valor", "ValReceb_Bancos"}); };
   EXPECT_EQ(saldos(), "S|10250-1|800.05|100.5\nS|20418-7|-3|100.5\n");
-  desk.Do({{"do", "cell"}, {"control", "OrvDBGrid1"}, {"row", 0}, {"column", "Sel"}, {"value", "N"}});
+  desk.Cell("OrvDBGrid1", 0, "Sel", "N");
   EXPECT_EQ(desk.Messages(), "");
-  desk.Do({{"do", "cell"}, {"control", "OrvDBGrid1"}, {"row", 0}, {"column", "Valor"}, {"value", "9"}});
+  desk.Cell("OrvDBGrid1", 0, "Valor", "9");
   EXPECT_NE(desk.Messages(), "");
   desk.Do({{"do", "key"}, {"control", "OrvDBGrid1"}, {"key", "Delete"}, {"row", 0}});
   EXPECT_EQ(saldos(), "N|10250-1|800.05|100.5\nS|20418-7|-3|100.5\n");
@@ -246,10 +235,8 @@ TEST_F(RelFluxoTest, BalancesAreMarkedAndLost) {
   Gathered(desk, kDe, kAte, {{"EdtConta", "10250-1"}, {"edtBanco", " , "}}, {});
   EXPECT_EQ(saldos(), "S|10250-1|800.05|-\n");
 
-  desk.Set("EdtConta", "77");
-  desk.Focus("RgTipo");
-  EXPECT_EQ(desk.Messages(), "Conta inválida.");
-  desk.Answer("ok");
+  desk.Leave("EdtConta", "77", "RgTipo");
+  EXPECT_EQ(desk.Told(), "Conta inválida.");
   EXPECT_EQ(desk.Text("EdtConta") + desk.FocusName(), "EdtConta");
 }
 
@@ -269,14 +256,13 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
   Store("CHEQUE_DUP_001", {{"CHAVE", "K1"}, {"DUPLI", "P1"}});
   Pedido("100", "12/10/2026", "000");
   Compra("200", "12/11/2026", "000");
-  Run("INSERT INTO RECEBER_002 (NUMERO, DT_VENCTO, VALOR2) VALUES ('R1', '12/11/2026', 8)");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Put(Receber{.numero = "R1", .dt_vencto = "12/11/2026", .valor2 = "8"}, "_002");
+  Desk desk(database_, At{"TfmRelFluxo"});
   EXPECT_EQ(
       Gathered(desk, kDe, kAte, {{"CbCheque", "true"}, {"CbVenCom", "true"}, {"CbEmp", "true"}}, {"Numero"}),
       "R1\nP1\nE1\n100/01\nR1\n200/01\n");
   const auto detail = [&](int row) {
-    desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", row}, {"column", "Numero"}});
+    desk.DoubleClick("DBGrid1", row, "Numero");
     std::string text = desk.Messages();
     for (const Json& out : desk.Latest()) {
       if (!(out["on"] == Json("detail"))) continue;
@@ -304,8 +290,7 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
 }
 
 TEST_F(RelFluxoTest, TheChoiceNamesTheReport) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   Fill(desk, kDe, kAte);
   desk.Click("BitBtn29");
   struct Case {

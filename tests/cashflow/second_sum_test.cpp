@@ -45,9 +45,8 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
         add(kind,
             "SELECT DT_VENCTO, SUM(VALOR2 - VALOR_PAGO - VAL_DEV - DESCONTO + JUROS) FROM RECEBER" + company +
                 " WHERE STATUS = '" + status +
-                "' AND VALOR2 - VALOR_PAGO - VAL_DEV - DESCONTO + JUROS > 0 "
-                "AND DT_VENCTO" +
-                range + " GROUP BY 1",
+                "' AND VALOR2 - VALOR_PAGO - VAL_DEV - DESCONTO + JUROS > 0 AND DT_VENCTO" + range +
+                " GROUP BY 1",
             true);
       add("pagar",
           "SELECT DT_VEN, SUM(VALOR - VAL_PAG - VAL_DEV - DESCONTO + JUROS) FROM PAGTO" + company +
@@ -72,8 +71,7 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
               "' AND " + until + " GROUP BY 1, P.NUMERO",
           true, from, to.AddDays(9));
     }
-    Desk desk(database_);
-    desk.Open("TfmRelFluxo");
+    Desk desk(database_, At{"TfmRelFluxo"});
     Fill(desk, from.Brazil(), to.Brazil(),
          {{"CbVenCom", "true"}, {"CbCheque", "true"}, {"CbEmp", all ? "true" : "false"}});
     desk.Click("BitBtn29");
@@ -97,12 +95,12 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
     std::string saldos;
     const std::string ledger =
         all ? "(SELECT * FROM CONTACOR_001 UNION ALL SELECT * FROM CONTACOR_002)" : "CONTACOR_001";
-    for (const auto& row : Db().Rows(
-             "SELECT CONTA, SUM(DECODE(OPERACAO, '+', VALOR, -VALOR)) FROM " + ledger +
-             " M WHERE PENDENTE = 'N' AND DT_CONT <= '11/20/2026' AND CONTA IN (SELECT CONTA FROM "
-             "CADCONTA_001 "
-             "WHERE IMP_FLUXO = 'S' UNION SELECT CONTA FROM CADCONTA_002 WHERE IMP_FLUXO = 'S' AND 1 = " +
-             std::string(all ? "1" : "0") + ") GROUP BY 1 ORDER BY 1"))
+    for (const auto& row :
+         Db().Rows("SELECT CONTA, SUM(DECODE(OPERACAO, '+', VALOR, -VALOR)) FROM " + ledger +
+                   " M WHERE PENDENTE = 'N' AND DT_CONT <= '11/20/2026' AND CONTA IN (SELECT CONTA FROM "
+                   "CADCONTA_001 WHERE IMP_FLUXO = 'S' UNION SELECT CONTA FROM CADCONTA_002 WHERE IMP_FLUXO "
+                   "= 'S' AND 1 = " +
+                   std::string(all ? "1" : "0") + ") GROUP BY 1 ORDER BY 1"))
       saldos += row[0].AsString() + "|" + Value(row[1].AsCurrency().ToDouble()).Neutral() + "\n";
     Db().CommitRetaining();
     EXPECT_EQ(desk.Read("TbSaldo", {"Conta", "Valor"}), saldos);
@@ -111,8 +109,7 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
 
 // An order's instalments add up to the order, and are as many as its condition has days.
 TEST_F(SecondSumTest, InstalmentsAddUp) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   Fill(desk, "01/01/1980", "31/12/2030", {{"CbVenCom", "true"}, {"CBCond", "true"}});
   desk.Click("BitBtn29");
   ASSERT_EQ(desk.Messages(), "");

@@ -57,13 +57,11 @@ class RelCcTest : public DeskTest {
     Period(desk, "01/11/2026", "30/11/2026");
   }
   static void Period(Desk& desk, const std::string& from, const std::string& to) {
-    desk.Set("EdtDataDe", from);
-    desk.Set("edtDataAte", to);
+    desk.Set({{"EdtDataDe", from}, {"edtDataAte", to}});
   }
   static std::string Gathered(Desk& desk, const Fields& fields, std::initializer_list<const char*> shown) {
     Fill(desk, fields);
-    desk.Click("BitBtn29");
-    EXPECT_EQ(desk.Messages(), "");
+    EXPECT_EQ(desk.Press("BitBtn29"), "");
     return desk.Read("TbRelatorio", shown);
   }
 };

@@ -45,16 +45,12 @@ class StatementTest : public RelCcTest {
 };
 
 TEST_F(StatementTest, AnAccountIsAskedFor) {
-  Desk desk(database_);
-  desk.Open("TfmRelCC");
+  Desk desk(database_, At{"TfmRelCC"});
   EXPECT_EQ(desk.Text("EdtDataDe") + desk.Text("edtDataAte"), "01/01/198031/12/2030");
-  EXPECT_FALSE(desk.Enabled("RelCodBan"));
-  EXPECT_FALSE(desk.Enabled("PqBanco"));
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), "Banco inexistente.");
-  desk.Answer("ok");
+  EXPECT_EQ(desk.EnabledOf({"RelCodBan", "PqBanco"}), "00");
+  EXPECT_EQ(desk.Told("BitBtn29"), "Banco inexistente.");
   ASSERT_EQ(desk.End(), "waiting lookup");
-  desk.Do({{"do", "choose"}, {"key", kConta}});
+  desk.Choose(kConta);
   EXPECT_EQ(desk.Text("RelConta") + "|" + desk.Text("RelCodBan") + "|" + desk.Text("RelDesBan"),
             "10250-1|901|BANCO DA SERRA");
   EXPECT_NE(desk.Text("Edit1"), "");
@@ -62,10 +58,7 @@ TEST_F(StatementTest, AnAccountIsAskedFor) {
   Fill(desk, {{"RgTipo", "1"}, {"RelConta", ""}});
   EXPECT_TRUE(desk.Enabled("RelCodBan"));
   Fill(desk, {{"RelCodBan", "902"}, {"RgTipo", "0"}});
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), "Conta inexistente.");
-  desk.Answer("ok");
-  EXPECT_EQ(desk.FocusName(), "RelConta");
+  EXPECT_EQ(desk.Refused("BitBtn29"), "Conta inexistente. > RelConta");
   // Nothing is tested when a field is left, and an unknown code only finds nothing.
   EXPECT_EQ(Gathered(desk, {{"RgTipo", "1"}, {"RelConta", "77"}, {"EdtHistHistorico", "zz"}}, {"Lancamento"}),
             "");
@@ -138,9 +131,9 @@ TEST_F(StatementTest, RowsHoldWhatTheReportReads) {
   Run("UPDATE CADCONTA_001 SET LIMITE = 5000, AGENCIA = '0123', EMPRESA = 'TITULAR' WHERE CONTA = '10250-1'");
   Desk desk(database_);
   Open(desk);
-  const std::string described = Sql(
-      "SELECT G.DESCRICAO, H.DESCRICAO FROM SUBGRUPO_001 G JOIN HISTCP_001 H ON H.HISTORICO = '019' WHERE "
-      "G.CODIGO = '3104'");
+  const std::string described =
+      Sql("SELECT G.DESCRICAO, H.DESCRICAO FROM SUBGRUPO_001 G JOIN HISTCP_001 H ON H.HISTORICO = '019' "
+          "WHERE G.CODIGO = '3104'");
   EXPECT_EQ(
       Gathered(desk, {},
                {"Lancamento", "Numero",  "Banco",    "Nome_Banco", "Conta",   "Operacao",     "Valor",
@@ -312,7 +305,7 @@ TEST_F(StatementTest, AnAccountWithoutMovementsShowsItsBalance) {
   const std::string one = "10250-1|70.1|901|BANCO DA SERRA|0123|5000.0000|-|-|-|2026-11-01\n";
   EXPECT_EQ(Gathered(desk, {{"CbZeradas", "true"}}, fields), one);
   EXPECT_EQ(Gathered(desk, {{"RgTipo", "1"}}, fields), one);
-  desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "SaldoIni"}});
+  desk.DoubleClick("DBGrid1", 0, "SaldoIni");
   std::string detail;
   for (const Json& out : desk.Latest()) {
     if (out["on"] == Json("detail")) detail = out["rows"].Items().at(0).Items().at(3).String();
@@ -336,8 +329,7 @@ TEST_F(StatementTest, ARowShowsItsSource) {
   Desk desk(database_);
   Open(desk, {{"RgTipo", "2"}, {"CbFinanceiro", "true"}, {"RgAgrupar", "5"}});
   const auto detail = [&](const char* grid, int row) {
-    desk.Do(
-        {{"do", "dblclick"}, {"control", grid}, {"row", row}, {"column", grid[6] == '1' ? "Valor" : "Nome"}});
+    desk.DoubleClick(grid, row, grid[6] == '1' ? "Valor" : "Nome");
     std::string text = desk.Messages();
     for (const Json& out : desk.Latest()) {
       if (!(out["on"] == Json("detail"))) continue;
@@ -350,7 +342,7 @@ TEST_F(StatementTest, ARowShowsItsSource) {
     desk.Answer("ok");
     return text;
   };
-  desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "Valor"}});
+  desk.DoubleClick("DBGrid1", 0, "Valor");
   EXPECT_NE(desk.Messages(), "") << "there is no row yet";
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento", "Valor"}), "1|10.0000\n1|999.0000\n");
   const std::string title = " Título recebido T1 50.0000";
@@ -369,8 +361,7 @@ TEST_F(StatementTest, AFailureLeavesNoHalfOfAReport) {
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
   // Discounts that don't add up.
   Run("UPDATE RECEBERB_001 SET DESCONTO = 900000000000000, DESCONTO2 = 900000000000000");
-  desk.Click("BitBtn29");
-  EXPECT_TRUE(desk.Messages().starts_with("error: ")) << desk.Messages();
+  EXPECT_TRUE(desk.Press("BitBtn29").starts_with("error: ")) << desk.Messages();
   EXPECT_EQ(desk.Read("TbRelatorio", {"Lancamento"}) + desk.Read("TbFinan", {"Lancto"}), "");
   EXPECT_EQ(desk.End(), "idle");
   Run("UPDATE RECEBERB_001 SET DESCONTO = 0, DESCONTO2 = 0");
