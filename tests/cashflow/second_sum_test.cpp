@@ -30,10 +30,8 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
   const std::string until = "'" + to.Sql() + "'",
                     range = " BETWEEN '" + from.AddDays(-3).Sql() + "' AND " + until;
   // The demo may expect no cheque of one kind in the period.
-  Store("CHEQUE_PRE_001",
-        {{"CHAVE", "KX"}, {"VENCIMENTO", "11/28/2026"}, {"STATUS", "P"}, {"TIPO", "P"}, {"VALOR", "12.34"}});
-  Store("RECEBER_001",
-        {{"NUMERO", "CHX"}, {"DT_VENCTO", "11/28/2026"}, {"STATUS", "CH"}, {"VALOR2", "5.67"}});
+  Put(Cheque{.chave = "KX", .valor = "12.34", .vencimento = "11/28/2026", .tipo = "P"});
+  Put(Receber{.numero = "CHX", .dt_vencto = "11/28/2026", .valor2 = "5.67", .status = "CH"});
   for (const bool all : {false, true}) {
     std::map<std::string, Currency> expected;
     for (const std::string company : {"_001", "_002"}) {

@@ -157,9 +157,10 @@ struct Receber {
 };
 
 struct Receberb {
-  Cell numero = Else("T1"), lancamento = Else("000001"), dt_pagto{}, valor_pago{}, juros{}, desconto{},
-       desconto2{}, desconto3{};
-  ORV_ROW("RECEBERB{}", numero, lancamento, dt_pagto, valor_pago, juros, desconto, desconto2, desconto3)
+  Cell numero = Else("T1"), lancamento = Else("000001"), dt_pagto{}, valor_pago{}, juros{}, val_dev{},
+       desconto{}, desconto2{}, desconto3{};
+  ORV_ROW("RECEBERB{}", numero, lancamento, dt_pagto, valor_pago, juros, val_dev, desconto, desconto2,
+          desconto3)
 };
 
 // Titles that a bank or a program of payments has.
