@@ -8,7 +8,7 @@
 #include "host/schema/check.h"
 #include "host/schema/schema.h"
 #include "host/schema/tables.h"
-#include "tests/schema/fixture.h"
+#include "tests/support/desk_test.h"
 #include "toolkit/text.h"
 
 namespace orv::test {
@@ -88,10 +88,9 @@ TEST_F(Demo, HasEveryKindOfThing) {
     EXPECT_GT(Count(std::string("RECEBER_001 WHERE STATUS = '") + status + "'"), 0) << status;
   EXPECT_GT(Count("EXTRATO_001 WHERE CONCILIADO = 'N'"), 0);
   EXPECT_GT(Count("EXTRATO_001 WHERE CONCILIADO = 'S'"), 0);
-  EXPECT_GT(
-      Count("PEDIDO_001 P INNER JOIN RECEBER_001 R ON (R.PEDIDO = P.NUMERO) WHERE P.ID_TRANSACAO > '' AND "
-            "R.VALOR2 > R.VALOR_PAGO + R.DESCONTO"),
-      0);
+  EXPECT_GT(Count("PEDIDO_001 P INNER JOIN RECEBER_001 R ON (R.PEDIDO = P.NUMERO) WHERE P.ID_TRANSACAO > '' "
+                  "AND R.VALOR2 > R.VALOR_PAGO + R.DESCONTO"),
+            0);
   EXPECT_EQ(Text("SELECT VALOR FROM PARAMETRO WHERE EMP_PAT = '_001' AND GRUPO = 'FAC' AND NUMERO = 80"),
             "00001");
   // Nothing happened after the day, and pending movements reach beyond it.
@@ -102,38 +101,32 @@ TEST_F(Demo, HasEveryKindOfThing) {
 
 TEST_F(Demo, AddsUp) {
   // The master row of an account holds its settled balance.
-  EXPECT_EQ(
-      Count(
-          "CADCONTA_001 C WHERE C.SALDO <> (SELECT SUM(CASE WHEN M.OPERACAO = '+' THEN M.VALOR ELSE -M.VALOR "
-          "END) FROM CONTACOR_001 M WHERE M.CONTA = C.CONTA AND M.PENDENTE <> 'S')"),
-      0);
+  EXPECT_EQ(Count("CADCONTA_001 C WHERE C.SALDO <> (SELECT SUM(CASE WHEN M.OPERACAO = '+' THEN M.VALOR ELSE "
+                  "-M.VALOR END) FROM CONTACOR_001 M WHERE M.CONTA = C.CONTA AND M.PENDENTE <> 'S')"),
+            0);
   // A cheque is what it pays.
   EXPECT_EQ(
-      Count(
-          "CHEQUE_PRE_001 C WHERE C.TIPO = 'P' AND C.STATUS <> 'C' AND C.VALOR <> (SELECT SUM(D.VALOR) FROM "
-          "CHEQUE_DUP_001 D WHERE D.BANCO = C.BANCO AND D.CONTA = C.CONTA AND D.NUMERO = C.NUMERO)"),
+      Count("CHEQUE_PRE_001 C WHERE C.TIPO = 'P' AND C.STATUS <> 'C' AND C.VALOR <> (SELECT SUM(D.VALOR) "
+            "FROM CHEQUE_DUP_001 D WHERE D.BANCO = C.BANCO AND D.CONTA = C.CONTA AND D.NUMERO = C.NUMERO)"),
       0);
   // Cost centres share out the entry that they hang from.
   EXPECT_EQ(Text("SELECT SUM(A.VALOR) - (SELECT SUM(R.VALOR_RAT) FROM CENTRO_RATEIO_001 R) FROM CONTABIL_001 "
-                 "A WHERE "
-                 "EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
+                 "A WHERE EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
             "0,00");
   // Rules share out the whole.
-  EXPECT_EQ(
-      Count("(SELECT CODIGO, CONTA FROM CONT_RATEIO_001 GROUP BY CODIGO, CONTA HAVING ABS(SUM(PERC_CCUSTO) - "
-            "100) > 0.001)"),
-      0);
-  EXPECT_EQ(
-      Count("(SELECT CODIGO FROM (SELECT DISTINCT CODIGO, CONTA, PERC_CONTA FROM CONT_RATEIO_001) GROUP BY "
-            "CODIGO HAVING ABS(SUM(PERC_CONTA) - 100) > 0.001)"),
-      0);
+  EXPECT_EQ(Count("(SELECT CODIGO, CONTA FROM CONT_RATEIO_001 GROUP BY CODIGO, CONTA HAVING "
+                  "ABS(SUM(PERC_CCUSTO) - 100) > 0.001)"),
+            0);
+  EXPECT_EQ(Count("(SELECT CODIGO FROM (SELECT DISTINCT CODIGO, CONTA, PERC_CONTA FROM CONT_RATEIO_001) "
+                  "GROUP BY CODIGO HAVING ABS(SUM(PERC_CONTA) - 100) > 0.001)"),
+            0);
 }
 
 TEST(DemoOptionsTest, OutOfRangeIsRefused) {
   TempDatabase db;
-  EXPECT_EQ(Refusal([&] { MakeDemo(*db, {0, kDay, 2}); }), "A escala da demonstração vai de 1 a 1000.");
-  EXPECT_EQ(Refusal([&] { MakeDemo(*db, {1, kDay, 10}); }), "A demonstração tem de 1 a 9 empresas.");
-  EXPECT_EQ(Refusal([&] {
+  EXPECT_EQ(ErrorOf([&] { MakeDemo(*db, {0, kDay, 2}); }), "A escala da demonstração vai de 1 a 1000.");
+  EXPECT_EQ(ErrorOf([&] { MakeDemo(*db, {1, kDay, 10}); }), "A demonstração tem de 1 a 9 empresas.");
+  EXPECT_EQ(ErrorOf([&] {
               MakeDemo(*db, {1, Date(), 2});
             }),
             "A data da demonstração deve estar entre 1990 e 2190.");
@@ -181,8 +174,7 @@ TEST_F(Demo, CheckFindsEachContradiction) {
       {{"DELETE FROM CONTACOR_001 WHERE LANCAMENTO = " + Quote(transfer) + " AND OPERACAO = '+'",
         // What the deleted side was tied to goes with it.
         "UPDATE EXTRATO_001 E SET CONCILIADO = 'N', LANC_CON = '' WHERE CONCILIADO = 'S' AND NOT EXISTS "
-        "(SELECT 1 FROM "
-        "CONTACOR_001 M WHERE M.LANC_CON = E.LANC_CON)"},
+        "(SELECT 1 FROM CONTACOR_001 M WHERE M.LANC_CON = E.LANC_CON)"},
        "transferência " + transfer + ": a saída e a entrada não se igualam."},
       {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '1101', \'S\', \'7\', \'L\', " + days},
        "lançamento 000000: pendente, mas com a conciliação 7."},
@@ -249,9 +241,8 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
   // Movements by hand without accounting, each for one corruption.
   const auto hands = Db().Rows(
       "SELECT FIRST 12 LANCAMENTO, CONTA FROM CONTACOR_001 M WHERE TIPO = 'L' AND PENDENTE = 'N' AND "
-      "LANC_CON = "
-      "'' AND NOT EXISTS (SELECT 1 FROM CONTABIL_001 A WHERE A.LANCAMENTO = M.LANCAMENTO) AND HISTORICO <> "
-      "'018' ORDER BY 1");
+      "LANC_CON = '' AND NOT EXISTS (SELECT 1 FROM CONTABIL_001 A WHERE A.LANCAMENTO = M.LANCAMENTO) AND "
+      "HISTORICO <> '018' ORDER BY 1");
   std::size_t next = 0;
   std::vector<std::pair<std::string, std::string>> cases;
   const auto hand = [&](const std::string& change, const std::string& found) {
@@ -288,26 +279,24 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
                     other = Text("SELECT MAX(ARQUIVO) FROM EXTRATO_001");
   const auto import = [](const std::string& from, const std::string& to) {
     return "INSERT INTO EXTRATO_001 SELECT 'X' || LANCTO, BANCO, CONTA, DOCTO, DT_CONT, DT_ARQ, VALOR, "
-           "OPERACAO, "
-           "OBSERVACAO, " +
+           "OPERACAO, OBSERVACAO, " +
            Quote(to) + ", CHAVE, 'N', '' FROM EXTRATO_001 WHERE ARQUIVO = " + Quote(from);
   };
   cases.emplace_back(import(file, file), "arquivo \"" + file + "\" da conta");
   cases.emplace_back(import(other, "outro.ofx"), "são o mesmo extrato com dois nomes.");
   cases.emplace_back(
       "UPDATE EXTRATO_001 SET CONTA = NULL WHERE LANCTO = (SELECT MAX(LANCTO) FROM EXTRATO_001 WHERE LANCTO "
-      "< 'X' "
-      "AND CONCILIADO = 'N' AND ARQUIVO <> " +
+      "< 'X' AND CONCILIADO = 'N' AND ARQUIVO <> " +
           Quote(other) + ")",
       "a conta \"\" não existe.");
   const auto entry = [&](const std::string& which) {
     return Text("SELECT FIRST 1 SKIP 3 LANCAMENTO FROM CONTABIL_001 A WHERE " + which + " ORDER BY 1");
   };
-  const std::string by_hand = entry(
-                        "ORIGEM = 'CC' AND EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = "
-                        "A.LANCAMENTO)"),
-                    clearing = entry("CODIGO = '000' AND ORIGEM = 'CC'"), bills = entry("ORIGEM = 'PP'"),
-                    moved = entry("CODIGO = '000-00'");
+  const std::string
+      by_hand = entry(
+          "ORIGEM = 'CC' AND EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
+      clearing = entry("CODIGO = '000' AND ORIGEM = 'CC'"), bills = entry("ORIGEM = 'PP'"),
+      moved = entry("CODIGO = '000-00'");
   const std::string change = "UPDATE CONTABIL_001 SET ";
   cases.emplace_back(change + "VALOR = VALOR + 0.02 WHERE LANCAMENTO = " + Quote(moved),
                      "contabilização " + moved + ": soma");
@@ -329,16 +318,16 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
       "UPDATE CHEQUE_PRE_001 SET STATUS = 'P', DT_BAIXA = NULL WHERE CHAVE = " + Quote(cleared),
       "pendente, mas o lançamento " + cleared + " está baixado.");
   cases.emplace_back(
-      "UPDATE CHEQUE_PRE_001 SET STATUS = 'X' WHERE CHAVE = (SELECT MAX(CHAVE) FROM CHEQUE_PRE_001 "
-      "WHERE STATUS = 'C')",
+      "UPDATE CHEQUE_PRE_001 SET STATUS = 'X' WHERE CHAVE = (SELECT MAX(CHAVE) FROM CHEQUE_PRE_001 WHERE "
+      "STATUS = 'C')",
       "situação \"X\" desconhecida.");
   cases.emplace_back(
       "INSERT INTO CHEQUE_PRE_001 SELECT * FROM CHEQUE_PRE_001 WHERE CHAVE = (SELECT MAX(CHAVE) FROM "
       "CHEQUE_PRE_001 WHERE STATUS = 'B')",
       "gravado 2 vezes.");
   cases.emplace_back(
-      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA) SELECT 'Ana', 'ana' FROM RDB$DATABASE WHERE NEXT VALUE "
-      "FOR SQ_AUDITORIA_ID > 0",
+      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA) SELECT 'Ana', 'ana' FROM RDB$DATABASE WHERE NEXT VALUE FOR "
+      "SQ_AUDITORIA_ID > 0",
       "Auditoria: está vazia");
   for (const auto& [sql, found] : cases) EXPECT_GT(Db().Execute(sql), 0) << sql;
   const std::vector<std::string> lines = CheckData(Db());
@@ -377,8 +366,7 @@ TEST_F(Demo, CheckSparesWhatOnlyLooksWrong) {
       "WHERE M.DOCTO = C.NUMERO AND M.HISTORICO = '018')");
   Db().Execute(
       "UPDATE CONTACOR_001 SET PENDENTE = 'N' WHERE LANCAMENTO = (SELECT MIN(CHAVE) FROM CHEQUE_PRE_001 "
-      "WHERE "
-      "STATUS = 'P' AND TIPO = 'P')");
+      "WHERE STATUS = 'P' AND TIPO = 'P')");
   EXPECT_EQ(CheckData(Db()), std::vector<std::string>{});
 }
 

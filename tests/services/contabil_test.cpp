@@ -12,20 +12,14 @@ namespace {
 class ContabilTest : public ServicesTest {
  protected:
   ContabilTest() {
-    for (const char* sql : {
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('020201', 'C', 'VF', '4.01', 100, '0001', 33.33)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('020201', 'C', 'VF', '4.01', 100, '0002', 33.33)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('020201', 'C', 'VF', '4.01', 100, '0003', 33.34)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('030301', 'C', 'VF', '4.01', 60, '0001', 100)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('030301', 'C', 'VF', '4.02', 20, '0002', 100)",
-         }) {
-      Run(sql);
-    }
+    const char* const shares[] = {"33.33", "33.33", "33.34"};
+    for (int i = 0; i < 3; ++i)
+      Put(RegraRateio{.codigo = "020201",
+                      .conta = "4.01",
+                      .ccusto = "000" + std::to_string(i + 1),
+                      .perc_ccusto = shares[i]});
+    Put(RegraRateio{.codigo = "030301", .conta = "4.01", .perc_conta = 60, .ccusto = "0001"});
+    Put(RegraRateio{.codigo = "030301", .conta = "4.02", .perc_conta = 20, .ccusto = "0002"});
   }
   std::string Shares() {
     return Sql(
@@ -85,16 +79,14 @@ TEST_F(ContabilTest, APostingIsWrittenOnlyAfterTheUsersYes) {
 
   posting->GravaContabilidadeFinan();
   posting->GravaContabilidadeFinan();
-  EXPECT_EQ(
-      Sql("SELECT LANCAMENTO, DOCTO, DOCTO2, CONTA_C, CONTA_D, OPERACAO, ORIGEM, CLASSE, HISTORICO, VALOR, "
-          "DATA, CODIGO, OBSERVACAO FROM CONTABIL_001 ORDER BY CODIGO"),
-      "000007|123456789012|DOC2|1.01|4.01|-|CC|020201|002|100.0000|2026-11-03|000|Luz;"
-      "000007|DOC|DOC|9.99|111-1|+|PP||002|0.0100|2026-11-03|000-00|");
-  EXPECT_EQ(
-      Sql("SELECT LANCAMENTO, ORDEM, CONTA, NUMERO, CENTROCUSTO, TIPO, VALOR_RAT FROM CENTRO_RATEIO_001 "
-          "ORDER BY CENTROCUSTO"),
-      "000007|1|4.01|123456789012|0001|CC|33.3300;000007|1|4.01|123456789012|0002|CC|33.3300;"
-      "000007|1|4.01|123456789012|0003|CC|33.3400");
+  EXPECT_EQ(Sql("SELECT LANCAMENTO, DOCTO, DOCTO2, CONTA_C, CONTA_D, OPERACAO, ORIGEM, CLASSE, HISTORICO, "
+                "VALOR, DATA, CODIGO, OBSERVACAO FROM CONTABIL_001 ORDER BY CODIGO"),
+            "000007|123456789012|DOC2|1.01|4.01|-|CC|020201|002|100.0000|2026-11-03|000|Luz;"
+            "000007|DOC|DOC|9.99|111-1|+|PP||002|0.0100|2026-11-03|000-00|");
+  EXPECT_EQ(Sql("SELECT LANCAMENTO, ORDEM, CONTA, NUMERO, CENTROCUSTO, TIPO, VALOR_RAT FROM "
+                "CENTRO_RATEIO_001 ORDER BY CENTROCUSTO"),
+            "000007|1|4.01|123456789012|0001|CC|33.3300;000007|1|4.01|123456789012|0002|CC|33.3300;"
+            "000007|1|4.01|123456789012|0003|CC|33.3400");
 
   // A line added after the yes needs another one.
   posting->SetContabilidadeFinan("000008", "", "", "1.01", "4.01", "-", "CC", "", "", Currency(1),
@@ -110,9 +102,7 @@ TEST_F(ContabilTest, RulesThatAreWholeAskNothing) {
             "|1|4.01|000009|0001|CC|33.33|33.3300;|2|4.01|000009|0002|CC|33.33|33.3300;"
             "|3|4.01|000009|0003|CC|33.34|33.3500");
   // Again: replaced. A movement's own rows whose document reads the same stay.
-  Run("INSERT INTO CENTRO_RATEIO_001 (LANCAMENTO, NUMERO, TIPO, CENTROCUSTO) VALUES ('000001', '000009', "
-      "'CC', "
-      "'0009')");
+  Put(Rateio{.lancamento = "000001", .numero = "000009", .centrocusto = "0009", .tipo = "CC"});
   EXPECT_TRUE(Apportion("000009", "020201", 3));
   EXPECT_EQ(Sql("SELECT SUM(VALOR_RAT), COUNT(*) FROM CENTRO_RATEIO_001 WHERE LANCAMENTO = ''"), "0.0300|3");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM CENTRO_RATEIO_001"), "4");

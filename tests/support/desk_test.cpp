@@ -48,6 +48,21 @@ TempFolder::~TempFolder() {
   std::filesystem::remove_all(path_, error);
 }
 
+std::string RowsText(Attachment& db, std::string_view sql) {
+  std::string text;
+  for (const auto& row : db.Rows(sql)) text += (text.empty() ? "" : ";") + Joined(row);
+  return text;
+}
+
+std::string ErrorOf(const std::function<void()>& act) {
+  try {
+    act();
+  } catch (const UserError& error) {
+    return error.what();
+  }
+  return "";
+}
+
 void MakeTestDemo(const std::filesystem::path& file) {
   const auto db = Attachment::Create(file.string());
   MakeDemo(*db, {1, Date::ParseNeutral(kToday), 2});
@@ -233,11 +248,7 @@ Attachment& DeskTest::Db() {
 }
 
 std::string DeskTest::Sql(std::string_view sql) {
-  std::string text;
-  for (const auto& row : Db().Rows(sql)) {
-    if (!text.empty()) text += ";";
-    text += Joined(row);
-  }
+  std::string text = RowsText(Db(), sql);
   Db().CommitRetaining();
   return text;
 }

@@ -34,6 +34,22 @@ class TempFolder {
   std::filesystem::path path_;
 };
 
+// An empty database of the test's own.
+struct TempDatabase {
+  Attachment& operator*() { return *db; }
+  Attachment* operator->() { return db.get(); }
+  TempFolder temp;
+  std::filesystem::path folder = temp.Path();
+  std::string file = folder / "empresa.fdb";
+  std::unique_ptr<Attachment> db = Attachment::Create(file);
+};
+
+// Rows of a statement as text: values joined by "|", null as "-", rows by ";".
+std::string RowsText(Attachment& db, std::string_view sql);
+
+// The text of the UserError that `act` raises, "" without one.
+std::string ErrorOf(const std::function<void()>& act);
+
 // The day on which the demo companies of the tests end.
 constexpr const char* kToday = "2026-11-20";
 
@@ -180,7 +196,7 @@ class DeskTest : public ::testing::Test {
   DeskTest();
   // Opens another attachment to the same database: what the desk committed.
   Attachment& Db();
-  // Rows of a statement as text: values joined by "|", null as "-", rows by ";".
+  // Rows of a statement as text.
   std::string Sql(std::string_view sql);
   void Run(std::string_view sql);
   // Inserts a row (rows.h), and what stands in the rows to come.
