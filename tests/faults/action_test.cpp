@@ -182,8 +182,7 @@ const std::vector<std::string>& HostileTexts() {
       std::string("a\0b", 3),
       "\xFF\xFE\x80",
       "\xED\xA0\x80",
-      "  espa\xC3\xA7os  ",
-  };
+      "  espa\xC3\xA7os  "};
   return texts;
 }
 

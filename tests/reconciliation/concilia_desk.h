@@ -32,9 +32,10 @@ class ConciliaTest : public DeskTest {
     return Movements() + "/" + Lines() + "/" + Cheques() + "/" + Posted() + "/" + Audit("CONCILIACAO");
   }
 
-  static void Open(Desk& desk) {
+  static Desk& Open(Desk& desk) {
     desk.Open("TFmConcilia");
     desk.Set("EdtConta", kConta);
+    return desk;
   }
   // Sets the filters and consults; the numbers of both sides.
   static std::string Consult(Desk& desk, const Fields& fields = {}) {

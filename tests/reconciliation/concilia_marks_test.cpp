@@ -94,8 +94,7 @@ TEST_F(ConciliaTest, ATickIsPostedAndMovesOn) {
   Put(Extrato{.lancto = "E2", .valor = "40"});
   const std::string before = All();
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   EXPECT_EQ(Totals(desk), "0,00 0,00 0,00");
   TickMov(desk, 0);
   EXPECT_EQ(RowOf(desk, "TbMov"), 1);
@@ -151,29 +150,14 @@ TEST_F(ConciliaTest, WhatIsClearedOutsideIsNoTick) {
   Put(Movimento{.lancamento = "A1", .valor = "5", .pendente = "C"});
   Put(Movimento{.lancamento = "A2", .valor = "7", .pendente = "N"});
   Desk desk(database_);
-  Open(desk);
-  EXPECT_EQ(Consult(desk, {{"RgBusca", "Todos"}}), "A1 A2 / ");
+  EXPECT_EQ(Consult(Open(desk), {{"RgBusca", "Todos"}}), "A1 A2 / ");
   EXPECT_EQ(Totals(desk), "-7,00 0,00 0,00");
-}
-
-TEST_F(ConciliaTest, PrintsWhatIsTickedAndShowsAllAgain) {
-  Put(Movimento{.lancamento = "A1"});
-  Put(Movimento{.lancamento = "A2"});
-  Put(Extrato{.lancto = "E1"});
-  Desk desk(database_);
-  Open(desk);
-  Consult(desk);
-  TickMov(desk, 1);
-  desk.Click("BitBtn7");
-  EXPECT_EQ(Listed(desk), "A1 A2 / E1");
-  EXPECT_EQ(Ticked(desk), "A2 / ");
 }
 
 TEST_F(ConciliaTest, PostsFromWithin) {
   Put(Movimento{.lancamento = "A1"});
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   desk.Click("BitBtn5");
   EXPECT_EQ(desk.Top(), "TFmCCLancFluxo");
   EXPECT_EQ(desk.Text("EdtConta"), kConta);

@@ -146,8 +146,7 @@ TEST_F(ConciliaTest, ProposesAndTellsWhy) {
   Put(Extrato{.lancto = "E6", .docto = "75", .valor = "50"});
   Put(Extrato{.lancto = "E7", .docto = "76", .valor = "60"});
   Desk desk(database_);
-  Open(desk);
-  EXPECT_EQ(Consult(desk, {{"DtFinal", "31/12/2026"}}), "A1 A2 A3 A4 A5 A6 / E1 E2 E3 E4 E5 E6 E7");
+  EXPECT_EQ(Consult(Open(desk), {{"DtFinal", "31/12/2026"}}), "A1 A2 A3 A4 A5 A6 / E1 E2 E3 E4 E5 E6 E7");
   EXPECT_FALSE(desk.Visible("GbSugestao"));
   EXPECT_EQ(Ticked(desk), " / ");
   const std::string before = All();
@@ -200,8 +199,7 @@ TEST_F(ConciliaTest, ManyAreTiedAtOnce) {
       "'11/10/2026'), :I, 'D', 'N'); END END");
   Fin({110});
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   desk.Click("BtSugerir");
   // Once more proposes the same; what the user changes of it is his own, 1 and 2 against 3.
   desk.Click("BtSugerir");

@@ -28,8 +28,7 @@ TEST_F(TieTest, SeveralLinesOneNumber) {
     Put(Extrato{.lancto = "E2", .dt_cont = "11/12/2026", .valor = "40"});
     Put(Extrato{.lancto = "E3", .dt_cont = "11/13/2026", .valor = "60"});
     Desk desk(database_);
-    Open(desk);
-    EXPECT_EQ(Consult(desk), "A1 A2 / E1 E2 E3");
+    EXPECT_EQ(Consult(Open(desk)), "A1 A2 / E1 E2 E3");
     TickMov(desk, 0);
     // The last ticked one stands before in the set.
     Tick(desk, {}, {2, 1});
@@ -53,8 +52,7 @@ TEST_F(TieTest, SeveralLinesOneNumber) {
 TEST_F(TieTest, NothingTickedDrawsANumberAndReloads) {
   Put(Movimento{.lancamento = "A1"});
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   Run("UPDATE CONTACOR_001 SET LANCAMENTO = 'A2'");
   desk.Click("BitBtn4");
   EXPECT_EQ(desk.End() + desk.Messages(), "idle");
@@ -69,8 +67,7 @@ TEST_F(TieTest, MovementsThatCancelOutNeedNoLine) {
   // A line that has nothing to do with them doesn't date them.
   Put(Extrato{.lancto = "E1"});
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   Tick(desk, {0, 1}, {});
   EXPECT_EQ(desk.Press("BitBtn4"), "");
   const std::string n = Tie("A1");
@@ -128,8 +125,7 @@ TEST_F(TieTest, AChequeIsAccountedForAndUndone) {
       .conta = "X", .classe = "0", .historico = "004", .conta_cont = "2.2", .codcli = "", .carteira = "0"});
   const std::string before = All();
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   Tick(desk, {0}, {0});
   desk.Click("BitBtn4");
   EXPECT_EQ(desk.End(), "waiting answer");
@@ -179,8 +175,7 @@ TEST_F(TieTest, TheUndoTakesTheWholeNumber) {
   Put(Partida{.lancamento = "000010", .observacao = "VENDA"});
   Put(Partida{.lancamento = "000010", .observacao = "COMPENSAÇÃO DOCTO NR: 1."});
   Desk desk(database_);
-  Open(desk);
-  EXPECT_EQ(Consult(desk, {{"RgBusca", "Conciliados"}}), "A1 A2 A3 A4 / E1");
+  EXPECT_EQ(Consult(Open(desk), {{"RgBusca", "Conciliados"}}), "A1 A2 A3 A4 / E1");
   // Cleared without a number: by the file of the other page, or by the ledger.
   desk.Stand("OrvDBGrid1", 2);
   EXPECT_EQ(desk.Told("BitBtn8"), "Lançamento sem conciliação. Impossível continuar.");
@@ -225,8 +220,7 @@ TEST_F(TieTest, ClosedPeriodsStay) {
     Put(Extrato{.lancto = "E1", .dt_cont = "11/08/2026"});
     Put(Bloqueio{.tipo = c.kind, .conta = c.account, .ate = c.until});
     Desk desk(database_);
-    Open(desk);
-    Consult(desk);
+    Consult(Open(desk));
     Tick(desk, {0}, {0});
     const std::string before = All();
     EXPECT_EQ(desk.Press("BitBtn4"), c.message);
@@ -253,8 +247,7 @@ TEST_F(TieTest, OneOfTwoTies) {
   Put(Extrato{.lancto = "E2"});
   Desk first(database_), second(database_);
   for (Desk* desk : {&first, &second}) {
-    Open(*desk);
-    Consult(*desk);
+    Consult(Open(*desk));
   }
   // The same line for another movement.
   TickMov(first, 1);

@@ -19,12 +19,11 @@ class ConciliaPrintTest : public ConciliaTest {
 
 TEST_F(ConciliaPrintTest, TheTickedAndTheWhole) {
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
+  Consult(Open(desk));
   Tick(desk, {0}, {0});
   std::string printed = "##### Marcados\n" + Printed(desk, "BitBtn7");
   // The filter was for the print alone.
-  EXPECT_EQ(Listed(desk), "000001 000002 000003 / E1 E2");
+  EXPECT_EQ(Listed(desk) + ": " + Ticked(desk), "000001 000002 000003 / E1 E2: 000001 / E1");
   desk.Page("TabSheet2");
   printed += "##### Tudo\n" + Printed(desk, "BitBtn11");
   ExpectFile(printed, ORV_FILES "conciliacao.txt");

@@ -1,7 +1,4 @@
 // The account statement: what the filters let in, balances, groupings, people, titles, failures, drill-down.
-#include <condition_variable>
-#include <mutex>
-
 #include "tests/reports/rel_cc_desk.h"
 
 namespace orv::test {
@@ -369,56 +366,6 @@ TEST_F(StatementTest, AFailureLeavesNoHalfOfAReport) {
   Run("UPDATE RECEBERB_001 SET DESCONTO = 0, DESCONTO2 = 0");
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
   EXPECT_EQ(desk.Read("TbFinan", {"Lancto"}), "1\n");
-}
-
-TEST_F(StatementTest, TheUserCancels) {
-  for (const char* number : {"1", "2", "3"}) Movement({.lancamento = number});
-  LetGo();
-  SessionOptions options;
-  options.database = database_.string();
-  options.user = "ana";
-  options.company = "_001";
-  options.folder = folder_.Path();
-  Log log((folder_.Path() / "cancel.log").string());
-  std::mutex mutex;
-  std::condition_variable arrived;
-  int idles = 0;
-  bool cancel = true;
-  std::string error, busy;
-  Json state;
-  Session* session = nullptr;
-  const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
-    const std::lock_guard lock(mutex);
-    // As a person would, at the first sign of progress.
-    if (out["on"] == Json("progress") && session != nullptr && std::exchange(cancel, false))
-      session->Post({{"do", "answer"}, {"value", "cancel"}});
-    if (out["on"] == Json("error")) error = out["text"].String();
-    if (out["on"] == Json("busy")) busy += out["value"].Bool() ? "+" : "-";
-    if (out["on"] == Json("state")) state = out;
-    if (out["on"] == Json("idle")) ++idles;
-    arrived.notify_one();
-  });
-  const auto until = [&](int count) {
-    std::unique_lock lock(mutex);
-    arrived.wait(lock, [&] { return idles == count; });
-  };
-  {
-    const std::lock_guard lock(mutex);
-    session = one.get();
-  }
-  const auto rows = [&] { return state["screens"].Items().back()["sets"]["TbRelatorio"]["count"].Integer(); };
-  one->Post({{"do", "open"}, {"class", "TfmRelCC"}});
-  one->Post({{"do", "set"}, {"control", "RelConta"}, {"value", kConta}});
-  one->Post({{"do", "click"}, {"control", "BitBtn29"}});
-  one->Post({{"do", "read"}, {"control", "TbRelatorio"}});
-  until(6);  // the start, four requests and the cancel
-  EXPECT_EQ(error, "Operação cancelada.");
-  EXPECT_EQ(busy, "+-");
-  EXPECT_EQ(rows(), 0);
-  one->Post({{"do", "click"}, {"control", "BitBtn29"}});
-  one->Post({{"do", "read"}, {"control", "TbRelatorio"}});
-  until(8);
-  EXPECT_EQ(rows(), 3);
 }
 
 }  // namespace
