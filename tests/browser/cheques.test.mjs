@@ -1,7 +1,7 @@
 // A cheque by keyboard alone: taken in with its movement, refused what isn't for it, taken out again.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findings, focusIs, keys, openScreen, picture, rows, shows, told, until } from "./support/browser.mjs";
+import { answered, findMovement, findings, focusIs, keys, openLedger, openScreen, picture, rows, shows, told, until } from "./support/browser.mjs";
 import { deskOfTests } from "./support/real_desk.mjs";
 
 const begin = deskOfTests();
@@ -61,20 +61,12 @@ test("a cheque is taken in with its movement, refused what isn't for it, and tak
   await keys(page, "Alt+d");
   await told(page, "Cheque não pode ser Devolvido.");
   await keys(page, "Alt+e");
-  const question = page.getByRole("alertdialog");
-  await question.getByText("Deseja eliminar este Registro?").waitFor();
-  await keys(page, "s");
-  await question.waitFor({ state: "detached" });
+  await answered(page, "Deseja eliminar este Registro?", "s");
   await until("o cheque fora da lista", async () => (await taken()).length === 0);
 
   // The movement stays in the ledger.
-  await openScreen(page, "corr", "Movimento de Contas Correntes");
-  await focusIs(page, "Incluir");
-  await keys(page, "Alt+c");
-  await page.getByRole("dialog").waitFor();
-  await keys(page, "CH4711");
-  await page.getByText("1 linha").waitFor();
-  await keys(page, "Enter");
+  await openLedger(page);
+  await findMovement(page, "CH4711");
   await shows(page, "Valor", "1.250,40");
   await shows(page, "Conta", "33021-5");
 });

@@ -1,7 +1,7 @@
 // A bank's file taken in and tied to the ledger, by keyboard alone but for the choice of the file.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findings, focusIs, keys, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
+import { answered, findings, focusIs, keys, openLedger, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
 import { deskOfTests } from "./support/real_desk.mjs";
 
 const kOfx = `OFXHEADER:100
@@ -25,8 +25,7 @@ let page;
 
 test("a file is loaded, looked over, confirmed, and its line tied to a movement and untied", async () => {
   page = await begin();
-  await openScreen(page, "corr", "Movimento de Contas Correntes");
-  await focusIs(page, "Incluir");
+  await openLedger(page);
   await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "Tab", "Tab", "Tab", "1202", "Tab", "020", "Tab", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab", "Depósito");
   await shows(page, "Observação", "Depósito");
   await keys(page, "Alt+o");
@@ -53,9 +52,10 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   await told(page, "Arquivo importado com sucesso.");
   await rowsAre(page, "Importação", []);
 
+  const both = () => until("movimento e linha", async () => (await rows(page, "Movimento")).length === 1 && (await rows(page, "Extrato")).length === 1);
   await openScreen(page, "concil", "Conciliação");
   await keys(page, "33021-5", "Alt+m", "Tab", "000777", "Alt+c");
-  await until("movimento e linha", async () => (await rows(page, "Movimento")).length === 1 && (await rows(page, "Extrato")).length === 1);
+  await both();
   await focusIs(page, "Consultar");
   await keys(page, "Tab");
   await focusIs(page, "Movimento");
@@ -73,7 +73,6 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   await rowsAre(page, "Movimento", []);
   await rowsAre(page, "Extrato", []);
   // Tied, both stand among the reconciled ones, and are taken apart again.
-  const both = () => until("movimento e linha", async () => (await rows(page, "Movimento")).length === 1 && (await rows(page, "Extrato")).length === 1);
   const status = (text) => until(`status ${text}`, () => page.evaluate((wanted) => document.activeElement?.closest("label")?.textContent === wanted || document.activeElement?.getAttribute("aria-label") === wanted, text));
   await focusIs(page, "Conciliar");
   await keys(page, "Alt+f");
@@ -88,10 +87,7 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   await both();
   await picture(page, "workbench-tied");
   await keys(page, "Alt+v");
-  const question = page.getByRole("alertdialog");
-  await question.getByText("Tem certeza que deseja voltar conciliação?").waitFor();
-  await keys(page, "s");
-  await question.waitFor({ state: "detached" });
+  await answered(page, "Tem certeza que deseja voltar conciliação?", "s");
   await rowsAre(page, "Movimento", []);
   await rowsAre(page, "Extrato", []);
   await picture(page, "workbench-untied");

@@ -1,7 +1,7 @@
 // The page on the desk itself: a demo company, its database and its rules, by keyboard alone.
 import assert from "node:assert/strict";
 import { after, afterEach, before, describe, test } from "node:test";
-import { described, enter as logInAt, findings, focusIs, keys, launch, logIn, openPage, openScreen, picture, shows, told, until } from "./support/browser.mjs";
+import { answered, described, enter as logInAt, findMovement, findings, focusIs, keys, launch, logIn, openLedger, openPage, picture, shows, told, until } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
 
 let browser;
@@ -17,7 +17,6 @@ after(async () => {
   desk?.remove();
 });
 afterEach(async () => {
-  desk.link.mend();
   desk.link.delay = 0;
   for (const page of pages) {
     assert.deepEqual(page.faults, []);
@@ -36,19 +35,6 @@ async function logInAgain(page) {
   await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
   await logIn(page);
   await page.getByRole("button", { name: "Telas" }).waitFor();
-}
-async function openLedger(page) {
-  await openScreen(page, "corr", "Movimento de Contas Correntes");
-  await focusIs(page, "Incluir");
-}
-
-async function find(page, document) {
-  await keys(page, "Alt+c");
-  await page.getByRole("dialog").waitFor();
-  await keys(page, document);
-  await page.getByText("1 linha").waitFor();
-  await keys(page, "Enter");
-  await shows(page, "Documento", document);
 }
 // Begins a movement and types it in, from the account to the note, without looking.
 const typePosting = (page, account, document, amount, note) =>
@@ -74,7 +60,7 @@ describe("a movement", () => {
       await focusIs(page, "Incluir");
       await shows(page, "Documento", "");
 
-      await find(page, document);
+      await findMovement(page, document);
       await keys(page, "Alt+a");
       await focusIs(page, "Vencimento");
       await keys(page, "5", "Tab");
@@ -82,15 +68,12 @@ describe("a movement", () => {
       await keys(page, "Tab", "Tab", "Tab", "750", "Alt+o");
       await focusIs(page, "Incluir");
 
-      await find(page, document);
+      await findMovement(page, document);
       await shows(page, "Valor", "750,00");
       await keys(page, "Alt+e");
-      const question = page.getByRole("alertdialog");
-      await question.getByText("Deseja eliminar este Registro?").waitFor();
       await focusIs(page, "Sim");
       await picture(page, `deletion-${delay}`);
-      await keys(page, "s");
-      await question.waitFor({ state: "detached" });
+      await answered(page, "Deseja eliminar este Registro?", "s");
       await shows(page, "Documento", "");
       await keys(page, "Alt+c");
       await page.getByRole("dialog").waitFor();
@@ -144,69 +127,21 @@ describe("a movement", () => {
   });
 });
 
-describe("the link", () => {
-  test("breaks in the middle of a question, and the question is there again", async () => {
-    const page = await enter();
-    await openLedger(page);
-    await keys(page, "Alt+i");
-    await typePosting(page, "10250-1", "RECIBO 9", "80", "Fica");
-    await keys(page, "Alt+o");
-    await focusIs(page, "Incluir");
-    await find(page, "RECIBO 9");
-    await keys(page, "Alt+e");
-    const question = page.getByRole("alertdialog");
-    await question.getByText("Deseja eliminar este Registro?").waitFor();
-    desk.link.cut();
-    await page.getByText("Sem conexão com o servidor.").waitFor();
-    await picture(page, "lost");
-    desk.link.mend();
-    await page.getByText("Sem conexão com o servidor.").waitFor({ state: "hidden" });
-    await question.getByText("Deseja eliminar este Registro?").waitFor();
-    await focusIs(page, "Sim");
-    await keys(page, "n");
-    await question.waitFor({ state: "detached" });
-    await shows(page, "Documento", "");
-    // Loaded anew, the window is where it was.
-    await find(page, "RECIBO 9");
-    await page.reload();
-    await shows(page, "Documento", "RECIBO 9");
-  });
-
-  test("a second window is a session of its own, and logging out ends both", async () => {
-    const page = await enter();
-    await openLedger(page);
-    await keys(page, "Alt+i", "10250-1", "Tab");
-    const other = await page.context().newPage();
-    other.faults = [];
-    await other.goto(desk.url);
-    await openLedger(other);
-    await keys(other, "Alt+i", "20418-7", "Tab");
-    await shows(other, "Conta", "20418-7");
-    await shows(page, "Conta", "10250-1");
-    await other.getByRole("button", { name: "Sair" }).click();
-    await keys(other, "s");
-    await other.getByLabel("Senha").waitFor();
-    await page.getByLabel("Senha").waitFor();
-  });
-});
-
-describe("looks", () => {
-  for (const [name, options] of [
-    ["light", {}],
-    ["dark", { dark: true }],
-    ["zoom", { scale: 2, height: 900 }],
-  ]) {
-    test(`without serious findings: ${name}`, async () => {
-      const page = await enter(options);
-      await openLedger(page);
-      await picture(page, `ledger-${name}`);
-      assert.deepEqual(await findings(page), []);
-      await keys(page, "Alt+i", "Tab", "F4");
-      await page.getByRole("alertdialog").or(page.getByRole("dialog")).first().waitFor();
-      await picture(page, `ledger-dialog-${name}`);
-      assert.deepEqual(await findings(page), []);
-    });
-  }
+test("a second window is a session of its own, and logging out ends both", async () => {
+  const page = await enter();
+  await openLedger(page);
+  await keys(page, "Alt+i", "10250-1", "Tab");
+  const other = await page.context().newPage();
+  other.faults = [];
+  await other.goto(desk.url);
+  await openLedger(other);
+  await keys(other, "Alt+i", "20418-7", "Tab");
+  await shows(other, "Conta", "20418-7");
+  await shows(page, "Conta", "10250-1");
+  await other.getByRole("button", { name: "Sair" }).click();
+  await keys(other, "s");
+  await other.getByLabel("Senha").waitFor();
+  await page.getByLabel("Senha").waitFor();
 });
 
 test("only what the user may open and do", async () => {
@@ -238,7 +173,7 @@ test("a desk that dies takes nothing along that was typed", async () => {
   await described(page, "RECEITAS EVENTUAIS");
   await keys(page, "Alt+o");
   await focusIs(page, "Incluir");
-  await find(page, "RECIBO 7");
+  await findMovement(page, "RECIBO 7");
   await shows(page, "Conta", "10250-1");
 });
 

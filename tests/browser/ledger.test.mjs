@@ -3,17 +3,13 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { test } from "node:test";
-import { findings, focusIs, keys, openScreen, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
+import { findMovement, findings, focusIs, keys, openLedger, picture, rows, rowsAre, shows, told, until } from "./support/browser.mjs";
 import { deskOfTests } from "./support/real_desk.mjs";
 
 const begin = deskOfTests((run) => ["30", "50"].forEach((number) => run(["param", "set", "FIN", number, "S"])));
 let page;
 
-async function openLedger() {
-  page = await begin();
-  await openScreen(page, "corr", "Movimento de Contas Correntes");
-  await focusIs(page, "Incluir");
-}
+const enterLedger = async () => openLedger((page = await begin()));
 
 // Sets filters that are seldom set, from the first of them on, and folds them away again.
 async function moreFilters(...list) {
@@ -28,7 +24,7 @@ const type = (account, document, kind, history, amount, note) =>
   keys(page, "Alt+i", account, "Tab", document, "Tab", "Tab", "Tab", "Tab", kind, "Tab", history, "Tab", "Tab", amount, "Tab", "Tab", note, "Tab");
 
 test("a movement with its split: proposed, completed in the grids, refused, stored", async () => {
-  await openLedger();
+  await enterLedger();
   // The class's own rules fill both grids.
   await type("10250-1", "NF 900", "3103", "012", "100", "Luz");
   await focusIs(page, "Confirmar");
@@ -63,17 +59,13 @@ test("a movement with its split: proposed, completed in the grids, refused, stor
   await keys(page, "Alt+o");
   await focusIs(page, "Incluir");
 
-  await keys(page, "Alt+c");
-  await page.getByRole("dialog").waitFor();
-  await keys(page, "NF 901");
-  await page.getByText("1 linha").waitFor();
-  await keys(page, "Enter");
+  await findMovement(page, "NF 901");
   await rowsAre(page, "Contabilidade", ["1.1.02.001|CONTA MOVIMENTO|4.1.04.001|DESPESAS GERAIS|1.100,50"]);
   await rowsAre(page, "Centro de Custo", ["0300|CONFECCAO|33,30|366,47", "0400|LOJA|66,70|734,03"]);
 });
 
 test("cheques are cleared down the list, and one is taken back", async () => {
-  await openLedger();
+  await enterLedger();
   // Cheques among the pending ones, of whatever account.
   await keys(page, "Control+PageUp");
   await moreFilters("Tab", "Tab", "Tab", "Tab", "Tab", "End");
@@ -121,7 +113,7 @@ test("cheques are cleared down the list, and one is taken back", async () => {
 });
 
 test("a transfer posts both sides; a movement found in the inquiry comes to the form", async () => {
-  await openLedger();
+  await enterLedger();
   await keys(page, "Alt+t");
   const dialog = page.getByRole("dialog");
   await dialog.waitFor();
@@ -153,7 +145,7 @@ test("a transfer posts both sides; a movement found in the inquiry comes to the 
 });
 
 test("the balances are read beside the screen, printed and taken away", async () => {
-  await openLedger();
+  await enterLedger();
   await keys(page, "Alt+s");
   const pane = page.getByRole("dialog", { name: "Saldos das Contas Correntes" });
   const view = page.frameLocator(".report-frame");

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/support/desk_test.h"
+#include "toolkit/text.h"
 
 namespace orv::test {
 
@@ -12,12 +13,9 @@ class FluxoTest : public DeskTest {
  protected:
   // Leaves the companies without anything to expect.
   void Clear() {
-    for (const char* company : {"_001", "_002"}) {
-      for (const char* table : {"CONTACOR", "RECEBER", "PAGTO", "CHEQUE_PRE", "PEDIDO", "PED_ITEN", "COMPRA",
-                                "CO_ITEN", "BORDERO"})
-        Db().Execute("DELETE FROM " + std::string(table) + company);
-    }
-    Db().CommitRetaining();
+    for (const std::string company : {"_001", "_002"})
+      Empty(ReplaceAll("CONTACOR* RECEBER* PAGTO* CHEQUE_PRE* PEDIDO* PED_ITEN* COMPRA* CO_ITEN* BORDERO*",
+                       "*", company));
   }
   // Fills the screen; the dates last, since entering them overwrites what they hold.
   static void Fill(Desk& desk, const std::string& de, const std::string& ate, const Fields& fields = {}) {
@@ -25,14 +23,12 @@ class FluxoTest : public DeskTest {
       desk.Set(name, value);
       ASSERT_EQ(desk.Messages(), "") << name;
     }
-    desk.Set("EdtDataDe", de);
-    desk.Set("edtDataAte", ate);
+    desk.Set({{"EdtDataDe", de}, {"edtDataAte", ate}});
   }
   static std::string Gathered(Desk& desk, const std::string& de, const std::string& ate, const Fields& fields,
                               std::initializer_list<const char*> shown) {
     Fill(desk, de, ate, fields);
-    desk.Click("BitBtn29");
-    EXPECT_EQ(desk.Messages(), "");
+    EXPECT_EQ(desk.Press("BitBtn29"), "");
     return desk.Read("TbRelatorio", shown);
   }
 };

@@ -21,53 +21,30 @@ class FluxoPrintedTest : public FluxoTest {
     Clear();
     Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'S', EMPRESA = 'CONFECÇÃO' WHERE CONTA = '10250-1'");
     Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'S', EMPRESA = 'MALHARIA' WHERE CONTA = '20418-7'");
-    Run("UPDATE ENTIDADE_001 SET NOME = 'CONFECÇÕES SÃO JOÃO DA BOA VISTA INDÚSTRIA E COMÉRCIO LTDA' "
-        "WHERE CODCLI = '00002'");
+    Run("UPDATE ENTIDADE_001 SET NOME = 'CONFECÇÕES SÃO JOÃO DA BOA VISTA INDÚSTRIA E COMÉRCIO LTDA' WHERE "
+        "CODCLI = '00002'");
     Run("UPDATE ENTIDADE_001 SET NOME = 'FIAÇÃO ÁGUIA' WHERE CODCLI = '00003'");
-    Movimento("10250-1", "+", "1500");
-    Movimento("10250-1", "-", "200.5");
-    Movimento("20418-7", "-", "3000");
-    Titulo("R1", "12/08/2026", "1000.1",
-           {{"FATURA", "NF-0001"}, {"OBS", "ENTREGA COMBINADA PARA DEPOIS DO MEIO-DIA NA PORTARIA DOIS"}});
-    Titulo("R2", "12/09/2026", "2500", {{"CLASSE", ""}});
-    Titulo("R3", "12/09/2026", "300", {{"STATUS", "CH"}});
-    Titulo("VENCIDO", "11/02/2026", "50", {{"BANCO", "901"}});
-    Pagar("P1", "12/08/2026", {{"VALOR", "700.05"}, {"DOCTO", "D-77"}});
-    Pagar("P2", "12/09/2026", {{"VALOR", "10"}, {"VAL_DEV", "15"}});
-    Store("CHEQUE_PRE_001", {{"CHAVE", "K1"},
-                             {"NUMERO", "E1"},
-                             {"VENCIMENTO", "12/09/2026"},
-                             {"STATUS", "P"},
-                             {"TIPO", "P"},
-                             {"VALOR", "150"},
-                             {"CONTA", "10250-1"},
-                             {"OBS", "FIO PENTEADO"}});
-    Store("PEDIDO_001", {{"NUMERO", "77"}, {"DT_FATURA", "12/10/2026"}, {"CODCLI", "00002"}});
-    Store("PED_ITEN_001", {{"NUMERO", "77"}, {"PRECO", "10"}, {"QTDE", "10"}});
-    Store("COMPRA_001", {{"NUMERO", "88"}, {"DT_ENTREGA", "12/10/2026"}, {"CODFOR", "00003"}});
-    Store("CO_ITEN_001",
-          {{"NUMERO", "88"}, {"PRECO", "10"}, {"QTDE", "12"}, {"QTDE_B", "2"}, {"SITUACAO", "A"}});
-  }
-  void Movimento(const std::string& conta, const std::string& operacao, const std::string& valor) {
-    Store("CONTACOR_001", {{"LANCAMENTO", "X"},
-                           {"CONTA", conta},
-                           {"PENDENTE", "N"},
-                           {"OPERACAO", operacao},
-                           {"VALOR", valor},
-                           {"DT_CONT", "11/20/2026"}});
-  }
-  void Titulo(const std::string& numero, const std::string& vencto, const std::string& valor,
-              const Fields& more) {
-    Fields fields{{"NUMERO", numero},  {"DT_VENCTO", vencto}, {"VALOR2", valor},
-                  {"CODCLI", "00002"}, {"SITUACAO", "0"},     {"CLASSE", "1101"}};
-    fields.insert(fields.end(), more.begin(), more.end());
-    Store("RECEBER_001", fields);
-  }
-  void Pagar(const std::string& numero, const std::string& vencto, const Fields& more) {
-    Fields fields{{"NUM_AP", numero},  {"DUPLI", numero}, {"DT_VEN", vencto}, {"SITUACAO", "0"},
-                  {"CODCRE", "00003"}, {"LOTE", ""},      {"NUM_OS", "3104"}};
-    fields.insert(fields.end(), more.begin(), more.end());
-    Store("PAGTO_001", fields);
+    Usual(Movimento{.dt_cont = "11/20/2026"});
+    Usual(Receber{.classe = "1101"});
+    Put(Movimento{.valor = 1500, .operacao = "+"});
+    Put(Movimento{.valor = "200.5"});
+    Put(Movimento{.conta = kOutraConta, .valor = 3000});
+    Put(Receber{.numero = "R1",
+                .dt_vencto = "12/08/2026",
+                .valor2 = "1000.1",
+                .fatura = "NF-0001",
+                .obs = "ENTREGA COMBINADA PARA DEPOIS DO MEIO-DIA NA PORTARIA DOIS"});
+    Put(Receber{.numero = "R2", .dt_vencto = "12/09/2026", .valor2 = 2500, .classe = ""});
+    Put(Receber{.numero = "R3", .dt_vencto = "12/09/2026", .valor2 = 300, .status = "CH"});
+    Put(Receber{.numero = "VENCIDO", .dt_vencto = "11/02/2026", .valor2 = 50, .banco = "901"});
+    Put(Pagto{.num_ap = "P1", .docto = "D-77", .dupli = "P1", .dt_ven = "12/08/2026", .valor = "700.05"});
+    Put(Pagto{.num_ap = "P2", .dupli = "P2", .dt_ven = "12/09/2026", .valor = 10, .val_dev = 15});
+    Usual(Cheque{.vencimento = "12/09/2026", .tipo = "P", .obs = "FIO PENTEADO"});
+    Put(Cheque{.chave = "K1", .numero = "E1", .valor = 150});
+    Put(Pedido{.numero = "77", .dt_fatura = "12/10/2026"});
+    Put(PedItem{.numero = "77"});
+    Put(Compra{.numero = "88", .dt_entrega = "12/10/2026"});
+    Put(CoItem{.numero = "88"});
   }
   // Gathers and prints.
   static std::string Printed(Desk& desk, const Fields& fields, const char* de = kDe) {
@@ -93,8 +70,7 @@ class FluxoPrintedTest : public FluxoTest {
 const Fields kResumo{{"CbCheque", "true"}, {"RgTipo", "1"}, {"edtBanco", "'901'"}};
 
 TEST_F(FluxoPrintedTest, SummaryByDay) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   std::string printed = Printed(desk, kResumo);
   EXPECT_NE(printed.find("Período de pesquisa de 07/12/2026 até 11/12/2026"), std::string::npos);
   EXPECT_NE(printed.find("Títulos Vencidos em Banco:50,00"), std::string::npos);
@@ -113,8 +89,7 @@ TEST_F(FluxoPrintedTest, SummaryByDay) {
 }
 
 TEST_F(FluxoPrintedTest, ItemByItem) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   std::string printed = Printed(desk, {{"CbCheque", "true"}});
   EXPECT_EQ(Line(printed, "Saldo Inicial"), "-1.700,50");
   EXPECT_EQ(Line(printed, "Total geral"), "3.500,10 300,00 695,05 150,00 1.254,55");
@@ -130,8 +105,7 @@ TEST_F(FluxoPrintedTest, ItemByItem) {
 }
 
 TEST_F(FluxoPrintedTest, ClassByClass) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   std::string printed = Printed(desk, {{"CbCheque", "true"}, {"rgOrdem", "1"}});
   EXPECT_EQ(Line(printed, "Total do período"), "3.500,10 300,00 695,05 150,00 2.955,05");
   EXPECT_EQ(Line(printed, "Saldo Geral"), "1.254,55");
@@ -153,8 +127,7 @@ TEST_F(FluxoPrintedTest, ClassByClass) {
 
 TEST_F(FluxoPrintedTest, WithOrdersAndPurchases) {
   Run("UPDATE PED_ITEN_001 SET QTDE = 12");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   // The order brings 120,00, the purchase takes 100,00.
   std::string printed = Printed(desk, {{"CbCheque", "true"}, {"CbVenCom", "true"}});
   EXPECT_EQ(Line(printed, "Total geral"), "120,00 3.500,10 300,00 100,00 695,05 150,00 1.274,55");

@@ -9,42 +9,34 @@ constexpr const char* kAte = "12/12/2026";  // a Saturday
 
 class RelFluxoTest : public FluxoTest {
  protected:
-  RelFluxoTest() { Clear(); }
-  void Titulo(const std::string& numero, const std::string& vencto, const Fields& more = {}) {
-    Fields fields{
-        {"NUMERO", numero}, {"DT_VENCTO", vencto}, {"SITUACAO", "0"}, {"CODCLI", "00002"}, {"VALOR2", "100"}};
-    fields.insert(fields.end(), more.begin(), more.end());
-    Store("RECEBER_001", fields);
+  RelFluxoTest() {
+    Clear();
+    Usual(Pagto{.codcre = nullptr, .num_os = nullptr, .valor = 70});
   }
-  void Conta(const std::string& numero, const std::string& vencto, const Fields& more = {}) {
-    Fields fields{{"NUM_AP", numero}, {"DUPLI", numero}, {"DT_VEN", vencto},
-                  {"VALOR", "70"},    {"SITUACAO", "0"}, {"LOTE", ""}};
-    fields.insert(fields.end(), more.begin(), more.end());
-    Store("PAGTO_001", fields);
+  void Conta(Pagto conta) {
+    conta.dupli = conta.num_ap;
+    Put(conta);
   }
-  void Pedido(const std::string& numero, const std::string& dia, const std::string& pgto) {
-    Store("PEDIDO_001", {{"NUMERO", numero}, {"DT_FATURA", dia}, {"CODCLI", "00002"}, {"PGTO", pgto}});
-    Store("PED_ITEN_001", {{"NUMERO", numero}, {"PRECO", "10"}, {"QTDE", "10"}});
+  void Order(const std::string& numero, const std::string& dia, const std::string& pgto) {
+    Put(Pedido{.numero = numero, .dt_fatura = dia, .pgto = pgto});
+    Put(PedItem{.numero = numero});
   }
-  void Compra(const std::string& numero, const std::string& dia, const std::string& condicao) {
-    Store("COMPRA_001",
-          {{"NUMERO", numero}, {"DT_ENTREGA", dia}, {"CODFOR", "00002"}, {"CONDICAO", condicao}});
-    Store("CO_ITEN_001",
-          {{"NUMERO", numero}, {"PRECO", "10"}, {"QTDE", "12"}, {"QTDE_B", "2"}, {"SITUACAO", "A"}});
+  void Purchase(const std::string& numero, const std::string& dia, const std::string& condicao) {
+    Put(Compra{.numero = numero, .dt_entrega = dia, .codfor = "00002", .condicao = condicao});
+    Put(CoItem{.numero = numero});
   }
 };
 
 TEST_F(RelFluxoTest, ItemsMoveIntoThePeriodAndOutOfIt) {
-  Titulo("SABADO", "12/05/2026");
-  Titulo("FIM", "12/12/2026");   // moves behind the end
-  Titulo("CEDO", "12/03/2026");  // a Thursday before the period
-  Titulo("BAIXA", "12/08/2026", {{"VAL_DEV", "100"}});
-  Titulo("ORCADO", "12/08/2026", {{"STATUS", "O"}});
-  Conta("C1", "12/06/2026");
-  Conta("C2", "12/08/2026", {{"VAL_DEV", "75"}});
-  Conta("C3", "12/08/2026", {{"STATUS", "O"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Put(Receber{.numero = "SABADO", .dt_vencto = "12/05/2026"});
+  Put(Receber{.numero = "FIM", .dt_vencto = "12/12/2026"});   // moves behind the end
+  Put(Receber{.numero = "CEDO", .dt_vencto = "12/03/2026"});  // a Thursday before the period
+  Put(Receber{.numero = "BAIXA", .dt_vencto = "12/08/2026", .val_dev = "100"});
+  Put(Receber{.numero = "ORCADO", .dt_vencto = "12/08/2026", .status = "O"});
+  Conta({.num_ap = "C1", .dt_ven = "12/06/2026"});
+  Conta({.num_ap = "C2", .dt_ven = "12/08/2026", .val_dev = "75"});
+  Conta({.num_ap = "C3", .dt_ven = "12/08/2026", .status = "O"});
+  Desk desk(database_, At{"TfmRelFluxo"});
   EXPECT_EQ(desk.Text("EdtDataDe") + desk.Text("edtDataAte") + desk.Text("dtSaldo"),
             "01/01/198031/12/203020/11/2026");
   const auto fields = {"DtLanc", "Numero", "Vlr_receb", "Vlr_pagar", "Operacao"};
@@ -56,19 +48,22 @@ TEST_F(RelFluxoTest, ItemsMoveIntoThePeriodAndOutOfIt) {
             "C1\nC2\nC3\nORCADO\nSABADO\n");
   // By the bank's float the titles move on; payables don't.
   Run("UPDATE TABSIT_001 SET DIAS_FLOAT = 1 WHERE CODIGO = '0'");
-  Desk later(database_);
-  later.Open("TfmRelFluxo");
+  Desk later(database_, At{"TfmRelFluxo"});
   EXPECT_EQ(Gathered(later, kDe, kAte, {{"CbContBanc", "true"}}, {"DtLanc", "Numero"}),
             "2026-12-07|C1\n2026-12-08|SABADO\n2026-12-08|C2\n");
 }
 
 TEST_F(RelFluxoTest, RowsHoldWhatTheReportsRead) {
-  Titulo("1234567890AB", "12/08/2026",
-         {{"FATURA", "F1"}, {"CLASSE", "1101"}, {"OBS", "D'AGUA"}, {"BORDERO", "9"}, {"VALOR2", "10.5"}});
-  Store("BORDERO_001", {{"NUMERO", "9"}, {"TIPO", "R"}, {"CONTA", "10250-1"}, {"DATA", "12/30/2026"}});
-  Conta("C1", "12/08/2026");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Put(Receber{.numero = "1234567890AB",
+              .dt_vencto = "12/08/2026",
+              .valor2 = "10.5",
+              .classe = "1101",
+              .bordero = "9",
+              .fatura = "F1",
+              .obs = "D'AGUA"});
+  Put(Bordero{.numero = "9", .tipo = "R", .data = "12/30/2026"});
+  Conta({.num_ap = "C1", .dt_ven = "12/08/2026"});
+  Desk desk(database_, At{"TfmRelFluxo"});
   const auto fields = {"Numero",  "Documento",   "Vlr_ChequePag", "Vlr_ChequeRec", "Data_ini", "data_fim",
                        "Vlr_Deb", "Vlr_Cre",     "Saldo",         "ClasseGer",     "Obs",      "Conta",
                        "Data",    "Lim_Credito", "Grupo_Dias",    "SaldoCorr"};
@@ -82,16 +77,14 @@ TEST_F(RelFluxoTest, RowsHoldWhatTheReportsRead) {
 }
 
 TEST_F(RelFluxoTest, ProgrammedAccountsNarrowTheTitles) {
-  Titulo("SEM", "12/08/2026");
-  Titulo("COM", "12/08/2026", {{"BORDERO", "7"}});
-  Titulo("OUTRA", "12/08/2026", {{"BORDERO", "8"}});
-  Conta("PAGA", "01/01/2020", {{"LOTE", "007"}});
-  Conta("NAO", "12/08/2026");
-  for (const char* tipo : {"R", "P"})
-    Store("BORDERO_001", {{"NUMERO", "7"}, {"TIPO", tipo}, {"CONTA", "10250-1"}, {"DATA", "12/09/2026"}});
-  Store("BORDERO_001", {{"NUMERO", "8"}, {"TIPO", "R"}, {"CONTA", "20418-7"}, {"DATA", "12/09/2026"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Put(Receber{.numero = "SEM", .dt_vencto = "12/08/2026"});
+  Put(Receber{.numero = "COM", .dt_vencto = "12/08/2026", .bordero = "7"});
+  Put(Receber{.numero = "OUTRA", .dt_vencto = "12/08/2026", .bordero = "8"});
+  Conta({.num_ap = "PAGA", .dt_ven = "01/01/2020", .lote = "007"});
+  Conta({.num_ap = "NAO", .dt_ven = "12/08/2026"});
+  for (const char* tipo : {"R", "P"}) Put(Bordero{.numero = "7", .tipo = tipo, .data = "12/09/2026"});
+  Put(Bordero{.numero = "8", .tipo = "R", .conta = "20418-7", .data = "12/09/2026"});
+  Desk desk(database_, At{"TfmRelFluxo"});
   // The account alone narrows the balances only.
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"EdtConta", "10250-1"}, {"rgOrdem", "3"}}, {"Numero"}),
             "COM\nNAO\nOUTRA\nSEM\n");
@@ -102,14 +95,13 @@ TEST_F(RelFluxoTest, ProgrammedAccountsNarrowTheTitles) {
 }
 
 TEST_F(RelFluxoTest, ListFieldsKeepAndLeaveOut) {
-  Titulo("R0", "12/08/2026");
-  Titulo("R1", "12/08/2026", {{"SITUACAO", "1"}});
-  Conta("P1", "12/08/2026", {{"SITUACAO", "1"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Put(Receber{.numero = "R0", .dt_vencto = "12/08/2026"});
+  Put(Receber{.numero = "R1", .dt_vencto = "12/08/2026", .situacao = "1"});
+  Conta({.num_ap = "P1", .dt_ven = "12/08/2026", .situacao = "1"});
+  Desk desk(database_, At{"TfmRelFluxo"});
   for (const char* key : {"0", "1"}) {
     desk.Click("PqSituacaoRec");
-    desk.Do({{"do", "choose"}, {"key", key}});
+    desk.Choose(key);
   }
   EXPECT_EQ(desk.Text("EdtSitDesc"), "'0','1'");
   desk.Click("SpeedButton2");
@@ -131,13 +123,12 @@ TEST_F(RelFluxoTest, ListFieldsKeepAndLeaveOut) {
 }
 
 TEST_F(RelFluxoTest, OrdersArePartedByTheirCondition) {
-  Pedido("100", "12/07/2026", "000006");  // 50 on Monday and on Sunday
-  Pedido("101", "12/08/2026", "      ");  // no slot
-  Compra("200", "12/07/2026", "000006");
-  Compra("201", "12/08/2026", "00AZZZ");  // hides nothing but itself
-  Compra("202", "12/09/2026", "000");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Order("100", "12/07/2026", "000006");  // 50 on Monday and on Sunday
+  Order("101", "12/08/2026", "      ");  // no slot
+  Purchase("200", "12/07/2026", "000006");
+  Purchase("201", "12/08/2026", "00AZZZ");  // hides nothing but itself
+  Purchase("202", "12/09/2026", "000");
+  Desk desk(database_, At{"TfmRelFluxo"});
   const auto fields = {"DtLanc", "Numero", "Vlr_Venda", "Vlr_Compra", "Operacao", "Historico"};
   EXPECT_EQ(Gathered(desk, kDe, "13/12/2026", {{"CbVenCom", "true"}, {"rgOrdem", "3"}}, fields),
             "2026-12-07|100/01|100.0000|0.0000|+|PEDIDO PENDENTE Nº 100\n"
@@ -155,48 +146,35 @@ TEST_F(RelFluxoTest, OrdersArePartedByTheirCondition) {
   // A condition that can't be read ends the gathering where it is a sale's; what was gathered stays, and the
   // screen can be used.
   Run("UPDATE PEDIDO_001 SET PGTO = '000XX ' WHERE NUMERO = '100'");
-  Titulo("R1", "12/08/2026");
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), "error: \"XX\" não é um número inteiro válido.");
+  Put(Receber{.numero = "R1", .dt_vencto = "12/08/2026"});
+  EXPECT_EQ(desk.Press("BitBtn29"), "error: \"XX\" não é um número inteiro válido.");
   EXPECT_EQ(desk.Do({{"do", "read"}}).back()["on"].String(), "idle");
   EXPECT_NE(desk.Read("TbRelatorio", {"Numero"}).find("R1"), std::string::npos);
   // Half of it isn't printed as the whole.
-  desk.Click("BitBtn33");
-  EXPECT_EQ(desk.Messages(),
+  EXPECT_EQ(desk.Told("BitBtn33"),
             "A última consulta não terminou: faltam lançamentos. Consulte de novo antes de imprimir.");
-  desk.Answer("ok");
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"CbVenCom", "false"}}, {"Numero"}), "R1\n");
 }
 
 TEST_F(RelFluxoTest, ChequesComeFromTheirSources) {
-  Store("CHEQUE_PRE_001", {{"CHAVE", "K1"},
-                           {"NUMERO", "E1"},
-                           {"VENCIMENTO", "12/05/2026"},
-                           {"STATUS", "P"},
-                           {"TIPO", "P"},
-                           {"VALOR", "33"},
-                           {"CONTA", "10250-1"},
-                           {"OBS", "AO PORTADOR"}});
-  Store("CHEQUE_PRE_001", {{"CHAVE", "K2"},
-                           {"NUMERO", "E2"},
-                           {"VENCIMENTO", "12/08/2026"},
-                           {"STATUS", "B"},
-                           {"TIPO", "P"},
-                           {"VALOR", "44"},
-                           {"CONTA", "10250-1"}});
-  Titulo("CH1", "12/08/2026", {{"STATUS", "CH"}, {"VALOR_PAGO", "40"}});
+  Put(Cheque{.chave = "K1",
+             .numero = "E1",
+             .valor = "33",
+             .vencimento = "12/05/2026",
+             .tipo = "P",
+             .obs = "AO PORTADOR"});
+  Put(Cheque{
+      .chave = "K2", .numero = "E2", .valor = "44", .vencimento = "12/08/2026", .tipo = "P", .status = "B"});
+  Put(Receber{.numero = "CH1", .dt_vencto = "12/08/2026", .valor_pago = "40", .status = "CH"});
   for (const char* operacao : {"+", "-"})
-    Store("CONTACOR_001", {{"LANCAMENTO", "M1"},
-                           {"DOCTO", "D1"},
-                           {"CONTA", "10250-1"},
-                           {"TIPO_DOC", "CH"},
-                           {"PENDENTE", "S"},
-                           {"OPERACAO", operacao},
-                           {"DT_VENCTO", "12/09/2026"},
-                           {"DT_CONT", "12/10/2026"},
-                           {"VALOR", "5"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+    Put(Movimento{.docto = "D1",
+                  .dt_cont = "12/10/2026",
+                  .dt_vencto = "12/09/2026",
+                  .valor = 5,
+                  .operacao = operacao,
+                  .tipo_doc = "CH",
+                  .pendente = "S"});
+  Desk desk(database_, At{"TfmRelFluxo"});
   const auto fields = {"DtLanc", "Numero", "Vlr_ChequePag", "Vlr_ChequeRec", "Historico", "Conta", "Data"};
   EXPECT_EQ(Gathered(desk, kDe, kAte, {{"CbCheque", "true"}}, fields),
             "2026-12-07|E1|33.0000|-|AO PORTADOR|10250-1|2026-12-05\n2026-12-08|CH1|-|60.0000||-|-\n");
@@ -210,35 +188,21 @@ TEST_F(RelFluxoTest, BalancesAreMarkedAndLost) {
                                  {"10250-1", "S", "+", "7"},
                                  {"20418-7", "N", "*", "3"}};
   for (const auto& [conta, pendente, operacao, valor] : rows)
-    Store("CONTACOR_001", {{"LANCAMENTO", "X"},
-                           {"CONTA", conta},
-                           {"PENDENTE", pendente},
-                           {"OPERACAO", operacao},
-                           {"VALOR", valor},
-                           {"DT_CONT", "11/20/2026"}});
-  Store("CONTACOR_001", {{"LANCAMENTO", "X"},
-                         {"CONTA", "10250-1"},
-                         {"PENDENTE", "N"},
-                         {"OPERACAO", "+"},
-                         {"VALOR", "1"},
-                         {"DT_CONT", "11/21/2026"}});
-  Titulo("V1", "12/01/2026", {{"BANCO", "901"}});
-  Titulo("V2", "12/01/2026", {{"BANCO", "901"}, {"SITUACAO", "P"}});
-  Titulo("V3", "12/07/2026", {{"BANCO", "901"}});
-  Store("RECEBER_002", {{"NUMERO", "V4"},
-                        {"DT_VENCTO", "12/01/2026"},
-                        {"BANCO", "902"},
-                        {"SITUACAO", "0"},
-                        {"STATUS", ""},
-                        {"VALOR2", "0.5"}});
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+    Put(Movimento{
+        .conta = conta, .dt_cont = "11/20/2026", .valor = valor, .operacao = operacao, .pendente = pendente});
+  Put(Movimento{.dt_cont = "11/21/2026", .valor = "1", .operacao = "+"});
+  Put(Receber{.numero = "V1", .dt_vencto = "12/01/2026", .banco = "901"});
+  Put(Receber{.numero = "V2", .dt_vencto = "12/01/2026", .banco = "901", .situacao = "P"});
+  Put(Receber{.numero = "V3", .dt_vencto = "12/07/2026", .banco = "901"});
+  Put(Receber{.numero = "V4", .dt_vencto = "12/01/2026", .valor2 = "0.5", .banco = "902", .status = ""},
+      "_002");
+  Desk desk(database_, At{"TfmRelFluxo"});
   Gathered(desk, kDe, kAte, {{"edtBanco", "'901','902'"}, {"CbEmp", "true"}}, {});
   const auto saldos = [&] { return desk.Read("TbSaldo", {"Sel", "Conta", "Valor", "ValReceb_Bancos"}); };
   EXPECT_EQ(saldos(), "S|10250-1|800.05|100.5\nS|20418-7|-3|100.5\n");
-  desk.Do({{"do", "cell"}, {"control", "OrvDBGrid1"}, {"row", 0}, {"column", "Sel"}, {"value", "N"}});
+  desk.Cell("OrvDBGrid1", 0, "Sel", "N");
   EXPECT_EQ(desk.Messages(), "");
-  desk.Do({{"do", "cell"}, {"control", "OrvDBGrid1"}, {"row", 0}, {"column", "Valor"}, {"value", "9"}});
+  desk.Cell("OrvDBGrid1", 0, "Valor", "9");
   EXPECT_NE(desk.Messages(), "");
   desk.Do({{"do", "key"}, {"control", "OrvDBGrid1"}, {"key", "Delete"}, {"row", 0}});
   EXPECT_EQ(saldos(), "N|10250-1|800.05|100.5\nS|20418-7|-3|100.5\n");
@@ -246,37 +210,26 @@ TEST_F(RelFluxoTest, BalancesAreMarkedAndLost) {
   Gathered(desk, kDe, kAte, {{"EdtConta", "10250-1"}, {"edtBanco", " , "}}, {});
   EXPECT_EQ(saldos(), "S|10250-1|800.05|-\n");
 
-  desk.Set("EdtConta", "77");
-  desk.Focus("RgTipo");
-  EXPECT_EQ(desk.Messages(), "Conta inválida.");
-  desk.Answer("ok");
+  desk.Leave("EdtConta", "77", "RgTipo");
+  EXPECT_EQ(desk.Told(), "Conta inválida.");
   EXPECT_EQ(desk.Text("EdtConta") + desk.FocusName(), "EdtConta");
 }
 
 TEST_F(RelFluxoTest, RowsShowTheirSource) {
-  Titulo("R1", "12/07/2026", {{"VALOR_PAGO", "40"}});
-  Store("RECEBERB_001",
-        {{"NUMERO", "R1"}, {"LANCAMENTO", "L9"}, {"VALOR_PAGO", "40"}, {"DT_PAGTO", "12/01/2026"}});
-  Conta("P1", "12/08/2026");
-  Store("CHEQUE_PRE_001", {{"CHAVE", "K1"},
-                           {"NUMERO", "E1"},
-                           {"VENCIMENTO", "12/09/2026"},
-                           {"STATUS", "P"},
-                           {"TIPO", "P"},
-                           {"VALOR", "33"},
-                           {"BANCO", "901"},
-                           {"CONTA", "10250-1"}});
-  Store("CHEQUE_DUP_001", {{"CHAVE", "K1"}, {"DUPLI", "P1"}});
-  Pedido("100", "12/10/2026", "000");
-  Compra("200", "12/11/2026", "000");
-  Run("INSERT INTO RECEBER_002 (NUMERO, DT_VENCTO, VALOR2) VALUES ('R1', '12/11/2026', 8)");
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Put(Receber{.numero = "R1", .dt_vencto = "12/07/2026", .valor_pago = "40"});
+  Put(Receberb{.numero = "R1", .lancamento = "L9", .dt_pagto = "12/01/2026", .valor_pago = "40"});
+  Conta({.num_ap = "P1", .dt_ven = "12/08/2026"});
+  Put(Cheque{.chave = "K1", .numero = "E1", .valor = "33", .vencimento = "12/09/2026", .tipo = "P"});
+  Put(ChequeDup{.dupli = "P1", .chave = "K1"});
+  Order("100", "12/10/2026", "000");
+  Purchase("200", "12/11/2026", "000");
+  Put(Receber{.numero = "R1", .codcli = nullptr, .dt_vencto = "12/11/2026", .valor2 = "8"}, "_002");
+  Desk desk(database_, At{"TfmRelFluxo"});
   EXPECT_EQ(
       Gathered(desk, kDe, kAte, {{"CbCheque", "true"}, {"CbVenCom", "true"}, {"CbEmp", "true"}}, {"Numero"}),
       "R1\nP1\nE1\n100/01\nR1\n200/01\n");
   const auto detail = [&](int row) {
-    desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", row}, {"column", "Numero"}});
+    desk.DoubleClick("DBGrid1", row, "Numero");
     std::string text = desk.Messages();
     for (const Json& out : desk.Latest()) {
       if (!(out["on"] == Json("detail"))) continue;
@@ -304,8 +257,7 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
 }
 
 TEST_F(RelFluxoTest, TheChoiceNamesTheReport) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   Fill(desk, kDe, kAte);
   desk.Click("BitBtn29");
   struct Case {

@@ -30,10 +30,8 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
   const std::string until = "'" + to.Sql() + "'",
                     range = " BETWEEN '" + from.AddDays(-3).Sql() + "' AND " + until;
   // The demo may expect no cheque of one kind in the period.
-  Store("CHEQUE_PRE_001",
-        {{"CHAVE", "KX"}, {"VENCIMENTO", "11/28/2026"}, {"STATUS", "P"}, {"TIPO", "P"}, {"VALOR", "12.34"}});
-  Store("RECEBER_001",
-        {{"NUMERO", "CHX"}, {"DT_VENCTO", "11/28/2026"}, {"STATUS", "CH"}, {"VALOR2", "5.67"}});
+  Put(Cheque{.chave = "KX", .valor = "12.34", .vencimento = "11/28/2026", .tipo = "P"});
+  Put(Receber{.numero = "CHX", .dt_vencto = "11/28/2026", .valor2 = "5.67", .status = "CH"});
   for (const bool all : {false, true}) {
     std::map<std::string, Currency> expected;
     for (const std::string company : {"_001", "_002"}) {
@@ -45,9 +43,8 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
         add(kind,
             "SELECT DT_VENCTO, SUM(VALOR2 - VALOR_PAGO - VAL_DEV - DESCONTO + JUROS) FROM RECEBER" + company +
                 " WHERE STATUS = '" + status +
-                "' AND VALOR2 - VALOR_PAGO - VAL_DEV - DESCONTO + JUROS > 0 "
-                "AND DT_VENCTO" +
-                range + " GROUP BY 1",
+                "' AND VALOR2 - VALOR_PAGO - VAL_DEV - DESCONTO + JUROS > 0 AND DT_VENCTO" + range +
+                " GROUP BY 1",
             true);
       add("pagar",
           "SELECT DT_VEN, SUM(VALOR - VAL_PAG - VAL_DEV - DESCONTO + JUROS) FROM PAGTO" + company +
@@ -72,8 +69,7 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
               "' AND " + until + " GROUP BY 1, P.NUMERO",
           true, from, to.AddDays(9));
     }
-    Desk desk(database_);
-    desk.Open("TfmRelFluxo");
+    Desk desk(database_, At{"TfmRelFluxo"});
     Fill(desk, from.Brazil(), to.Brazil(),
          {{"CbVenCom", "true"}, {"CbCheque", "true"}, {"CbEmp", all ? "true" : "false"}});
     desk.Click("BitBtn29");
@@ -97,12 +93,12 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
     std::string saldos;
     const std::string ledger =
         all ? "(SELECT * FROM CONTACOR_001 UNION ALL SELECT * FROM CONTACOR_002)" : "CONTACOR_001";
-    for (const auto& row : Db().Rows(
-             "SELECT CONTA, SUM(DECODE(OPERACAO, '+', VALOR, -VALOR)) FROM " + ledger +
-             " M WHERE PENDENTE = 'N' AND DT_CONT <= '11/20/2026' AND CONTA IN (SELECT CONTA FROM "
-             "CADCONTA_001 "
-             "WHERE IMP_FLUXO = 'S' UNION SELECT CONTA FROM CADCONTA_002 WHERE IMP_FLUXO = 'S' AND 1 = " +
-             std::string(all ? "1" : "0") + ") GROUP BY 1 ORDER BY 1"))
+    for (const auto& row :
+         Db().Rows("SELECT CONTA, SUM(DECODE(OPERACAO, '+', VALOR, -VALOR)) FROM " + ledger +
+                   " M WHERE PENDENTE = 'N' AND DT_CONT <= '11/20/2026' AND CONTA IN (SELECT CONTA FROM "
+                   "CADCONTA_001 WHERE IMP_FLUXO = 'S' UNION SELECT CONTA FROM CADCONTA_002 WHERE IMP_FLUXO "
+                   "= 'S' AND 1 = " +
+                   std::string(all ? "1" : "0") + ") GROUP BY 1 ORDER BY 1"))
       saldos += row[0].AsString() + "|" + Value(row[1].AsCurrency().ToDouble()).Neutral() + "\n";
     Db().CommitRetaining();
     EXPECT_EQ(desk.Read("TbSaldo", {"Conta", "Valor"}), saldos);
@@ -111,8 +107,7 @@ TEST_F(SecondSumTest, EveryDayAgrees) {
 
 // An order's instalments add up to the order, and are as many as its condition has days.
 TEST_F(SecondSumTest, InstalmentsAddUp) {
-  Desk desk(database_);
-  desk.Open("TfmRelFluxo");
+  Desk desk(database_, At{"TfmRelFluxo"});
   Fill(desk, "01/01/1980", "31/12/2030", {{"CbVenCom", "true"}, {"CBCond", "true"}});
   desk.Click("BitBtn29");
   ASSERT_EQ(desk.Messages(), "");

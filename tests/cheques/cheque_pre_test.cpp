@@ -8,8 +8,7 @@ const Fields kNew = {{"DBEDCodBan", "903"},     {"DBEDAgencia", "0001"},   {"DBE
                      {"DBEDChequeNro", "4711"}, {"DBEDValor", "1.250,40"}, {"EdtObs", "D'URGENCIA"}};
 
 TEST_F(ChequeTest, CapturePostsItsMovement) {
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Desk desk(database_, At{"TfmChequePre"});
   EXPECT_EQ(desk.Property("PageControl1", "page").String() + desk.FocusName() + Mode(desk),
             "TabSheet2Btincluirbrowse");
   EXPECT_FALSE(desk.Enabled("PainelDados"));
@@ -25,17 +24,17 @@ TEST_F(ChequeTest, CapturePostsItsMovement) {
     desk.Set(shown, "1");
     EXPECT_TRUE(desk.Messages().starts_with("error: ")) << shown;
   }
-  Fill(desk, kNew);
-  Fill(desk, {{"DBEDT_DtEmissao", "18/11/2026"}, {"DBEDT_DtVencto", "15/12/2026"}});
+  desk.Fill(kNew);
+  desk.Fill({{"DBEDT_DtEmissao", "18/11/2026"}, {"DBEDT_DtVencto", "15/12/2026"}});
   EXPECT_NE(desk.Text("EDNomeBanco"), "");
 
   // Given up twice, in either way, the record waits.
   for (const char* way : {"cancel", "refuse"}) {
     desk.Click("BtnConfirmar");
-    EXPECT_EQ(Top(desk), "TFmCCLancFluxo");
+    EXPECT_EQ(desk.Top(), "TFmCCLancFluxo");
     if (way == std::string("refuse")) Post(desk, "no");
     GiveUp(desk);
-    EXPECT_EQ(Top(desk) + " " + Mode(desk), "TfmChequePre insert confirm") << way;
+    EXPECT_EQ(desk.Top() + " " + Mode(desk), "TfmChequePre insert confirm") << way;
     EXPECT_EQ(Cheques() + Movements() + Audit(), "");
   }
   desk.Click("BtnConfirmar");
@@ -45,7 +44,7 @@ TEST_F(ChequeTest, CapturePostsItsMovement) {
             "||4711|1.250,40|18/11/2026|15/12/2026|Crédito");
   Post(desk);
   EXPECT_EQ(desk.Messages(), "");
-  EXPECT_EQ(Top(desk) + " " + Mode(desk), "TfmChequePre browse");
+  EXPECT_EQ(desk.Top() + " " + Mode(desk), "TfmChequePre browse");
   EXPECT_TRUE(desk.Enabled("DBGrid1"));
   EXPECT_EQ(desk.Text("EDChave"), chave);
   EXPECT_EQ(Sql("SELECT CHAVE, BANCO, AGENCIA, CONTA, NUMERO, VALOR, EMISSAO, VENCIMENTO, DT_BAIXA, TIPO, "
@@ -58,62 +57,45 @@ TEST_F(ChequeTest, CapturePostsItsMovement) {
 }
 
 TEST_F(ChequeTest, TheEntrysTagIsItsWholeAnswer) {
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Desk desk(database_, At{"TfmChequePre"});
   // Closed by its frame it counts as done.
   desk.Click("Btincluir");
-  Fill(desk, kNew);
+  desk.Fill(kNew);
   desk.Click("BtnConfirmar");
-  desk.Do({{"do", "close"}});
+  desk.Close();
   EXPECT_EQ(Mode(desk) + Movements(), "browse");
   EXPECT_EQ(Sql("SELECT NUMERO, STATUS FROM CHEQUE_PRE_001"), "4711|P");
   EXPECT_EQ(Audit(), "CHEQUE PRE NR.: 4711|3|4711");
   // Refused once it stays given up, although the movement is posted in the end.
   desk.Click("Btincluir");
-  Fill(desk, kNew);
-  Fill(desk, {{"DBEDChequeNro", "4712"}});
+  desk.Fill(kNew);
+  desk.Fill({{"DBEDChequeNro", "4712"}});
   desk.Click("BtnConfirmar");
   Post(desk, "no");
-  desk.Click("BitBtn1");
-  desk.Answer("yes");
-  EXPECT_EQ(Top(desk) + " " + Mode(desk), "TfmChequePre insert confirm");
+  desk.Press("BitBtn1", "yes");
+  EXPECT_EQ(desk.Top() + " " + Mode(desk), "TfmChequePre insert confirm");
   EXPECT_EQ(Sql("SELECT NUMERO FROM CHEQUE_PRE_001"), "4711");
   EXPECT_EQ(Sql("SELECT DOCTO FROM CONTACOR_001"), "4712");
 }
 
 TEST_F(ChequeTest, ConfirmRefusesInOrder) {
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Desk desk(database_, At{"TfmChequePre"});
   desk.Click("Btincluir");
-  Fill(desk, {{"DBEDT_DtEmissao", "25/11/2026"}, {"DBEDT_DtVencto", "24/11/2026"}, {"DBEDConta", "1"}});
-  struct Step {
-    Fields right;
-    const char *message, *focus;
-  };
-  const char* kDates = "A data de Vencimento não pode ser menor que a data de Emissão.";
-  const char* kToday_ = "É necessário informar uma Data de Emissão válida para o Cheque.";
-  const Step steps[] = {
-      {{}, kDates, "DBEDCodBan"},
-      {{{"DBEDT_DtVencto", ""}}, kDates, "DBEDCodBan"},
-      {{{"DBEDT_DtVencto", "25/11/2026"}},
-       "O Código do Banco não pode ser vazio, por favor informe um Banco.",
-       "DBEDCodBan"},
-      // A bank that isn't there is taken.
-      {{{"DBEDCodBan", "ZZZ"}}, "É necessário informar um Nro. Cheque.", "DBEDChequeNro"},
-      {{{"DBEDChequeNro", "9"}}, "É necessário informar um Valor para o Cheque.", "DBEDValor"},
-      {{{"DBEDValor", "0,00"}}, kToday_, "DBEDT_DtEmissao"},
-      {{{"DBEDT_DtEmissao", ""}}, kToday_, "DBEDT_DtEmissao"},
-      {{{"DBEDT_DtEmissao", "20/11/2026"}}, "", "EdtConta"},
-  };
-  for (const Step& step : steps) {
-    Fill(desk, step.right);
-    desk.Click("BtnConfirmar");
-    CloseLists(desk);
-    EXPECT_EQ(desk.Messages(), step.message);
-    if (*step.message != 0) desk.Answer("ok");
-    EXPECT_EQ(desk.FocusName(), step.focus) << step.message;
-    EXPECT_EQ(Cheques() + Audit(), "");
-  }
+  desk.Fill({{"DBEDT_DtEmissao", "25/11/2026"}, {"DBEDT_DtVencto", "24/11/2026"}, {"DBEDConta", "1"}});
+  const std::string dates = "A data de Vencimento não pode ser menor que a data de Emissão.",
+                    issue = "É necessário informar uma Data de Emissão válida para o Cheque.";
+  Refuses(desk, "BtnConfirmar", kWritten,
+          {{{}, dates, "DBEDCodBan"},
+           {{{"DBEDT_DtVencto", ""}}, dates, "DBEDCodBan"},
+           {{{"DBEDT_DtVencto", "25/11/2026"}},
+            "O Código do Banco não pode ser vazio, por favor informe um Banco.",
+            "DBEDCodBan"},
+           // A bank that isn't there is taken.
+           {{{"DBEDCodBan", "ZZZ"}}, "É necessário informar um Nro. Cheque.", "DBEDChequeNro"},
+           {{{"DBEDChequeNro", "9"}}, "É necessário informar um Valor para o Cheque.", "DBEDValor"},
+           {{{"DBEDValor", "0,00"}}, issue, "DBEDT_DtEmissao"},
+           {{{"DBEDT_DtEmissao", ""}}, issue, "DBEDT_DtEmissao"},
+           {{{"DBEDT_DtEmissao", "20/11/2026"}}, "", "EdtConta"}});
 }
 
 // Each state with each action: what is told or asked, and what the cheque becomes.
@@ -157,25 +139,21 @@ TEST_F(ChequeTest, EveryStateAndEveryAction) {
             const bool deletion = c.button == std::string("BtExcluir");
             if (deletion ? own : *movement != 0) continue;
             SCOPED_TRACE(std::string(c.button) + " " + tipo + status + cliente + movement);
-            Run("DELETE FROM CHEQUE_PRE_001");
-            Run("DELETE FROM CONTACOR_001");
-            Keep({.chave = "C1", .status = status, .tipo = tipo, .cliente = cliente});
+            Empty("CHEQUE_PRE_001 CONTACOR_001");
+            Keep({.chave = "C1", .tipo = tipo, .status = status, .cliente = cliente});
             if (*movement != 0) Move("C1", movement);
             desk.Open("TfmChequePre");
             const std::string before = Cheques();
-            desk.Click(c.button);
-            EXPECT_EQ(desk.Messages(), c.message);
+            EXPECT_EQ(desk.Press(c.button), c.message);
             const bool asks = c.message.ends_with("?");
             desk.Answer(asks ? "no" : "ok");
             EXPECT_EQ(desk.End() + desk.Messages() + Cheques(), "idle" + before);
             if (asks) {
-              desk.Click(c.button);
-              desk.Answer("yes");
-              if (Top(desk) == "TFmCCLancFluxo") {
+              desk.Press(c.button, "yes");
+              if (desk.Top() == "TFmCCLancFluxo") {
                 GiveUp(desk);
                 EXPECT_EQ(Cheques(), before);
-                desk.Click(c.button);
-                desk.Answer("yes");
+                desk.Press(c.button, "yes");
                 Post(desk);
               }
               EXPECT_EQ(Cheques(), *c.becomes != 0 ? std::string("C1|") + c.becomes : "");
@@ -185,7 +163,7 @@ TEST_F(ChequeTest, EveryStateAndEveryAction) {
             if (*movement != 0) {
               EXPECT_EQ(Count("CONTACOR_001", "LANCAMENTO = 'C1'"), "1");
             }
-            desk.Do({{"do", "close"}});
+            desk.Close();
           }
         }
       }
@@ -195,10 +173,9 @@ TEST_F(ChequeTest, EveryStateAndEveryAction) {
 }
 
 TEST_F(ChequeTest, ReturnAndRepresentationPostTheirMovements) {
-  Keep({.chave = "C1", .status = "B", .baixa = "11/12/2026"});
+  Keep({.chave = "C1", .dt_baixa = "11/12/2026", .status = "B"});
   Keep({.chave = "C2"});
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Desk desk(database_, At{"TfmChequePre"});
   desk.Click("BitBtn4");
   // No is what Enter says.
   for (const Json& out : desk.Latest()) {
@@ -209,21 +186,19 @@ TEST_F(ChequeTest, ReturnAndRepresentationPostTheirMovements) {
   desk.Answer("yes");
   EXPECT_EQ(desk.Text("EdtObs") + desk.Text("EdtDocto") + desk.Text("CbOper"),
             "DEVOLUCAO DO CHEQUE NR: C1C1Crédito");
-  Fill(desk, {{"EdtConta", kConta}, {"EdtTipo", "3104"}, {"EdtHis", "018"}});
+  desk.Fill({{"EdtConta", kConta}, {"EdtTipo", "3104"}, {"EdtHis", "018"}});
   EXPECT_EQ(desk.Text("CbOper"), "Débito");
-  desk.Click("BitBtn1");
-  desk.Answer("yes");
+  desk.Press("BitBtn1", "yes");
   EXPECT_EQ(Cheques(), "C1|D;C2|P");
   EXPECT_EQ(desk.Text("EDChave") + desk.Text("RgSituacao"), "C1Devolvido");
-  desk.Click("BitBtn7");
-  desk.Answer("yes");
+  desk.Press("BitBtn7", "yes");
   EXPECT_EQ(desk.Text("EdtObs"), "REAPRESENTANCAO DO CHEQUE NR: C1");
   Post(desk);
   EXPECT_EQ(Cheques(), "C1|P;C2|P");
-  EXPECT_EQ(Movements(),
-            "C1|10250-1|-|150.0000|2026-11-10|2026-11-12|2026-11-12|3104|018|DEVOLUCAO DO CHEQUE NR: C1|L|S;"
-            "C1|10250-1|+|150.0000|2026-11-10|2026-11-12|2026-11-12|1101|005|REAPRESENTANCAO DO CHEQUE NR: "
-            "C1|L|S");
+  EXPECT_EQ(
+      Movements(),
+      "C1|10250-1|-|150.0000|2026-11-10|2026-11-12|2026-11-12|3104|018|DEVOLUCAO DO CHEQUE NR: C1|L|S;"
+      "C1|10250-1|+|150.0000|2026-11-10|2026-11-12|2026-11-12|1101|005|REAPRESENTANCAO DO CHEQUE NR: C1|L|S");
   EXPECT_EQ(Sql("SELECT COUNT(DISTINCT LANCAMENTO) FROM CONTACOR_001 WHERE LANCAMENTO <> 'C1'"), "2");
 }
 
@@ -232,22 +207,19 @@ TEST_F(ChequeTest, CancellationUndoesSettlements) {
   for (const char* chave : {"C1", "C2", "C3"}) Keep({.chave = chave, .tipo = "P", .cliente = "00001"});
   for (const char* chave : {"C1", "C2"}) Move(chave, "P");
   // Another cheque of that number, on another account.
-  Store({.numero = "X1", .docto = "C1"});
+  Put(Movimento{.lancamento = "X1", .docto = "C1"});
   for (const char* bill : {"Z1", "Z2"}) {
-    Run("INSERT INTO PAGTO_001 (NUM_AP, VALOR, VAL_PAG) VALUES ('" + std::string(bill) + "', 100, 60)");
+    Put(Pagto{.num_ap = bill, .valor = "100", .val_pag = "60"});
     for (const char* number : {"C1", "X1"}) {
-      Run("INSERT INTO PAGTO1_001 (NUM_AP, LANCAMENTO, VAL_PAG) VALUES ('" + std::string(bill) + "', '" +
-          number + "', " + (bill == std::string("Z1") ? "40.25" : "10") + ")");
+      Put(Pagto1{.num_ap = bill, .lancamento = number, .val_pag = bill[1] == '1' ? "40.25" : "10"});
     }
   }
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Desk desk(database_, At{"TfmChequePre"});
   Closed(desk, "BitBtn3", "CX");
   EXPECT_EQ(desk.End() + Cheques(), "idleC1|P;C2|P;C3|P");
   for (int row = 0; row < 3; ++row) {
-    Stand(desk, row);
-    desk.Click("BitBtn3");
-    desk.Answer("yes");
+    desk.Stand("DBGrid1", row);
+    desk.Press("BitBtn3", "yes");
     EXPECT_EQ(desk.End() + desk.Messages(), "idle");
   }
   EXPECT_EQ(Cheques(), "C1|C;C2|C;C3|C");
@@ -261,21 +233,15 @@ TEST_F(ChequeTest, CancellationUndoesSettlements) {
 TEST_F(ChequeTest, DeletionTakesTheTitlesAlong) {
   Keep({.chave = "C1"});
   Keep({.chave = "C2"});
-  for (const char* number : {"C1", "C2"})
-    Run("INSERT INTO CHEQUE_DUP_001 (BANCO, CONTA, NUMERO, DUPLI) VALUES ('903', '77-1', '" +
-        std::string(number) + "', 'X')");
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
-  desk.Click("BtExcluir");
-  desk.Answer("yes");
+  for (const char* number : {"C1", "C2"}) Put(ChequeDup{.banco = "903", .conta = "77-1", .numero = number});
+  Desk desk(database_, At{"TfmChequePre"});
+  desk.Press("BtExcluir", "yes");
   EXPECT_EQ(Cheques() + Sql("SELECT NUMERO FROM CHEQUE_DUP_001"), "C2|PC2");
   EXPECT_EQ(desk.Text("EDChave"), "C2");
-  desk.Click("BtExcluir");
-  desk.Answer("yes");
+  desk.Press("BtExcluir", "yes");
   // Nothing is left to act on.
   for (const char* button : {"BtnAltera", "BtExcluir", "BitBtn2", "BitBtn3", "BitBtn4", "BitBtn7"}) {
-    desk.Click(button);
-    EXPECT_EQ(desk.Messages(), "Nenhum cheque selecionado.") << button;
+    EXPECT_EQ(desk.Press(button), "Nenhum cheque selecionado.") << button;
     desk.Answer("ok");
     EXPECT_EQ(Mode(desk), "browse") << button;
   }
@@ -283,28 +249,25 @@ TEST_F(ChequeTest, DeletionTakesTheTitlesAlong) {
 
 TEST_F(ChequeTest, Alteration) {
   Keep({.chave = "C1"});
-  Keep({.chave = "C2", .status = "B", .baixa = "11/16/2026"});
+  Keep({.chave = "C2", .dt_baixa = "11/16/2026", .status = "B"});
   Move("C2", "L");
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
-  Stand(desk, 1);
+  Desk desk(database_, At{"TfmChequePre"});
+  desk.Stand("DBGrid1", 1);
   desk.Click("BtnAltera");
   EXPECT_EQ(Mode(desk) + " " + desk.FocusName(), "edit confirm DBEDCodBan");
-  for (const char* control : {"DBGrid1", "EDChave", "DBEDT_DtEmissao", "RgTipo"})
-    EXPECT_FALSE(desk.Enabled(control)) << control;
+  EXPECT_EQ(desk.EnabledOf({"DBGrid1", "EDChave", "DBEDT_DtEmissao", "RgTipo"}), "0000");
   // Passing it on changes neither its state nor its movement's amount.
-  Fill(desk, {{"EdtCodFor", "00060"}, {"EdtObs", "PASSADO"}});
+  desk.Fill({{"EdtCodFor", "00060"}, {"EdtObs", "PASSADO"}});
   // The list on the other page waits.
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
+  desk.Page("TabSheet1");
   desk.Click("BitBtn6");
-  desk.Do({{"do", "dblclick"}, {"control", "DBGrid2"}, {"row", 0}, {"column", "CHAVE"}});
-  EXPECT_EQ(desk.Messages(), "Confirme ou desista primeiro do cheque em edição.");
-  desk.Answer("ok");
+  desk.DoubleClick("DBGrid2", 0, "CHAVE");
+  EXPECT_EQ(desk.Told(), "Confirme ou desista primeiro do cheque em edição.");
   Closed(desk, "BtnConfirmar", "CX");
   EXPECT_EQ(desk.End() + Mode(desk), "idleedit confirm");
   desk.Click("BtnConfirmar");
   EXPECT_EQ(desk.Messages() + Mode(desk), "browse");
-  for (const char* control : {"DBGrid1"}) EXPECT_TRUE(desk.Enabled(control)) << control;
+  EXPECT_EQ(desk.EnabledOf({"DBGrid1"}), "1");
   EXPECT_EQ(Sql("SELECT FORNECEDOR, OBS, STATUS FROM CHEQUE_PRE_001 WHERE CHAVE = 'C2'"), "00060|PASSADO|B");
   EXPECT_EQ(Sql("SELECT DT_CONT, PENDENTE FROM CONTACOR_001"), "2026-11-16|N");
   EXPECT_EQ(Audit(), "CHEQUE PRE NR.: C2|3|C2");
@@ -312,30 +275,28 @@ TEST_F(ChequeTest, Alteration) {
 
   // Giving up goes a cheque back, and leaves the date of issue closed to the next confirmation.
   desk.Click("BtnAltera");
-  Fill(desk, {{"DBEDChequeNro", "OUTRO"}});
+  desk.Fill({{"DBEDChequeNro", "OUTRO"}});
   desk.Set("DBEDCodBan", "");
   desk.Click("BtnDesistir");
   EXPECT_EQ(desk.End() + " " + Mode(desk) + " " + desk.Text("EDChave"), "idle browse C1");
   EXPECT_EQ(Count("CHEQUE_PRE_001", "NUMERO = 'OUTRO'"), "0");
   desk.Click("Btincluir");
-  EXPECT_FALSE(desk.Enabled("DBEDT_DtEmissao"));
-  EXPECT_TRUE(desk.Enabled("RgTipo"));
+  EXPECT_EQ(desk.EnabledOf({"DBEDT_DtEmissao", "RgTipo"}), "01");
   desk.Click("BtnDesistir");
   desk.Click("BtnAltera");
   desk.Click("BtnConfirmar");
-  CloseLists(desk);
+  desk.CloseLists();
   desk.Click("Btincluir");
   EXPECT_TRUE(desk.Enabled("DBEDT_DtEmissao"));
   // A close leaves nothing half typed for the next one.
-  desk.Do({{"do", "close"}});
+  desk.Close();
   desk.Open("TfmChequePre");
   EXPECT_EQ(Mode(desk), "browse");
 }
 
 TEST_F(ChequeTest, FieldsFollowTheirCodes) {
-  Run("INSERT INTO RECEBER_001 (NUMERO) VALUES ('T-1')");
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Put(Receber{.numero = "T-1"});
+  Desk desk(database_, At{"TfmChequePre"});
   desk.Click("Btincluir");
   const auto leave = [&](const char* field, const char* to) {
     desk.Focus(field);
@@ -343,18 +304,18 @@ TEST_F(ChequeTest, FieldsFollowTheirCodes) {
     return desk.End();
   };
   EXPECT_EQ(leave("DBEDCodBan", "EdtObs"), "waiting lookup");
-  desk.Do({{"do", "choose"}, {"key", "902"}});
+  desk.Choose("902");
   EXPECT_EQ(desk.Text("DBEDCodBan") + " " + desk.FocusName(), "902 DBEDAgencia");
   EXPECT_NE(desk.Text("EDNomeBanco"), "");
-  Fill(desk, {{"DBEDCodBan", "ZZZ"}});
+  desk.Fill({{"DBEDCodBan", "ZZZ"}});
   EXPECT_EQ(desk.Text("EDNomeBanco"), "");
   const std::string nome = Sql("SELECT NOME, CNPJ FROM ENTIDADE_001 WHERE CODCLI = '00050'");
   EXPECT_EQ(leave("DBEDTCodCli", "EdtObs"), "waiting lookup");
-  desk.Do({{"do", "choose"}, {"key", "00050"}});
+  desk.Choose("00050");
   EXPECT_EQ(desk.Text("EDCliente") + "|" + desk.Text("EdtCpf"), nome);
   for (const char* field : {"DBEDCodRep", "EdtCodFor"}) {
     EXPECT_EQ(leave(field, "EdtObs"), "waiting lookup") << field;
-    desk.Do({{"do", "choose"}, {"rows", Json::Array{0}}});
+    desk.ChooseFirst();
     EXPECT_NE(desk.Text(field), "") << field;
   }
   EXPECT_NE(desk.Text("EDRepresentante") + desk.Text("EdtNomeFor"), "");
@@ -367,31 +328,29 @@ TEST_F(ChequeTest, FieldsFollowTheirCodes) {
     desk.Answer("ok");
     EXPECT_EQ(desk.FocusName() + desk.Text("EdtDup"), "EdtDup") << field;
   }
-  desk.Set("EdtDup", "T-1");
-  desk.Focus("EdtObs");
+  desk.Leave("EdtDup", "T-1", "EdtObs");
   EXPECT_EQ(desk.End() + desk.Messages(), "idle");
 }
 
 TEST_F(ChequeTest, TransferToAnotherCompany) {
-  Keep({.chave = "C1", .status = "D", .baixa = "11/16/2026"});
+  Keep({.chave = "C1", .dt_baixa = "11/16/2026", .status = "D"});
   Keep({.chave = "C2"});
   Run("UPDATE CHEQUE_PRE_001 SET LOTE = 'L''1', FORNECEDOR = '00060' WHERE CHAVE = 'C2'");
   Move("C2", "L");
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
-  Stand(desk, 1);
+  Desk desk(database_, At{"TfmChequePre"});
+  desk.Stand("DBGrid1", 1);
   desk.Click("BitBtn2");
   EXPECT_EQ(Mode(desk) + " " + desk.FocusName(), "browse confirm company CBEmpresa");
   // Given up.
   desk.Click("BtnDesistir");
   EXPECT_EQ(Mode(desk) + desk.Text("EDChave"), "browseC1");
-  Stand(desk, 1);
+  desk.Stand("DBGrid1", 1);
   desk.Click("BitBtn2");
   desk.Set("EdtObs", "TROCADA");
   EXPECT_EQ(desk.Messages(), "error: Durante a transferência o cheque não pode ser alterado.");
-  CloseLists(desk);
+  desk.CloseLists();
   desk.Click("BtnConfirmar");
-  CloseLists(desk);
+  desk.CloseLists();
   EXPECT_EQ(desk.Messages(), "error: Escolha a empresa para a qual o cheque vai.");
   EXPECT_EQ(Cheques() + Audit() + " " + Mode(desk), "C1|D;C2|P browse confirm company");
   Run("UPDATE CHEQUE_PRE_001 SET VENCIMENTO = NULL WHERE CHAVE = 'C2'");
@@ -399,9 +358,7 @@ TEST_F(ChequeTest, TransferToAnotherCompany) {
                             "É necessário informar uma Data de Vencimento válida para o Cheque."};
   for (const char* company : {"0", "1"}) {
     desk.Set("CBEmpresa", company);
-    desk.Click("BtnConfirmar");
-    EXPECT_EQ(desk.Messages(), refusals[*company - '0']);
-    desk.Answer("ok");
+    EXPECT_EQ(desk.Told("BtnConfirmar"), refusals[*company - '0']);
     EXPECT_EQ(Cheques() + " " + Mode(desk), "C1|D;C2|P browse confirm company");
   }
   Run("UPDATE CHEQUE_PRE_001 SET VENCIMENTO = '11/12/2026' WHERE CHAVE = 'C2'");
@@ -409,9 +366,8 @@ TEST_F(ChequeTest, TransferToAnotherCompany) {
   EXPECT_EQ(desk.Messages() + Mode(desk) + desk.Text("EDChave"), "browseC1");
   const std::string columns =
       "SELECT AGENCIA, BANCO, CHAVE, CLIENTE, CONTA, CAST(DT_BAIXA AS VARCHAR(10)), DUPLICATA, LOTE, "
-      "EMISSAO, TIPO, FORNECEDOR, "
-      "NUMERO, REPRESENTANTE, VALOR, VENCIMENTO, OBS, STATUS, EMISSOR, CNPJ_EMI, BARRA FROM CHEQUE_PRE_002 "
-      "WHERE CHAVE STARTING WITH 'C'";
+      "EMISSAO, TIPO, FORNECEDOR, NUMERO, REPRESENTANTE, VALOR, VENCIMENTO, OBS, STATUS, EMISSOR, CNPJ_EMI, "
+      "BARRA FROM CHEQUE_PRE_002 WHERE CHAVE STARTING WITH 'C'";
   EXPECT_EQ(Sql(columns),
             "0001|903|C2|00050|77-1|1899-12-30||L'1|2026-11-10|R|00060|C2|0000|150.0000|"
             "2026-11-12|OBS|P|-|-|-");
@@ -424,11 +380,10 @@ TEST_F(ChequeTest, TransferToAnotherCompany) {
   other.Open("TfmChequePre");
   EXPECT_EQ(other.Text("EDChave") + other.Text("DBEDT_DtDevolucao"), "C2");
   other.Click("BtnAltera");
-  Fill(other, {{"EdtObs", "CHEGOU"}});
+  other.Fill({{"EdtObs", "CHEGOU"}});
   other.Click("BtnConfirmar");
   EXPECT_EQ(other.Messages() + Sql("SELECT OBS FROM CHEQUE_PRE_002"), "CHEGOU");
-  other.Click("BtExcluir");
-  other.Answer("yes");
+  other.Press("BtExcluir", "yes");
   EXPECT_EQ(other.Messages() + Sql("SELECT OBS FROM CHEQUE_PRE_002"), "");
 }
 
@@ -439,9 +394,8 @@ TEST_F(ChequeTest, QueryNarrows) {
   Keep({.chave = "C4", .status = "D"});
   Run("UPDATE CHEQUE_PRE_001 SET FORNECEDOR = '00060', BANCO = '904' WHERE CHAVE = 'C4'");
   Run("UPDATE CHEQUE_PRE_001 SET EMISSAO = '12/31/1999' WHERE CHAVE = 'C3'");
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
+  Desk desk(database_, At{"TfmChequePre"});
+  desk.Page("TabSheet1");
   EXPECT_EQ(desk.Text("dtAEmiIni") + desk.Text("dtAVencFim"), "01/01/200031/12/2050");
   const auto found = [&](const Fields& fields) {
     for (const auto& [control, value] : fields) desk.Set(control, value);
@@ -474,7 +428,7 @@ TEST_F(ChequeTest, QueryNarrows) {
   };
   for (const Case& c : cases) EXPECT_EQ(found(c.fields), c.found);
   EXPECT_NE(desk.Text("EdtANomeCli") + desk.Rows("qryConsulta"), "");
-  desk.Do({{"do", "dblclick"}, {"control", "DBGrid2"}, {"row", 0}, {"column", "CHAVE"}});
+  desk.DoubleClick("DBGrid2", 0, "CHAVE");
   EXPECT_EQ(desk.Text("EDChave"), "C4");
   EXPECT_EQ(desk.FocusName(), "BtnAltera");
 }
@@ -484,16 +438,15 @@ TEST_F(ChequeTest, TwoChequesOfOneNumber) {
   Keep({.chave = "C1"});
   Keep({.chave = "C1"});
   Run("UPDATE CHEQUE_PRE_001 SET NUMERO = 'ALHEIO' WHERE NUMERO = 'C1' ROWS 1");
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
+  Desk desk(database_, At{"TfmChequePre"});
+  desk.Page("TabSheet1");
   desk.Click("BitBtn6");
   for (int row = 0; row < 2; ++row) {
-    desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
-    desk.Do({{"do", "dblclick"}, {"control", "DBGrid2"}, {"row", row}, {"column", "CHAVE"}});
+    desk.Page("TabSheet1");
+    desk.DoubleClick("DBGrid2", row, "CHAVE");
     const std::string numero = desk.Text("DBEDChequeNro");
     desk.Click("BtnAltera");
-    Fill(desk, {{"EdtObs", "DE " + numero}});
+    desk.Fill({{"EdtObs", "DE " + numero}});
     desk.Click("BtnConfirmar");
     EXPECT_EQ(desk.Messages() + desk.Text("DBEDChequeNro"), numero);
   }
@@ -502,11 +455,10 @@ TEST_F(ChequeTest, TwoChequesOfOneNumber) {
 
 TEST_F(ChequeTest, RightsAreAskedFor) {
   Keep({.chave = "C1"});
-  Run("INSERT INTO DIREITO (LOGIN_BUSCA, CLASSE, TIPOS) VALUES ('leo', 'TfmChequePre', '')");
+  Put(Direito{.classe = "TfmChequePre"});
   for (const char* given : {"", "A", "E"}) {
     Run("UPDATE DIREITO SET TIPOS = '" + std::string(given) + "' WHERE LOGIN_BUSCA = 'leo'");
-    Desk desk(database_, "leo");
-    desk.Open("TfmChequePre");
+    Desk desk(database_, At{"TfmChequePre", "leo"});
     for (const char* button : {"Btincluir", "BtnAltera", "BtExcluir"}) {
       const bool may = *given == (button == std::string("BtExcluir") ? 'E' : 'A');
       desk.Click(button);
@@ -534,9 +486,7 @@ TEST_F(ChequeTest, OneOfTwoDoesIt) {
   Desk first(database_), second(database_);
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    Run("DELETE FROM CHEQUE_PRE_001");
-    Run("DELETE FROM CONTACOR_001");
-    Run("DELETE FROM AUDITORIA");
+    Empty("CHEQUE_PRE_001 CONTACOR_001 AUDITORIA");
     Run("DELETE FROM CHEQUE_PRE_002 WHERE CHAVE = 'C1'");
     Keep({.chave = "C1", .status = c.status, .cliente = c.status == std::string("P") ? "00001" : "00050"});
     const bool entry = c.name == std::string("return") || c.name == std::string("again");
@@ -546,11 +496,11 @@ TEST_F(ChequeTest, OneOfTwoDoesIt) {
       desk->Click(c.button);
       if (desk->End() == "waiting answer" && entry) desk->Answer("yes");
       if (entry) {
-        Fill(*desk, {{"EdtConta", kConta}, {"EdtTipo", "1101"}, {"EdtHis", "005"}});
+        desk->Fill({{"EdtConta", kConta}, {"EdtTipo", "1101"}, {"EdtHis", "005"}});
         desk->Click("BitBtn1");
       }
       if (c.name == std::string("transfer")) desk->Set("CBEmpresa", "1");
-      if (c.name == std::string("alter")) Fill(*desk, {{"EdtObs", "MEU"}});
+      if (c.name == std::string("alter")) desk->Fill({{"EdtObs", "MEU"}});
     }
     // Nobody holds the row.
     Run("UPDATE CHEQUE_PRE_001 SET AGENCIA = '0001' WHERE CHAVE = 'C1'");
@@ -572,8 +522,8 @@ TEST_F(ChequeTest, OneOfTwoDoesIt) {
     const std::string told = finish(second);
     EXPECT_TRUE(told.starts_with("error: Outro usuário")) << told;
     EXPECT_EQ(left(), done);
-    while (!second.State()["screens"].Items().empty()) second.Do({{"do", "close"}});
-    first.Do({{"do", "close"}});
+    second.CloseAll();
+    first.Close();
   }
 }
 
@@ -581,27 +531,21 @@ TEST_F(ChequeTest, OneOfTwoDoesIt) {
 TEST_F(ChequeTest, GuardsSeeTheRowAsItIs) {
   Keep({.chave = "C1", .status = "B"});
   Keep({.chave = "C2", .status = "B"});
-  Desk desk(database_);
-  desk.Open("TfmChequePre");
+  Desk desk(database_, At{"TfmChequePre"});
   EXPECT_EQ(desk.Text("RgSituacao"), "Baixado");
   Run("UPDATE CHEQUE_PRE_001 SET STATUS = 'D' WHERE CHAVE = 'C1'");
-  desk.Click("BitBtn4");
-  EXPECT_EQ(desk.Messages(), "Cheque não pode ser Devolvido.");
-  desk.Answer("ok");
+  EXPECT_EQ(desk.Told("BitBtn4"), "Cheque não pode ser Devolvido.");
   EXPECT_EQ(desk.Text("RgSituacao"), "Devolvido");
   // Never the neighbour in its place.
   Run("DELETE FROM CHEQUE_PRE_001 WHERE CHAVE = 'C1'");
-  for (const char* button : {"BitBtn4"}) {
-    desk.Click(button);
-    EXPECT_EQ(desk.Messages(), "error: Outro usuário alterou ou excluiu este cheque. Consulte-o novamente.");
-  }
+  EXPECT_EQ(desk.Press("BitBtn4"),
+            "error: Outro usuário alterou ou excluiu este cheque. Consulte-o novamente.");
   EXPECT_EQ(desk.Text("EDChave") + Cheques(), "C2C2|B");
   // An alteration that types nothing doesn't clear a movement whose clearing was undone meanwhile.
   Move("C2", "L");
   desk.Click("BtnAltera");
   Run("UPDATE CHEQUE_PRE_001 SET STATUS = 'P' WHERE CHAVE = 'C2'");
-  desk.Click("BtnConfirmar");
-  EXPECT_TRUE(desk.Messages().starts_with("error: Outro usuário")) << desk.Messages();
+  EXPECT_TRUE(desk.Press("BtnConfirmar").starts_with("error: Outro usuário")) << desk.Messages();
   EXPECT_EQ(Sql("SELECT PENDENTE FROM CONTACOR_001"), "S");
   EXPECT_EQ(Mode(desk), "edit confirm");
   desk.Click("BtnDesistir");

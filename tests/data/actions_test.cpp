@@ -11,8 +11,7 @@ using namespace std::chrono_literals;
 
 class ActionTest : public DataTest {
  protected:
-  void SetUp() override {
-    DataTest::SetUp();
+  ActionTest() {
     database->ExecuteDdl("CREATE TABLE T (ID INTEGER NOT NULL PRIMARY KEY, N INTEGER DEFAULT 0)");
   }
   void Insert(int id) { database->Execute("INSERT INTO T (ID) VALUES (" + std::to_string(id) + ")"); }

@@ -1,41 +1,19 @@
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/fsuid.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 
 #include "host/data/backup.h"
 #include "host/data/engine.h"
 #include "tests/data/fixture.h"
 
-extern char** environ;
-
 namespace orv {
 namespace {
 
-TEST_F(DataTest, WhatIsWrongWithTheFileIsSaid) {
-  const auto told = [](const std::string& path, const char* word) {
-    const DatabaseError error = ErrorOf([&] { Attachment::Open(path); });
-    EXPECT_EQ(error.Why(), Kind::Connection) << error.Detail();
-    EXPECT_NE(std::string(error.what()).find(word), std::string::npos) << error.what() << "\n"
-                                                                       << error.Detail();
-    EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();
-  };
-  told((folder / "nada.fdb").string(), "não existe");
-  told((folder / "nada/nada.fdb").string(), "não existe");
-  const std::string text = (folder / "texto.fdb").string();
-  std::ofstream(text) << std::string(100000, 'x');
-  told(text, "não é um banco de dados");
-  std::ofstream((folder / "vazio.fdb").string());
-  told((folder / "vazio.fdb").string(), "não é um banco de dados");
-  told(folder.string(), "não é um banco de dados");
-
+TEST_F(DataTest, AFileIsMadeForItsOwnerOnlyAndOverNoOther) {
   EXPECT_NE(std::string(ErrorOf([&] { Attachment::Create(file); }).what()).find("já existe"),
             std::string::npos);
   EXPECT_NE(std::string(ErrorOf([&] { Attachment::Create((folder / "nada/x.fdb").string()); }).what())
@@ -108,58 +86,6 @@ TEST_F(DataTest, RefusalsOfStatements) {
   EXPECT_NE(std::string(tables.what()).find("tabelas demais"), std::string::npos);
   EXPECT_EQ(ErrorOf([&] { database->Rows(many + ")"); }).Why(), Kind::Limit);
   EXPECT_EQ(Count("T"), 1);
-}
-
-// Run in a process of its own by the test below.
-TEST(Holder, DISABLED_HoldsTheDatabase) {
-  const char* const file = std::getenv("ORV_TEST_HOLD");
-  if (!file) GTEST_SKIP();
-  const auto held = Attachment::Open(file);
-  char byte = 'x';
-  ASSERT_EQ(write(3, &byte, 1), 1);
-  EXPECT_EQ(read(4, &byte, 1), 0);
-}
-
-TEST_F(DataTest, AnotherProcessHoldsIt) {
-  database.reset();
-  int ready[2], hold[2];
-  ASSERT_EQ(pipe2(ready, O_CLOEXEC), 0);
-  ASSERT_EQ(pipe2(hold, O_CLOEXEC), 0);
-  posix_spawn_file_actions_t files;
-  posix_spawn_file_actions_init(&files);
-  // Above the numbers that the child knows them by, so that neither overwrites the other.
-  const int ready_high = fcntl(ready[1], F_DUPFD_CLOEXEC, 50),
-            hold_high = fcntl(hold[0], F_DUPFD_CLOEXEC, 50);
-  posix_spawn_file_actions_adddup2(&files, ready_high, 3);
-  posix_spawn_file_actions_adddup2(&files, hold_high, 4);
-  posix_spawn_file_actions_addopen(&files, 1, "/dev/null", O_WRONLY, 0);
-  std::vector<std::string> variables = {"ORV_TEST_HOLD=" + file};
-  for (char** one = environ; *one; ++one)
-    if (!std::string_view(*one).starts_with("FIREBIRD")) variables.emplace_back(*one);
-  std::vector<char*> environment;
-  for (std::string& one : variables) environment.push_back(one.data());
-  environment.push_back(nullptr);
-  std::string program = "/proc/self/exe", disabled = "--gtest_also_run_disabled_tests",
-              filter = "--gtest_filter=Holder.*";
-  char* arguments[] = {program.data(), disabled.data(), filter.data(), nullptr};
-  pid_t child = 0;
-  ASSERT_EQ(posix_spawn(&child, program.c_str(), &files, nullptr, arguments, environment.data()), 0);
-  for (const int end : {ready[1], ready_high, hold[0], hold_high}) close(end);
-  char byte = 0;
-  ASSERT_EQ(read(ready[0], &byte, 1), 1);
-
-  const DatabaseError error = ErrorOf([&] { Attachment::Open(file); });
-  EXPECT_EQ(error.Why(), Kind::Connection);
-  EXPECT_NE(std::string(error.what()).find("outro programa"), std::string::npos)
-      << error.what() << error.Detail();
-
-  close(hold[1]);
-  int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
-  posix_spawn_file_actions_destroy(&files);
-  close(ready[0]);
-  database = Attachment::Open(file);
 }
 
 TEST_F(DataTest, ABackupBringsEverythingBack) {

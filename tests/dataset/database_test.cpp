@@ -1,12 +1,10 @@
 // Queries and tables on a real database.
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <chrono>
-#include <filesystem>
 
-#include "host/data/attachment.h"
 #include "host/data/statement.h"
+#include "tests/support/desk_test.h"
 #include "toolkit/query.h"
 #include "toolkit/table.h"
 #include "toolkit/trans_dataset.h"
@@ -40,24 +38,14 @@ class Counted : public TOrvDatabase {
 
 class Tables : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string pattern = (std::filesystem::temp_directory_path() / "orv-dataset-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    file_ = (folder_ / "empresa.fdb").string();
-    attachment_ = Attachment::Create(file_, 8192);
+  Tables() {
     Localize(*attachment_);
     attachment_->ExecuteDdl(
         "CREATE TABLE CHEQUE_001 (CHAVE VARCHAR(7) NOT NULL PRIMARY KEY, BANCO CHAR(3), VALOR NUMERIC(18,4), "
-        "TAXA DOUBLE PRECISION, VENCIMENTO DATE, INCLUSAO TIMESTAMP DEFAULT '2026-01-02 03:04:05.6789', "
-        "OBS VARCHAR(60))");
+        "TAXA DOUBLE PRECISION, VENCIMENTO DATE, INCLUSAO TIMESTAMP DEFAULT '2026-01-02 03:04:05.6789', OBS "
+        "VARCHAR(60))");
     attachment_->ExecuteDdl("CREATE TABLE MOEDA (CODIGO INTEGER NOT NULL PRIMARY KEY, NOME VARCHAR(20))");
   }
-  void TearDown() override {
-    attachment_.reset();
-    std::filesystem::remove_all(folder_);
-  }
-
   static void Localize(Attachment& attachment) {
     attachment.SetLocalName([](std::string_view table) { return std::string(table) + "_001"; });
   }
@@ -66,15 +54,15 @@ class Tables : public testing::Test {
     attachment_->ExecuteDdl("RECREATE TABLE SEQ (N INTEGER)");
     attachment_->Execute(
         "EXECUTE BLOCK AS DECLARE N INTEGER = 0; BEGIN WHILE (N < " + std::to_string(count) +
-        ") DO BEGIN INSERT INTO CHEQUE_001 (CHAVE, BANCO, VALOR, TAXA, VENCIMENTO, OBS) VALUES "
-        "(LPAD(:N, 6, '0'), IIF(MOD(:N, 10) = 9, NULL, LPAD(MOD(:N, 3), 3, '0')), :N / 4.0000, "
-        ":N / 3e0, DATEADD(:N DAY TO DATE '2026-01-01'), 'd''água ' || :N); N = N + 1; END END");
+        ") DO BEGIN INSERT INTO CHEQUE_001 (CHAVE, BANCO, VALOR, TAXA, VENCIMENTO, OBS) VALUES (LPAD(:N, 6, "
+        "'0'), IIF(MOD(:N, 10) = 9, NULL, LPAD(MOD(:N, 3), 3, '0')), :N / 4.0000, :N / 3e0, DATEADD(:N DAY "
+        "TO DATE '2026-01-01'), 'd''água ' || :N); N = N + 1; END END");
     attachment_->CommitRetaining();
   }
 
-  std::filesystem::path folder_;
-  std::string file_;
-  std::unique_ptr<Attachment> attachment_;
+  test::TempDatabase temp_;
+  const std::string& file_ = temp_.file;
+  std::unique_ptr<Attachment>& attachment_ = temp_.db;
 };
 
 // The keys of a walk.
@@ -197,10 +185,9 @@ TEST_F(Tables, AnOrderIsOneListFromEverySide) {
   table.SetFilterSql("BANCO = '001' OR BANCO IS NULL");
   table.SetIndexFieldNames("BANCO");
   table.Open();
-  EXPECT_EQ(table.RecordCount(), attachment_
-                                     ->Scalar("SELECT COUNT(*) FROM CHEQUE_001 WHERE BANCO = '001' OR "
-                                              "BANCO IS NULL")
-                                     .AsInteger());
+  EXPECT_EQ(table.RecordCount(),
+            attachment_->Scalar("SELECT COUNT(*) FROM CHEQUE_001 WHERE BANCO = '001' OR BANCO IS NULL")
+                .AsInteger());
   EXPECT_FALSE(table.Locate("BANCO", "002"));
 }
 
@@ -300,8 +287,7 @@ TEST_F(Tables, RowsAreWrittenAsTheyAre) {
   EXPECT_THROW(global.Append(), UserError);  // without a key it is read only
   attachment_->Execute(
       "EXECUTE BLOCK AS DECLARE N INTEGER = 0; BEGIN WHILE (N < 450) DO BEGIN INSERT INTO MOEDA (CODIGO, "
-      "NOME) "
-      "VALUES (:N, 'igual'); N = N + 1; END END");
+      "NOME) VALUES (:N, 'igual'); N = N + 1; END END");
   global.SetIndexFieldNames("NOME");
   int rows = 0;
   for (global.First(); !global.Eof(); global.Next()) ++rows;

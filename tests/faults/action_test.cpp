@@ -13,16 +13,13 @@ TEST_F(CcTest, AFailedActionLeavesNothing) {
   Fin({80});
   // The audit line is the last thing written: by then all else is there.
   Ddl("CREATE EXCEPTION E_PARADA 'stop here'");
-  Ddl("CREATE TRIGGER T_PARADA FOR AUDITORIA BEFORE INSERT AS DECLARE N INTEGER; BEGIN "
-      "IF (NEW.CHAVE = 'ZERO') THEN N = 1 / (CHAR_LENGTH(NEW.CHAVE) - 4); "
-      "IF (NEW.CHAVE = 'GRANDE') THEN N = CAST(CHAR_LENGTH(NEW.CHAVE) AS BIGINT) * 1000000000; "
-      "IF (NEW.CHAVE = 'TEXTO') THEN N = CAST(NEW.CHAVE AS INTEGER); "
-      "IF (NEW.CHAVE = 'LONGO') THEN NEW.LOGIN = LPAD('', 200, 'X'); "
-      "IF (NEW.CHAVE = 'NULO') THEN NEW.ID = NULL; "
-      "IF (NEW.CHAVE = 'PARADA') THEN EXCEPTION E_PARADA; END");
+  Ddl("CREATE TRIGGER T_PARADA FOR AUDITORIA BEFORE INSERT AS DECLARE N INTEGER; BEGIN IF (NEW.CHAVE = "
+      "'ZERO') THEN N = 1 / (CHAR_LENGTH(NEW.CHAVE) - 4); IF (NEW.CHAVE = 'GRANDE') THEN N = "
+      "CAST(CHAR_LENGTH(NEW.CHAVE) AS BIGINT) * 1000000000; IF (NEW.CHAVE = 'TEXTO') THEN N = CAST(NEW.CHAVE "
+      "AS INTEGER); IF (NEW.CHAVE = 'LONGO') THEN NEW.LOGIN = LPAD('', 200, 'X'); IF (NEW.CHAVE = 'NULO') "
+      "THEN NEW.ID = NULL; IF (NEW.CHAVE = 'PARADA') THEN EXCEPTION E_PARADA; END");
   Ddl("ALTER TABLE CONTACOR_001 ADD CONSTRAINT C_REGRA CHECK (DOCTO <> 'REGRA')");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
 
   struct Case {
     const char* docto;
@@ -47,7 +44,7 @@ TEST_F(CcTest, AFailedActionLeavesNothing) {
     EXPECT_EQ(desk.End(), "idle");
     EXPECT_EQ(left(), "0") << c.docto;
     // All that was entered is still there.
-    EXPECT_TRUE(desk.Property("Panel5", "visible").Bool()) << c.docto;
+    EXPECT_TRUE(desk.Visible("Panel5")) << c.docto;
     EXPECT_EQ(desk.Text("EdtLancto"), numero);
     EXPECT_EQ(desk.Text("EdtNumDoc"), c.docto);
   }
@@ -66,22 +63,13 @@ TEST_F(CcTest, AFailedActionLeavesNothing) {
 // not at all, the movement isn't, and the second try stores each once.
 TEST_F(CcTest, OnlyTheEntriesOutliveAFailure) {
   Fin({30, 50});
-  Ddl("CREATE SEQUENCE G_PARADA");
-  Ddl("CREATE TABLE PARADA (ALVO BIGINT)");
-  Ddl("CREATE EXCEPTION E_PARADA 'stop here'");
-  for (const char* table : {"CONTACOR_001", "CONTABIL_001", "CENTRO_RATEIO_001", "AUDITORIA"}) {
-    Ddl("CREATE TRIGGER T_" + std::string(table) + " FOR " + table +
-        " AFTER INSERT OR UPDATE OR DELETE AS BEGIN IF (GEN_ID(G_PARADA, 1) = (SELECT ALVO FROM PARADA)) "
-        "THEN EXCEPTION E_PARADA; END");
-  }
-  Run("INSERT INTO PARADA (ALVO) VALUES (-1)");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Stoppable("CONTACOR_001 CONTABIL_001 CENTRO_RATEIO_001 AUDITORIA");
+  Desk desk(database_, At{"TfmCC"});
   const char* const entries = "1.1.02.001|4.1.03.001|65.0000;1.1.02.001|4.1.03.002|35.0000";
   int failures = 0, outlived = 0;
   for (bool whole = false; !whole && failures < 20;) {
     const std::string numero = New(desk, {{"EdtTipo", "3103"}, {"EdtHis", "012"}});
-    Run("UPDATE PARADA SET ALVO = GEN_ID(G_PARADA, 0) + 1 + " + std::to_string(failures));
+    StopAt(failures);
     const std::string said = Confirm(desk);
     whole = said.empty();
     if (!whole) {
@@ -89,15 +77,14 @@ TEST_F(CcTest, OnlyTheEntriesOutliveAFailure) {
       EXPECT_EQ(Movement(numero), "") << failures;
       const std::string left = Entries(numero);
       EXPECT_EQ(said, left.empty()
-                          ? "error: O banco de dados recusou a operação. Nada foi gravado. Avise o "
-                            "suporte."
+                          ? "error: O banco de dados recusou a operação. Nada foi gravado. Avise o suporte."
                           : "error: O banco de dados recusou a operação. Avise o suporte. As partidas "
                             "contábeis ficaram gravadas, o lançamento não: confirme-o de novo.");
       EXPECT_TRUE(left.empty() || left == entries) << left;
       EXPECT_EQ(Split(Shares(numero), ";").size(), left.empty() ? 1U : 3U) << Shares(numero);
       outlived += left == entries;
-      EXPECT_TRUE(desk.Property("Panel5", "visible").Bool());
-      Run("UPDATE PARADA SET ALVO = -1");
+      EXPECT_TRUE(desk.Visible("Panel5"));
+      StopAt(-1);
       EXPECT_EQ(Confirm(desk), "");
     }
     EXPECT_NE(Movement(numero), "");
@@ -110,10 +97,9 @@ TEST_F(CcTest, OnlyTheEntriesOutliveAFailure) {
 }
 
 TEST_F(CcTest, AMissingTableHurtsOnlyWhatNeedsIt) {
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   desk.Click("BitBtn1");
-  Fill(desk, {{"EdtConta", kConta}, {"EdtNumDoc", "SEM TABELA"}, {"EdtTipo", "3104"}, {"EdtValor", "1,00"}});
+  desk.Fill({{"EdtConta", kConta}, {"EdtNumDoc", "SEM TABELA"}, {"EdtTipo", "3104"}, {"EdtValor", "1,00"}});
   Ddl("DROP TABLE HIST_CONTA_001");
   desk.Set("EdtHis", "019");
   EXPECT_EQ(desk.Messages(),
@@ -126,42 +112,38 @@ TEST_F(CcTest, AMissingTableHurtsOnlyWhatNeedsIt) {
 // Two amounts that stand in the database and whose sum no column of it holds: every screen adds them up, and
 // names them.
 TEST_F(CcTest, AmountsBeyondAllMeasureHinderNoScreen) {
-  Store({"T00300", "ENORME"});
-  Store({"T00301", "ENORME"});
+  Put(Movimento{.lancamento = "T00300", .docto = "ENORME"});
+  Put(Movimento{.lancamento = "T00301", .docto = "ENORME"});
   Run("UPDATE CONTACOR_001 SET VALOR = 900000000000000, OPERACAO = '+', PENDENTE = 'N' WHERE DOCTO = "
       "'ENORME'");
   const std::string told =
       "note: As somas contêm valores grandes demais. Corrija ou exclua os lançamentos: T00300 "
       "(900.000.000.000.000,00); T00301 (900.000.000.000.000,00).";
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   Load(desk, "T00300");
   EXPECT_EQ(desk.Messages() + desk.End(), "idle");
   desk.Click("SpeedButton1");
   Consult(desk, {{"RgBusca", "Todos"}, {"EdtDocto", "ENORME"}});
   EXPECT_EQ(desk.Messages(), told);
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet2"}});
-  desk.Click("BitBtn8");
-  EXPECT_EQ(desk.Messages(), told);
+  desk.Page("TabSheet2");
+  EXPECT_EQ(desk.Press("BitBtn8"), told);
   EXPECT_NE(desk.Read("TbContas", {"Contas", "Saldo"}).find(std::string(kConta) + "|18000"),
             std::string::npos);
-  desk.Do({{"do", "close"}});
+  desk.Close();
   desk.Open("TfmRelFluxo");
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), told);
-  desk.Do({{"do", "dblclick"}, {"control", "OrvDBGrid1"}, {"row", 0}, {"column", "Conta"}});
+  EXPECT_EQ(desk.Press("BitBtn29"), told);
+  desk.DoubleClick("OrvDBGrid1", 0, "Conta");
   EXPECT_EQ(desk.End(), "waiting answer");
   desk.Answer("ok");
-  desk.Do({{"do", "close"}});
+  desk.Close();
   desk.Open("TfmRelCC");
   desk.Set("RelConta", kConta);
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), told);
-  desk.Do({{"do", "close"}});
+  EXPECT_EQ(desk.Press("BitBtn29"), told);
+  desk.Close();
   desk.Open("TFmConcilia");
   desk.Set("EdtConta", kConta);
   EXPECT_EQ(desk.Messages(), told);
-  desk.Do({{"do", "close"}});
+  desk.Close();
   desk.Open("TfmCC");
   New(desk, {{"EdtNumDoc", "MENOR"}});
   for (const char* amount :
@@ -200,8 +182,7 @@ const std::vector<std::string>& HostileTexts() {
       std::string("a\0b", 3),
       "\xFF\xFE\x80",
       "\xED\xA0\x80",
-      "  espa\xC3\xA7os  ",
-  };
+      "  espa\xC3\xA7os  "};
   return texts;
 }
 
@@ -212,9 +193,8 @@ std::string Kept(const std::string& text, std::size_t length) {
 
 TEST_F(CcTest, HostileTextsAreStoredAsTheyAre) {
   Fin({30, 50});
-  Rule("2103", "4.1.04.001", "100", "0100", "100");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Put(RegraRateio{.codigo = "2103"});
+  Desk desk(database_, At{"TfmCC"});
   const std::string tables = Sql("SELECT COUNT(*) FROM RDB$RELATIONS");
   for (const std::string& text : HostileTexts()) {
     SCOPED_TRACE(text.substr(0, 40));
@@ -234,7 +214,7 @@ TEST_F(CcTest, HostileTextsAreStoredAsTheyAre) {
     EXPECT_NE(Shares(numero), "");
     // And the same movement comes back, and is altered and deleted, by its identity.
     desk.Click("btnConsulta");
-    desk.Do({{"do", "choose"}, {"key", numero}});
+    desk.Choose(numero);
     EXPECT_EQ(desk.Text("EdtNumDoc"), Kept(text, 15));
     EXPECT_EQ(desk.Text("EdtObs"), Kept(text, 100));
     desk.Click("BitBtn2");
@@ -242,8 +222,7 @@ TEST_F(CcTest, HostileTextsAreStoredAsTheyAre) {
     EXPECT_EQ(Confirm(desk), "");
     EXPECT_EQ(Count("CONTACOR_001", "LANCAMENTO = '" + numero + "' AND OBSERVACAO = 'SIMPLES'"), "1");
     Load(desk, numero);
-    desk.Click("BitBtn3");
-    desk.Answer("yes");
+    desk.Press("BitBtn3", "yes");
     EXPECT_EQ(desk.End(), "idle");
     EXPECT_EQ(Movement(numero) + Entries(numero) + Shares(numero), "");
   }
@@ -253,11 +232,10 @@ TEST_F(CcTest, HostileTextsAreStoredAsTheyAre) {
 // Every text field of the screen, on both pages: a text that no code, date or amount can be is refused with a
 // message or kept harmlessly, and the desk works on.
 TEST_F(CcTest, HostileTextsInEveryField) {
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   const std::string rows = Count("CONTACOR_001", "1 = 1");
   for (const char* page : {"TabSheet2", "TabSheet1"}) {
-    desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", page}});
+    desk.Page(page);
     if (page == std::string("TabSheet2")) New(desk);
     std::vector<std::pair<std::string, int64_t>> fields;
     const Json state = desk.State();
@@ -285,7 +263,7 @@ TEST_F(CcTest, HostileTextsInEveryField) {
           if (desk.End() == "waiting lookup") {
             desk.Do({{"do", "search"}, {"text", text}});
             EXPECT_EQ(desk.Messages(), "");
-            desk.Do({{"do", "choose"}, {"key", text}});
+            desk.Choose(text);
             if (desk.End() == "waiting lookup") desk.Do({{"do", "choose"}});
           } else {
             desk.Answer("ok");
@@ -301,7 +279,7 @@ TEST_F(CcTest, HostileTextsInEveryField) {
       }
       // What was typed last may not be left behind in the way of the next field.
       desk.Set(field, field == "EdtConta" ? kConta : field == "EdtTipo" ? "3104" : "");
-      CloseLists(desk);
+      desk.CloseLists();
     }
   }
   EXPECT_EQ(Count("CONTACOR_001", "1 = 1"), rows);
@@ -310,8 +288,7 @@ TEST_F(CcTest, HostileTextsInEveryField) {
 
 // What no display of ours sends.
 TEST_F(CcTest, HostileRequests) {
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   for (const std::string& text : HostileTexts()) {
     for (const char* verb : {"set", "click", "focus", "check", "page", "row", "cell", "append", "delete",
                              "dblclick", "title", "key", "menu", "open", "report", "file", text.c_str()}) {

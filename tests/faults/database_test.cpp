@@ -126,16 +126,14 @@ TEST_F(DatabaseTest, WithoutPermission) {
 // The engine would go on writing into a file that nobody finds again.
 TEST_F(DatabaseTest, AFileThatGoesOrIsReplacedIsTold) {
   const fs::path away = folder_.Path() / "away.fdb";
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   New(desk, {{"EdtNumDoc", "SUMIU"}});
   for (const bool replaced : {false, true}) {
     fs::rename(database_, away);
     if (replaced) Write(database_, "something else");
-    EXPECT_EQ(
-        Confirm(desk),
-        "error: O arquivo do banco de dados foi removido ou substituído durante o uso. Nada foi gravado. "
-        "Encerre todas as sessões, recupere o arquivo e entre novamente.");
+    EXPECT_EQ(Confirm(desk),
+              "error: O arquivo do banco de dados foi removido ou substituído durante o uso. Nada foi "
+              "gravado. Encerre todas as sessões, recupere o arquivo e entre novamente.");
     EXPECT_EQ(desk.End(), "idle");
     fs::rename(away, database_);
   }
@@ -168,8 +166,7 @@ class FileLimit {
 };
 
 TEST_F(DatabaseTest, ADiskThatFillsUp) {
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   int posted = 0;
   {
     const FileLimit limit(fs::file_size(database_));

@@ -17,10 +17,9 @@ constexpr const char* kBusy =
 // Loads a movement and goes into edit.
 void Alter(Desk& desk, const std::string& numero, const std::string& obs) {
   desk.Click("btnConsulta");
-  desk.Do({{"do", "choose"}, {"key", numero}});
+  desk.Choose(numero);
   desk.Click("BitBtn2");
-  desk.Set("EdtObs", obs);
-  desk.Focus("SpeedButton2");
+  desk.Leave("EdtObs", obs, "SpeedButton2");
 }
 
 TEST_F(CcTest, SixteenSessionsPostAtOnce) {
@@ -39,11 +38,11 @@ TEST_F(CcTest, SixteenSessionsPostAtOnce) {
       Desk& desk = *desks[static_cast<std::size_t>(i)];
       for (int k = 0; k < postings; ++k) {
         desk.Click("BitBtn1");
-        Fill(desk, {{"EdtConta", kConta},
-                    {"EdtNumDoc", "P" + std::to_string(i) + "-" + std::to_string(k)},
-                    {"EdtTipo", "3104"},
-                    {"EdtHis", "019"},
-                    {"EdtValor", "1,00"}});
+        desk.Fill({{"EdtConta", kConta},
+                   {"EdtNumDoc", "P" + std::to_string(i) + "-" + std::to_string(k)},
+                   {"EdtTipo", "3104"},
+                   {"EdtHis", "019"},
+                   {"EdtValor", "1,00"}});
         EXPECT_EQ(Confirm(desk), "");
       }
     });
@@ -61,7 +60,7 @@ TEST_F(CcTest, SixteenSessionsPostAtOnce) {
 
 TEST_F(CcTest, TheSecondOfTwoUsersIsTold) {
   Fin({30, 50});
-  Rule("2103", "4.1.04.001", "100", "0100", "100");
+  Put(RegraRateio{.codigo = "2103"});
   Desk first(database_), second(database_);
   for (Desk* desk : {&first, &second}) desk->Open("TfmCC");
   const std::string numero = New(first, {{"EdtTipo", "2103"}});
@@ -77,7 +76,7 @@ TEST_F(CcTest, TheSecondOfTwoUsersIsTold) {
   for (int attempt = 0; attempt < 2; ++attempt) {
     EXPECT_EQ(Confirm(second), kChanged);
     EXPECT_EQ(second.Text("EdtObs"), "DO SEGUNDO");
-    EXPECT_TRUE(second.Property("Panel5", "visible").Bool());
+    EXPECT_TRUE(second.Visible("Panel5"));
   }
   EXPECT_EQ(Movement(numero), movement);
   EXPECT_EQ(Entries(numero), entries);
@@ -117,29 +116,26 @@ TEST_F(CcTest, TheSecondOfTwoUsersIsTold) {
 }
 
 TEST_F(CcTest, DeletionOfWhatAnotherChangedIsRefused) {
-  Store({"T00200", "2000"});
+  Put(Movimento{.lancamento = "T00200", .docto = "2000"});
   Desk first(database_), second(database_);
   for (Desk* desk : {&first, &second}) desk->Open("TfmCC");
   Load(second, "T00200");
   Alter(first, "T00200", "DO PRIMEIRO");
   EXPECT_EQ(Confirm(first), "");
   const std::string audit = Audit(), movement = Movement("T00200");
-  second.Click("BitBtn3");
-  EXPECT_EQ(second.Messages(), "Deseja eliminar este Registro?");
+  EXPECT_EQ(second.Press("BitBtn3"), "Deseja eliminar este Registro?");
   second.Answer("yes");
   EXPECT_EQ(second.Messages(), kChanged);
   EXPECT_EQ(Movement("T00200"), movement);
   EXPECT_EQ(Audit(), audit);
   Load(second, "T00200");
-  second.Click("BitBtn3");
-  second.Answer("yes");
+  second.Press("BitBtn3", "yes");
   EXPECT_EQ(Movement("T00200"), "");
 }
 
 TEST_F(CcTest, WaitsForAnOpenChangeAndThenTells) {
-  Store({"T00201", "2001"});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Put(Movimento{.lancamento = "T00201", .docto = "2001"});
+  Desk desk(database_, At{"TfmCC"});
   Alter(desk, "T00201", "DA MESA");
   const std::string movement = Movement("T00201");
   Db().Execute("UPDATE CONTACOR_001 SET OBSERVACAO = 'ABERTO' WHERE LANCAMENTO = 'T00201'");
@@ -154,8 +150,8 @@ TEST_F(CcTest, WaitsForAnOpenChangeAndThenTells) {
 
 // Idle sessions hold nothing back, whatever they were left at.
 TEST_F(CcTest, ALongDayLeavesFewDeadVersions) {
-  Store({"T00202", "2002"});
-  Store({"T00203", "2003"});
+  Put(Movimento{.lancamento = "T00202", .docto = "2002"});
+  Put(Movimento{.lancamento = "T00203", .docto = "2003"});
   Desk busy(database_), idle(database_), asked(database_), choosing(database_);
   for (Desk* desk : {&busy, &idle, &asked, &choosing}) desk->Open("TfmCC");
   Load(idle, "T00203");

@@ -15,8 +15,12 @@ class ClearingTest : public CcTest {
 
 TEST_F(ClearingTest, AccountingGoesByKindAndSide) {
   // Of several rows of an account and history, that of any class counts.
-  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) VALUES ('', "
-      "'3104', '004', '0', '10250-1', '9.9.99.999')");
+  Put(ClasseConta{.conta = "10250-1",
+                  .classe = "3104",
+                  .historico = "004",
+                  .conta_cont = "9.9.99.999",
+                  .codcli = "",
+                  .carteira = "0"});
   struct Case {
     const char *numero, *tipo_doc, *operacao, *historico;
     const char* posting;  // credit|debit, "" for a clearing without accounting
@@ -31,15 +35,14 @@ TEST_F(ClearingTest, AccountingGoesByKindAndSide) {
       {"A7", "DP", "+", "", ""},
   };
   for (const Case& c : cases) {
-    Store({.numero = c.numero,
-           .docto = c.numero,
-           .operacao = c.operacao,
-           .pendente = "S",
-           .historico = c.historico,
-           .tipo_doc = c.tipo_doc});
+    Put(Movimento{.lancamento = c.numero,
+                  .docto = c.numero,
+                  .operacao = c.operacao,
+                  .historico = c.historico,
+                  .tipo_doc = c.tipo_doc,
+                  .pendente = "S"});
   }
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   EXPECT_EQ(Consult(desk), "A1 A2 A3 A4 A5 A6 A7");
   EXPECT_EQ(desk.Text("DtBaixaComp"), "20/11/2026");
   desk.Set("DtBaixaComp", "18/11/2026");
@@ -73,18 +76,19 @@ TEST_F(ClearingTest, AccountingGoesByKindAndSide) {
 }
 
 TEST_F(ClearingTest, TheSelectionWalksOn) {
-  for (const char* numero : {"A1", "A2", "A3"}) Store({.numero = numero, .docto = numero, .pendente = "S"});
+  for (const char* numero : {"A1", "A2", "A3"})
+    Put(Movimento{.lancamento = numero, .docto = numero, .pendente = "S"});
   // Both rows of a transfer are cleared together, the settled one too.
-  Store({.numero = "T1", .docto = "A2", .tipo = "TR", .conta = kOutraConta, .pendente = "S"});
-  Store({.numero = "T1", .docto = "A2", .tipo = "TR", .lanc_con = "L9", .operacao = "+", .pendente = "N"});
-  Run("INSERT INTO CONTABIL_001 (LANCAMENTO) VALUES ('L9')");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Put(Movimento{.lancamento = "T1", .docto = "A2", .conta = kOutraConta, .tipo = "TR", .pendente = "S"});
+  Put(Movimento{
+      .lancamento = "T1", .docto = "A2", .operacao = "+", .tipo = "TR", .pendente = "N", .lanc_con = "L9"});
+  Put(Partida{.lancamento = "L9"});
+  Desk desk(database_, At{"TfmCC"});
   EXPECT_EQ(Consult(desk), "A1 A2 A3 T1");
-  Select(desk, 1);
+  desk.Stand("DBGridApagar", 1);
   desk.Click("SpeedButton8");
   EXPECT_EQ(Found(desk) + " at " + Selected(desk), "A1 A3 T1 at A3");
-  Select(desk, 2);
+  desk.Stand("DBGridApagar", 2);
   // Each of them holds the locks, by the day that it leaves as well.
   Run("UPDATE CONTACOR_001 SET DT_LAN = '11/22/2026' WHERE LANCAMENTO = 'T1'");
   desk.Set("DtBaixaComp", "25/11/2026");
@@ -107,36 +111,33 @@ TEST_F(ClearingTest, TheSelectionWalksOn) {
 }
 
 TEST_F(ClearingTest, ChequesFollow) {
-  Store({.numero = "A1", .docto = "77", .pendente = "S", .historico = "004", .tipo_doc = "CH"});
-  Cheque("A1", "77", "P");
-  Cheque("A1", "78", "P");
+  Put(Movimento{.lancamento = "A1", .docto = "77", .historico = "004", .tipo_doc = "CH", .pendente = "S"});
+  Put(Cheque{.chave = "A1", .numero = "77"});
+  Put(Cheque{.chave = "A1", .numero = "78"});
   // Of a captured cheque the movement is of no kind; one that came back stays so.
   for (const char* docto : {"79", "80"})
-    Store({.numero = "A2", .docto = docto, .pendente = "S", .tipo_doc = ""});
-  Cheque("A2", "79", "P");
-  Cheque("A2", "80", "D");
+    Put(Movimento{.lancamento = "A2", .docto = docto, .tipo_doc = "", .pendente = "S"});
+  Put(Cheque{.chave = "A2", .numero = "79"});
+  Put(Cheque{.chave = "A2", .numero = "80", .status = "D"});
   const auto cheques = [&] {
     return Sql(
         "SELECT NUMERO, STATUS, DT_BAIXA FROM CHEQUE_PRE_001 WHERE CHAVE < 'A3' AND CHAVE > 'A' ORDER BY 1");
   };
   const std::string before = Movement("A1");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   Consult(desk);
   // A refused entry leaves all as it was.
-  desk.Click("SpeedButton8");
-  desk.Answer("no");
+  desk.Press("SpeedButton8", "no");
   EXPECT_EQ(desk.End() + desk.Messages(), "idle");
   EXPECT_EQ(Movement("A1") + cheques() + Process(), before + "77|P|-;78|P|-;79|P|-;80|D|-");
   EXPECT_EQ(Found(desk), "A1 A2 A2");
 
-  desk.Click("SpeedButton8");
-  desk.Answer("yes");
+  desk.Press("SpeedButton8", "yes");
   for (int i = 0; i < 2; ++i) desk.Click("SpeedButton8");
   EXPECT_EQ(cheques() + desk.Messages(), "77|B|2026-11-20;78|P|-;79|B|2026-11-20;80|D|-");
   const std::string lanc_con = Clearing("A1");
   EXPECT_NE(Entries(lanc_con), "");
-  Run("INSERT INTO CENTRO_RATEIO_001 (LANCAMENTO, CENTROCUSTO) VALUES ('" + lanc_con + "', '0100')");
+  Put(Rateio{.lancamento = lanc_con, .centrocusto = "0100"});
 
   EXPECT_EQ(Consult(desk, {{"RgBusca", "Baixados"}}), "A1 A2 A2");
   for (int i = 0; i < 3; ++i) desk.Click("SpeedButton6");
@@ -150,18 +151,16 @@ TEST_F(ClearingTest, ChequesFollow) {
 }
 
 TEST_F(ClearingTest, ReversesWhatWasNeverCleared) {
-  Store({.numero = "A1", .docto = "1", .pendente = "S"});
+  Put(Movimento{.lancamento = "A1", .docto = "1", .pendente = "S"});
   // Tied to a statement under what is a movement's number as well.
-  Store({.numero = "A2", .docto = "2", .lanc_con = "A1", .pendente = "N"});
-  for (const char* number : {"''", "'A1'"})
-    Run("INSERT INTO CONTABIL_001 (LANCAMENTO) VALUES (" + std::string(number) + ")");
+  Put(Movimento{.lancamento = "A2", .docto = "2", .pendente = "N", .lanc_con = "A1"});
+  for (const char* number : {"", "A1"}) Put(Partida{.lancamento = number});
   const std::string pending = Movement("A1"), settled = Movement("A2");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   Consult(desk, {{"RgBusca", "Todos"}});
   desk.Click("SpeedButton6");
   EXPECT_EQ(Movement("A1"), pending);
-  Select(desk, 1);
+  desk.Stand("DBGridApagar", 1);
   desk.Click("SpeedButton6");
   EXPECT_EQ(Movement("A2"), ReplaceAll(settled, "|N|A1", "|S|"));
   EXPECT_EQ(Process(), "ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1;ESTORNO DE COMPENSAÇÃO LANC. A2|3|A2");
@@ -169,67 +168,54 @@ TEST_F(ClearingTest, ReversesWhatWasNeverCleared) {
 }
 
 TEST_F(ClearingTest, RefusesInOrder) {
-  Store({.numero = "A1", .docto = "1", .lanc_con = "000321"});
-  Run("INSERT INTO EXTRATO_001 (LANCTO, CONTA, LANC_CON, CONCILIADO) VALUES ('E1', '10250-1', '000321', "
-      "'S')");
-  Lock("CT", kConta);
-  Lock("CX", "");
-  const std::string before = Movement("A1");
-  Desk desk(database_);
-  desk.Open("TfmCC");
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
-  desk.Set("DtBaixaComp", "31/02/2026");
-
-  constexpr const char* kClosed = "Período fechado até 20/11/2026 para a conta 10250-1.";
-  struct Step {
-    const char* button;
-    std::function<void()> right;  // puts the rule before in order
-    const char* message;
-  };
-  const Step steps[] = {
-      {"SpeedButton8", [] {}, "Data de Compensação inválida."},
-      {"SpeedButton8", [&] { desk.Set("DtBaixaComp", ""); }, "Data de Compensação inválida."},
-      {"SpeedButton8", [&] { desk.Set("DtBaixaComp", "20/11/2026"); }, "Nenhum lançamento selecionado."},
-      {"SpeedButton8",
-       [&] {
-         Consult(desk, {{"RgBusca", "Todos"}});
-       },
-       kClosed},
-      {"SpeedButton8", [&] { Unlock("CT"); }, "Lançamento já compensado."},
-      {"SpeedButton8", [&] { Run("UPDATE CONTACOR_001 SET PENDENTE = 'C'"), Consult(desk); },
-       "Lançamento já compensado."},
-      {"SpeedButton6",
-       [&] {
-         Consult(desk, {{"EdtConsLanc", "A9"}});
-       },
-       "Nenhum lançamento selecionado."},
-      {"SpeedButton6",
-       [&] {
-         Run("UPDATE CONTACOR_001 SET PENDENTE = 'N'");
-         Lock("CT", kConta);
-         Consult(desk, {{"EdtConsLanc", "A1"}});
-       },
-       "Lançamento conciliado com o extrato. Impossível continuar."},
-      {"SpeedButton6", [&] { Run("UPDATE EXTRATO_001 SET CONCILIADO = 'N' WHERE LANCTO = 'E1'"); },
-       "Período do caixa fechado até 20/11/2026."},
-      {"SpeedButton6", [&] { Unlock("CX"); }, kClosed},
-  };
-  for (const Step& step : steps) {
-    step.right();
-    desk.Click(step.button);
-    EXPECT_EQ(desk.Messages(), step.message);
-    desk.Answer("ok");
-    // Of a movement in a closed account both periods are told.
-    while (desk.End() != "idle") desk.Answer("ok");
-    if (step.message == steps[0].message) {
-      EXPECT_EQ(desk.FocusName(), "DtBaixaComp");
-    }
-    EXPECT_EQ(ReplaceAll(Movement("A1"), "|C|", "|N|"), before) << step.message;
-  }
-  EXPECT_EQ(Process(), "");
+  Put(Movimento{.lancamento = "A1", .lanc_con = "000321"});
+  Put(Extrato{.conciliado = "S", .lanc_con = "000321"});
+  const std::string lock = Insert(Bloqueio{.tipo = "CT", .conta = kConta});
+  Run(lock);
+  Put(Bloqueio{.tipo = "CX"});
+  Desk desk(database_, At{"TfmCC"});
+  desk.Page("TabSheet1");
+  const std::string date = "Data de Compensação inválida.", none = "Nenhum lançamento selecionado.",
+                    closed = "Período fechado até 20/11/2026 para a conta 10250-1.";
+  Refuses(desk, "SpeedButton8", kWritten,
+          {{{{"DtBaixaComp", "31/02/2026"}}, date, "DtBaixaComp"},
+           {{{"DtBaixaComp", ""}}, date, "DtBaixaComp"},
+           {{{"DtBaixaComp", "20/11/2026"}}, none},
+           {{},
+            closed,
+            "",
+            "",
+            [&] {
+              Consult(desk, {{"RgBusca", "Todos"}});
+            }},
+           {{}, "Lançamento já compensado.", "", "DELETE FROM BLOQUEIO WHERE TIPO = 'CT'"},
+           {{}, "Lançamento já compensado.", "", "UPDATE CONTACOR_001 SET PENDENTE = 'C'", [&] {
+              Consult(desk);
+            }}});
+  Run("UPDATE CONTACOR_001 SET PENDENTE = 'N'");
+  Refuses(desk, "SpeedButton6", kWritten,
+          {{{},
+            none,
+            "",
+            lock,
+            [&] {
+              Consult(desk, {{"EdtConsLanc", "A9"}});
+            }},
+           {{},
+            "Lançamento conciliado com o extrato. Impossível continuar.",
+            "",
+            "",
+            [&] {
+              Consult(desk, {{"EdtConsLanc", "A1"}});
+            }},
+           // Of a movement in a closed account both periods are told.
+           {{},
+            "Período do caixa fechado até 20/11/2026.",
+            "",
+            "UPDATE EXTRATO_001 SET CONCILIADO = 'N' WHERE LANCTO = 'E1'"},
+           {{}, closed, "", "DELETE FROM BLOQUEIO WHERE TIPO = 'CX'"}});
   Unlock("CT");
-  desk.Click("SpeedButton6");
-  EXPECT_EQ(desk.Messages(), "");
+  EXPECT_EQ(desk.Press("SpeedButton6"), "");
   EXPECT_EQ(Process(), "ESTORNO DE COMPENSAÇÃO LANC. A1|3|A1");
 }
 

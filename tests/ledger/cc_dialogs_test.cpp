@@ -18,50 +18,46 @@ class DialogTest : public CcTest {
         "TIPO, TIPO_DOC, PENDENTE, LANC_CON FROM CONTACOR_001 WHERE DOCTO = '" +
         docto + "' ORDER BY CONTA, OPERACAO");
   }
-  std::string AllMovements() { return Sql("SELECT COUNT(*), SUM(VALOR) FROM CONTACOR_001"); }
-
   // Opens the transfer from the ledger and fills it.
   static void Transfer(Desk& desk, const Fields& other = {}) {
     desk.Open("TfmCC");
     desk.Click("BitBtn7");
-    Fill(desk, {{"EdtConta", kConta},
-                {"EdtContaDest", kOutraConta},
-                {"EdtDocto", "TRF-12345678901"},
-                {"EdtValor", "1.234,56"},
-                {"DtLan", "18/11/2026"},
-                {"DtCont", "19/11/2026"},
-                {"EdtClasseSai", "4101"},
-                {"EdtHisSai", "006"},
-                {"EdtClasseEnt", "4102"},
-                {"EdtHisEnt", "007"}});
-    Fill(desk, other);
+    desk.Fill({{"EdtConta", kConta},
+               {"EdtContaDest", kOutraConta},
+               {"EdtDocto", "TRF-12345678901"},
+               {"EdtValor", "1.234,56"},
+               {"DtLan", "18/11/2026"},
+               {"DtCont", "19/11/2026"},
+               {"EdtClasseSai", "4101"},
+               {"EdtHisSai", "006"},
+               {"EdtClasseEnt", "4102"},
+               {"EdtHisEnt", "007"}});
+    desk.Fill(other);
   }
   // Fills the quick entry, which stands open.
   static void Quick(Desk& desk, const Fields& other = {}) {
-    Fill(desk, {{"EdtConta", kConta},
-                {"EdtDocto", "RAPIDO 1"},
-                {"EdtTipo", "2102"},
-                {"EdtHis", "019"},
-                {"EdtValor", "80,00"},
-                {"DtLancto", "18/11/2026"},
-                {"DtCont", "19/11/2026"},
-                {"EdtObs", "D'URGENCIA"}});
-    Fill(desk, other);
+    desk.Fill({{"EdtConta", kConta},
+               {"EdtDocto", "RAPIDO 1"},
+               {"EdtTipo", "2102"},
+               {"EdtHis", "019"},
+               {"EdtValor", "80,00"},
+               {"DtLancto", "18/11/2026"},
+               {"DtCont", "19/11/2026"},
+               {"EdtObs", "D'URGENCIA"}});
+    desk.Fill(other);
   }
-  static std::string Top(Desk& desk) { return desk.State()["screens"].Items().back()["class"].String(); }
 };
 
 TEST_F(DialogTest, TransferPostsBothSides) {
   Desk desk(database_);
   Transfer(desk);
-  EXPECT_EQ(desk.Text("EdtDescConta"), "MALHARIA SERRA AZUL LTDA");
-  EXPECT_EQ(desk.Text("EdtDocto"), "TRF-12345678");
-  EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 20418-7");
+  EXPECT_EQ(desk.Texts({"EdtDescConta", "EdtDocto", "EdtObs"}),
+            "MALHARIA SERRA AZUL LTDA|TRF-12345678|Trf. cc - de 10250-1 para 20418-7");
   desk.Click("BitBtn1");
   EXPECT_EQ(Posting(desk),
             "1.1.02.001|1.1.02.002|1.234,56|TRANSFERENCIA - SAIDA - Trf. cc - de 10250-1 para 20418-7");
   desk.Answer("yes");
-  EXPECT_EQ(desk.End() + desk.Messages() + Top(desk), "idleTfmCC");
+  EXPECT_EQ(desk.End() + desk.Messages() + desk.Top(), "idleTfmCC");
 
   const std::string numero = NumberOf("TRF-12345678"), obs = "Trf. cc - de 10250-1 para 20418-7";
   EXPECT_EQ(Rows("TRF-12345678"),
@@ -82,13 +78,17 @@ TEST_F(DialogTest, TransferPostsBothSides) {
   desk.Click("BitBtn7");
   EXPECT_EQ(desk.Text("EdtConta") + desk.Text("EdtDescConta") + desk.Text("EdtObs"), "");
   desk.Click("BitBtn2");
-  EXPECT_EQ(desk.End() + Top(desk), "idleTfmCC");
+  EXPECT_EQ(desk.End() + desk.Top(), "idleTfmCC");
 }
 
 TEST_F(DialogTest, TransferSituationsAndAccounts) {
   // The history has an accounting account of its own, on each side.
-  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) VALUES ('', "
-      "'0', '008', '0', '20418-7', '1.1.03.001')");
+  Put(ClasseConta{.conta = "20418-7",
+                  .classe = "0",
+                  .historico = "008",
+                  .conta_cont = "1.1.03.001",
+                  .codcli = "",
+                  .carteira = "0"});
   struct Case {
     const char *out, *in, *tick;
     const char *posting, *pending;
@@ -104,8 +104,7 @@ TEST_F(DialogTest, TransferSituationsAndAccounts) {
   for (const Case& c : cases) {
     const std::string docto = "S" + std::to_string(++k);
     Transfer(desk, {{"EdtDocto", docto}, {"EdtHisSai", c.out}, {"EdtHisEnt", c.in}});
-    if (*c.tick != 0)
-      desk.Do({{"do", "check"}, {"control", "CbPendente"}, {"value", c.tick == std::string("true")}});
+    if (*c.tick != 0) desk.Check("CbPendente", c.tick == std::string("true"));
     desk.Click("BitBtn1");
     EXPECT_EQ(Posting(desk).substr(0, 21), c.posting) << docto;
     desk.Answer("yes");
@@ -114,159 +113,119 @@ TEST_F(DialogTest, TransferSituationsAndAccounts) {
                   docto + "'"),
               c.pending)
         << docto;
-    desk.Do({{"do", "close"}});
+    desk.Close();
   }
 }
 
 TEST_F(DialogTest, TransferProposesItsText) {
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   desk.Click("BitBtn7");
   EXPECT_EQ(desk.FocusName(), "EdtConta");
-  desk.Set("EdtConta", "77");
-  desk.Focus("EdtObs");
+  desk.Leave("EdtConta", "77", "EdtObs");
   EXPECT_EQ(desk.Messages(), "A conta informada é inválida.");
   // The user is back in the field while he reads.
   EXPECT_EQ(desk.FocusName(), "EdtConta");
   desk.Answer("ok");
   EXPECT_EQ(desk.FocusName(), "EdtConta");
   // The list of the empty field gives the account, and with the other one there the text.
-  desk.Set("EdtConta", kConta);
-  desk.Set("EdtContaDest", "");
+  desk.Set({{"EdtConta", kConta}, {"EdtContaDest", ""}});
   desk.Focus("EdtDocto");
   EXPECT_EQ(desk.End(), "waiting lookup");
-  desk.Do({{"do", "choose"}, {"key", kOutraConta}});
+  desk.Choose(kOutraConta);
   EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 20418-7");
   // A text that is there stays.
-  desk.Set("EdtContaDest", "CAIXA");
-  desk.Focus("EdtDocto");
+  desk.Leave("EdtContaDest", "CAIXA", "EdtDocto");
   EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 20418-7");
   // What was ticked by hand goes with the next choice, of the same history too.
   desk.Set("EdtHisEnt", "008");
   EXPECT_TRUE(desk.Property("CbPendente", "checked").Bool());
-  desk.Do({{"do", "check"}, {"control", "CbPendente"}, {"value", false}});
+  desk.Check("CbPendente", false);
   desk.Click("pqHistEnt");
-  desk.Do({{"do", "choose"}, {"key", "008"}});
+  desk.Choose("008");
   EXPECT_TRUE(desk.Property("CbPendente", "checked").Bool());
 
   // Filled is enough, whether the account is there or not.
-  desk.Do({{"do", "close"}});
+  desk.Close();
   desk.Click("BitBtn7");
-  desk.Set("EdtConta", kConta);
-  desk.Set("EdtContaDest", "77");
+  desk.Set({{"EdtConta", kConta}, {"EdtContaDest", "77"}});
   desk.Focus("EdtDocto");
   desk.Answer("ok");
   EXPECT_EQ(desk.Text("EdtObs"), "Trf. cc - de 10250-1 para 77");
 }
 
 TEST_F(DialogTest, TransferRefusesInOrder) {
-  const std::string before = AllMovements();
-  Lock("CT", kConta);
-  Lock("CT", kOutraConta);
-  Lock("CX", "");
+  Put(Bloqueio{.tipo = "CT", .conta = kConta});
+  Put(Bloqueio{.tipo = "CT", .conta = kOutraConta});
+  Put(Bloqueio{.tipo = "CX"});
   Desk desk(database_);
   Transfer(desk, {{"DtLan", ""}, {"DtCont", ""}, {"EdtContaDest", ""}});
-  struct Step {
-    std::string right, message;
-  };
+  const std::string before = Tables(kWritten);
   // A date that is entered takes today.
-  const Step steps[] = {
-      {"", "A Data de Lançamento informada é inválida."},
-      {"", "A Data de Contabilização informada é inválida."},
-      {"", "A conta informada é inválida."},
-      {kOutraConta, "Período fechado até 20/11/2026 para a conta 10250-1."},
-      {"DELETE FROM BLOQUEIO WHERE CONTA = '10250-1'",
-       "Período fechado até 20/11/2026 para a conta 20418-7."},
-      {"DELETE FROM BLOQUEIO WHERE TIPO = 'CT'", "Período do caixa fechado até 20/11/2026."},
-      {"DELETE FROM BLOQUEIO", ""},
-  };
-  for (const Step& step : steps) {
-    if (step.right == kOutraConta) {
-      Fill(desk, {{"EdtContaDest", step.right}});
-    } else if (!step.right.empty()) {
-      Run(step.right);
-    }
-    desk.Click("BitBtn1");
-    CloseLists(desk);
-    EXPECT_EQ(desk.Messages(), step.message);
-    desk.Answer(step.message.empty() ? "no" : "ok");
-    EXPECT_EQ(desk.End() + Top(desk), "idleTFmCCTransConta");
-    EXPECT_EQ(desk.Text("EdtValor"), "1.234,56");
-    EXPECT_EQ(AllMovements(), before);
-  }
-  EXPECT_EQ(Audit("TRANSFERENCIA ENTRE CONTAS"), "");
+  Refuses(desk, "BitBtn1", kWritten,
+          {{{}, "A Data de Lançamento informada é inválida."},
+           {{}, "A Data de Contabilização informada é inválida."},
+           {{}, "A conta informada é inválida."},
+           {{{"EdtContaDest", kOutraConta}}, "Período fechado até 20/11/2026 para a conta 10250-1."},
+           {{},
+            "Período fechado até 20/11/2026 para a conta 20418-7.",
+            "",
+            "DELETE FROM BLOQUEIO WHERE CONTA = '10250-1'"},
+           {{}, "Período do caixa fechado até 20/11/2026.", "", "DELETE FROM BLOQUEIO WHERE TIPO = 'CT'"}});
+  Run("DELETE FROM BLOQUEIO");
+  desk.Press("BitBtn1", "no");
+  EXPECT_EQ(desk.End() + desk.Top() + desk.Text("EdtValor"), "idleTFmCCTransConta1.234,56");
+  EXPECT_EQ(Tables(kWritten), before);
   // An amount of zero and an account to itself pass.
-  Fill(desk, {{"EdtContaDest", kConta}, {"EdtValor", "0,00"}, {"EdtObs", ""}});
-  desk.Click("BitBtn1");
-  desk.Answer("yes");
+  desk.Fill({{"EdtContaDest", kConta}, {"EdtValor", "0,00"}, {"EdtObs", ""}});
+  desk.Press("BitBtn1", "yes");
   EXPECT_EQ(Count("CONTACOR_001", "DOCTO = 'TRF-12345678' AND VALOR = 0"), "2");
 }
 
 TEST_F(DialogTest, QuickEntryRefusesInOrder) {
-  const std::string before = AllMovements();
   Run("UPDATE SUBGRUPO_001 SET RATEIO = 'S' WHERE CODIGO = '2102'");
-  Lock("CT", kConta);
-  Lock("CX", "");
-  Desk desk(database_);
-  desk.Open("TFmCCLancFluxo");
+  Put(Bloqueio{.tipo = "CT", .conta = kConta});
+  Put(Bloqueio{.tipo = "CX"});
+  Desk desk(database_, At{"TFmCCLancFluxo"});
   desk.Set("EdtConta", kConta);
-  struct Step {
-    Fields right;
-    std::string message, focus;
-  };
-  const char* kClosed = "Período fechado até 20/11/2026 para a conta 10250-1.";
-  const Step steps[] = {
-      // A date that is entered takes today.
-      {{}, "Data de lançamento inválida.", "DtLancto"},
-      {{}, "Data de contabilização inválida.", "DtCont"},
-      {{{"DtLancto", "20/11/2026"}, {"DtCont", "21/11/2026"}}, kClosed, "BitBtn1"},
-      {{{"EdtConta", ""}}, "Valor inválido.", "EdtValor"},
-      {{{"EdtValor", "0,00"}}, "Valor inválido.", "EdtValor"},
-      {{{"EdtValor", "80,00"}}, "Conta inválida.", "EdtConta"},
-      {{{"EdtConta", kConta}, {"DtLancto", "21/11/2026"}, {"DtCont", "01/11/2026"}}, kClosed, "BitBtn1"},
-      {{{"EdtConta", kOutraConta}}, "Período do caixa fechado até 20/11/2026.", "BitBtn1"},
-      {{{"DtCont", "21/11/2026"}}, "Histórico inválido.", "EdtHis"},
-      {{{"EdtHis", "019"}}, "Classe gerencial inválida.", "EdtTipo"},
-      {{{"EdtTipo", "2102"}}, "Documento inválido.", "EdtDocto"},
-  };
-  for (const Step& step : steps) {
-    Fill(desk, step.right);
-    desk.Click("BitBtn1");
-    CloseLists(desk);
-    EXPECT_EQ(desk.Messages(), step.message);
-    desk.Answer("ok");
-    CloseLists(desk);
-    EXPECT_EQ(desk.FocusName(), step.focus) << step.message;
-    EXPECT_EQ(AllMovements(), before);
-  }
+  const std::string closed = "Período fechado até 20/11/2026 para a conta 10250-1.",
+                    before = Tables(kWritten);
+  Refuses(desk, "BitBtn1", kWritten,
+          {// A date that is entered takes today.
+           {{}, "Data de lançamento inválida.", "DtLancto"},
+           {{}, "Data de contabilização inválida.", "DtCont"},
+           {{{"DtLancto", "20/11/2026"}, {"DtCont", "21/11/2026"}}, closed, "BitBtn1"},
+           {{{"EdtConta", ""}}, "Valor inválido.", "EdtValor"},
+           {{{"EdtValor", "0,00"}}, "Valor inválido.", "EdtValor"},
+           {{{"EdtValor", "80,00"}}, "Conta inválida.", "EdtConta"},
+           {{{"EdtConta", kConta}, {"DtLancto", "21/11/2026"}, {"DtCont", "01/11/2026"}}, closed, "BitBtn1"},
+           {{{"EdtConta", kOutraConta}}, "Período do caixa fechado até 20/11/2026.", "BitBtn1"},
+           {{{"DtCont", "21/11/2026"}}, "Histórico inválido.", "EdtHis"},
+           {{{"EdtHis", "019"}}, "Classe gerencial inválida.", "EdtTipo"},
+           {{{"EdtTipo", "2102"}}, "Documento inválido.", "EdtDocto"}});
   desk.Set("EdtDocto", "RAPIDO 1");
-  const auto left = [&] {
-    return AllMovements() == before && Count("CENTRO_RATEIO_001", "PERC_RAT = 12.5") == "0" &&
-           Top(desk) == "TFmCCLancFluxo";
-  };
+  const auto left = [&] { return Tables(kWritten) == before && desk.Top() == "TFmCCLancFluxo"; };
   // The apportionment is refused, then the accounting: neither leaves anything.
   desk.Click("BitBtn1");
-  EXPECT_EQ(Top(desk), "TfmRateio");
-  desk.Do({{"do", "close"}});
+  EXPECT_EQ(desk.Top(), "TfmRateio");
+  desk.Close();
   EXPECT_EQ(desk.End() + desk.Messages(), "idle");
   EXPECT_TRUE(left());
   const auto apportion = [&] {
     desk.Click("BitBtn1");
     int row = 0;
     for (const auto& [centre, percent] : Fields{{"0100", "12,5"}, {"0200", "87,5"}}) {
-      desk.Do({{"do", "append"}, {"control", "DbgRateio"}});
-      Cell(desk, "DbgRateio", row, "Codigo", centre);
-      Cell(desk, "DbgRateio", row++, "Perc", percent);
+      desk.Append("DbgRateio");
+      desk.Cell("DbgRateio", row, "Codigo", centre);
+      desk.Cell("DbgRateio", row++, "Perc", percent);
     }
     desk.Click("BitBtn1");
   };
   apportion();
   EXPECT_EQ(Posting(desk), "0|0|80,00|");
   // Nothing is held while the user is asked.
-  EXPECT_EQ(Count("CENTRO_RATEIO_001", "PERC_RAT = 12.5"), "0");
+  EXPECT_EQ(Tables(kWritten), before);
   desk.Answer("no");
   EXPECT_TRUE(left());
-  EXPECT_EQ(Audit("CONTA CORRENTE"), "");
   // And what was answered is asked but once in a confirmation.
   apportion();
   desk.Answer("yes");
@@ -279,9 +238,8 @@ TEST_F(DialogTest, QuickEntryRefusesInOrder) {
 }
 
 TEST_F(DialogTest, QuickEntryFollowsItsCaller) {
-  Store({.numero = "Q00001", .docto = "MUDA", .conta = kOutraConta, .classe = "3104"});
-  Run("INSERT INTO CLASSE_CONTA_001 (CODCLI, CLASSE, HISTORICO, CARTEIRA, CONTA, CONTA_CONT) SELECT "
-      "'00050', '0', '0', '0', '10250-1', '2.1.01.001' FROM RDB$DATABASE");
+  Put(Movimento{.lancamento = "Q00001", .docto = "MUDA", .banco = "902", .conta = kOutraConta});
+  Put(ClasseConta{.conta_cont = "2.1.01.001", .codcli = "00050"});
   struct Case {
     const char *docto, *numero, *client, *classe, *history;
     bool apportion;
@@ -321,7 +279,7 @@ TEST_F(DialogTest, QuickEntryFollowsItsCaller) {
     EXPECT_EQ(
         Count("CENTRO_RATEIO_001", "NUMERO = '" + numero + "' AND TIPO = 'CC' AND LANCAMENTO = ''") != "0",
         c.apportion && c.classe == std::string("3103"));
-    desk.Do({{"do", "close"}});
+    desk.Close();
   }
   const auto row = [](const char* account, const char* side) {
     return std::string(account) + "|2026-11-18|2026-11-19|2026-11-19|80.0000|" + side +
@@ -329,9 +287,9 @@ TEST_F(DialogTest, QuickEntryFollowsItsCaller) {
   };
   EXPECT_EQ(Rows("SEM REGRA"), row("10250-1|901", "-"));
   // The movement on another account is undone there, and all three rows stand under one number.
-  EXPECT_EQ(Rows("MUDA"), row("10250-1|901", "-") + ";" + row("20418-7|902", "+") +
-                              ";20418-7|902|2026-11-10|2026-11-12|2026-11-10|150.0000|-|3104|019|COMO "
-                              "ESTAVA|L|DP|N|");
+  EXPECT_EQ(Rows("MUDA"),
+            row("10250-1|901", "-") + ";" + row("20418-7|902", "+") +
+                ";20418-7|902|2026-11-10|2026-11-12|2026-11-10|150.0000|-|3104|019|COMO ESTAVA|L|DP|N|");
   EXPECT_EQ(NumberOf("MUDA"), "Q00001");
   // Another document isn't that movement.
   EXPECT_EQ(Rows("OUTRO"), row("10250-1|901", "-"));
@@ -354,16 +312,14 @@ TEST_F(DialogTest, QuickEntryTellsHowItEnded) {
     Quick(desk, {{"EdtTipo", "1101"}});
     EXPECT_EQ(desk.Text("CbOper"), "Crédito");
     end();
-    return Top(desk) + " " + desk.Text("EdtTag");
+    return desk.Top() + " " + desk.Text("EdtTag");
   };
   EXPECT_EQ(ended([&] { desk.Click("BitBtn2"); }), "TfmChamador 1");
-  EXPECT_EQ(ended([&] { desk.Do({{"do", "close"}}); }), "TfmChamador 0");
+  EXPECT_EQ(ended([&] { desk.Close(); }), "TfmChamador 0");
   EXPECT_EQ(ended([&] {
-              desk.Click("BitBtn1");
-              desk.Answer("no");
-              EXPECT_EQ(Top(desk), "TFmCCLancFluxo");
-              desk.Click("BitBtn1");
-              desk.Answer("yes");
+              desk.Press("BitBtn1", "no");
+              EXPECT_EQ(desk.Top(), "TFmCCLancFluxo");
+              desk.Press("BitBtn1", "yes");
             }),
             "TfmChamador 1");
   EXPECT_EQ(Sql("SELECT OPERACAO, VALOR FROM CONTACOR_001 WHERE DOCTO = 'RAPIDO 1'"), "+|80.0000");

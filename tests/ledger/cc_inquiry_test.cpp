@@ -15,27 +15,28 @@ class InquiryTest : public CcTest {
   }
   // Movements that each differ from the others in what a filter looks at.
   void StoreOneOfEach() {
-    Store({.numero = "A1", .docto = "D1"});
-    Store({.numero = "A2",
-           .docto = "D2",
-           .conta = kOutraConta,
-           .operacao = "+",
-           .classe = "1101",
-           .dt_cont = "11/20/2026",
-           .pendente = "S",
-           .historico = "008",
-           .tipo_doc = "CH",
-           .valor = "20.25"});
-    Store({.numero = "A3",
-           .docto = "D3",
-           .operacao = "",
-           .pendente = "C",
-           .tipo_doc = "",
-           .valor = "30",
-           .observacao = "100% D'ÁGUA {X}"});
+    Put(Movimento{.lancamento = "A1", .docto = "D1"});
+    Put(Movimento{.lancamento = "A2",
+                  .docto = "D2",
+                  .conta = kOutraConta,
+                  .dt_cont = "11/20/2026",
+                  .valor = "20.25",
+                  .operacao = "+",
+                  .grupo = "1101",
+                  .historico = "008",
+                  .tipo_doc = "CH",
+                  .pendente = "S"});
+    Put(Movimento{.lancamento = "A3",
+                  .docto = "D3",
+                  .valor = "30",
+                  .operacao = "",
+                  .observacao = "100% D'ÁGUA {X}",
+                  .tipo_doc = "",
+                  .pendente = "C"});
     // Of no account, and of no class.
-    Store({.numero = "A4", .docto = "D0", .conta = "99999", .pendente = "S"});
-    Store({.numero = "A5", .docto = "D5", .classe = "9999", .dt_cont = "12/31/2050", .pendente = "S"});
+    Put(Movimento{.lancamento = "A4", .docto = "D0", .conta = "99999", .pendente = "S"});
+    Put(Movimento{
+        .lancamento = "A5", .docto = "D5", .dt_cont = "12/31/2050", .grupo = "9999", .pendente = "S"});
     Run("UPDATE CONTACOR_001 SET BANCO = '000' WHERE LANCAMENTO = 'A5'");
   }
 };
@@ -77,16 +78,16 @@ TEST_F(InquiryTest, FiltersFindTheirMovements) {
     EXPECT_EQ(Consult(desk, c.fields), c.found)
         << (c.fields.size() > 1 ? c.fields[1].first : "") << " " << desk.Messages();
     EXPECT_EQ(desk.Messages(), "");
-    desk.Do({{"do", "close"}});
+    desk.Close();
   }
 }
 
 TEST_F(InquiryTest, TotalsAreThoseOfTheRowsFound) {
   StoreOneOfEach();
   Run("UPDATE CONTACOR_001 SET VALOR = 0.1 WHERE LANCAMENTO = 'A1'");
-  for (int i = 0; i < 9; ++i) Store({.numero = "B" + std::to_string(i), .docto = "E", .valor = "0.1"});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  for (int i = 0; i < 9; ++i)
+    Put(Movimento{.lancamento = "B" + std::to_string(i), .docto = "E", .valor = "0.1"});
+  Desk desk(database_, At{"TfmCC"});
   EXPECT_EQ(Consult(desk, {{"RgBusca", "Todos"}, {"EdtConsConta", kConta}}),
             "A5 A1 A3 B0 B1 B2 B3 B4 B5 B6 B7 B8");
   // An operation that isn't a debit is a credit.
@@ -103,38 +104,30 @@ TEST_F(InquiryTest, TotalsAreThoseOfTheRowsFound) {
 
   // Amounts that no field takes are added up and told.
   for (const char* numero : {"C1", "C2"})
-    Store({.numero = numero, .docto = "ENORME", .valor = "900000000000000"});
+    Put(Movimento{.lancamento = numero, .docto = "ENORME", .valor = "900000000000000"});
   EXPECT_EQ(Consult(desk, {{"EdtDocto", "ENORME"}}), "C1 C2");
   EXPECT_TRUE(desk.Messages().starts_with("note: ")) << desk.Messages();
   EXPECT_EQ(desk.Text("EdtDebito"), "1.800.000.000.000.000,00");
 }
 
 TEST_F(InquiryTest, OptionalFiltersClearThemselves) {
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   Consult(desk);
-  desk.Set("EdtConsConta", "77");
-  desk.Focus("EdtDocto");
-  EXPECT_EQ(desk.Messages(), "Conta inexistente.");
-  desk.Answer("ok");
+  desk.Leave("EdtConsConta", "77", "EdtDocto");
+  EXPECT_EQ(desk.Told(), "Conta inexistente.");
   EXPECT_EQ(desk.Text("EdtConsConta"), "");
   EXPECT_EQ(desk.FocusName(), "EdtDocto");
-  desk.Set("EdtCodGrupo", "77");
-  desk.Set("EdtConsConta", kConta);
-  EXPECT_EQ(desk.Text("EdtConsEmp"), "MALHARIA SERRA AZUL LTDA");
-  EXPECT_EQ(desk.Text("EdtCodGrupo"), "77");
+  desk.Set({{"EdtCodGrupo", "77"}, {"EdtConsConta", kConta}});
+  EXPECT_EQ(desk.Texts({"EdtConsEmp", "EdtCodGrupo"}), "MALHARIA SERRA AZUL LTDA|77");
   EXPECT_EQ(desk.End(), "idle");
 }
 
 TEST_F(InquiryTest, DoubleClickLoadsTheRow) {
-  Store({.numero = "T1", .docto = "TR", .tipo = "TR", .operacao = "-"});
-  Store({.numero = "T1", .docto = "TR", .tipo = "TR", .conta = kOutraConta, .operacao = "+"});
-  Store({.numero = "T2", .docto = "ZZ", .lanc_con = "000321"});
-  Desk desk(database_);
-  desk.Open("TfmCC");
-  const auto load = [&](int row) {
-    desk.Do({{"do", "dblclick"}, {"control", "DBGridApagar"}, {"row", row}, {"column", "DOCTO"}});
-  };
+  Put(Movimento{.lancamento = "T1", .docto = "TR", .operacao = "-", .tipo = "TR"});
+  Put(Movimento{.lancamento = "T1", .docto = "TR", .conta = kOutraConta, .operacao = "+", .tipo = "TR"});
+  Put(Movimento{.lancamento = "T2", .docto = "ZZ", .lanc_con = "000321"});
+  Desk desk(database_, At{"TfmCC"});
+  const auto load = [&](int row) { desk.DoubleClick("DBGridApagar", row, "DOCTO"); };
   EXPECT_EQ(Consult(desk, {{"RgBusca", "Todos"}}), "T1 T2 T1");
   // The filters of the page stand: coming to it enters no date.
   EXPECT_EQ(desk.Text("dtInicio") + desk.Text("dtFim"), "01/01/198031/12/2050");
@@ -154,8 +147,7 @@ TEST_F(InquiryTest, DoubleClickLoadsTheRow) {
   Consult(desk);
   Consult(desk, {{"RgBusca", "Todos"}});
   load(0);
-  EXPECT_EQ(desk.Messages(), "Confirme ou cancele primeiro o lançamento em edição.");
-  desk.Answer("ok");
+  EXPECT_EQ(desk.Told(), "Confirme ou cancele primeiro o lançamento em edição.");
   EXPECT_EQ(desk.Text("EdtLancto") + desk.Text("EdtNumDoc"), numero + "MEU");
 }
 
@@ -178,21 +170,16 @@ std::string Balances(Screen& screen, const std::string& account) {
 }
 
 TEST_F(InquiryTest, BalancesNeverOverlap) {
-  struct Row {
-    const char *conta, *pendente, *dt_cont, *operacao, *valor, *company;
-  };
-  const Row rows[] = {
-      {kConta, "N", "11/20/2026", "+", "1000.10", "_001"}, {kConta, "C", "11/19/2026", "-", "200.05", "_001"},
-      {kConta, "S", "11/20/2026", "+", "30", "_001"},      {kConta, "S", "11/21/2026", "-", "4", "_001"},
-      {kConta, "N", "11/21/2026", "+", "0.5", "_001"},     {kConta, "", "11/20/2026", "+", "7777", "_001"},
-      {kConta, "N", "11/20/2026", "*", "8888", "_001"},    {kConta, "N", "11/20/2026", "+", "1", "_002"},
-      {kOutraConta, "N", "11/01/2026", "-", "9", "_001"},
-  };
-  for (const Row& r : rows) {
-    Run("INSERT INTO CONTACOR" + std::string(r.company) +
-        " (LANCAMENTO, DOCTO, CONTA, PENDENTE, DT_CONT, OPERACAO, VALOR) VALUES ('X', 'X', '" + r.conta +
-        "', '" + r.pendente + "', '" + r.dt_cont + "', '" + r.operacao + "', " + r.valor + ")");
-  }
+  const Date today(2026, 11, 20), after = today.AddDays(1);
+  Put(Movimento{.dt_cont = today, .valor = "1000.10", .operacao = "+"});
+  Put(Movimento{.dt_cont = "11/19/2026", .valor = "200.05", .pendente = "C"});
+  Put(Movimento{.dt_cont = today, .valor = 30, .operacao = "+", .pendente = "S"});
+  Put(Movimento{.dt_cont = after, .valor = 4, .pendente = "S"});
+  Put(Movimento{.dt_cont = after, .valor = "0.5", .operacao = "+"});
+  Put(Movimento{.dt_cont = today, .valor = 7777, .operacao = "+", .pendente = ""});
+  Put(Movimento{.dt_cont = today, .valor = 8888, .operacao = "*"});
+  Put(Movimento{.dt_cont = today, .valor = 1, .operacao = "+"}, "_002");
+  Put(Movimento{.conta = kOutraConta, .dt_cont = "11/01/2026", .valor = 9});
   Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'N' WHERE CONTA NOT IN ('10250-1', '20418-7')");
   const CallerScreens callers;
   const auto report = [&](Desk& desk) {
@@ -207,8 +194,7 @@ TEST_F(InquiryTest, BalancesNeverOverlap) {
       text = Balances(cc, kConta) + Balances(cc, kOutraConta);
     };
     desk.Open("TfmChamador");
-    desk.Click("BtChama");
-    EXPECT_EQ(desk.Messages(), "");
+    EXPECT_EQ(desk.Press("BtChama"), "");
     return text;
   };
   const std::string head = "10250-1|CONTA MOVIMENTO|MALHARIA SERRA AZUL LTDA|901|",
@@ -219,7 +205,7 @@ TEST_F(InquiryTest, BalancesNeverOverlap) {
     EXPECT_EQ(report(desk), head + "801.05|30|-3.5|001|C\n" + other);
     EXPECT_EQ(one_by_one(desk), "801.0500 30.0000 -3.5000 -9.0000 0.0000 0.0000 ");
   }
-  Run("INSERT INTO COMPARTILHADA (TABELA, EMP_PAT) VALUES ('CONTACOR', '_001')");
+  Put(Compartilhada{.tabela = "CONTACOR", .emp_pat = "_001"});
   Desk desk(database_);
   EXPECT_EQ(report(desk), head + "800.05|30|-3.5|001|C\n" + other);
   EXPECT_EQ(one_by_one(desk), "800.0500 30.0000 -3.5000 -9.0000 0.0000 0.0000 ");

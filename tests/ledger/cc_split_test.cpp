@@ -6,8 +6,7 @@ namespace {
 
 TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
   Fin({30, 50});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
 
   // Neighbouring rules of one account make one entry with several centres.
   const std::string numero = New(desk, {{"EdtTipo", "3103"}, {"EdtHis", "012"}});
@@ -16,7 +15,7 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
             "1.1.02.001|CONTA MOVIMENTO|4.1.03.002|AGUA E TELEFONE|35|4.1.03.002\n");
   EXPECT_EQ(desk.Rows("TbCCusto"),
             "1|4.1.03.001|0200|TECELAGEM|60|39.0000\n1|4.1.03.001|0300|CONFECCAO|40|26.0000\n");
-  desk.Do({{"do", "row"}, {"control", "DbgContabilidade"}, {"row", 1}});
+  desk.Stand("DbgContabilidade", 1);
   EXPECT_EQ(desk.Rows("TbCCusto"), "2|4.1.03.002|0100|ADMINISTRACAO|100|35.0000\n");
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Entries(numero), "1.1.02.001|4.1.03.001|65.0000;1.1.02.001|4.1.03.002|35.0000");
@@ -24,8 +23,7 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
             "1|4.1.03.001|NF 77|0200|CC|60|39.0000;1|4.1.03.001|NF 77|0300|CC|40|26.0000;"
             "2|4.1.03.002|NF 77|0100|CC|100|35.0000");
   EXPECT_EQ(Sql("SELECT DOCTO, DOCTO2, OPERACAO, ORIGEM, CLASSE, HISTORICO, DATA, OBSERVACAO FROM "
-                "CONTABIL_001 WHERE "
-                "LANCAMENTO = '" +
+                "CONTABIL_001 WHERE LANCAMENTO = '" +
                 numero + "' AND VALOR = 65"),
             "NF 77|NF 77|-|CC|3103|012|2026-11-20|PAPEL E TINTA");
 
@@ -36,19 +34,18 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
     const std::string split = Entries(kept) + Shares(kept);
     Load(desk, kept);
     desk.Click("BitBtn2");
-    Fill(desk, {{"EdtDtVencto", "30/11/2026"}, {"EdtObs", "OUTRA"}});
+    desk.Fill({{"EdtDtVencto", "30/11/2026"}, {"EdtObs", "OUTRA"}});
     EXPECT_EQ(Confirm(desk), "");
     EXPECT_EQ(Entries(kept) + Shares(kept), split);
     EXPECT_EQ(Count("CONTABIL_001", "OBSERVACAO = 'OUTRA' AND LANCAMENTO = '" + kept + "'"), "2");
   }
 
   // Only neighbours are compared, and the class's own bank account takes over from that of any class.
-  Rule("2101", "4.1.04.001", "50", "0100", "100");
-  Rule("2101", "4.1.01.001", "30", "0100", "100");
-  Rule("2101", "4.1.04.001", "20", "0200", "100");
-  Run("INSERT INTO CLASSE_CONTA_001 (CONTA, CLASSE, CARTEIRA, HISTORICO, CONTA_CONT) VALUES ('10250-1', "
-      "'2101', '0', "
-      "'0', '2.1.01.001')");
+  Put(RegraRateio{.codigo = "2101", .perc_conta = 50});
+  Put(RegraRateio{.codigo = "2101", .conta = "4.1.01.001", .perc_conta = 30});
+  Put(RegraRateio{.codigo = "2101", .perc_conta = 20, .ccusto = "0200"});
+  Put(ClasseConta{
+      .conta = "10250-1", .classe = "2101", .historico = "0", .conta_cont = "2.1.01.001", .carteira = "0"});
   New(desk, {{"EdtTipo", "2101"}});
   EXPECT_EQ(desk.Rows("TbContabil"),
             "2.1.01.001|FORNECEDORES|4.1.04.001|DESPESAS GERAIS|50|4.1.04.001\n"
@@ -61,23 +58,22 @@ TEST_F(CcTest, ProposesByTheRulesOfTheClass) {
 
 TEST_F(CcTest, CreditWithoutRulesIsCompletedByHand) {
   Fin({30, 50});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   const std::string numero = New(desk, {{"EdtTipo", "1101"}, {"EdtHis", "002"}});
   EXPECT_EQ(Confirm(desk), "Conta Contábil Inválida.");
   desk.Answer("ok");
   EXPECT_EQ(desk.Rows("TbContabil"), "||1.1.02.001|CONTA MOVIMENTO|100|-\n");
 
   // F4 chooses, Tab describes; an added row proposes what is missing.
-  Cell(desk, "DbgContabilidade", 0, "Valor", "60,00");
-  Key(desk, "DbgContabilidade", 0, "Credita", "F4");
+  desk.Cell("DbgContabilidade", 0, "Valor", "60,00");
+  desk.Key("DbgContabilidade", 0, "Credita", "F4");
   EXPECT_EQ(desk.End(), "waiting lookup");
-  desk.Do({{"do", "choose"}, {"key", "3.1.01.001"}});
-  Key(desk, "DbgContabilidade", 0, "Credita", "Tab");
-  desk.Do({{"do", "append"}, {"control", "DbgContabilidade"}});
-  Cell(desk, "DbgContabilidade", 1, "Credita", "1.1.03.001");
-  Cell(desk, "DbgContabilidade", 1, "Debita", "1.1.02.001");
-  Key(desk, "DbgContabilidade", 1, "Debita", "Tab");
+  desk.Choose("3.1.01.001");
+  desk.Key("DbgContabilidade", 0, "Credita", "Tab");
+  desk.Append("DbgContabilidade");
+  desk.Cell("DbgContabilidade", 1, "Credita", "1.1.03.001");
+  desk.Cell("DbgContabilidade", 1, "Debita", "1.1.02.001");
+  desk.Key("DbgContabilidade", 1, "Debita", "Tab");
   EXPECT_EQ(desk.Rows("TbContabil"),
             "3.1.01.001|VENDAS|1.1.02.001|CONTA MOVIMENTO|60|3.1.01.001\n"
             "1.1.03.001|-|1.1.02.001|CONTA MOVIMENTO|40|-\n");
@@ -89,9 +85,9 @@ TEST_F(CcTest, CreditWithoutRulesIsCompletedByHand) {
 
 TEST_F(CcTest, CentresAddUpToTheEntry) {
   Fin({30, 50});
-  for (const char* centre : {"0100", "0200", "0300"}) Rule("2103", "4.1.04.001", "100", centre, "33.33");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  for (const char* centre : {"0100", "0200", "0300"})
+    Put(RegraRateio{.codigo = "2103", .ccusto = centre, .perc_ccusto = "33.33"});
+  Desk desk(database_, At{"TfmCC"});
   const std::string numero = New(desk, {{"EdtTipo", "2103"}});
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Shares(numero),
@@ -108,44 +104,38 @@ TEST_F(CcTest, CentresAddUpToTheEntry) {
 
 TEST_F(CcTest, SplitRefusesInOrder) {
   Fin({30, 50, 80});
-  Rule("2102", "4.1.04.001", "100", "0100", "100");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Put(RegraRateio{.codigo = "2102"});
+  Desk desk(database_, At{"TfmCC"});
   const std::string numero = New(desk, {{"EdtTipo", "2102"}});
 
-  struct Step {
-    std::string grid, column, value, message;
+  const auto cell = [&](const char* grid, const char* column, const char* value) {
+    return [&desk, grid, column, value] { desk.Cell(grid, 0, column, value); };
   };
-  const Step steps[] = {
-      {"DbgRateioCC", "Codigo", "9999", "Centro de Custo Inválido."},
-      {"DbgRateioCC", "Codigo", "0200", ""},
-      {"DbgContabilidade", "Credita", "7.7", "Conta Contábil Inválida."},
-      {"DbgContabilidade", "Credita", "1.1.02.001", ""},
-      {"DbgRateioCC", "Perc", "99,98", "Diferença no percentual de Rateio de Centro de Custo de 0.02%"},
-      {"DbgRateioCC", "Perc", "100,02", "Diferença no percentual de Rateio de Centro de Custo de -0.02%"},
-      {"DbgRateioCC", "Perc", "99,99", ""},
-      {"DbgRateioCC", "Valor", "99,94", "Percentual Por Centro de Custo Incorreto."},
-      {"DbgRateioCC", "Valor", "100,06", "Percentual Por Centro de Custo Incorreto."},
-  };
-  for (const Step& step : steps) {
-    Cell(desk, step.grid, 0, step.column, step.value);
-    if (step.message.empty()) continue;
-    EXPECT_EQ(Confirm(desk), step.message);
-    desk.Answer("ok");
-    EXPECT_EQ(desk.End(), "idle");
-    EXPECT_EQ(Movement(numero) + Entries(numero), "");
-    // The apportionment by class, made before the split is checked, doesn't outlive the refusal.
-    EXPECT_EQ(Count("CENTRO_RATEIO_001", "NUMERO = '" + numero + "'"), "0") << step.message;
-  }
+  const std::string shares = "Diferença no percentual de Rateio de Centro de Custo de ",
+                    amounts = "Percentual Por Centro de Custo Incorreto.";
+  // The apportionment by class, made before the split is checked, doesn't outlive the refusal.
+  Refuses(desk, "SpeedButton2", kWritten,
+          {{{}, "Centro de Custo Inválido.", "", "", cell("DbgRateioCC", "Codigo", "9999")}});
+  desk.Cell("DbgRateioCC", 0, "Codigo", "0200");
+  Refuses(desk, "SpeedButton2", kWritten,
+          {{{}, "Conta Contábil Inválida.", "", "", cell("DbgContabilidade", "Credita", "7.7")}});
+  desk.Cell("DbgContabilidade", 0, "Credita", "1.1.02.001");
+  Refuses(desk, "SpeedButton2", kWritten,
+          {{{}, shares + "0.02%", "", "", cell("DbgRateioCC", "Perc", "99,98")},
+           {{}, shares + "-0.02%", "", "", cell("DbgRateioCC", "Perc", "100,02")}});
+  desk.Cell("DbgRateioCC", 0, "Perc", "99,99");
+  Refuses(desk, "SpeedButton2", kWritten,
+          {{{}, amounts, "", "", cell("DbgRateioCC", "Valor", "99,94")},
+           {{}, amounts, "", "", cell("DbgRateioCC", "Valor", "100,06")}});
   // The total comes last; a new movement then gets a fresh proposal.
-  Cell(desk, "DbgRateioCC", 0, "Valor", "99,00");
-  Cell(desk, "DbgContabilidade", 0, "Valor", "99,00");
+  desk.Cell("DbgRateioCC", 0, "Valor", "99,00");
+  desk.Cell("DbgContabilidade", 0, "Valor", "99,00");
   EXPECT_EQ(Confirm(desk), "Diferença nos Lançamentos -1.00.");
   desk.Answer("ok");
   EXPECT_EQ(desk.Rows("TbCCusto"), "1|4.1.04.001|0100|ADMINISTRACAO|100|100.0000\n");
 
   // Five cents are within the tolerance, and the row takes them.
-  Cell(desk, "DbgRateioCC", 0, "Valor", "99,95");
+  desk.Cell("DbgRateioCC", 0, "Valor", "99,95");
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Shares(numero), "1|4.1.04.001|NF 77|0100|CC|100|100.0000");
   EXPECT_EQ(Count("CENTRO_RATEIO_001", "NUMERO = '" + numero + "' AND LANCAMENTO = ''"), "1");
@@ -153,24 +143,23 @@ TEST_F(CcTest, SplitRefusesInOrder) {
 
 TEST_F(CcTest, DebitAsksForCentres) {
   Fin({30, 50});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   New(desk, {{"EdtTipo", "2102"}});
-  Cell(desk, "DbgContabilidade", 0, "Debita", "4.1.04.001");
+  desk.Cell("DbgContabilidade", 0, "Debita", "4.1.04.001");
   EXPECT_EQ(Confirm(desk), "Diferença no percentual de Rateio de Centro de Custo de 100.00%");
   desk.Answer("ok");
 
   // Rows added by hand hang on the entry in focus; share and money follow each other by Tab.
-  desk.Do({{"do", "append"}, {"control", "DbgRateioCC"}});
-  Key(desk, "DbgRateioCC", 0, "Codigo", "F4");
-  desk.Do({{"do", "choose"}, {"key", "0300"}});
-  Cell(desk, "DbgRateioCC", 0, "Perc", "33,3");
-  Key(desk, "DbgRateioCC", 0, "Perc", "Tab");
-  desk.Do({{"do", "append"}, {"control", "DbgRateioCC"}});
-  Cell(desk, "DbgRateioCC", 1, "Codigo", "0400");
-  Key(desk, "DbgRateioCC", 1, "Codigo", "Tab");
-  Cell(desk, "DbgRateioCC", 1, "Valor", "66,70");
-  Key(desk, "DbgRateioCC", 1, "Valor", "Tab");
+  desk.Append("DbgRateioCC");
+  desk.Key("DbgRateioCC", 0, "Codigo", "F4");
+  desk.Choose("0300");
+  desk.Cell("DbgRateioCC", 0, "Perc", "33,3");
+  desk.Key("DbgRateioCC", 0, "Perc", "Tab");
+  desk.Append("DbgRateioCC");
+  desk.Cell("DbgRateioCC", 1, "Codigo", "0400");
+  desk.Key("DbgRateioCC", 1, "Codigo", "Tab");
+  desk.Cell("DbgRateioCC", 1, "Valor", "66,70");
+  desk.Key("DbgRateioCC", 1, "Valor", "Tab");
   EXPECT_EQ(desk.Rows("TbCCusto"),
             "1|4.1.04.001|0300|CONFECCAO|33.3|33.3000\n1|4.1.04.001|0400|LOJA|66.7|66.7000\n");
   EXPECT_EQ(Confirm(desk), "");
@@ -178,22 +167,20 @@ TEST_F(CcTest, DebitAsksForCentres) {
 
 TEST_F(CcTest, EntryTakesItsCentresAway) {
   Fin({30, 50});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Desk desk(database_, At{"TfmCC"});
   const std::string numero = New(desk, {{"EdtTipo", "3103"}});
-  desk.Do({{"do", "delete"}, {"control", "DbgContabilidade"}, {"row", 0}});
+  desk.Delete("DbgContabilidade", 0);
   EXPECT_EQ(desk.Rows("TbCCusto"), "1|4.1.03.002|0100|ADMINISTRACAO|100|35.0000\n");
-  Cell(desk, "DbgContabilidade", 0, "Valor", "100,00");
-  Cell(desk, "DbgRateioCC", 0, "Valor", "100,00");
+  desk.Cell("DbgContabilidade", 0, "Valor", "100,00");
+  desk.Cell("DbgRateioCC", 0, "Valor", "100,00");
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Shares(numero), "1|4.1.03.002|NF 77|0100|CC|100|100.0000");
 }
 
 TEST_F(CcTest, StoredSplitChangesOnlyByHand) {
   Fin({30, 50});
-  Rule("2102", "4.1.04.001", "100", "0100", "100");
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Put(RegraRateio{.codigo = "2102"});
+  Desk desk(database_, At{"TfmCC"});
   const std::string numero = New(desk, {{"EdtTipo", "2102"}, {"EdtNumDoc", "DOCUMENTO-LONGO"}});
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Shares(numero), "1|4.1.04.001|DOCUMENTO-LO|0100|CC|100|100.0000");
@@ -204,9 +191,9 @@ TEST_F(CcTest, StoredSplitChangesOnlyByHand) {
   EXPECT_EQ(desk.Rows("TbCCusto"), "1|4.1.04.001|0100|ADMINISTRACAO|100|100.0000\n");
   // In view mode the grids are for reading.
   EXPECT_TRUE(desk.Property("DbgContabilidade", "readOnly").Bool());
-  Cell(desk, "DbgContabilidade", 0, "Valor", "1,00");
+  desk.Cell("DbgContabilidade", 0, "Valor", "1,00");
   EXPECT_NE(desk.Messages(), "");
-  Key(desk, "DbgContabilidade", 0, "Credita", "F4");
+  desk.Key("DbgContabilidade", 0, "Credita", "F4");
   EXPECT_EQ(desk.End(), "idle");
 
   desk.Click("BitBtn2");
@@ -215,8 +202,8 @@ TEST_F(CcTest, StoredSplitChangesOnlyByHand) {
   desk.Answer("ok");
   EXPECT_EQ(desk.Rows("TbContabil"),
             "1.1.02.001|CONTA MOVIMENTO|4.1.04.001|DESPESAS GERAIS|100|4.1.04.001\n");
-  Cell(desk, "DbgContabilidade", 0, "Valor", "120,00");
-  Cell(desk, "DbgRateioCC", 0, "Valor", "120,00");
+  desk.Cell("DbgContabilidade", 0, "Valor", "120,00");
+  desk.Cell("DbgRateioCC", 0, "Valor", "120,00");
   EXPECT_EQ(Confirm(desk), "");
   EXPECT_EQ(Entries(numero), "1.1.02.001|4.1.04.001|120.0000");
   EXPECT_EQ(Shares(numero), "1|4.1.04.001|DOCUMENTO-LO|0100|CC|100|120.0000");
@@ -224,9 +211,8 @@ TEST_F(CcTest, StoredSplitChangesOnlyByHand) {
 
 TEST_F(CcTest, ApportionsByClass) {
   Fin({80});
-  Store({"T00020", "2020", "TR"});
-  Desk desk(database_);
-  desk.Open("TfmCC");
+  Put(Movimento{.lancamento = "T00020", .docto = "2020", .tipo = "TR"});
+  Desk desk(database_, At{"TfmCC"});
   const auto stored = [&](const std::string& numero) {
     return Sql("SELECT CENTROCUSTO, VALOR_RAT FROM CENTRO_RATEIO_001 WHERE NUMERO = '" + numero +
                "' ORDER BY 1");
@@ -245,10 +231,10 @@ TEST_F(CcTest, ApportionsByClass) {
   EXPECT_EQ(stored("T00020"), "");
 
   // Rules that leave a rest ask the user, whose refusal ends the confirmation.
-  Rule("2102", "4.1.04.001", "100", "0100", "60");
+  Put(RegraRateio{.codigo = "2102", .perc_ccusto = 60});
   const std::string refused = New(desk, {{"EdtTipo", "2102"}});
   desk.Click("SpeedButton2");
-  desk.Do({{"do", "close"}});
+  desk.Close();
   EXPECT_EQ(Movement(refused), "");
   EXPECT_EQ(desk.Text("EdtLancto"), refused);
 }

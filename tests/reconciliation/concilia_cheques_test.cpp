@@ -12,13 +12,16 @@ class ReturnTest : public ConciliaTest {
 
   // A pending movement that a title held as a cheque brought about.
   void Title(const std::string& lancto, const std::string& cheque, const std::string& banco = "341") {
-    Store(Mov{.numero = lancto, .operacao = "+"});
-    Run("INSERT INTO RECEBER_001 (NUMERO, BANCO_CH, AGENCIA_CH, CONTA_CH, NUMERO_CH) VALUES ('T" + lancto +
-        "', '" + banco + "', '0012', '12345-6', '" + cheque + "')");
+    Put(Movimento{.lancamento = lancto, .operacao = "+"});
+    Put(Receber{.numero = "T" + lancto,
+                .numero_ch = cheque,
+                .conta_ch = "12345-6",
+                .agencia_ch = "0012",
+                .banco_ch = banco});
     Settle(lancto, lancto);
   }
   void Settle(const std::string& title, const std::string& lancto) {
-    Run("INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO) VALUES ('T" + title + "', '" + lancto + "')");
+    Put(Receberb{.numero = "T" + title, .lancamento = lancto});
   }
   // A line in the columns that POSICAO gives to bank 901.
   static std::string Cleared(const std::string& cheque, const std::string& data,
@@ -29,20 +32,18 @@ class ReturnTest : public ConciliaTest {
 
   // Loads a file; what the desk said.
   std::string Load(Desk& desk, const std::string& bytes) {
-    desk.Set("EdtCam", Written("cheques.ret", bytes));
-    desk.Set("EdtArq", "");
-    desk.Click("BitBtn6");
-    const std::string said = desk.Messages();
+    desk.Set({{"EdtCam", Written("cheques.ret", bytes)}, {"EdtArq", ""}});
+    const std::string said = desk.Press("BitBtn6");
     while (desk.End() == "waiting answer") desk.Answer("ok");
     return said;
   }
   // What is ticked, with its day.
   static std::string Matched(Desk& desk) {
-    return Column(desk, "TbArquivo", 2) + " / " + Column(desk, "TbArquivo", 1);
+    return desk.Column("TbArquivo", "Lancto") + " / " + desk.Column("TbArquivo", "Dt_Comp");
   }
   static void Begin(Desk& desk) {
     desk.Open("TFmConcilia");
-    Page(desk, "TabSheet2");
+    desk.Page("TabSheet2");
     desk.Set("EdtContaArq", kConta);
   }
 };
@@ -59,7 +60,7 @@ TEST_F(ReturnTest, MarksWhatTheFileNames) {
   Run("DELETE FROM RECEBERB_001 WHERE NUMERO = 'TA4'");
   Settle("A4", "ZZ");
   Settle("A4", "A4");
-  Store(Mov{.numero = "B1", .operacao = "+"});
+  Put(Movimento{.lancamento = "B1", .operacao = "+"});
   Desk desk(database_);
   Begin(desk);
   EXPECT_NE(desk.Text("EdtDescContaArq"), "");
@@ -78,8 +79,7 @@ TEST_F(ReturnTest, MarksWhatTheFileNames) {
   EXPECT_EQ(Load(desk, ""), kLoaded);
   EXPECT_EQ(Matched(desk), " / ");
   // Out of the period nothing is pending.
-  desk.Set("DtIniArq", "10/11/2026");
-  desk.Set("DtFimArq", "11/11/2026");
+  desk.Set({{"DtIniArq", "10/11/2026"}, {"DtFimArq", "11/11/2026"}});
   EXPECT_EQ(Load(desk, file), kLoaded);
   EXPECT_EQ(Matched(desk), " / ");
 }
@@ -88,33 +88,25 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
   Title("A1", "000101");
   Title("A2", "000102");
   Title("A3", "000103");
-  Cheque("A1", "101");
+  Put(Cheque{.chave = "A1", .numero = "101"});
   // The number stands on two accounts.
-  Store(Mov{.numero = "A1", .conta = kOutra});
+  Put(Movimento{.lancamento = "A1", .conta = kOutraConta});
   Desk desk(database_);
   Begin(desk);
   const std::string file =
       File(Cleared("000101", "20261118") + Cleared("000102", "20261118") + Cleared("000103", "20261118"));
   Load(desk, file);
-  Cell(desk, "OrvDBGrid3", 1, "Compensar", false);
-  desk.Do({{"do", "cell"}, {"control", "OrvDBGrid3"}, {"row", 0}, {"column", "Dt_Comp"}, {"value", ""}});
+  desk.Cell("OrvDBGrid3", 1, "Compensar", "false");
+  desk.Cell("OrvDBGrid3", 0, "Dt_Comp", "");
   const std::string before = All();
   // What another account's closed period holds is left, and told on the page.
-  Run("INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', 'CT', '20418-7', '11/10/2026')");
-  desk.Click("BitBtn10");
-  EXPECT_EQ(desk.Messages(), "Informe a data de compensação do lançamento A1.");
-  desk.Answer("ok");
+  Put(Bloqueio{.tipo = "CT", .conta = kOutraConta, .ate = "11/10/2026", .emp_pat = "_001"});
+  EXPECT_EQ(desk.Told("BitBtn10"), "Informe a data de compensação do lançamento A1.");
   EXPECT_EQ(All(), before);
-  desk.Do({{"do", "cell"},
-           {"control", "OrvDBGrid3"},
-           {"row", 0},
-           {"column", "Dt_Comp"},
-           {"value", "19/11/2026"}});
+  desk.Cell("OrvDBGrid3", 0, "Dt_Comp", "19/11/2026");
   const auto confirmed = [&] {
-    desk.Click("BitBtn10");
-    EXPECT_EQ(desk.Messages(), "Conciliação concluída com sucesso!");
-    desk.Answer("ok");
-    return desk.Property("LbRetorno", "caption").String();
+    EXPECT_EQ(desk.Told("BitBtn10"), "Conciliação concluída com sucesso!");
+    return desk.Caption("LbRetorno");
   };
   EXPECT_EQ(confirmed(), "Não compensados, pois mudariam um período fechado: A1.");
   EXPECT_EQ(Movements(), "A1|S||2026-11-10;A1|S||2026-11-10;A2|S||2026-11-10;A3|N||2026-11-18");
@@ -123,16 +115,12 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
   const std::string left = "A1|N||2026-11-19;A1|N||2026-11-19;A2|S||2026-11-10;A3|N||2026-11-18/";
   EXPECT_EQ(All(), left + "/A1|P|-//");
   // Once more changes nothing, closed or not.
-  Run("INSERT INTO BLOQUEIO (EMP_PAT, TIPO, CONTA, ATE) VALUES ('_001', 'CX', '', '11/30/2026')");
+  Put(Bloqueio{.tipo = "CX", .conta = "", .ate = "11/30/2026", .emp_pat = "_001"});
   EXPECT_EQ(confirmed(), "");
   Run("DELETE FROM BLOQUEIO");
   EXPECT_EQ(All(), left + "/A1|P|-//");
   // A day that was wrong is put right.
-  desk.Do({{"do", "cell"},
-           {"control", "OrvDBGrid3"},
-           {"row", 0},
-           {"column", "Dt_Comp"},
-           {"value", "20/11/2026"}});
+  desk.Cell("OrvDBGrid3", 0, "Dt_Comp", "20/11/2026");
   EXPECT_EQ(confirmed(), "");
   EXPECT_TRUE(All().starts_with("A1|N||2026-11-20;A1|N||2026-11-20;A2|S|")) << All();
 
@@ -142,10 +130,9 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
   Run("UPDATE CONTACOR_001 SET PENDENTE = 'N', LANC_CON = '000007' WHERE LANCAMENTO = 'A3'");
   const std::string theirs = All();
   desk.Click("BitBtn10");
-  EXPECT_EQ(
-      desk.Messages(),
-      "error: Outro usuário alterou ou conciliou o lançamento A3 depois da carga. Nada foi gravado, e as "
-      "marcações continuam na tela.");
+  EXPECT_EQ(desk.Messages(),
+            "error: Outro usuário alterou ou conciliou o lançamento A3 depois da carga. Nada foi gravado, e "
+            "as marcações continuam na tela.");
   EXPECT_EQ(All(), theirs);
   EXPECT_TRUE(Matched(desk).starts_with("A1 A2 A3 /"));
 }
@@ -153,9 +140,8 @@ TEST_F(ReturnTest, ConfirmsWhatIsTicked) {
 TEST_F(ReturnTest, HostileFiles) {
   Title("A1", "000101");
   Title("A2", "000102");
-  Desk desk(database_);
-  desk.Open("TFmConcilia");
-  Page(desk, "TabSheet2");
+  Desk desk(database_, At{"TFmConcilia"});
+  desk.Page("TabSheet2");
   // What isn't the user's own is as what isn't there.
   Written("outro.ret", File(""));
   for (const auto& [folder, file] : {std::pair<std::string, const char*>{"/no/such/", "file"},
@@ -163,10 +149,8 @@ TEST_F(ReturnTest, HostileFiles) {
                                      {folder_.Path().string(), ""},
                                      {".", ""},
                                      {"/etc/", "passwd"}}) {
-    desk.Set("EdtCam", folder);
-    desk.Set("EdtArq", file);
-    desk.Click("BitBtn6");
-    EXPECT_EQ(desk.Messages(), "Arquivo não encontrado.") << folder << file;
+    desk.Set({{"EdtCam", folder}, {"EdtArq", file}});
+    EXPECT_EQ(desk.Press("BitBtn6"), "Arquivo não encontrado.") << folder << file;
     desk.Answer("ok");
   }
   EXPECT_EQ(Load(desk, ""), "Conta não encontrada.");
@@ -207,9 +191,7 @@ TEST_F(ReturnTest, HostileFiles) {
   }
   // A file too large isn't read at all.
   std::filesystem::resize_file(folder_.Path() / "cheques.ret", std::uintmax_t{65} << 20);
-  desk.Click("BitBtn6");
-  EXPECT_EQ(desk.Messages(), "O arquivo é grande demais: o limite é de 64 MB.");
-  desk.Answer("ok");
+  EXPECT_EQ(desk.Told("BitBtn6"), "O arquivo é grande demais: o limite é de 64 MB.");
   EXPECT_EQ(Movements(), "A1|S||2026-11-10;A2|S||2026-11-10");
 }
 

@@ -12,15 +12,12 @@
 namespace orv::test {
 
 // Accounts of the first demo company: of a bank with fixed columns, with separated fields, with OFX.
-constexpr const char* kColunas = "10250-1";
-constexpr const char* kSeparado = "20418-7";
+constexpr const char* kColunas = kConta;
+constexpr const char* kSeparado = kOutraConta;
 constexpr const char* kOfx = "33021-5";
 
 class ExtratoTest : public DeskTest {
  protected:
-  static void Page(Desk& desk, std::string_view page) {
-    desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", page}});
-  }
   // A copy of a made file under another name, in the user's own folder; the path by which he names it.
   std::string File(const std::string& made, const std::string& name = "") {
     const std::string path = name.empty() ? made : name;
@@ -28,20 +25,15 @@ class ExtratoTest : public DeskTest {
                                std::filesystem::copy_options::overwrite_existing);
     return path;
   }
-  std::string Written(const std::string& name, const std::string& bytes) {
-    std::ofstream(folder_.Path() / name, std::ios::binary) << bytes;
-    return name;
-  }
   // An open screen on its page of files.
   static void Import(Desk& desk) {
     desk.Open("TFmCadExtrato");
-    Page(desk, "TabSheet3");
+    desk.Page("TabSheet3");
   }
   // Loads a file for an account; what the desk said, the bank question answered by `answer`.
   static std::string Load(Desk& desk, const std::string& path, const std::string& conta,
                           std::string_view answer = "no") {
-    desk.Set("EdtCam", path);
-    desk.Set("EdtIConta", conta);
+    desk.Set({{"EdtCam", path}, {"EdtIConta", conta}});
     desk.Click("BitBtn6");
     std::string said = desk.Messages();
     while (desk.End() == "waiting answer") {
@@ -52,25 +44,21 @@ class ExtratoTest : public DeskTest {
   }
   // Confirms what was loaded; what the desk said.
   static std::string Confirm(Desk& desk) {
-    desk.Click("BitBtn4");
-    const std::string said = desk.Messages();
+    const std::string said = desk.Press("BitBtn4");
     if (desk.End() == "waiting answer") desk.Answer("ok");
     return said;
   }
   // The line that tells of the load.
-  static std::string Told(Desk& desk) { return desk.Property("LbCarga", "caption").String(); }
-  static std::string Stopped(Desk& desk) { return desk.Property("LbParada", "caption").String(); }
+  static std::string Told(Desk& desk) { return desk.Caption("LbCarga"); }
+  static std::string Stopped(Desk& desk) { return desk.Caption("LbParada"); }
   // The rows that came with a file.
   std::string Stored(const std::string& arquivo) {
     return Sql(
-        "SELECT BANCO, CONTA, DOCTO, DT_CONT, VALOR, OPERACAO, OBSERVACAO, CONCILIADO, DT_ARQ, LANC_CON "
-        "FROM EXTRATO_001 WHERE ARQUIVO = '" +
+        "SELECT BANCO, CONTA, DOCTO, DT_CONT, VALOR, OPERACAO, OBSERVACAO, CONCILIADO, DT_ARQ, LANC_CON FROM "
+        "EXTRATO_001 WHERE ARQUIVO = '" +
         arquivo + "' ORDER BY LANCTO");
   }
-  std::string Lines() { return Sql("SELECT COUNT(*) FROM EXTRATO_001"); }
-  std::string Audit() {
-    return Sql("SELECT TEXTO, OPERACAO, CHAVE FROM AUDITORIA WHERE AREA = 'CADEXTRATO' ORDER BY ID");
-  }
+  std::string Lines() { return Count("EXTRATO_001"); }
 };
 
 }  // namespace orv::test

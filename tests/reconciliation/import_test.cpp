@@ -14,8 +14,14 @@ constexpr const char* kOtherBank = "Banco do Arquivo diferente do Selecionado. C
 
 TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   Run("DELETE FROM EXTRATO_001 WHERE CONTA = '33021-5'");
-  Run("INSERT INTO EXTRATO_001 (LANCTO, BANCO, CONTA, DOCTO, DT_CONT, VALOR, OPERACAO, CONCILIADO) VALUES "
-      "('T00001', '903', '33021-5', '000123', '11/18/2026', 10.50, 'D', 'N')");
+  Put(Extrato{.lancto = "T00001",
+              .banco = "903",
+              .conta = "33021-5",
+              .docto = "000123",
+              .dt_cont = "11/18/2026",
+              .valor = "10.50",
+              .operacao = "D",
+              .conciliado = "N"});
   Desk desk(database_);
   Import(desk);
   EXPECT_EQ(desk.Text("DtArq"), "20/11/2026");
@@ -24,8 +30,7 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   desk.Click("BitBtn3");
   EXPECT_EQ(desk.End(), "waiting file");
   desk.Do({{"do", "file"}, {"name", "novo.ofx"}, {"content", "PE9GWD4="}});
-  EXPECT_EQ(desk.Text("EdtArq"), "novo.ofx");
-  EXPECT_EQ(desk.Text("EdtCam"), "");
+  EXPECT_EQ(desk.Texts({"EdtArq", "EdtCam"}), "novo.ofx|");
   // It goes once its lines are stored, and its name still counts.
   const auto given = [&] {
     return std::distance(std::filesystem::directory_iterator(folder_.Path() / "sessoes/ana"), {});
@@ -43,28 +48,25 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   EXPECT_EQ(Load(desk, "", kOfx), "Arquivo não encontrado.");
 
   EXPECT_EQ(Load(desk, File("open_tags.ofx", "NOVEMBRO.OFX"), kOfx), kLoaded);
-  EXPECT_EQ(desk.Text("EdtArq"), "NOVEMBRO.OFX");
-  EXPECT_EQ(desk.Text("EdtCam"), "");
-  EXPECT_EQ(desk.Text("DtArq"), "19/11/2026");
+  EXPECT_EQ(desk.Texts({"EdtArq", "EdtCam", "DtArq"}), "NOVEMBRO.OFX||19/11/2026");
   EXPECT_EQ(desk.Rows("TbImporta"),
             "33021-5|000123|2026-11-18|10.5000|D|TARIFA|\n"
             "33021-5|000124|2026-11-19|1500.0000|C|DEPÓSITO EM DINHEIRO|\n");
-  EXPECT_EQ(desk.Text("EdtISaldo"), "-10,50");
-  EXPECT_EQ(desk.Text("EdtSaldoFinal"), "1.479,00");
+  EXPECT_EQ(desk.Texts({"EdtISaldo", "EdtSaldoFinal"}), "-10,50|1.479,00");
   EXPECT_EQ(Told(desk),
             "2 linhas carregadas. 1 já está no extrato com a mesma conta, data, valor e documento.");
 
   // Only the text changes; rows go but don't come.
   const auto cell = [&](const char* column, const char* value) {
-    desk.Do({{"do", "cell"}, {"control", "DBGrid3"}, {"row", 1}, {"column", column}, {"value", value}});
+    desk.Cell("DBGrid3", 1, column, value);
     return desk.Messages();
   };
   for (const char* column : {"Docto", "Dt_Cont", "Valor", "Operacao"})
     EXPECT_EQ(cell(column, "1"), "error: Esta coluna é só de leitura.") << column;
   EXPECT_EQ(cell("Obs", "D'AGUA E UM TEXTO QUE PASSA DE CINQUENTA CARACTERES AO TODO"), "");
-  desk.Do({{"do", "append"}, {"control", "DBGrid3"}});
+  desk.Append("DBGrid3");
   EXPECT_EQ(desk.Messages(), "error: Aqui não se incluem linhas.");
-  desk.Do({{"do", "delete"}, {"control", "DBGrid3"}, {"row", 0}});
+  desk.Delete("DBGrid3", 0);
 
   EXPECT_EQ(Confirm(desk), kStored);
   EXPECT_EQ(desk.Rows("TbImporta"), "");
@@ -82,8 +84,7 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
             "2 linhas carregadas. 2 já estão no extrato com a mesma conta, data, valor e documento.");
   EXPECT_EQ(desk.Text("EdtISaldo"), "1.489,50");
   // Also where the folder is typed with the name.
-  desk.Set("EdtCam", ".");
-  desk.Set("EdtArq", "copia/NOVEMBRO.OFX");
+  desk.Set({{"EdtCam", "."}, {"EdtArq", "copia/NOVEMBRO.OFX"}});
   desk.Click("BitBtn6");
   EXPECT_EQ(desk.Messages() + desk.Text("EdtArq"), "Arquivo Já Carregado.NOVEMBRO.OFX");
   desk.Answer("ok");
@@ -98,8 +99,7 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
             kLoaded);
   EXPECT_EQ(Told(desk),
             "2 linhas carregadas; 3 deixadas de fora (1 sem fim no arquivo, 1 sem início, 1 sem valor). 1 já "
-            "está no "
-            "extrato com a mesma conta, data, valor e documento.");
+            "está no extrato com a mesma conta, data, valor e documento.");
 }
 
 TEST_F(ExtratoTest, AsksBeforeAFileOfAnotherBank) {
@@ -177,9 +177,9 @@ TEST_F(ExtratoTest, LoadsTextByItsLayout) {
   EXPECT_EQ(Confirm(desk), kStored);
   EXPECT_EQ(told(), "");
   EXPECT_EQ(desk.Text("EdtISaldo"), desk.Text("EdtSaldoFinal"));
-  EXPECT_EQ(Sql("SELECT DOCTO, VALOR FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt' ORDER BY "
-                "LANCTO"),
-            "D1|1.0000;D3|999999999999.9900;D1|1.0000");
+  EXPECT_EQ(
+      Sql("SELECT DOCTO, VALOR FROM EXTRATO_001 WHERE ARQUIVO = 'separated_bad_date.txt' ORDER BY LANCTO"),
+      "D1|1.0000;D3|999999999999.9900;D1|1.0000");
   EXPECT_EQ(again(""), "Arquivo Já Carregado.");
 }
 
@@ -222,8 +222,7 @@ TEST_F(ExtratoTest, RefusesFilesThatAreNone) {
   EXPECT_TRUE(Load(desk, "hostil.ofx", kOfx, "yes").ends_with(" 999.999.999.999,99."));
   EXPECT_EQ(Lines(), before);
 
-  desk.Set("EdtIConta", "99999");
-  desk.Focus("EdtCam");
+  desk.Leave("EdtIConta", "99999", "EdtCam");
   EXPECT_EQ(desk.Messages(), "Conta não cadastrada.");
 }
 
@@ -239,22 +238,19 @@ std::string Many(int lines) {
 TEST_F(ExtratoTest, ManyLinesOneAfterTheOther) {
   // Numbers that are taken in the midst of the block are passed over.
   Run("INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO) SELECT LPAD(CAST(MAX(LANCTO) AS INTEGER) + "
-      "400, "
-      "6, '0'), 'X', 1, 'C' FROM EXTRATO_001");
+      "400, 6, '0'), 'X', 1, 'C' FROM EXTRATO_001");
   Desk desk(database_);
   Import(desk);
   EXPECT_EQ(Load(desk, Written("muitas.ofx", Many(1203)), kOfx), kLoaded);
   EXPECT_EQ(Confirm(desk), kStored);
-  EXPECT_EQ(
-      Sql("SELECT COUNT(*), COUNT(DISTINCT LANCTO), COUNT(DISTINCT DOCTO), MAX(CHAR_LENGTH(LANCTO)) FROM "
-          "EXTRATO_001 WHERE ARQUIVO = 'muitas.ofx'"),
-      "1203|1203|1203|6");
+  EXPECT_EQ(Sql("SELECT COUNT(*), COUNT(DISTINCT LANCTO), COUNT(DISTINCT DOCTO), MAX(CHAR_LENGTH(LANCTO)) "
+                "FROM EXTRATO_001 WHERE ARQUIVO = 'muitas.ofx'"),
+            "1203|1203|1203|6");
   // In the order of the file.
-  EXPECT_EQ(
-      Sql("SELECT COUNT(*) FROM EXTRATO_001 A JOIN EXTRATO_001 B ON B.ARQUIVO = A.ARQUIVO AND "
-          "B.DOCTO = CAST(CAST(A.DOCTO AS INTEGER) + 1 AS VARCHAR(12)) WHERE A.ARQUIVO = 'muitas.ofx' AND "
-          "A.LANCTO > B.LANCTO"),
-      "0");
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 A JOIN EXTRATO_001 B ON B.ARQUIVO = A.ARQUIVO AND B.DOCTO "
+                "= CAST(CAST(A.DOCTO AS INTEGER) + 1 AS VARCHAR(12)) WHERE A.ARQUIVO = 'muitas.ofx' AND "
+                "A.LANCTO > B.LANCTO"),
+            "0");
 }
 
 TEST_F(ExtratoTest, AKilledConfirmationLeavesAllOrNone) {
@@ -289,7 +285,7 @@ TEST_F(ExtratoTest, AFailedConfirmationLeavesNone) {
   EXPECT_EQ(Confirm(desk), "error: Um valor não obedece a uma regra da tabela. Nada foi gravado.");
   EXPECT_EQ(Lines(), before);
   // The lines are still there to be reviewed; without the refused one they go in.
-  desk.Do({{"do", "delete"}, {"control", "DBGrid3"}, {"row", 599}});
+  desk.Delete("DBGrid3", 599);
   EXPECT_EQ(Confirm(desk), kStored);
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'falha.ofx'"), "599");
 }

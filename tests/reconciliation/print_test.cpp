@@ -8,33 +8,30 @@ class ConciliaPrintTest : public ConciliaTest {
  protected:
   ConciliaPrintTest() {
     Run("UPDATE CADCONTA_001 SET DESCRICAO = 'CONTA MOVIMENTO' WHERE CONTA = '10250-1'");
-    Store(Mov{.numero = "000001", .docto = "NF 1", .valor = "1000.55", .operacao = "+"});
-    Store(Mov{.numero = "000002", .docto = "NF 2", .valor = "250.05"});
-    Store(Mov{.numero = "000003", .docto = "CH 77", .valor = "99.99", .historico = "004"});
-    Store(Line{.lancto = "E1", .docto = "1", .valor = "1000.55", .operacao = "C"});
-    Store(Line{.lancto = "E2", .docto = "2", .valor = "250.05"});
-    Store(Line{.lancto = "E3", .docto = "3", .valor = "12.50", .conciliado = "S", .lanc_con = "000900"});
+    Put(Movimento{.lancamento = "000001", .docto = "NF 1", .valor = "1000.55", .operacao = "+"});
+    Put(Movimento{.lancamento = "000002", .docto = "NF 2", .valor = "250.05"});
+    Put(Movimento{.lancamento = "000003", .docto = "CH 77", .valor = "99.99", .historico = "004"});
+    Put(Extrato{.lancto = "E1", .docto = "1", .valor = "1000.55", .operacao = "C"});
+    Put(Extrato{.lancto = "E2", .docto = "2", .valor = "250.05"});
+    Put(Extrato{.lancto = "E3", .docto = "3", .valor = "12.50", .conciliado = "S", .lanc_con = "000900"});
   }
 };
 
 TEST_F(ConciliaPrintTest, TheTickedAndTheWhole) {
   Desk desk(database_);
-  Open(desk);
-  Consult(desk);
-  TickMov(desk, 0);
-  TickArq(desk, 0);
+  Consult(Open(desk));
+  Tick(desk, {0}, {0});
   std::string printed = "##### Marcados\n" + Printed(desk, "BitBtn7");
   // The filter was for the print alone.
-  EXPECT_EQ(Listed(desk), "000001 000002 000003 / E1 E2");
-  Page(desk, "TabSheet2");
+  EXPECT_EQ(Listed(desk) + ": " + Ticked(desk), "000001 000002 000003 / E1 E2: 000001 / E1");
+  desk.Page("TabSheet2");
   printed += "##### Tudo\n" + Printed(desk, "BitBtn11");
   ExpectFile(printed, ORV_FILES "conciliacao.txt");
 }
 
 TEST_F(ConciliaPrintTest, StatementLinesFound) {
-  Desk desk(database_);
-  desk.Open("TFmCadExtrato");
-  Page(desk, "TabSheet1");
+  Desk desk(database_, At{"TFmCadExtrato"});
+  desk.Page("TabSheet1");
   desk.Click("BitBtn5");
   std::string printed = "##### Todos\n" + Printed(desk, "BitBtn1");
   desk.Set("RgBusca", "Conciliados");

@@ -9,37 +9,20 @@
 
 namespace orv::test {
 
-// Accounts of both demo companies.
-constexpr const char* kConta = "10250-1";
-constexpr const char* kOutraConta = "20418-7";
-
 class RelCcTest : public DeskTest {
  protected:
+  RelCcTest() { Usual(Movimento{.dt_vencto = "11/10/2026", .valor = 10}); }
   // Leaves the companies without movements and settlements.
   void Clear() {
-    for (const char* company : {"_001", "_002"}) {
-      for (const char* table : {"CONTACOR", "RECEBERB", "PAGTO1", "RECEBER", "PAGTO", "CONTABIL"})
-        Run("DELETE FROM " + std::string(table) + company);
-    }
+    Empty("CONTACOR_001 RECEBERB_001 PAGTO1_001 RECEBER_001 PAGTO_001 CONTABIL_001");
+    Empty("CONTACOR_002 RECEBERB_002 PAGTO1_002 RECEBER_002 PAGTO_002 CONTABIL_002");
   }
-  // A settled debit of 10,00 on 10/11/2026, but for what the test gives.
-  void Movement(const std::string& number, const Fields& more = {}, const std::string& company = "_001") {
-    Fields fields{{"LANCAMENTO", number},
-                  {"DOCTO", "D" + number},
-                  {"BANCO", "901"},
-                  {"CONTA", kConta},
-                  {"DT_LAN", "11/10/2026"},
-                  {"DT_CONT", "11/10/2026"},
-                  {"DT_VENCTO", "11/10/2026"},
-                  {"VALOR", "10"},
-                  {"OPERACAO", "-"},
-                  {"GRUPO", "3104"},
-                  {"HISTORICO", "019"},
-                  {"OBSERVACAO", "OBS " + number},
-                  {"TIPO", "L"},
-                  {"PENDENTE", "N"}};
-    fields.insert(fields.end(), more.begin(), more.end());
-    Store("CONTACOR" + company, fields);
+  // A settled debit of 10,00 on 10/11/2026 but for what the test gives, with a document and a text of its
+  // number.
+  void Movement(Movimento m, const std::string& company = "_001") {
+    if (!m.docto.given) m.docto = "D" + m.lancamento.text;
+    if (!m.observacao.given) m.observacao = "OBS " + m.lancamento.text;
+    Put(m, company);
   }
 
   static void Fill(Desk& desk, const Fields& fields) {
@@ -57,13 +40,11 @@ class RelCcTest : public DeskTest {
     Period(desk, "01/11/2026", "30/11/2026");
   }
   static void Period(Desk& desk, const std::string& from, const std::string& to) {
-    desk.Set("EdtDataDe", from);
-    desk.Set("edtDataAte", to);
+    desk.Set({{"EdtDataDe", from}, {"edtDataAte", to}});
   }
   static std::string Gathered(Desk& desk, const Fields& fields, std::initializer_list<const char*> shown) {
     Fill(desk, fields);
-    desk.Click("BitBtn29");
-    EXPECT_EQ(desk.Messages(), "");
+    EXPECT_EQ(desk.Press("BitBtn29"), "");
     return desk.Read("TbRelatorio", shown);
   }
 };

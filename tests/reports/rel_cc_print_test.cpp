@@ -11,7 +11,7 @@ class PrintedTest : public RelCcTest {
  protected:
   PrintedTest() {
     Clear();
-    Movement("000001", {{"DT_CONT", "10/31/2026"}, {"OPERACAO", "+"}, {"VALOR", "1000.55"}});
+    Movement({.lancamento = "000001", .dt_cont = "10/31/2026", .valor = "1000.55", .operacao = "+"});
     const char* const rows[][6] = {
         // number, day, document, class, history, amount with its sign
         {"000002", "11/10/2026", "NF 30", "3104", "019", "-100.10"},
@@ -20,27 +20,28 @@ class PrintedTest : public RelCcTest {
         {"000005", "11/11/2026", "NF 10", "3104", "019", "-20"},
     };
     for (const auto& r : rows) {
-      Movement(r[0], {{"DT_CONT", r[1]},
-                      {"DOCTO", r[2]},
-                      {"GRUPO", r[3]},
-                      {"HISTORICO", r[4]},
-                      {"OPERACAO", std::string(r[5], 1)},
-                      {"VALOR", r[5] + 1},
-                      {"TIPO", *r[5] == '+' ? "R" : "L"},
-                      {"PENDENTE", r[0][5] == '5' ? "S" : "N"}});
+      Movement({.lancamento = r[0],
+                .docto = r[2],
+                .dt_cont = r[1],
+                .valor = r[5] + 1,
+                .operacao = std::string(r[5], 1),
+                .grupo = r[3],
+                .historico = r[4],
+                .tipo = *r[5] == '+' ? "R" : "L",
+                .pendente = r[0][5] == '5' ? "S" : "N"});
     }
-    Store("RECEBER_001", {{"NUMERO", "T1"},
-                          {"CODCLI", "00002"},
-                          {"VALOR2", "2400"},
-                          {"DT_EMISSAO", "10/01/2026"},
-                          {"DT_VENCTO", "11/09/2026"}});
-    Store("RECEBERB_001", {{"NUMERO", "T1"},
-                           {"LANCAMENTO", "000003"},
-                           {"VALOR_PAGO", "2500"},
-                           {"JUROS", "100"},
-                           {"DESCONTO", "0"},
-                           {"DESCONTO2", "0"},
-                           {"DESCONTO3", "0"}});
+    Put(Receber{.numero = "T1",
+                .codcli = "00002",
+                .dt_emissao = "10/01/2026",
+                .dt_vencto = "11/09/2026",
+                .valor2 = "2400"});
+    Put(Receberb{.numero = "T1",
+                 .lancamento = "000003",
+                 .valor_pago = "2500",
+                 .juros = "100",
+                 .desconto = "0",
+                 .desconto2 = "0",
+                 .desconto3 = "0"});
     Run("UPDATE ENTIDADE_001 SET NOME = 'CLIENTE DA SERRA' WHERE CODCLI = '00002'");
     Run("UPDATE CADCONTA_001 SET EMPRESA = 'MALHARIA' WHERE CONTA = '10250-1'");
   }

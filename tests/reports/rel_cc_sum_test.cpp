@@ -97,12 +97,10 @@ class SecondSumTest : public RelCcTest {
         " AND M.DT_CONT BETWEEN '" + Date::ParseBrazil(first).Sql() + "' AND '" +
         Date::ParseBrazil(last).Sql() +
         "' AND M.CONTA IN (SELECT CONTA FROM CADCONTA_001 WHERE IMP_FLUXO = 'S') GROUP BY 1, 2";
-    for (const char* sql :
-         {"SELECT M.LANCAMENTO, M.TIPO, SUM(B.VALOR_PAGO), COUNT(*) FROM CONTACOR_001 M JOIN RECEBERB_001 B "
-          "ON "
-          "B.LANCAMENTO = M.LANCAMENTO WHERE M.TIPO = 'R'",
-          "SELECT M.LANCAMENTO, M.TIPO, SUM(B.VAL_PAG), COUNT(*) FROM CONTACOR_001 M JOIN PAGTO1_001 B ON "
-          "B.LANCAMENTO = M.LANCAMENTO WHERE M.TIPO = 'P'"}) {
+    for (const char* sql : {"SELECT M.LANCAMENTO, M.TIPO, SUM(B.VALOR_PAGO), COUNT(*) FROM CONTACOR_001 M "
+                            "JOIN RECEBERB_001 B ON B.LANCAMENTO = M.LANCAMENTO WHERE M.TIPO = 'R'",
+                            "SELECT M.LANCAMENTO, M.TIPO, SUM(B.VAL_PAG), COUNT(*) FROM CONTACOR_001 M JOIN "
+                            "PAGTO1_001 B ON B.LANCAMENTO = M.LANCAMENTO WHERE M.TIPO = 'P'"}) {
       for (const auto& row : Db().Rows(sql + within)) {
         expected[row[0].AsString() + "|" + row[1].AsString()] = {row[2].AsCurrency(),
                                                                  static_cast<int>(row[3].AsInteger())};
@@ -118,8 +116,7 @@ constexpr const char* kBoth = "(SELECT * FROM CONTACOR_001 UNION ALL SELECT * FR
 constexpr const char* kFlow = "CONTA IN (SELECT CONTA FROM CADCONTA_001 WHERE IMP_FLUXO = 'S')";
 constexpr const char* kFlowOfBoth =
     "CONTA IN (SELECT CONTA FROM CADCONTA_001 WHERE IMP_FLUXO = 'S' UNION SELECT CONTA FROM CADCONTA_002 "
-    "WHERE "
-    "IMP_FLUXO = 'S')";
+    "WHERE IMP_FLUXO = 'S')";
 const Date kFrom(2026, 3, 15), kTo(2026, 10, 31);
 
 TEST_F(SecondSumTest, TheDemoCompaniesAgree) {
@@ -143,17 +140,13 @@ TEST_F(SecondSumTest, TheDemoCompaniesAgree) {
 TEST_F(SecondSumTest, ManyMovementsAgree) {
   // Each movement nine times more, some days apart, and one day with more rows than come together at once.
   Run("INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, BANCO, CONTA, DT_LAN, DT_CONT, DT_VENCTO, VALOR, "
-      "OPERACAO, "
-      "GRUPO, HISTORICO, OBSERVACAO, TIPO, PENDENTE) SELECT CAST(RIGHT(M.LANCAMENTO, 5) AS VARCHAR(5)) || "
-      "N.D, "
-      "M.DOCTO, M.BANCO, M.CONTA, M.DT_LAN + N.D, M.DT_CONT + N.D, M.DT_VENCTO + N.D, M.VALOR + N.D * "
-      "0.0137, "
-      "M.OPERACAO, M.GRUPO, M.HISTORICO, M.OBSERVACAO, 'L', M.PENDENTE FROM CONTACOR_001 M CROSS JOIN "
-      "(SELECT 1 AS D "
-      "FROM RDB$DATABASE UNION ALL SELECT 3 FROM RDB$DATABASE UNION ALL SELECT 5 FROM RDB$DATABASE) N");
+      "OPERACAO, GRUPO, HISTORICO, OBSERVACAO, TIPO, PENDENTE) SELECT CAST(RIGHT(M.LANCAMENTO, 5) AS "
+      "VARCHAR(5)) || N.D, M.DOCTO, M.BANCO, M.CONTA, M.DT_LAN + N.D, M.DT_CONT + N.D, M.DT_VENCTO + N.D, "
+      "M.VALOR + N.D * 0.0137, M.OPERACAO, M.GRUPO, M.HISTORICO, M.OBSERVACAO, 'L', M.PENDENTE FROM "
+      "CONTACOR_001 M CROSS JOIN (SELECT 1 AS D FROM RDB$DATABASE UNION ALL SELECT 3 FROM RDB$DATABASE UNION "
+      "ALL SELECT 5 FROM RDB$DATABASE) N");
   Run("UPDATE CONTACOR_001 SET DT_CONT = '07/07/2026' WHERE DT_CONT BETWEEN '05/01/2026' AND '08/30/2026' "
-      "AND "
-      "CONTA = '10250-1'");
+      "AND CONTA = '10250-1'");
   ASSERT_GT(Db().Scalar("SELECT COUNT(*) FROM CONTACOR_001").AsInteger(), 10000);
   Agrees({{}, "DT_CONT", "DtCont", "CONTACOR_001", "CONTA = '10250-1'", kFrom, kTo});
   Agrees(

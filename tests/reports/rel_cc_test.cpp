@@ -1,7 +1,4 @@
 // The account statement: what the filters let in, balances, groupings, people, titles, failures, drill-down.
-#include <condition_variable>
-#include <mutex>
-
 #include "tests/reports/rel_cc_desk.h"
 
 namespace orv::test {
@@ -12,31 +9,28 @@ class StatementTest : public RelCcTest {
   StatementTest() { Clear(); }
   void Receivable(const std::string& number, const std::string& customer,
                   const std::string& company = "_001") {
-    Store("RECEBER" + company, {{"NUMERO", number}, {"CODCLI", customer}, {"VALOR2", "50"}});
+    Put(Receber{.numero = number, .codcli = customer, .valor2 = "50"}, company);
   }
   void Received(const std::string& number, const std::string& movement, const std::string& paid = "50",
                 const std::string& company = "_001") {
-    Store("RECEBERB" + company, {{"NUMERO", number},
-                                 {"LANCAMENTO", movement},
-                                 {"VALOR_PAGO", paid},
-                                 {"JUROS", "0"},
-                                 {"VAL_DEV", "0"},
-                                 {"DESCONTO", "1"},
-                                 {"DESCONTO2", "0.5"},
-                                 {"DESCONTO3", "0.25"}});
+    Put(Receberb{.numero = number,
+                 .lancamento = movement,
+                 .valor_pago = paid,
+                 .juros = 0,
+                 .val_dev = 0,
+                 .desconto = 1,
+                 .desconto2 = "0.5",
+                 .desconto3 = "0.25"},
+        company);
   }
   void Payable(const std::string& number, const std::string& supplier) {
-    Store("PAGTO_001", {{"NUM_AP", number},
-                        {"CODCRE", supplier},
-                        {"DUPLI", "NF" + number},
-                        {"VALOR", "70"},
-                        {"NUM_OS", "3104"}});
+    Put(Pagto{.num_ap = number, .codcre = supplier, .dupli = "NF" + number, .valor = "70"});
   }
   void Paid(const std::string& number, const std::string& movement, const std::string& paid = "70") {
-    Store("PAGTO1_001", {{"NUM_AP", number}, {"LANCAMENTO", movement}, {"VAL_PAG", paid}});
+    Put(Pagto1{.num_ap = number, .lancamento = movement, .val_pag = paid});
   }
   // The other company has the account, too.
-  void AccountOfBoth() { Store("CADCONTA_002", {{"CONTA", kConta}, {"BANCO", "901"}, {"IMP_FLUXO", "S"}}); }
+  void AccountOfBoth() { Put(Cadconta{}, "_002"); }
   std::string Name(const std::string& code) {
     return Sql(
         "SELECT CAST(SUBSTRING(NOME FROM 1 FOR 40) AS VARCHAR(40)) FROM ENTIDADE_001 WHERE CODCLI = '" +
@@ -45,16 +39,12 @@ class StatementTest : public RelCcTest {
 };
 
 TEST_F(StatementTest, AnAccountIsAskedFor) {
-  Desk desk(database_);
-  desk.Open("TfmRelCC");
+  Desk desk(database_, At{"TfmRelCC"});
   EXPECT_EQ(desk.Text("EdtDataDe") + desk.Text("edtDataAte"), "01/01/198031/12/2030");
-  EXPECT_FALSE(desk.Enabled("RelCodBan"));
-  EXPECT_FALSE(desk.Enabled("PqBanco"));
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), "Banco inexistente.");
-  desk.Answer("ok");
+  EXPECT_EQ(desk.EnabledOf({"RelCodBan", "PqBanco"}), "00");
+  EXPECT_EQ(desk.Told("BitBtn29"), "Banco inexistente.");
   ASSERT_EQ(desk.End(), "waiting lookup");
-  desk.Do({{"do", "choose"}, {"key", kConta}});
+  desk.Choose(kConta);
   EXPECT_EQ(desk.Text("RelConta") + "|" + desk.Text("RelCodBan") + "|" + desk.Text("RelDesBan"),
             "10250-1|901|BANCO DA SERRA");
   EXPECT_NE(desk.Text("Edit1"), "");
@@ -62,10 +52,7 @@ TEST_F(StatementTest, AnAccountIsAskedFor) {
   Fill(desk, {{"RgTipo", "1"}, {"RelConta", ""}});
   EXPECT_TRUE(desk.Enabled("RelCodBan"));
   Fill(desk, {{"RelCodBan", "902"}, {"RgTipo", "0"}});
-  desk.Click("BitBtn29");
-  EXPECT_EQ(desk.Messages(), "Conta inexistente.");
-  desk.Answer("ok");
-  EXPECT_EQ(desk.FocusName(), "RelConta");
+  EXPECT_EQ(desk.Refused("BitBtn29"), "Conta inexistente. > RelConta");
   // Nothing is tested when a field is left, and an unknown code only finds nothing.
   EXPECT_EQ(Gathered(desk, {{"RgTipo", "1"}, {"RelConta", "77"}, {"EdtHistHistorico", "zz"}}, {"Lancamento"}),
             "");
@@ -74,25 +61,29 @@ TEST_F(StatementTest, AnAccountIsAskedFor) {
 
 TEST_F(StatementTest, FiltersNarrowRowsAndBalance) {
   // Before the period: 100 in, 30 pending out, and 5 of an operation that is neither.
-  Movement("A", {{"DT_CONT", "10/31/2026"}, {"OPERACAO", "+"}, {"VALOR", "100"}, {"GRUPO", "1101"}});
-  Movement("B", {{"DT_CONT", "10/15/2026"}, {"VALOR", "30"}, {"PENDENTE", "S"}});
-  Movement("X", {{"DT_CONT", "10/15/2026"}, {"VALOR", "5"}, {"OPERACAO", "*"}});
+  Movement({.lancamento = "A", .dt_cont = "10/31/2026", .valor = "100", .operacao = "+", .grupo = "1101"});
+  Movement({.lancamento = "B", .dt_cont = "10/15/2026", .valor = "30", .pendente = "S"});
+  Movement({.lancamento = "X", .dt_cont = "10/15/2026", .valor = "5", .operacao = "*"});
   // In it, at both ends, and behind it.
-  Movement("C", {{"DT_CONT", "11/01/2026"}, {"DT_LAN", "10/20/2026"}, {"VALOR", "1.25"}});
-  Movement("E",
-           {{"DT_CONT", "11/30/2026"}, {"DT_VENCTO", "12/05/2026"}, {"OPERACAO", "+"}, {"GRUPO", "1101"}});
-  Movement("D", {{"PENDENTE", "S"}, {"HISTORICO", "008"}, {"VALOR", "2"}});
-  Movement("F", {{"PENDENTE", "C"}, {"VALOR", "3"}, {"DOCTO", "D'ÁGUA {X}"}});
-  Movement("G", {{"DT_CONT", "12/01/2026"}});
+  Movement({.lancamento = "C", .dt_lan = "10/20/2026", .dt_cont = "11/01/2026", .valor = "1.25"});
+  Movement({.lancamento = "E",
+            .dt_cont = "11/30/2026",
+            .dt_vencto = "12/05/2026",
+            .operacao = "+",
+            .grupo = "1101"});
+  Movement({.lancamento = "D", .valor = "2", .historico = "008", .pendente = "S"});
+  Movement({.lancamento = "F", .docto = "D'ÁGUA {X}", .valor = "3", .pendente = "C"});
+  Movement({.lancamento = "G", .dt_cont = "12/01/2026"});
   // Another account of the cash flow, one that isn't in it, and none at all.
-  Movement("H", {{"CONTA", kOutraConta}, {"BANCO", "902"}, {"VALOR", "7"}});
-  Movement("I", {{"CONTA", kOutraConta}, {"BANCO", "902"}, {"DT_CONT", "10/01/2026"}, {"VALOR", "1000"}});
+  Movement({.lancamento = "H", .banco = "902", .conta = kOutraConta, .valor = "7"});
+  Movement(
+      {.lancamento = "I", .banco = "902", .conta = kOutraConta, .dt_cont = "10/01/2026", .valor = "1000"});
   Run("UPDATE CADCONTA_001 SET IMP_FLUXO = CASE WHEN CONTA IN ('10250-1', '20418-7') THEN 'S' ELSE 'N' END");
-  Movement("J", {{"CONTA", "33021-5"}});
-  Movement("K", {{"CONTA", "99"}});
+  Movement({.lancamento = "J", .conta = "33021-5"});
+  Movement({.lancamento = "K", .conta = "99"});
   // The other company.
   AccountOfBoth();
-  Movement("L", {{"VALOR", "500"}, {"OPERACAO", "+"}}, "_002");
+  Movement({.lancamento = "L", .valor = "500", .operacao = "+"}, "_002");
 
   const Fields all = {{"RgTipo", "1"}, {"RelConta", ""}};
   const auto with = [](Fields fields, const Fields& more) {
@@ -130,17 +121,15 @@ TEST_F(StatementTest, FiltersNarrowRowsAndBalance) {
 }
 
 TEST_F(StatementTest, RowsHoldWhatTheReportReads) {
+  Movement({.lancamento = "A1", .valor = "1234.5", .observacao = std::string(100, 'x'), .pendente = "C"});
   Movement(
-      "A1",
-      {{"GRUPO", "3104"}, {"OBSERVACAO", std::string(100, 'x')}, {"PENDENTE", "C"}, {"VALOR", "1234.5"}});
-  Movement("A2",
-           {{"GRUPO", "9999"}, {"HISTORICO", "zz"}, {"BANCO", "999"}, {"PENDENTE", ""}, {"TIPO", "TR"}});
+      {.lancamento = "A2", .banco = "999", .grupo = "9999", .historico = "zz", .tipo = "TR", .pendente = ""});
   Run("UPDATE CADCONTA_001 SET LIMITE = 5000, AGENCIA = '0123', EMPRESA = 'TITULAR' WHERE CONTA = '10250-1'");
   Desk desk(database_);
   Open(desk);
-  const std::string described = Sql(
-      "SELECT G.DESCRICAO, H.DESCRICAO FROM SUBGRUPO_001 G JOIN HISTCP_001 H ON H.HISTORICO = '019' WHERE "
-      "G.CODIGO = '3104'");
+  const std::string described =
+      Sql("SELECT G.DESCRICAO, H.DESCRICAO FROM SUBGRUPO_001 G JOIN HISTCP_001 H ON H.HISTORICO = '019' "
+          "WHERE G.CODIGO = '3104'");
   EXPECT_EQ(
       Gathered(desk, {},
                {"Lancamento", "Numero",  "Banco",    "Nome_Banco", "Conta",   "Operacao",     "Valor",
@@ -164,22 +153,24 @@ TEST_F(StatementTest, EachGroupingOrdersTheRows) {
       {"4", "11/10/2026", "11/11/2026", "11/13/2026", "D0", "1101", "-"},
   };
   for (const auto& r : rows) {
-    Movement(r[0], {{"DT_LAN", r[1]},
-                    {"DT_CONT", r[2]},
-                    {"DT_VENCTO", r[3]},
-                    {"DOCTO", r[4]},
-                    {"GRUPO", r[5]},
-                    {"OPERACAO", r[6]},
-                    {"HISTORICO", *r[0] < '3' ? "019" : "008"},
-                    {"PENDENTE", *r[0] == '2' ? "S" : "N"}});
+    Movement({.lancamento = r[0],
+              .docto = r[4],
+              .dt_lan = r[1],
+              .dt_cont = r[2],
+              .dt_vencto = r[3],
+              .operacao = r[6],
+              .grupo = r[5],
+              .historico = *r[0] < '3' ? "019" : "008",
+              .pendente = *r[0] == '2' ? "S" : "N"});
   }
   Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'S'");
-  Movement("5", {{"CONTA", kOutraConta},
-                 {"DT_CONT", "11/10/2026"},
-                 {"DT_LAN", "11/13/2026"},
-                 {"DT_VENCTO", "11/12/2026"},
-                 {"DOCTO", "D9"},
-                 {"HISTORICO", "001"}});
+  Movement({.lancamento = "5",
+            .docto = "D9",
+            .conta = kOutraConta,
+            .dt_lan = "11/13/2026",
+            .dt_cont = "11/10/2026",
+            .dt_vencto = "11/12/2026",
+            .historico = "001"});
   Desk desk(database_);
   Open(desk, {{"RgTipo", "1"}, {"RelConta", ""}, {"RelCodBan", ""}});
   const auto order = [&](int grouping, int date, bool pending) {
@@ -218,25 +209,25 @@ TEST_F(StatementTest, AMovementIsItsPersons) {
   Receivable("T3", "");
   Payable("000077", "00004");
   Payable("000088", "00005");
-  Movement("1");
+  Movement({.lancamento = "1"});
   Received("T1", "1");
   Received("T2", "1");
   Paid("000077", "1");
-  Movement("2", {{"TIPO", "R"}});
+  Movement({.lancamento = "2", .tipo = "R"});
   Received("T3", "2");  // a title of nobody
-  Movement("3", {{"TIPO", "P"}});
+  Movement({.lancamento = "3", .tipo = "P"});
   Paid("000077", "3");
-  Movement("4", {{"TIPO", "P"}, {"DOCTO", "000088/1"}});
+  Movement({.lancamento = "4", .docto = "000088/1", .tipo = "P"});
   Paid("000077", "4");
-  Movement("5", {{"TIPO", "L"}, {"DOCTO", "000088/1"}});
+  Movement({.lancamento = "5", .docto = "000088/1", .tipo = "L"});
   Paid("000077", "5");
-  Movement("6", {{"TIPO", "P"}, {"DOCTO", "/1"}});
+  Movement({.lancamento = "6", .docto = "/1", .tipo = "P"});
   Paid("000077", "6");
-  Movement("7", {{"DOCTO", "000088/1"}, {"TIPO", "P"}});  // nothing was settled
+  Movement({.lancamento = "7", .docto = "000088/1", .tipo = "P"});  // nothing was settled
   // The other company has titles under the same numbers.
-  Movement("3", {{"DT_CONT", "11/20/2026"}}, "_002");
+  Movement({.lancamento = "3", .dt_cont = "11/20/2026"}, "_002");
   AccountOfBoth();
-  Store("RECEBER_002", {{"NUMERO", "T9"}, {"CODCLI", "00002"}});
+  Put(Receber{.numero = "T9", .codcli = "00002"}, "_002");
   Received("T9", "3", "1", "_002");
   const std::string local = "1|" + Name("00002") + "\n2|-\n3|" + Name("00004") + "\n4|" + Name("00005") +
                             "\n5|" + Name("00004") + "\n6|-\n7|OBS 7\n";
@@ -253,18 +244,19 @@ TEST_F(StatementTest, TitlesComeAlong) {
   Receivable("T2", "00003");
   Payable("000077", "00004");
   Payable("000088", "00005");
-  Movement("1", {{"TIPO", "R"}});
-  Movement("1", {{"TIPO", "R"}, {"OPERACAO", "+"}});  // a number on two rows brings its titles twice
+  Movement({.lancamento = "1", .tipo = "R"});
+  Movement(
+      {.lancamento = "1", .operacao = "+", .tipo = "R"});  // a number on two rows brings its titles twice
   Received("T1", "1", "20");
   Received("T1", "1", "30");
   Received("T1", "1", "30");  // differs in nothing
   Received("T2", "1");
-  Movement("2", {{"TIPO", "P"}});
-  Movement("2", {{"TIPO", "P"}, {"DOCTO", "OUTRO"}});
+  Movement({.lancamento = "2", .tipo = "P"});
+  Movement({.lancamento = "2", .docto = "OUTRO", .tipo = "P"});
   Paid("000077", "2", "40");
   Paid("000077", "2", "30");
   Paid("000088", "2");
-  Movement("3", {{"TIPO", "L"}});  // not of a kind that settles
+  Movement({.lancamento = "3", .tipo = "L"});  // not of a kind that settles
   Received("T2", "3");
   Paid("000088", "3");
   Desk desk(database_);
@@ -292,7 +284,7 @@ TEST_F(StatementTest, TitlesComeAlong) {
   EXPECT_EQ(desk.Read("TbRelatorio", {"Lancamento"}), "1\n1\n2\n2\n3\n");
 
   // Of all companies the titles, too; without the box none.
-  Store("RECEBER_002", {{"NUMERO", "T9"}, {"CODCLI", "00002"}});
+  Put(Receber{.numero = "T9", .codcli = "00002"}, "_002");
   Received("T9", "1", "9", "_002");
   Run("UPDATE CONTACOR_001 SET TIPO = 'L' WHERE OPERACAO = '-'");
   Gathered(desk, {{"RgTipo", "2"}}, {});
@@ -302,7 +294,7 @@ TEST_F(StatementTest, TitlesComeAlong) {
 }
 
 TEST_F(StatementTest, AnAccountWithoutMovementsShowsItsBalance) {
-  Movement("A", {{"DT_CONT", "10/31/2026"}, {"OPERACAO", "+"}, {"VALOR", "70.10"}});
+  Movement({.lancamento = "A", .dt_cont = "10/31/2026", .valor = "70.10", .operacao = "+"});
   Run("UPDATE CADCONTA_001 SET LIMITE = 5000, AGENCIA = '0123' WHERE CONTA = '10250-1'");
   Desk desk(database_);
   Open(desk);
@@ -312,7 +304,7 @@ TEST_F(StatementTest, AnAccountWithoutMovementsShowsItsBalance) {
   const std::string one = "10250-1|70.1|901|BANCO DA SERRA|0123|5000.0000|-|-|-|2026-11-01\n";
   EXPECT_EQ(Gathered(desk, {{"CbZeradas", "true"}}, fields), one);
   EXPECT_EQ(Gathered(desk, {{"RgTipo", "1"}}, fields), one);
-  desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "SaldoIni"}});
+  desk.DoubleClick("DBGrid1", 0, "SaldoIni");
   std::string detail;
   for (const Json& out : desk.Latest()) {
     if (out["on"] == Json("detail")) detail = out["rows"].Items().at(0).Items().at(3).String();
@@ -321,23 +313,22 @@ TEST_F(StatementTest, AnAccountWithoutMovementsShowsItsBalance) {
   desk.Answer("ok");
   // No account, no row; and the balance follows a movement that there is.
   EXPECT_EQ(Gathered(desk, {{"RelConta", ""}}, fields), "");
-  Movement("B");
+  Movement({.lancamento = "B"});
   EXPECT_EQ(Gathered(desk, {{"RelConta", kConta}}, {"Lancamento", "SaldoIni", "Saldo"}), "B|70.1|60.1\n");
 }
 
 TEST_F(StatementTest, ARowShowsItsSource) {
   Receivable("T1", "00002");
-  Movement("1", {{"TIPO", "R"}, {"LANC_CON", "77"}});
+  Movement({.lancamento = "1", .tipo = "R", .lanc_con = "77"});
   Received("T1", "1");
-  Store("CONTABIL_001", {{"LANCAMENTO", "1"}, {"CONTA_C", "C1"}, {"CONTA_D", "D1"}, {"VALOR", "50"}});
-  Store("CONTABIL_001", {{"LANCAMENTO", "77"}, {"CONTA_C", "C2"}, {"CONTA_D", "D2"}, {"VALOR", "51"}});
-  Movement("1", {{"VALOR", "999"}, {"DT_CONT", "11/11/2026"}}, "_002");
+  Put(Partida{.lancamento = "1", .conta_c = "C1", .conta_d = "D1", .valor = "50"});
+  Put(Partida{.lancamento = "77", .conta_c = "C2", .conta_d = "D2", .valor = "51"});
+  Movement({.lancamento = "1", .dt_cont = "11/11/2026", .valor = "999"}, "_002");
   AccountOfBoth();
   Desk desk(database_);
   Open(desk, {{"RgTipo", "2"}, {"CbFinanceiro", "true"}, {"RgAgrupar", "5"}});
   const auto detail = [&](const char* grid, int row) {
-    desk.Do(
-        {{"do", "dblclick"}, {"control", grid}, {"row", row}, {"column", grid[6] == '1' ? "Valor" : "Nome"}});
+    desk.DoubleClick(grid, row, grid[6] == '1' ? "Valor" : "Nome");
     std::string text = desk.Messages();
     for (const Json& out : desk.Latest()) {
       if (!(out["on"] == Json("detail"))) continue;
@@ -350,7 +341,7 @@ TEST_F(StatementTest, ARowShowsItsSource) {
     desk.Answer("ok");
     return text;
   };
-  desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "Valor"}});
+  desk.DoubleClick("DBGrid1", 0, "Valor");
   EXPECT_NE(desk.Messages(), "") << "there is no row yet";
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento", "Valor"}), "1|10.0000\n1|999.0000\n");
   const std::string title = " Título recebido T1 50.0000";
@@ -361,7 +352,7 @@ TEST_F(StatementTest, ARowShowsItsSource) {
 }
 
 TEST_F(StatementTest, AFailureLeavesNoHalfOfAReport) {
-  Movement("1", {{"TIPO", "R"}});
+  Movement({.lancamento = "1", .tipo = "R"});
   Receivable("T1", "00002");
   Received("T1", "1");
   Desk desk(database_);
@@ -369,63 +360,12 @@ TEST_F(StatementTest, AFailureLeavesNoHalfOfAReport) {
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
   // Discounts that don't add up.
   Run("UPDATE RECEBERB_001 SET DESCONTO = 900000000000000, DESCONTO2 = 900000000000000");
-  desk.Click("BitBtn29");
-  EXPECT_TRUE(desk.Messages().starts_with("error: ")) << desk.Messages();
+  EXPECT_TRUE(desk.Press("BitBtn29").starts_with("error: ")) << desk.Messages();
   EXPECT_EQ(desk.Read("TbRelatorio", {"Lancamento"}) + desk.Read("TbFinan", {"Lancto"}), "");
   EXPECT_EQ(desk.End(), "idle");
   Run("UPDATE RECEBERB_001 SET DESCONTO = 0, DESCONTO2 = 0");
   EXPECT_EQ(Gathered(desk, {}, {"Lancamento"}), "1\n");
   EXPECT_EQ(desk.Read("TbFinan", {"Lancto"}), "1\n");
-}
-
-TEST_F(StatementTest, TheUserCancels) {
-  for (const char* number : {"1", "2", "3"}) Movement(number);
-  LetGo();
-  SessionOptions options;
-  options.database = database_.string();
-  options.user = "ana";
-  options.company = "_001";
-  options.folder = folder_.Path();
-  Log log((folder_.Path() / "cancel.log").string());
-  std::mutex mutex;
-  std::condition_variable arrived;
-  int idles = 0;
-  bool cancel = true;
-  std::string error, busy;
-  Json state;
-  Session* session = nullptr;
-  const auto one = std::make_unique<Session>(options, log, [&](const Json& out) {
-    const std::lock_guard lock(mutex);
-    // As a person would, at the first sign of progress.
-    if (out["on"] == Json("progress") && session != nullptr && std::exchange(cancel, false))
-      session->Post({{"do", "answer"}, {"value", "cancel"}});
-    if (out["on"] == Json("error")) error = out["text"].String();
-    if (out["on"] == Json("busy")) busy += out["value"].Bool() ? "+" : "-";
-    if (out["on"] == Json("state")) state = out;
-    if (out["on"] == Json("idle")) ++idles;
-    arrived.notify_one();
-  });
-  const auto until = [&](int count) {
-    std::unique_lock lock(mutex);
-    arrived.wait(lock, [&] { return idles == count; });
-  };
-  {
-    const std::lock_guard lock(mutex);
-    session = one.get();
-  }
-  const auto rows = [&] { return state["screens"].Items().back()["sets"]["TbRelatorio"]["count"].Integer(); };
-  one->Post({{"do", "open"}, {"class", "TfmRelCC"}});
-  one->Post({{"do", "set"}, {"control", "RelConta"}, {"value", kConta}});
-  one->Post({{"do", "click"}, {"control", "BitBtn29"}});
-  one->Post({{"do", "read"}, {"control", "TbRelatorio"}});
-  until(6);  // the start, four requests and the cancel
-  EXPECT_EQ(error, "Operação cancelada.");
-  EXPECT_EQ(busy, "+-");
-  EXPECT_EQ(rows(), 0);
-  one->Post({{"do", "click"}, {"control", "BitBtn29"}});
-  one->Post({{"do", "read"}, {"control", "TbRelatorio"}});
-  until(8);
-  EXPECT_EQ(rows(), 3);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include "host/schema/check.h"
 #include "host/schema/schema.h"
 #include "host/schema/tables.h"
-#include "tests/schema/fixture.h"
+#include "tests/support/desk_test.h"
 #include "toolkit/text.h"
 
 namespace orv::test {
@@ -76,18 +76,15 @@ TEST_F(Demo, HasEveryKindOfThing) {
   EXPECT_NEAR(static_cast<double>(Count("CONTACOR_001")), 4000, 200);
   EXPECT_NEAR(static_cast<double>(Count("CONTACOR_002")), 800, 60);
   EXPECT_NEAR(static_cast<double>(Count("RECEBER_001") + Count("PAGTO_001")), 800, 80);
-  for (const char* kind : {"L", "TR", "P", "R", "CH", "LJ"})
-    EXPECT_GT(Count(std::string("CONTACOR_001 WHERE TIPO = '") + kind + "'"), 0) << kind;
-  for (const char* situation : {"S", "N", "C"})
-    EXPECT_GT(Count(std::string("CONTACOR_001 WHERE PENDENTE = '") + situation + "'"), 0) << situation;
-  for (const char* state :
-       {"TIPO = 'P' AND STATUS = 'P'", "TIPO = 'P' AND STATUS = 'B'", "TIPO = 'P' AND STATUS = 'C'",
-        "TIPO = 'R' AND STATUS = 'P'", "TIPO = 'R' AND STATUS = 'B'", "TIPO = 'R' AND STATUS = 'D'"})
-    EXPECT_GT(Count(std::string("CHEQUE_PRE_001 WHERE ") + state), 0) << state;
-  for (const char* status : {"N", "O", "A", "CH"})
-    EXPECT_GT(Count(std::string("RECEBER_001 WHERE STATUS = '") + status + "'"), 0) << status;
-  EXPECT_GT(Count("EXTRATO_001 WHERE CONCILIADO = 'N'"), 0);
-  EXPECT_GT(Count("EXTRATO_001 WHERE CONCILIADO = 'S'"), 0);
+  const auto each = [](const std::string& table, std::initializer_list<const char*> values) {
+    for (const char* value : values) EXPECT_GT(Count(table + "'" + value + "'"), 0) << table << value;
+  };
+  each("CONTACOR_001 WHERE TIPO = ", {"L", "TR", "P", "R", "CH", "LJ"});
+  each("CONTACOR_001 WHERE PENDENTE = ", {"S", "N", "C"});
+  each("CHEQUE_PRE_001 WHERE TIPO = 'P' AND STATUS = ", {"P", "B", "C"});
+  each("CHEQUE_PRE_001 WHERE TIPO = 'R' AND STATUS = ", {"P", "B", "D"});
+  each("RECEBER_001 WHERE STATUS = ", {"N", "O", "A", "CH"});
+  each("EXTRATO_001 WHERE CONCILIADO = ", {"N", "S"});
   EXPECT_GT(
       Count("PEDIDO_001 P INNER JOIN RECEBER_001 R ON (R.PEDIDO = P.NUMERO) WHERE P.ID_TRANSACAO > '' AND "
             "R.VALOR2 > R.VALOR_PAGO + R.DESCONTO"),
@@ -102,38 +99,32 @@ TEST_F(Demo, HasEveryKindOfThing) {
 
 TEST_F(Demo, AddsUp) {
   // The master row of an account holds its settled balance.
-  EXPECT_EQ(
-      Count(
-          "CADCONTA_001 C WHERE C.SALDO <> (SELECT SUM(CASE WHEN M.OPERACAO = '+' THEN M.VALOR ELSE -M.VALOR "
-          "END) FROM CONTACOR_001 M WHERE M.CONTA = C.CONTA AND M.PENDENTE <> 'S')"),
-      0);
+  EXPECT_EQ(Count("CADCONTA_001 C WHERE C.SALDO <> (SELECT SUM(CASE WHEN M.OPERACAO = '+' THEN M.VALOR ELSE "
+                  "-M.VALOR END) FROM CONTACOR_001 M WHERE M.CONTA = C.CONTA AND M.PENDENTE <> 'S')"),
+            0);
   // A cheque is what it pays.
   EXPECT_EQ(
-      Count(
-          "CHEQUE_PRE_001 C WHERE C.TIPO = 'P' AND C.STATUS <> 'C' AND C.VALOR <> (SELECT SUM(D.VALOR) FROM "
-          "CHEQUE_DUP_001 D WHERE D.BANCO = C.BANCO AND D.CONTA = C.CONTA AND D.NUMERO = C.NUMERO)"),
+      Count("CHEQUE_PRE_001 C WHERE C.TIPO = 'P' AND C.STATUS <> 'C' AND C.VALOR <> (SELECT SUM(D.VALOR) "
+            "FROM CHEQUE_DUP_001 D WHERE D.BANCO = C.BANCO AND D.CONTA = C.CONTA AND D.NUMERO = C.NUMERO)"),
       0);
   // Cost centres share out the entry that they hang from.
   EXPECT_EQ(Text("SELECT SUM(A.VALOR) - (SELECT SUM(R.VALOR_RAT) FROM CENTRO_RATEIO_001 R) FROM CONTABIL_001 "
-                 "A WHERE "
-                 "EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
+                 "A WHERE EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
             "0,00");
   // Rules share out the whole.
-  EXPECT_EQ(
-      Count("(SELECT CODIGO, CONTA FROM CONT_RATEIO_001 GROUP BY CODIGO, CONTA HAVING ABS(SUM(PERC_CCUSTO) - "
-            "100) > 0.001)"),
-      0);
-  EXPECT_EQ(
-      Count("(SELECT CODIGO FROM (SELECT DISTINCT CODIGO, CONTA, PERC_CONTA FROM CONT_RATEIO_001) GROUP BY "
-            "CODIGO HAVING ABS(SUM(PERC_CONTA) - 100) > 0.001)"),
-      0);
+  EXPECT_EQ(Count("(SELECT CODIGO, CONTA FROM CONT_RATEIO_001 GROUP BY CODIGO, CONTA HAVING "
+                  "ABS(SUM(PERC_CCUSTO) - 100) > 0.001)"),
+            0);
+  EXPECT_EQ(Count("(SELECT CODIGO FROM (SELECT DISTINCT CODIGO, CONTA, PERC_CONTA FROM CONT_RATEIO_001) "
+                  "GROUP BY CODIGO HAVING ABS(SUM(PERC_CONTA) - 100) > 0.001)"),
+            0);
 }
 
 TEST(DemoOptionsTest, OutOfRangeIsRefused) {
   TempDatabase db;
-  EXPECT_EQ(Refusal([&] { MakeDemo(*db, {0, kDay, 2}); }), "A escala da demonstração vai de 1 a 1000.");
-  EXPECT_EQ(Refusal([&] { MakeDemo(*db, {1, kDay, 10}); }), "A demonstração tem de 1 a 9 empresas.");
-  EXPECT_EQ(Refusal([&] {
+  EXPECT_EQ(ErrorOf([&] { MakeDemo(*db, {0, kDay, 2}); }), "A escala da demonstração vai de 1 a 1000.");
+  EXPECT_EQ(ErrorOf([&] { MakeDemo(*db, {1, kDay, 10}); }), "A demonstração tem de 1 a 9 empresas.");
+  EXPECT_EQ(ErrorOf([&] {
               MakeDemo(*db, {1, Date(), 2});
             }),
             "A data da demonstração deve estar entre 1990 e 2190.");
@@ -152,12 +143,16 @@ TEST(DemoOptionsTest, EveryDayAndCompanyGivesSoundData) {
 TEST_F(Demo, CheckFindsNothing) { EXPECT_EQ(CheckData(Db()), std::vector<std::string>{}); }
 
 TEST_F(Demo, CheckFindsEachContradiction) {
-  const std::string movement =
-      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, LANC_CON, TIPO, "
-      "DT_LAN, DT_CONT, DT_VENCTO) VALUES ";
-  const std::string days = "'11/20/2026', '11/20/2026', '11/20/2026')";
-  const std::string good = "'10250-1', 10, '+', '1101', 'N', '', 'L', " + days;
-  const std::string line = "INSERT INTO EXTRATO_001 (LANCTO, CONTA, VALOR, OPERACAO, DT_CONT, CONCILIADO";
+  const Date day = kDay;
+  // A movement that stands on its own, but for one thing.
+  const auto movement = [&](Movimento m) {
+    for (Cell* date : {&m.dt_lan, &m.dt_cont, &m.dt_vencto}) *date = day;
+    return Insert(m);
+  };
+  const auto line = [&](const char* conciliado, Cell lanc_con = {}) {
+    return Insert(Extrato{
+        .lancto = "0", .dt_cont = day, .operacao = "C", .conciliado = conciliado, .lanc_con = lanc_con});
+  };
   const std::string tied = Text("SELECT FIRST 1 LANC_CON FROM EXTRATO_001 WHERE CONCILIADO = 'S'");
   const std::string paid =
       Text("SELECT FIRST 1 NUMERO FROM RECEBER_001 WHERE STATUS = 'N' AND VALOR_PAGO = VALOR2");
@@ -170,35 +165,31 @@ TEST_F(Demo, CheckFindsEachContradiction) {
     std::vector<std::string> plant;
     std::string found;
   } cases[] = {
-      {{movement + "(\'000000\', \'X\', '999', 10, \'+\', '1101', \'N\', \'\', \'L\', " + days},
+      {{movement({.lancamento = "000000", .conta = "999"})},
        "lançamento 000000: a conta \"999\" não existe."},
-      {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '9999', \'N\', \'\', \'L\', " + days},
+      {{movement({.lancamento = "000000", .grupo = "9999"})},
        "lançamento 000000: a classe \"9999\" não existe."},
-      {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '11', \'N\', \'\', \'L\', " + days},
+      {{movement({.lancamento = "000000", .grupo = "11"})},
        "lançamento 000000: a classe \"11\" é do tipo título."},
-      {{movement + "('000000', 'X', " + good, movement + "('000000', 'X', " + good},
-       "lançamento 000000, documento \"X\", conta \"10250-1\", operação \"+\": gravado 2 vezes."},
+      {{movement({.lancamento = "000000"}), movement({.lancamento = "000000"})},
+       "lançamento 000000, documento \"1\", conta \"10250-1\", operação \"-\": gravado 2 vezes."},
       {{"DELETE FROM CONTACOR_001 WHERE LANCAMENTO = " + Quote(transfer) + " AND OPERACAO = '+'",
         // What the deleted side was tied to goes with it.
         "UPDATE EXTRATO_001 E SET CONCILIADO = 'N', LANC_CON = '' WHERE CONCILIADO = 'S' AND NOT EXISTS "
-        "(SELECT 1 FROM "
-        "CONTACOR_001 M WHERE M.LANC_CON = E.LANC_CON)"},
+        "(SELECT 1 FROM CONTACOR_001 M WHERE M.LANC_CON = E.LANC_CON)"},
        "transferência " + transfer + ": a saída e a entrada não se igualam."},
-      {{movement + "(\'000000\', \'X\', '10250-1', 10, \'+\', '1101', \'S\', \'7\', \'L\', " + days},
+      {{movement({.lancamento = "000000", .pendente = "S", .lanc_con = "7"})},
        "lançamento 000000: pendente, mas com a conciliação 7."},
-      {{line + ") VALUES ('0', '10250-1', 1, 'C', '11/20/2026', 'S')"},
-       "linha de extrato 0 da conta 10250-1: conciliada sem número de conciliação."},
-      {{line + ", LANC_CON) VALUES ('0', '10250-1', 1, 'C', '11/20/2026', 'S', '5')"},
-       "linha de extrato 0: nenhum lançamento da conta 10250-1 tem a conciliação 5."},
-      {{line + ", LANC_CON) VALUES ('0', '10250-1', 1, 'C', '11/20/2026', 'N', '5')"},
-       "linha de extrato 0: não conciliada, mas com a conciliação 5."},
+      {{line("S")}, "linha de extrato 0 da conta 10250-1: conciliada sem número de conciliação."},
+      {{line("S", "5")}, "linha de extrato 0: nenhum lançamento da conta 10250-1 tem a conciliação 5."},
+      {{line("N", "5")}, "linha de extrato 0: não conciliada, mas com a conciliação 5."},
       {{"UPDATE EXTRATO_001 SET VALOR = VALOR + 0.01 WHERE LANC_CON = " + Quote(tied)},
        "conciliação " + tied + " da"},
       {{"UPDATE RECEBER_001 SET VALOR_PAGO = VALOR_PAGO - 0.01 WHERE NUMERO = " + Quote(paid)},
        "título a receber " + paid + ": pago"},
       {{"UPDATE RECEBER_001 SET DESCONTO = 0.01 WHERE NUMERO = " + Quote(paid)},
        "título a receber " + paid + ": baixado além do valor, saldo -0,01."},
-      {{"INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO, DT_PAGTO) VALUES ('X', '000001', '11/20/2026')"},
+      {{Insert(Receberb{.numero = "X", .dt_pagto = day})},
        "baixa do lançamento 000001: o título a receber X não existe."},
       {{"UPDATE RECEBERB_001 SET LANCAMENTO = 'X' WHERE NUMERO = " + Quote(paid)},
        "baixa do título a receber " + paid + ": o lançamento X não existe."},
@@ -214,8 +205,7 @@ TEST_F(Demo, CheckFindsEachContradiction) {
        "baixa do título a pagar " + bill + ": o lançamento X não existe."},
       {{"UPDATE PAGTO_001 SET NUM_OS = '2' WHERE NUM_AP = " + Quote(bill)},
        "título a pagar " + bill + ": a classe \"2\" é do tipo título."},
-      {{"INSERT INTO CHEQUE_PRE_001 (CHAVE, NUMERO, STATUS, TIPO, EMISSAO, VENCIMENTO) VALUES ('X', "
-        "'000777', 'D', 'R', '11/20/2026', '11/20/2026')"},
+      {{Insert(Cheque{.chave = "X", .numero = "000777", .emissao = day, .vencimento = day, .status = "D"})},
        "cheque 000777: o lançamento X não existe."},
       {{"UPDATE CHEQUE_PRE_001 SET STATUS = 'C' WHERE CHAVE = " + Quote(cleared)},
        "cancelado, mas o lançamento " + cleared + " continua."},
@@ -225,10 +215,9 @@ TEST_F(Demo, CheckFindsEachContradiction) {
        "lançamento " + cleared + ": baixado sem data de baixa."},
       {{"UPDATE CHEQUE_PRE_001 SET VALOR = VALOR + 1 WHERE CHAVE = " + Quote(cleared)},
        "o lançamento " + cleared + " é de"},
-      {{"INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR, CONTA_C, CONTA_D, DATA) VALUES ('X', 1, '0', '0', "
-        "'11/20/2026')"},
+      {{Insert(Partida{.lancamento = "X", .conta_c = "0", .conta_d = "0", .data = day})},
        "contabilização X: não há lançamento nem conciliação com este número."},
-      {{movement + "('9999999', 'X', " + good}, "numeração de CONTACOR.LANCAMENTO: está em "},
+      {{movement({.lancamento = "9999999"})}, "numeração de CONTACOR.LANCAMENTO: está em "},
   };
   for (const auto& c : cases) {
     for (const std::string& sql : c.plant) EXPECT_GT(Db().Execute(sql), 0) << sql;
@@ -249,9 +238,8 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
   // Movements by hand without accounting, each for one corruption.
   const auto hands = Db().Rows(
       "SELECT FIRST 12 LANCAMENTO, CONTA FROM CONTACOR_001 M WHERE TIPO = 'L' AND PENDENTE = 'N' AND "
-      "LANC_CON = "
-      "'' AND NOT EXISTS (SELECT 1 FROM CONTABIL_001 A WHERE A.LANCAMENTO = M.LANCAMENTO) AND HISTORICO <> "
-      "'018' ORDER BY 1");
+      "LANC_CON = '' AND NOT EXISTS (SELECT 1 FROM CONTABIL_001 A WHERE A.LANCAMENTO = M.LANCAMENTO) AND "
+      "HISTORICO <> '018' ORDER BY 1");
   std::size_t next = 0;
   std::vector<std::pair<std::string, std::string>> cases;
   const auto hand = [&](const std::string& change, const std::string& found) {
@@ -288,26 +276,24 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
                     other = Text("SELECT MAX(ARQUIVO) FROM EXTRATO_001");
   const auto import = [](const std::string& from, const std::string& to) {
     return "INSERT INTO EXTRATO_001 SELECT 'X' || LANCTO, BANCO, CONTA, DOCTO, DT_CONT, DT_ARQ, VALOR, "
-           "OPERACAO, "
-           "OBSERVACAO, " +
+           "OPERACAO, OBSERVACAO, " +
            Quote(to) + ", CHAVE, 'N', '' FROM EXTRATO_001 WHERE ARQUIVO = " + Quote(from);
   };
   cases.emplace_back(import(file, file), "arquivo \"" + file + "\" da conta");
   cases.emplace_back(import(other, "outro.ofx"), "são o mesmo extrato com dois nomes.");
   cases.emplace_back(
       "UPDATE EXTRATO_001 SET CONTA = NULL WHERE LANCTO = (SELECT MAX(LANCTO) FROM EXTRATO_001 WHERE LANCTO "
-      "< 'X' "
-      "AND CONCILIADO = 'N' AND ARQUIVO <> " +
+      "< 'X' AND CONCILIADO = 'N' AND ARQUIVO <> " +
           Quote(other) + ")",
       "a conta \"\" não existe.");
   const auto entry = [&](const std::string& which) {
     return Text("SELECT FIRST 1 SKIP 3 LANCAMENTO FROM CONTABIL_001 A WHERE " + which + " ORDER BY 1");
   };
-  const std::string by_hand = entry(
-                        "ORIGEM = 'CC' AND EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = "
-                        "A.LANCAMENTO)"),
-                    clearing = entry("CODIGO = '000' AND ORIGEM = 'CC'"), bills = entry("ORIGEM = 'PP'"),
-                    moved = entry("CODIGO = '000-00'");
+  const std::string
+      by_hand = entry(
+          "ORIGEM = 'CC' AND EXISTS (SELECT 1 FROM CENTRO_RATEIO_001 R WHERE R.LANCAMENTO = A.LANCAMENTO)"),
+      clearing = entry("CODIGO = '000' AND ORIGEM = 'CC'"), bills = entry("ORIGEM = 'PP'"),
+      moved = entry("CODIGO = '000-00'");
   const std::string change = "UPDATE CONTABIL_001 SET ";
   cases.emplace_back(change + "VALOR = VALOR + 0.02 WHERE LANCAMENTO = " + Quote(moved),
                      "contabilização " + moved + ": soma");
@@ -329,16 +315,16 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
       "UPDATE CHEQUE_PRE_001 SET STATUS = 'P', DT_BAIXA = NULL WHERE CHAVE = " + Quote(cleared),
       "pendente, mas o lançamento " + cleared + " está baixado.");
   cases.emplace_back(
-      "UPDATE CHEQUE_PRE_001 SET STATUS = 'X' WHERE CHAVE = (SELECT MAX(CHAVE) FROM CHEQUE_PRE_001 "
-      "WHERE STATUS = 'C')",
+      "UPDATE CHEQUE_PRE_001 SET STATUS = 'X' WHERE CHAVE = (SELECT MAX(CHAVE) FROM CHEQUE_PRE_001 WHERE "
+      "STATUS = 'C')",
       "situação \"X\" desconhecida.");
   cases.emplace_back(
       "INSERT INTO CHEQUE_PRE_001 SELECT * FROM CHEQUE_PRE_001 WHERE CHAVE = (SELECT MAX(CHAVE) FROM "
       "CHEQUE_PRE_001 WHERE STATUS = 'B')",
       "gravado 2 vezes.");
   cases.emplace_back(
-      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA) SELECT 'Ana', 'ana' FROM RDB$DATABASE WHERE NEXT VALUE "
-      "FOR SQ_AUDITORIA_ID > 0",
+      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA) SELECT 'Ana', 'ana' FROM RDB$DATABASE WHERE NEXT VALUE FOR "
+      "SQ_AUDITORIA_ID > 0",
       "Auditoria: está vazia");
   for (const auto& [sql, found] : cases) EXPECT_GT(Db().Execute(sql), 0) << sql;
   const std::vector<std::string> lines = CheckData(Db());
@@ -358,27 +344,27 @@ TEST_F(Demo, CheckSparesWhatOnlyLooksWrong) {
   Db().Execute("INSERT INTO CHEQUE_PRE_002 SELECT * FROM CHEQUE_PRE_001 WHERE CHAVE = " + Quote(cheque));
   const std::string order =
       Text("SELECT FIRST 1 NUMERO FROM RECEBER_001 WHERE PEDIDO > '' AND VALOR_PAGO = 0");
-  Db().Execute("INSERT INTO RECEBERB_001 (NUMERO, LANCAMENTO, VALOR_PAGO, JUROS, DT_PAGTO) VALUES (" +
-               Quote(order) + ", '0000X', 0, 12, '11/20/2026')");
+  Db().Execute(Insert(
+      Receberb{.numero = order, .lancamento = "0000X", .dt_pagto = kDay, .valor_pago = 0, .juros = 12}));
   Db().Execute(
-      "INSERT INTO CONTABIL_001 (LANCAMENTO, VALOR, CONTA_C, CONTA_D, DATA) VALUES ('0000X', 12, '0', '0', "
-      "'11/20/2026')");
-  const std::string movement =
-      "INSERT INTO CONTACOR_001 (LANCAMENTO, DOCTO, CONTA, VALOR, OPERACAO, GRUPO, PENDENTE, TIPO, DT_LAN, "
-      "DT_CONT, DT_VENCTO) VALUES ";
-  const std::string days = "'11/20/2026', '11/20/2026', '11/20/2026')";
-  Db().Execute(movement + "('A-1', 'X', '10250-1', 1, '+', '1101', 'N', 'L', " + days);
+      Insert(Partida{.lancamento = "0000X", .conta_c = "0", .conta_d = "0", .valor = 12, .data = kDay}));
+  Movimento other{.lancamento = "A-1", .dt_lan = kDay, .dt_cont = kDay, .dt_vencto = kDay};
+  Db().Execute(Insert(other));
   // A quick entry that took an older one's place on another account; a cheque presented again, whose return
   // stands under its number; a cheque issued on a movement that isn't pending.
-  for (const char* row : {"'10250-1', 5, '+'", "'10250-1', 5, '-'", "'CAIXA', 5, '+'"})
-    Db().Execute(movement + "('A-2', 'X', " + row + ", '1101', 'S', 'L', " + days);
+  other.lancamento = "A-2";
+  other.pendente = "S";
+  for (const auto& [conta, operacao] : {std::pair(kConta, "+"), {kConta, "-"}, {"CAIXA", "+"}}) {
+    other.conta = conta;
+    other.operacao = operacao;
+    Db().Execute(Insert(other));
+  }
   Db().Execute(
       "UPDATE CHEQUE_PRE_001 C SET STATUS = 'P' WHERE STATUS = 'D' AND EXISTS (SELECT 1 FROM CONTACOR_001 M "
       "WHERE M.DOCTO = C.NUMERO AND M.HISTORICO = '018')");
   Db().Execute(
       "UPDATE CONTACOR_001 SET PENDENTE = 'N' WHERE LANCAMENTO = (SELECT MIN(CHAVE) FROM CHEQUE_PRE_001 "
-      "WHERE "
-      "STATUS = 'P' AND TIPO = 'P')");
+      "WHERE STATUS = 'P' AND TIPO = 'P')");
   EXPECT_EQ(CheckData(Db()), std::vector<std::string>{});
 }
 

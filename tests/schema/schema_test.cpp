@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/schema/tables.h"
-#include "tests/schema/fixture.h"
-#include "tests/schema/statements.h"
+#include "tests/support/desk_test.h"
 
 namespace orv::test {
 namespace {
@@ -16,12 +15,12 @@ bool Exists(Attachment& db, const std::string& table) {
 TEST(Schema, IsMadeOnceAndGrowsByCompanies) {
   TempDatabase db;
   EXPECT_EQ(SchemaVersion(*db), 0);
-  EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }), "O banco de dados não contém o esquema desta mesa.");
-  EXPECT_EQ(Refusal([&] { UpgradeSchema(*db); }), "O banco de dados não contém o esquema desta mesa.");
+  EXPECT_EQ(ErrorOf([&] { RequireCurrentSchema(*db); }), "O banco de dados não contém o esquema desta mesa.");
+  EXPECT_EQ(ErrorOf([&] { UpgradeSchema(*db); }), "O banco de dados não contém o esquema desta mesa.");
 
   CreateSchema(*db, {{"_001", "Casa d'Água Ltda", "Lajeado"}});
   RequireCurrentSchema(*db);
-  EXPECT_EQ(Refusal([&] { CreateSchema(*db, {}); }), "O banco de dados já contém um esquema.");
+  EXPECT_EQ(ErrorOf([&] { CreateSchema(*db, {}); }), "O banco de dados já contém um esquema.");
   EXPECT_EQ(db->Scalar("SELECT EMP_NOME FROM EMPRESA WHERE EMP_PAT = '_001'").Text(), "Casa d'Água Ltda");
   EXPECT_EQ(
       db->Scalar("SELECT VALOR FROM PARAMETRO WHERE EMP_PAT = '' AND GRUPO = 'FIN' AND NUMERO = 110").Text(),
@@ -43,7 +42,7 @@ TEST(Schema, IsMadeOnceAndGrowsByCompanies) {
       {{"_001", "X", ""}, "A empresa _001 já existe."},
   };
   for (const auto& [company, message] : refusals)
-    EXPECT_EQ(Refusal([&] { AddCompany(*db, company); }), message) << company.emp_pat;
+    EXPECT_EQ(ErrorOf([&] { AddCompany(*db, company); }), message) << company.emp_pat;
 
   AddCompany(*db, {"_002", "Segunda", ""});
   EXPECT_EQ(CompanySuffixes(*db), (std::vector<std::string>{"_001", "_002"}));
@@ -61,7 +60,7 @@ TEST(Schema, CompanyIsAddedWholeOrNotAtAll) {
   TempDatabase db;
   CreateSchema(*db, {{"_001", "Primeira", ""}});
   db->ExecuteDdl("CREATE TABLE TECEL_ITEN_002 (X INTEGER)");
-  EXPECT_FALSE(Refusal([&] { AddCompany(*db, {"_002", "Segunda", ""}); }).empty());
+  EXPECT_FALSE(ErrorOf([&] { AddCompany(*db, {"_002", "Segunda", ""}); }).empty());
   EXPECT_EQ(CompanySuffixes(*db), std::vector<std::string>{"_001"});
   EXPECT_FALSE(Exists(*db, "CONTACOR_002"));
   db->ExecuteDdl("DROP TABLE TECEL_ITEN_002");
@@ -87,7 +86,7 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = 1");
   db->CommitRetaining();
   const std::string needs = ", e esta mesa precisa da versão " + std::to_string(kSchemaVersion) + ". ";
-  EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }),
+  EXPECT_EQ(ErrorOf([&] { RequireCurrentSchema(*db); }),
             "O banco de dados é da versão 1" + needs + "Execute \"orvcc upgrade\".");
   UpgradeSchema(*db);
   RequireCurrentSchema(*db);
@@ -104,8 +103,8 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = " + later);
   db->CommitRetaining();
   const std::string newer = "O banco de dados é da versão " + later + needs + "Atualize o programa.";
-  EXPECT_EQ(Refusal([&] { RequireCurrentSchema(*db); }), newer);
-  EXPECT_EQ(Refusal([&] { UpgradeSchema(*db); }), newer);
+  EXPECT_EQ(ErrorOf([&] { RequireCurrentSchema(*db); }), newer);
+  EXPECT_EQ(ErrorOf([&] { UpgradeSchema(*db); }), newer);
 }
 
 TEST(Schema, HostTablesKeepTheirPromises) {
@@ -114,7 +113,7 @@ TEST(Schema, HostTablesKeepTheirPromises) {
   const std::string user =
       "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA, NOME, SENHA) VALUES ('Ana', 'ana', 'Ana', 'x')";
   db->Execute(user);
-  EXPECT_FALSE(Refusal([&] { db->Execute(user); }).empty());
+  EXPECT_FALSE(ErrorOf([&] { db->Execute(user); }).empty());
   db->Execute(
       "INSERT INTO AUDITORIA (ID, LOGIN, EMP_PAT, AREA, TEXTO, OPERACAO, CHAVE) VALUES (NEXT VALUE FOR "
       "SQ_AUDITORIA_ID, 'Ana', '_001', 'A', 'T', 3, 'K')");
@@ -152,35 +151,6 @@ TEST(Schema, Functions) {
   for (const auto& c : cases)
     EXPECT_EQ(db->Scalar(std::string("SELECT ") + c.call + " FROM RDB$DATABASE").Neutral(), c.result)
         << c.call;
-}
-
-// The statements of the screens to come run in each company; what they write is taken back.
-TEST(Schema, RunsTheStatementsOfScreensToCome) {
-  TempDatabase db;
-  CreateSchema(*db, {{"_001", "Primeira", ""}, {"_002", "Segunda", ""}});
-  for (const char* company : {"_001", "_002"}) {
-    for (const std::string_view statement : Statements()) {
-      const std::string sql = ForCompany(statement, company);
-      const std::string refusal = Refusal([&] {
-        if (sql.starts_with("SELECT"))
-          db->Rows(sql);
-        else
-          db->Execute(sql);
-      });
-      EXPECT_EQ(refusal, "") << sql;
-      db->Rollback();
-    }
-  }
-  // A payable without a batch, in either way of having none, meets the join by batch unharmed.
-  db->Execute("INSERT INTO PAGTO_001 (NUM_AP, VALOR, LOTE) VALUES ('1', 5, '')");
-  db->Execute("INSERT INTO PAGTO_001 (NUM_AP, VALOR, LOTE) VALUES ('2', 5, NULL)");
-  db->Execute("INSERT INTO PAGTO_001 (NUM_AP, VALOR, LOTE) VALUES ('3', 5, '000012')");
-  db->Execute("INSERT INTO BORDERO_001 (NUMERO, TIPO, CONTA) VALUES ('12', 'P', 'X')");
-  EXPECT_EQ(
-      db->Scalar("SELECT COUNT(BORDERO.CONTA) FROM PAGTO_001 PAGTO LEFT JOIN BORDERO_001 BORDERO ON "
-                 "(BORDERO.NUMERO = CAST(PAGTO.LOTE AS INTEGER) AND BORDERO.TIPO = 'P' AND PAGTO.LOTE > '0')")
-          .AsInteger(),
-      1);
 }
 
 }  // namespace

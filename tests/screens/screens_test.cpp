@@ -6,6 +6,7 @@
 #include "frame/screen.h"
 #include "host/services/session_services.h"
 #include "tests/support/desk_test.h"
+#include "tests/support/person.h"
 #include "toolkit/lookup.h"
 #include "toolkit/text.h"
 
@@ -13,31 +14,20 @@ namespace orv::test {
 namespace {
 
 // Answers what a screen asks while it is made and looked at: nothing, with no.
-class Nobody : public UserInterface {
+class Looker : public Nobody {
  public:
   Answer Message(MessageKind kind, std::string_view, std::string_view, Answer) override {
     return kind == MessageKind::Question ? Answer::No : Answer::Ok;
   }
-  void Note(NoteKind, std::string_view) override {}
-  std::optional<std::string> InputBox(std::string_view, std::string_view, std::string_view) override {
-    return std::nullopt;
-  }
   LookupChoice Choose(TPesquisa& lookup) override {
     if (on_list) on_list(lookup);
-    return std::nullopt;
+    return {};
   }
-  std::optional<std::string> OpenFile(std::string_view, std::string_view) override { return std::nullopt; }
-  bool ConfirmPosting(std::string_view, const std::vector<PostingLine>&) override { return false; }
-  void Detail(std::string_view, DataSet&) override {}
-  void Progress(int64_t, int64_t, std::string_view) override {}
-  void Busy(bool) override {}
   // A dialog is looked at as if it stood open.
   void RunModal(Form& form) override {
     auto& screen = dynamic_cast<Screen&>(form);
     screen.Owner().HandleShown(screen);
   }
-  void LaunchReport(const ReportLaunch&) override {}
-
   std::function<void(TPesquisa&)> on_list;
 };
 
@@ -85,7 +75,7 @@ class ScreensTest : public DeskTest {
     }
   }
 
-  Nobody user_;
+  Looker user_;
 };
 
 // A name as a programmer gives it: "Edit1", "BitBtn12".

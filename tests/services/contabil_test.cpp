@@ -12,20 +12,14 @@ namespace {
 class ContabilTest : public ServicesTest {
  protected:
   ContabilTest() {
-    for (const char* sql : {
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('020201', 'C', 'VF', '4.01', 100, '0001', 33.33)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('020201', 'C', 'VF', '4.01', 100, '0002', 33.33)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('020201', 'C', 'VF', '4.01', 100, '0003', 33.34)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('030301', 'C', 'VF', '4.01', 60, '0001', 100)",
-             "INSERT INTO CONT_RATEIO_001 (CODIGO, TIPO, TIPO_VAL, CONTA, PERC_CONTA, CCUSTO, PERC_CCUSTO) "
-             "VALUES ('030301', 'C', 'VF', '4.02', 20, '0002', 100)",
-         }) {
-      Run(sql);
-    }
+    const char* const shares[] = {"33.33", "33.33", "33.34"};
+    for (int i = 0; i < 3; ++i)
+      Put(RegraRateio{.codigo = "020201",
+                      .conta = "4.01",
+                      .ccusto = "000" + std::to_string(i + 1),
+                      .perc_ccusto = shares[i]});
+    Put(RegraRateio{.codigo = "030301", .conta = "4.01", .perc_conta = 60, .ccusto = "0001"});
+    Put(RegraRateio{.codigo = "030301", .conta = "4.02", .perc_conta = 20, .ccusto = "0002"});
   }
   std::string Shares() {
     return Sql(
@@ -137,9 +131,7 @@ TEST_F(ContabilTest, RulesThatAreWholeAskNothing) {
             "|1|4.01|000009|0001|CC|33.33|33.3300;|2|4.01|000009|0002|CC|33.33|33.3300;"
             "|3|4.01|000009|0003|CC|33.34|33.3500");
   // Again: replaced. A movement's own rows whose document reads the same stay.
-  Run("INSERT INTO CENTRO_RATEIO_001 (LANCAMENTO, NUMERO, TIPO, CENTROCUSTO) VALUES ('000001', '000009', "
-      "'CC', "
-      "'0009')");
+  Put(Rateio{.lancamento = "000001", .numero = "000009", .centrocusto = "0009", .tipo = "CC"});
   EXPECT_TRUE(Apportion("000009", "020201", 3));
   EXPECT_EQ(Sql("SELECT SUM(VALOR_RAT), COUNT(*) FROM CENTRO_RATEIO_001 WHERE LANCAMENTO = ''"), "0.0300|3");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM CENTRO_RATEIO_001"), "4");

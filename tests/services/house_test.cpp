@@ -28,7 +28,7 @@ TEST_F(HouseTest, ASessionNeedsAKnownUserAndCompany) {
 }
 
 TEST_F(HouseTest, UsersComeAndGoWithAnAuditLine) {
-  Audit audit(*main_->db, Clock(Date::ParseNeutral(kServicesToday)), "ana", "_001");
+  Audit audit(*main_->db, Clock(Date::ParseNeutral(kToday)), "ana", "_001");
   Users users(*main_->db, audit, PasswordCost::Least());
   EXPECT_EQ(ErrorOf([&] { users.Add({"LEO", "outro"}, "mesa clara 2026"); }), "O usuário \"LEO\" já existe.");
   EXPECT_NE(ErrorOf([&] { users.Add({"dois nomes", ""}, "mesa clara 2026"); }), "");
@@ -117,19 +117,18 @@ TEST_F(HouseTest, NumbersAreNeverGivenTwice) {
 
   // Rows put in by other means are stepped over, a whole block of them too.
   for (int n = 4; n < 60; ++n) {
-    Run("INSERT INTO CONTACOR_001 (LANCAMENTO) VALUES ('" + std::string(n < 10 ? "00000" : "0000") +
-        std::to_string(n) + "')");
+    Put(Movimento{.lancamento = std::string(n < 10 ? "00000" : "0000") + std::to_string(n)});
   }
   const std::string next = Funcoes().Proximo("CONTACOR", "LANCAMENTO", 6, true);
   EXPECT_GE(next, "000060");
   EXPECT_LE(next, "000130");
 
   // A sequence never used starts above what is there, but a lone number at the end doesn't use up the range.
-  Run("INSERT INTO EXTRATO_001 (LANCTO) VALUES ('004711')");
-  Run("INSERT INTO EXTRATO_001 (LANCTO) VALUES ('12X')");
+  Put(Extrato{.lancto = "004711"});
+  Put(Extrato{.lancto = "12X"});
   EXPECT_EQ(Funcoes().Proximo("EXTRATO", "LANCTO", 6, true), "004712");
-  Run("INSERT INTO CONTACOR_001 (DOCTO) VALUES ('99999999')");
-  Run("INSERT INTO CONTACOR_001 (DOCTO) VALUES ('00000002')");
+  Put(Movimento{.docto = "99999999"});
+  Put(Movimento{.docto = "00000002"});
   EXPECT_EQ(Funcoes().Proximo("CONTACOR", "DOCTO", 8, true), "00000003");
 
   // Another column gets its sequence on first use, without a commit of what the session wrote.
@@ -176,15 +175,15 @@ TEST_F(HouseTest, ANumberIsFreeInEveryColumnOfItsKind) {
     EXPECT_EQ(next, last + 2) << held.table << "." << held.column;
     last = next;
   }
-  Run("INSERT INTO PAGTO1_001 (LANCAMENTO) VALUES ('" + padded(last + 2) + "')");
+  Put(Pagto1{.lancamento = padded(last + 2)});
   const std::vector<std::string> many = Funcoes().Proximos("CONTACOR", "LANCAMENTO", 6, true, 3);
   EXPECT_EQ(many, (std::vector<std::string>{padded(last + 1), padded(last + 3), padded(last + 4)}));
 
   // Companies that share one of the tables meet there: they number together, and look at each other's rows.
   EXPECT_EQ(draw("_002"), 1);
-  Run("INSERT INTO COMPARTILHADA (TABELA, EMP_PAT) VALUES ('CONTABIL', '_001')");
+  Put(Compartilhada{.tabela = "CONTABIL", .emp_pat = "_001"});
   EXPECT_EQ(draw("_002"), last + 5);
-  Run("INSERT INTO CONTACOR_002 (LANCAMENTO) VALUES ('" + padded(last + 6) + "')");
+  Put(Movimento{.lancamento = padded(last + 6)}, "_002");
   EXPECT_EQ(draw("_001"), last + 7);
 }
 
@@ -205,8 +204,8 @@ TEST_F(HouseTest, HolidaysOfTheHouseMoveADate) {
 
 TEST_F(HouseTest, AuditLinesAreCutAndKept) {
   Funcoes().GeraLog("CONTACOR", std::string(1500, 'x') + "ç", TOperacaoLog::Processo, "000001'");
-  EXPECT_EQ(Sql("SELECT LOGIN, EMP_PAT, AREA, CHAR_LENGTH(TEXTO), OPERACAO, CHAVE FROM AUDITORIA "
-                "WHERE AREA = 'CONTACOR'"),
+  EXPECT_EQ(Sql("SELECT LOGIN, EMP_PAT, AREA, CHAR_LENGTH(TEXTO), OPERACAO, CHAVE FROM AUDITORIA WHERE AREA "
+                "= 'CONTACOR'"),
             "ana|_001|CONTACOR|1000|3|000001'");
 }
 
@@ -248,7 +247,7 @@ TEST_F(HouseTest, StatementsReachTheCompaniesTheyShould) {
 }
 
 TEST_F(HouseTest, SharedTablesStandOnce) {
-  Run("INSERT INTO COMPARTILHADA (TABELA, EMP_PAT) VALUES ('CADCONTA', '_002')");
+  Put(Compartilhada{.tabela = "CADCONTA", .emp_pat = "_002"});
   LoginAgain();
   EXPECT_EQ(Tabela().TabelasCompartilhadas(), std::vector<std::string>{"CADCONTA"});
   const std::string sql = "SELECT CONTA, '{}' AS EMP FROM {CADCONTA}";
@@ -256,8 +255,8 @@ TEST_F(HouseTest, SharedTablesStandOnce) {
   EXPECT_EQ(Sql(Funcoes().UnionTodasEmpresas(sql, "", true)), "333-3|_002");
   EXPECT_TRUE(Funcoes().Existe("CADCONTA", {{"CONTA", "333-3"}}));
   // A table of each company beside a shared one takes a branch each.
-  Run("INSERT INTO CONTACOR_001 (CONTA, VALOR) VALUES ('333-3', 10)");
-  Run("INSERT INTO CONTACOR_002 (CONTA, VALOR) VALUES ('333-3', 20)");
+  Put(Movimento{.conta = "333-3", .valor = "10"});
+  Put(Movimento{.conta = "333-3", .valor = "20"}, "_002");
   const std::string joined =
       "SELECT C.VALOR, '{}' AS EMP FROM {CONTACOR} C INNER JOIN {CADCONTA} A ON (A.CONTA = C.CONTA)";
   EXPECT_EQ(Sql(Funcoes().UnionTodasEmpresas(joined, "CONTACOR", true) + " ORDER BY 2"),
@@ -265,13 +264,12 @@ TEST_F(HouseTest, SharedTablesStandOnce) {
 }
 
 TEST_F(HouseTest, AUnionOfTooManyCompaniesIsRefusedBeforeTheEngineFails) {
-  for (int n = 3; n <= 260; ++n) {
-    Run("INSERT INTO EMPRESA (EMP_PAT, EMP_NOME) VALUES ('" +
-        std::string(n < 10    ? "_00"
-                    : n < 100 ? "_0"
-                              : "_") +
-        std::to_string(n) + "', 'x')");
-  }
+  const auto suffix = [](int n) { return "_" + std::to_string(1000 + n).substr(1); };
+  const auto many = [&] {
+    for (int n = 3; n <= 260; ++n)
+      Run("INSERT INTO EMPRESA (EMP_PAT, EMP_NOME) VALUES ('" + suffix(n) + "', 'x')");
+  };
+  many();
   EXPECT_EQ(
       ErrorOf([&] { Funcoes().UnionTodasEmpresas("SELECT 1 FROM {CADCONTA} A, {CADBAN} B", "", true); }),
       "A consulta de todas as empresas alcança no máximo 127 empresas, e há 260. Consulte uma empresa por "
@@ -281,8 +279,7 @@ TEST_F(HouseTest, AUnionOfTooManyCompaniesIsRefusedBeforeTheEngineFails) {
   const char* statements[] = {
       "SELECT CONTA FROM {CADCONTA}",
       "SELECT A.CONTA FROM {CADCONTA} A LEFT JOIN {CADBAN} B ON (A.BANCO = B.BANCO) WHERE EXISTS (SELECT 1 "
-      "FROM "
-      "{CONTACOR} C WHERE C.CONTA = A.CONTA)",
+      "FROM {CONTACOR} C WHERE C.CONTA = A.CONTA)",
       "SELECT CONTA, SUM(LIMITE) FROM {CADCONTA} GROUP BY CONTA",
       "SELECT SUM(A.LIMITE) FROM {CADCONTA} A INNER JOIN {CADBAN} B ON (A.BANCO = B.BANCO)",
       "SELECT X.CONTA FROM (SELECT CONTA, COUNT(*) AS N FROM {CADCONTA} GROUP BY CONTA) X",
@@ -295,19 +292,10 @@ TEST_F(HouseTest, AUnionOfTooManyCompaniesIsRefusedBeforeTheEngineFails) {
     }
     // The further companies have no tables: the first company's stand in for theirs.
     std::string text = Funcoes().UnionTodasEmpresas(sql, "", true);
-    for (int n = fits; n > 1; --n) {
-      const std::string suffix = std::string(n < 10 ? "_00" : n < 100 ? "_0" : "_") + std::to_string(n);
-      text = ReplaceAll(text, suffix, "_001");
-    }
+    for (int n = fits; n > 1; --n) text = ReplaceAll(text, suffix(n), "_001");
     EXPECT_EQ(ErrorOf([&] { main_->db->Rows(text); }), "") << sql << " x " << fits;
     main_->db->Rollback();
-    for (int n = 3; n <= 260; ++n) {
-      Run("INSERT INTO EMPRESA (EMP_PAT, EMP_NOME) VALUES ('" +
-          std::string(n < 10    ? "_00"
-                      : n < 100 ? "_0"
-                                : "_") +
-          std::to_string(n) + "', 'x')");
-    }
+    many();
   }
 }
 

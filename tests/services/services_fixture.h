@@ -5,27 +5,24 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <filesystem>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "frame/application.h"
 #include "frame/screen.h"
-#include "host/data/attachment.h"
 #include "host/services/session_services.h"
-#include "toolkit/user.h"
+#include "tests/support/desk_test.h"
+#include "tests/support/person.h"
 
 namespace orv::test {
 
-class ScriptedUser : public UserInterface {
+class ScriptedUser : public Nobody {
  public:
   Answer Message(MessageKind, std::string_view title, std::string_view text, Answer initial) override {
     messages.push_back(std::string(title) + ": " + std::string(text));
     return initial;
   }
-  void Note(NoteKind, std::string_view) override {}
   std::optional<std::string> InputBox(std::string_view, std::string_view, std::string_view value) override {
     proposals.emplace_back(value);
     if (inputs.empty()) return std::nullopt;
@@ -33,15 +30,11 @@ class ScriptedUser : public UserInterface {
     inputs.pop_front();
     return input;
   }
-  LookupChoice Choose(TPesquisa&) override { return std::nullopt; }
-  std::optional<std::string> OpenFile(std::string_view, std::string_view) override { return std::nullopt; }
   bool ConfirmPosting(std::string_view, const std::vector<PostingLine>& lines) override {
     posting = lines;
     ++confirmations;
     return confirms;
   }
-  void Detail(std::string_view, DataSet&) override {}
-  void Progress(int64_t, int64_t, std::string_view) override {}
   void Busy(bool on) override { busy += on ? "+" : "-"; }
   void RunModal(Form& form) override {
     ++modals;
@@ -60,13 +53,9 @@ class ScriptedUser : public UserInterface {
   std::vector<ReportLaunch> reports;
 };
 
-// Friday.
-constexpr const char* kServicesToday = "2026-11-20";
-
 class ServicesTest : public ::testing::Test {
  protected:
   ServicesTest();
-  ~ServicesTest() override;
 
   // Another session over the same database.
   struct Session {
@@ -79,10 +68,12 @@ class ServicesTest : public ::testing::Test {
   std::unique_ptr<Session> NewSession(const std::string& user = "ana",
                                       const std::string& company = "_001") const;
 
-  // Rows of a statement: values joined by "|", null as "-", rows by ";".
-  std::string Sql(std::string_view sql) { return SqlOf(*main_->db, sql); }
-  static std::string SqlOf(Attachment& db, std::string_view sql);
+  std::string Sql(std::string_view sql) { return RowsText(*main_->db, sql); }
   void Run(std::string_view sql) { main_->db->Execute(sql); }
+  template <class R>
+  void Put(const R& row, const std::string& company = "_001") {
+    Run(Insert(row, company));
+  }
 
   IFuncoes& Funcoes() { return main_->application.Funcoes(); }
   IContabil& Contabil() { return main_->application.Contabil(); }
@@ -93,12 +84,9 @@ class ServicesTest : public ::testing::Test {
   // Starts the session anew, as after a login.
   void LoginAgain(const std::string& user = "ana", const std::string& company = "_001");
 
-  std::filesystem::path folder_;
-  std::filesystem::path database_;
+  TempFolder folder_;
+  std::filesystem::path database_ = folder_.Path() / "house.fdb";
   std::unique_ptr<Session> main_;
 };
-
-// The text of the UserError that `act` raises, "" without one.
-std::string ErrorOf(const std::function<void()>& act);
 
 }  // namespace orv::test

@@ -51,8 +51,7 @@ TEST(AmountInWords, TellsEveryForm) {
       {200'000'000'100, "dois bilhões e um reais"},
       {99'999'999'999'999,
        "novecentos e noventa e nove bilhões novecentos e noventa e nove milhões novecentos e noventa e nove "
-       "mil "
-       "novecentos e noventa e nove reais e noventa e nove centavos"},
+       "mil novecentos e noventa e nove reais e noventa e nove centavos"},
   };
   for (const auto& c : cases) EXPECT_EQ(AmountInWords(c.cents), c.words) << c.cents;
   EXPECT_EQ(AmountInWords(100'000, ThousandForm::Plain), "mil reais");

@@ -9,6 +9,7 @@
 #include "host/schema/demo.h"
 #include "host/services/audit.h"
 #include "host/services/users.h"
+#include "toolkit/text.h"
 
 namespace orv::test {
 namespace {
@@ -45,6 +46,21 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
   std::error_code error;
   std::filesystem::remove_all(path_, error);
+}
+
+std::string RowsText(Attachment& db, std::string_view sql) {
+  std::string text;
+  for (const auto& row : db.Rows(sql)) text += (text.empty() ? "" : ";") + Joined(row);
+  return text;
+}
+
+std::string ErrorOf(const std::function<void()>& act) {
+  try {
+    act();
+  } catch (const UserError& error) {
+    return error.what();
+  }
+  return "";
 }
 
 void MakeTestDemo(const std::filesystem::path& file) {
@@ -124,6 +140,44 @@ std::string Desk::Messages() const {
   return text;
 }
 
+std::string Desk::Told() {
+  const std::string told = Messages();
+  Answer("ok");
+  return told;
+}
+
+std::string Desk::Refused(std::string_view control) {
+  const std::string told = control.empty() ? Told() : Told(control);
+  return told + " > " + FocusName();
+}
+
+void Desk::CloseAll() {
+  while (!State()["screens"].Items().empty()) Close();
+}
+
+void Desk::Fill(const Fields& fields) {
+  for (const auto& [control, value] : fields) {
+    Set(control, value);
+    CloseLists();
+  }
+}
+
+void Desk::CloseLists() {
+  while (End() == "waiting lookup") Do({{"do", "choose"}});
+}
+
+std::string Desk::Texts(std::initializer_list<const char*> controls) {
+  std::string text;
+  for (const char* control : controls) text += (control == *controls.begin() ? "" : "|") + Text(control);
+  return text;
+}
+
+std::string Desk::EnabledOf(std::initializer_list<const char*> controls) {
+  std::string text;
+  for (const char* control : controls) text += Enabled(control) ? "1" : "0";
+  return text;
+}
+
 std::string Desk::End() const {
   const Json& last = latest_.back();
   return last["on"].String() + (last["for"].IsNull() ? "" : " " + last["for"].String());
@@ -174,6 +228,10 @@ std::vector<Row> Desk::Read(const std::string& set) {
   return rows;
 }
 
+std::string Desk::Column(const std::string& set, const char* field) {
+  return std::string(Trim(ReplaceAll(Read(set, {field}), "\n", " ")));
+}
+
 std::string Desk::Read(const std::string& set, std::initializer_list<const char*> fields) {
   std::string text;
   for (const Row& row : Read(set)) {
@@ -190,11 +248,7 @@ Attachment& DeskTest::Db() {
 }
 
 std::string DeskTest::Sql(std::string_view sql) {
-  std::string text;
-  for (const auto& row : Db().Rows(sql)) {
-    if (!text.empty()) text += ";";
-    text += Joined(row);
-  }
+  std::string text = RowsText(Db(), sql);
   Db().CommitRetaining();
   return text;
 }
@@ -204,13 +258,73 @@ void DeskTest::Run(std::string_view sql) {
   Db().CommitRetaining();
 }
 
-void DeskTest::Store(const std::string& table, const Fields& fields) {
-  std::string names, values;
-  for (const auto& [name, value] : Row(fields.rbegin(), fields.rend())) {
-    names += (names.empty() ? "" : ", ") + name;
-    values += (values.empty() ? "" : ", ") + (value == "null" ? value : Quote(value));
+void DeskTest::Empty(std::string_view tables) {
+  for (const std::string& table : Split(tables, " ")) Db().Execute("DELETE FROM " + table);
+  Db().CommitRetaining();
+}
+
+std::string DeskTest::Tables(std::string_view tables) {
+  std::string text;
+  for (const std::string& table : Split(tables, " ")) {
+    std::vector<std::string> rows;
+    for (const auto& row : Db().Rows("SELECT * FROM " + table)) rows.push_back(Joined(row));
+    std::sort(rows.begin(), rows.end());
+    text += table + ":\n" + Join(rows, "\n") + "\n";
   }
-  Run("INSERT INTO " + table + " (" + names + ") VALUES (" + values + ")");
+  Db().CommitRetaining();
+  // What no reader could compare is told by a number.
+  if (text.size() > 20000) text = std::to_string(std::hash<std::string>()(text));
+  return text;
+}
+
+void DeskTest::Refuses(Desk& desk, const char* button, std::string_view tables,
+                       const std::vector<Refusal>& rules) {
+  const auto quiet = [&] {
+    while (desk.End() != "idle") desk.End() == "waiting lookup" ? desk.CloseLists() : void(desk.Answer("ok"));
+  };
+  for (const Refusal& rule : rules) {
+    SCOPED_TRACE(rule.message);
+    if (!rule.sql.empty()) Run(rule.sql);
+    if (rule.act) rule.act();
+    desk.Fill(rule.right);
+    const std::string before = Tables(tables);
+    desk.Click(button);
+    desk.CloseLists();
+    EXPECT_EQ(desk.Messages(), rule.message);
+    quiet();
+    if (!rule.focus.empty()) {
+      EXPECT_EQ(desk.FocusName(), rule.focus);
+    }
+    EXPECT_EQ(Tables(tables), before);
+  }
+}
+
+void DeskTest::Closed(Desk& desk, const char* button, const std::string& tipo, const std::string& conta) {
+  Put(Bloqueio{.tipo = tipo, .conta = conta});
+  EXPECT_EQ(desk.Told(button), tipo == "CX" ? "Período do caixa fechado até 20/11/2026."
+                                            : "Período fechado até 20/11/2026 para a conta " + conta + ".");
+  Run("DELETE FROM BLOQUEIO WHERE TIPO = '" + tipo + "'");
+}
+
+void DeskTest::Stoppable(std::string_view tables) {
+  Ddl("CREATE SEQUENCE G_PARADA");
+  Ddl("CREATE TABLE PARADA (ALVO BIGINT)");
+  Ddl("CREATE EXCEPTION E_PARADA 'stop here'");
+  for (const std::string& table : Split(tables, " ")) {
+    Ddl("CREATE TRIGGER T_" + table + " FOR " + table +
+        " AFTER INSERT OR UPDATE OR DELETE AS BEGIN IF (GEN_ID(G_PARADA, 1) = (SELECT ALVO FROM PARADA)) "
+        "THEN EXCEPTION E_PARADA; END");
+  }
+  Run("INSERT INTO PARADA (ALVO) VALUES (-1)");
+}
+
+void DeskTest::StopAt(int row) {
+  Run("UPDATE PARADA SET ALVO = " + (row < 0 ? "-1" : "GEN_ID(G_PARADA, 0) + 1 + " + std::to_string(row)));
+}
+
+std::string DeskTest::Written(const std::string& name, const std::string& bytes) {
+  std::ofstream(folder_.Path() / name, std::ios::binary) << bytes;
+  return name;
 }
 
 void DeskTest::Ddl(std::string_view sql) { Db().ExecuteDdl(sql); }

@@ -3,30 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/person.h"
 #include "toolkit/error.h"
 
 namespace orv {
 namespace {
 
 // Notes what a form asks.
-class Person : public UserInterface {
+class Person : public test::Nobody {
  public:
   Answer Message(MessageKind, std::string_view, std::string_view text, Answer) override {
     told.emplace_back(text);
     return Answer::Ok;
   }
-  void Note(NoteKind, std::string_view) override {}
-  std::optional<std::string> InputBox(std::string_view, std::string_view, std::string_view) override {
-    return {};
-  }
-  LookupChoice Choose(TPesquisa&) override { return {}; }
-  std::optional<std::string> OpenFile(std::string_view, std::string_view) override { return {}; }
-  bool ConfirmPosting(std::string_view, const std::vector<PostingLine>&) override { return false; }
-  void Detail(std::string_view, DataSet&) override {}
-  void Progress(int64_t, int64_t, std::string_view) override {}
-  void Busy(bool) override {}
-  void RunModal(Form&) override {}
-  void LaunchReport(const ReportLaunch&) override {}
   std::vector<std::string> told;
 };
 

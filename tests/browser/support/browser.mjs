@@ -86,6 +86,30 @@ export async function told(page, text) {
   await box.waitFor({ state: "detached" });
 }
 
+// A question, answered by a key and gone.
+export async function answered(page, text, key) {
+  const box = page.getByRole("alertdialog").or(page.getByRole("dialog")).first();
+  await box.getByText(text).first().waitFor();
+  await keys(page, key);
+  await box.waitFor({ state: "detached" });
+}
+
+// Chooses the one row of the ledger's own list that bears a document.
+export async function findMovement(page, document) {
+  await keys(page, "Alt+c");
+  await page.getByRole("dialog").waitFor();
+  await keys(page, document);
+  await page.getByText("1 linha").waitFor();
+  await keys(page, "Enter");
+  await shows(page, "Documento", document);
+}
+
+// Opens the ledger, ready to begin a movement.
+export async function openLedger(page) {
+  await openScreen(page, "corr", "Movimento de Contas Correntes");
+  await focusIs(page, "Incluir");
+}
+
 // The grid of a name in sight, and the rows that it shows once they are there, cells joined by "|".
 export const grid = (page, name) => page.getByRole("grid", { name, exact: true }).locator("visible=true");
 export async function rows(page, name) {

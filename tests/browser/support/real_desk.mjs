@@ -1,4 +1,4 @@
-// The desk itself on a demo company of its own, behind a link that can be slow or cut.
+// The desk itself on a demo company of its own, behind a link that can be slow.
 import assert from "node:assert/strict";
 import { execFileSync, spawn } from "node:child_process";
 import { existsSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
@@ -11,9 +11,9 @@ import { dist, enter, launch, root } from "./browser.mjs";
 
 const kProgram = process.env.ORVCC ?? ["debug", "release"].map((build) => join(root, "build", build, "bin", "orvcc")).find((path) => existsSync(path));
 
-// A link to the port `to` that holds what passes for `delay` milliseconds, and can be broken.
+// A link to the port `to` that holds what passes for `delay` milliseconds.
 async function startLink() {
-  const link = { delay: 0, open: true, port: 0, to: 0 };
+  const link = { delay: 0, port: 0, to: 0 };
   const sockets = new Set();
   const carry = (from, to) => {
     from.on("data", (bytes) => (link.delay === 0 ? to.write(bytes) : setTimeout(() => to.destroyed || to.write(bytes), link.delay)));
@@ -21,10 +21,6 @@ async function startLink() {
     from.on("error", () => to.destroy());
   };
   const server = createServer((near) => {
-    if (!link.open) {
-      near.destroy();
-      return;
-    }
     const far = connect(link.to, "127.0.0.1");
     for (const one of [near, far]) {
       sockets.add(one);
@@ -35,14 +31,9 @@ async function startLink() {
   });
   await new Promise((resolve) => server.listen(0, "127.0.0.1", resolve));
   link.port = server.address().port;
-  link.cut = () => {
-    link.open = false;
-    for (const one of sockets) one.destroy();
-  };
-  link.mend = () => (link.open = true);
   link.stop = () => {
-    link.cut();
     server.close();
+    for (const one of sockets) one.destroy();
   };
   return link;
 }

@@ -12,18 +12,8 @@ const kPolicy =
 
 export class SmallSession {
   constructor(id) {
-    this.id = id;
-    this.screens = [];
-    this.nextScreen = 1;
-    this.inbox = [];
-    this.wake = null;
-    this.out = () => {};
-    this.open = null; // the question that waits
-    this.last = { on: "idle" };
-    this.received = 0;
-    this.log = [];
-    this.cancelled = false;
-    this.uploads = new Map();
+    // `open` is the question that waits.
+    Object.assign(this, { id, screens: [], nextScreen: 1, inbox: [], wake: null, out: () => {}, open: null, last: { on: "idle" }, received: 0, log: [], cancelled: false, uploads: new Map() });
     void this.serve();
   }
   send(object) {
@@ -74,14 +64,8 @@ export class SmallSession {
   }
   message(kind, text, title, initial = "yes") {
     const question = kind === "question";
-    return this.ask("answer", {
-      on: "message",
-      kind,
-      title: title ?? this.top?.caption ?? "",
-      text,
-      buttons: question ? ["yes", "no"] : ["ok"],
-      default: question ? initial : "ok",
-    }).then((object) => object.value);
+    const buttons = question ? ["yes", "no"] : ["ok"];
+    return this.ask("answer", { on: "message", kind, title: title ?? this.top?.caption ?? "", text, buttons, default: question ? initial : "ok" }).then((object) => object.value);
   }
   show(name) {
     const screen = makeScreen(name, this, this.nextScreen++);

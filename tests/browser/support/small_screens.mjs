@@ -44,13 +44,16 @@ class SmallScreen {
     this.order.push(name);
     return name;
   }
+  button(name, caption, click, kind = "button") {
+    return this.add(name, kind, caption, { handlers: { click } });
+  }
   // A container with rows of names.
   hold(name, rows) {
     this.controls[name].rows = rows;
     return name;
   }
   node(name) {
-    const { rows, handlers, parent, ...properties } = this.controls[name];
+    const { rows, handlers, ...properties } = this.controls[name];
     return rows === undefined ? properties : { ...properties, layout: rows.map((row) => row.map((child) => this.node(child))) };
   }
   out() {
@@ -286,10 +289,10 @@ function movement(session, id) {
   ledgerGrid(s, "GradeCentro", Object.assign(new LedgerSet(2), { name: "TbCCusto" }), true);
   s.add("Botoes", "panel");
   s.add("Confirmar", "button", "C&onfirmar");
-  s.add("Cancelar", "smallButton", "&Cancelar");
-  s.add("Excluir", "button", "&Excluir");
+  s.button("Cancelar", "&Cancelar", () => ["Conta", "Documento", "Valor", "Obs", "DescConta"].forEach((name) => (s.controls[name].text = "")), "smallButton");
+  s.button("Excluir", "&Excluir", () => session.message("question", "Deseja eliminar este Registro?", undefined, "no"));
   s.add("Alterar", "button", "A&lterar", { enabled: false });
-  s.add("Fechar", "button", "&Fechar");
+  s.button("Fechar", "&Fechar", () => session.closeTop());
   s.hold("Achados", [["De", "Ate"]]);
   s.hold("Acesso", [["Achados", "Buscar"]]);
   s.hold("Painel", [
@@ -314,9 +317,6 @@ function movement(session, id) {
     return false;
   };
   for (const name of ["Lancamento", "Vencimento"]) c[name].handlers = { exit: valid(name) };
-  c.Cancelar.handlers = { click: () => ["Conta", "Documento", "Valor", "Obs", "DescConta"].forEach((name) => (c[name].text = "")) };
-  c.Fechar.handlers = { click: () => session.closeTop() };
-  c.Excluir.handlers = { click: () => session.message("question", "Deseja eliminar este Registro?", undefined, "no") };
   c.Confirmar.handlers = {
     click: async () => {
       if (c.Valor.text === "") {
@@ -348,8 +348,7 @@ function ledger(session, id, name, caption, count) {
   s.add("Filtro", "edit", "Filtro", { maxLength: 20 });
   ledgerGrid(s, "Grade1", Object.assign(new LedgerSet(count), { name: "TbConsulta" }), true);
   s.add("Total", "money", "Total", { readOnly: true, text: "1.234.567,89", decimals: 2 });
-  s.add("Fechar", "button", "&Fechar");
-  s.controls.Fechar.handlers = { click: () => session.closeTop() };
+  s.button("Fechar", "&Fechar", () => session.closeTop());
   s.rows = [["Filtro"], ["Grade1"], ["Total"], ["Fechar"]];
   s.focus = "Grade1";
   return s;
@@ -358,11 +357,7 @@ function ledger(session, id, name, caption, count) {
 function controls(session, id) {
   const s = new SmallScreen(session, id, "Controles", "Todos os Controles", "child");
   const c = s.controls;
-  const button = (name, caption, click, kind = "button") => {
-    s.add(name, kind, caption);
-    c[name].handlers = { click };
-    return name;
-  };
+  const button = (...one) => s.button(...one);
   s.add("Texto", "edit", "&Texto", { maxLength: 30, text: "Texto livre" });
   s.add("Aviso", "label", "Período fechado para a caixa", { color: "warning" });
   s.add("Erro", "label", "Diferença de 10,00", { color: "error" });
@@ -427,16 +422,15 @@ function cheques(session, id) {
   const s = new SmallScreen(session, id, "Cheques", "Cheques Recebidos", "child");
   const set = Object.assign(new LedgerSet(5), { name: "TbCheques" });
   ledgerGrid(s, "Grade", set, false);
-  for (const [name, caption] of [["Incluir", "&Incluir"], ["Confirmar", "C&onfirmar"], ["Compensar", "&Compensar"], ["Dialogo", "&Diálogo"]]) s.add(name, "button", caption);
   const typing = (on) => {
     s.controls.Confirmar.visible = on;
     s.controls.Incluir.visible = !on;
     s.focus = on ? "Confirmar" : "Incluir";
   };
-  s.controls.Compensar.handlers = { click: () => (set.row += 1) };
-  s.controls.Incluir.handlers = { click: () => typing(true) };
-  s.controls.Confirmar.handlers = { click: () => typing(false) };
-  s.controls.Dialogo.handlers = { click: () => session.show("Dialogo") };
+  s.button("Incluir", "&Incluir", () => typing(true));
+  s.button("Confirmar", "C&onfirmar", () => typing(false));
+  s.button("Compensar", "&Compensar", () => (set.row += 1));
+  s.button("Dialogo", "&Diálogo", () => session.show("Dialogo"));
   s.rows = [["Grade"], ["Incluir", "Confirmar", "Compensar", "Dialogo"]];
   typing(false);
   return s;
@@ -476,34 +470,25 @@ function dialog(session, id) {
   s.add("DescOrigem", "edit", "", { readOnly: true });
   s.add("Valor", "money", "Valor", { decimals: 2 });
   s.add("Data", "date", "Data Contabilização");
-  s.add("Confirmar", "button", "&Confirmar");
-  s.add("Fechar", "button", "&Fechar");
+  s.button("Confirmar", "&Confirmar", () => session.message("information", "Conta Inexistente."));
+  s.button("Fechar", "&Fechar", () => session.closeTop());
   s.accountField("Origem", "PqOrigem", "DescOrigem");
   s.controls.Origem.handlers.exit = undefined;
-  s.controls.Confirmar.handlers = { click: () => session.message("information", "Conta Inexistente.") };
-  s.controls.Fechar.handlers = { click: () => session.closeTop() };
   s.rows = [["Origem", "PqOrigem", "DescOrigem"], ["Valor", "Data"], ["Confirmar", "Fechar"]];
   s.focus = "Origem";
   return s;
 }
 
+const kScreens = {
+  Movimento: movement,
+  Controles: controls,
+  Cheques: cheques,
+  Lote: batch,
+  Dialogo: dialog,
+  Grade: (session, id) => ledger(session, id, "Grade", "Cem Mil Lançamentos", 100_000),
+  Milhao: (session, id) => ledger(session, id, "Milhao", "Um Milhão de Lançamentos", 1_000_000),
+};
 export function makeScreen(name, session, id) {
-  switch (name) {
-    case "Movimento":
-      return movement(session, id);
-    case "Controles":
-      return controls(session, id);
-    case "Cheques":
-      return cheques(session, id);
-    case "Lote":
-      return batch(session, id);
-    case "Dialogo":
-      return dialog(session, id);
-    case "Grade":
-      return ledger(session, id, "Grade", "Cem Mil Lançamentos", 100_000);
-    case "Milhao":
-      return ledger(session, id, "Milhao", "Um Milhão de Lançamentos", 1_000_000);
-    default:
-      throw new Error(`A tela "${name}" não está disponível.`);
-  }
+  if (kScreens[name] === undefined) throw new Error(`A tela "${name}" não está disponível.`);
+  return kScreens[name](session, id);
 }
