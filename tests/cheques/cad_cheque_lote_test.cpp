@@ -12,7 +12,7 @@ class LoteTest : public ChequeTest {
   LoteTest() {
     desk_.Open("TfmChequePre");
     desk_.Click("BitBtn5");
-    Fill(desk_, {{"EdtConta", kConta}, {"EdtTipo", "1101"}, {"EdtHis", "005"}});
+    desk_.Fill({{"EdtConta", kConta}, {"EdtTipo", "1101"}, {"EdtHis", "005"}});
   }
   void At(const char* verb, int row, const char* column, const char* value) {
     desk_.Do({{"do", verb}, {"control", "DBGrid1"}, {"row", row}, {"column", column}, {"value", value}});
@@ -70,7 +70,7 @@ TEST_F(LoteTest, AllAreWrittenOrNone) {
     desk_.Click("BitBtn1");
     EXPECT_EQ(desk_.Messages(), message);
     desk_.Answer("ok");
-    EXPECT_EQ(Top(desk_), "TFmCadChequeLote") << "what was typed stays";
+    EXPECT_EQ(desk_.Top(), "TFmCadChequeLote") << "what was typed stays";
     EXPECT_EQ(Count(), "0|0|0");
   };
   refused("O número do cheque tem mais de 8 caracteres: " + barra.substr(1) + ".");
@@ -84,12 +84,12 @@ TEST_F(LoteTest, AllAreWrittenOrNone) {
   At("cell", 1, "Valor", "-3");
   refused("O valor do cheque 888 é negativo.");
   At("cell", 1, "Valor", "3");
-  Lock("CT", kConta);
+  Put(Bloqueio{.tipo = "CT", .conta = kConta});
   refused("Período fechado até 20/11/2026 para a conta 10250-1.");
   Run("DELETE FROM BLOQUEIO");
   desk_.Click("BitBtn1");
   EXPECT_EQ(desk_.Messages(), "");
-  EXPECT_EQ(Top(desk_), "TfmChequePre");
+  EXPECT_EQ(desk_.Top(), "TfmChequePre");
   const auto row = [](const char* cheque, const char* value, const char* docto, const char* dates) {
     return std::string(cheque) + "|R|P|00001|00001|0000|REF. LOTE DE CHEQUE.|LOTE|" + value + "|" + docto +
            "|901|10250-1|+|CH|P|" + value + "|" + dates;
@@ -102,10 +102,10 @@ TEST_F(LoteTest, WithoutAnAccountItClosesAndWritesNothing) {
   Read(0, std::string(kBarra, 34), "1");
   desk_.Set("EdtConta", "");
   desk_.Click("BitBtn1");
-  CloseLists(desk_);
+  desk_.CloseLists();
   EXPECT_EQ(desk_.Messages(), "Conta inválida.");
   desk_.Answer("ok");
-  EXPECT_EQ(Top(desk_), "TfmChequePre");
+  EXPECT_EQ(desk_.Top(), "TfmChequePre");
   EXPECT_EQ(Count(), "0|0|0");
 }
 

@@ -357,7 +357,7 @@ TEST_F(DoorTest, OnlyWhatTheUserMayOpenOpens) {
   Desk leo(database_, "leo");
   leo.Open("TfmAmostra");
   EXPECT_EQ(leo.Messages(), "error: A tela \"TfmAmostra\" não está disponível.");
-  Audit audit(Db(), Clock(), "", "");
+  orv::Audit audit(Db(), Clock(), "", "");
   for (const auto& [screen, page, button, other] :
        {std::array{"TFmConcilia", "TabSheet1", "BitBtn9", "Cadastro de Extrato Bancário"},
         std::array{"TFmCadExtrato", "TabSheet2", "BitBtn2", "Conciliação"}}) {
