@@ -2,6 +2,7 @@
 #include "cheques/emissao.h"
 
 #include "frame/entry/unit.h"
+#include "rules/cheque_impresso.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -32,7 +33,7 @@ TfmEmissao::TfmEmissao(Application& application)
   }
   TbPagto.CreateDataSet();
   TbCheque.CreateDataSet();
-  Answers["Extenso"] = {1, [this](auto valor) { return Value(PorExtenso(valor[0].AsCurrency())); }};
+  Answers["Extenso"] = RespondeExtenso(Funcoes);
   Desenha();
   LigaAcesso();
   LigaTitulos();

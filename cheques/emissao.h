@@ -2,7 +2,6 @@
 // those that were issued, to be printed again, deleted or cancelled.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -199,7 +198,6 @@ class ORV_EXPORT TfmEmissao : public Child {
 
   // The titles of the cheque that is printed or picked.
   TOrvQuery QryDup{Tabela.IBDatabase(), "QryDup"};
-  std::unique_ptr<TImpCheque> ImpCheque = Funcoes.ImpCheque();
 
  private:
   // The items of RgTipo.
@@ -302,7 +300,6 @@ class ORV_EXPORT TfmEmissao : public Child {
   void TiraDaFila(const std::string& lancamento);
   void BtnImprimirClick();
   void ImprimeNaImpressora();
-  std::string PorExtenso(Currency valor) const;
 
   // Of the cheque in progress: its movement, which is also its key in the register.
   std::string Lancamento;

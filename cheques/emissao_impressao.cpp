@@ -1,26 +1,8 @@
 // The queue of cheques that wait to be printed, and their printing.
-#include <array>
-
 #include "cheques/emissao.h"
-#include "toolkit/text.h"
+#include "rules/cheque_impresso.h"
 
 namespace orv {
-namespace {
-
-constexpr std::array<const char*, 12> kMeses{"JANEIRO",  "FEVEREIRO", "MARCO",    "ABRIL",
-                                             "MAIO",     "JUNHO",     "JULHO",    "AGOSTO",
-                                             "SETEMBRO", "OUTUBRO",   "NOVEMBRO", "DEZEMBRO"};
-
-// 1 for January.
-std::string Mes_Extenso(int mes) { return kMeses.at(static_cast<std::size_t>(mes - 1)); }
-
-// "" for the empty date.
-std::string Parte(Date data, std::size_t de, std::size_t quantos) {
-  const std::string texto = data.Brazil();
-  return texto.empty() ? "" : texto.substr(de, quantos);
-}
-
-}  // namespace
 
 // --- The queue.
 
@@ -41,7 +23,8 @@ void TfmEmissao::Imprime_cheque() {
 void TfmEmissao::PoeNaFila(const Cheque& cheque, const std::string& nome, const std::string& cnpj,
                            const std::string& classe, const std::string& historico) {
   // What can't be said in words isn't queued.
-  const std::string extenso = PorExtenso(cheque.valor);
+  const std::string extenso = ExtensoMaiusculo(Funcoes, cheque.valor);
+  const DataPorExtenso data(cheque.emissao);
   TbCheque.Append();
   TbCheque.Lacto = cheque.chave;
   TbCheque.Numero = cheque.numero.numero;
@@ -55,9 +38,9 @@ void TfmEmissao::PoeNaFila(const Cheque& cheque, const std::string& nome, const 
   TbCheque.Cidade = Tabela.tbEmpresa()["EMP_CIDADE"].AsString();
   TbCheque.Classe = classe;
   TbCheque.Historico = historico;
-  TbCheque.Dia = Parte(cheque.emissao, 0, 2);
-  TbCheque.Mes = cheque.emissao.Empty() ? "" : Mes_Extenso(cheque.emissao.Month());
-  TbCheque.Ano = Parte(cheque.emissao, 6, 4);
+  TbCheque.Dia = data.dia;
+  TbCheque.Mes = data.mes;
+  TbCheque.Ano = data.ano;
   TbCheque.Data = cheque.emissao;
   TbCheque.Dt_Ven = cheque.vencimento;
   TbCheque.Obs = *cheque.obs;
@@ -68,20 +51,12 @@ void TfmEmissao::TiraDaFila(const std::string& lancamento) {
   if (TbCheque.Locate("Lacto", Value(lancamento))) TbCheque.Delete();
 }
 
-std::string TfmEmissao::PorExtenso(Currency valor) const {
-  std::string texto = Funcoes.Extenso(valor.Format2());
-  // Letters with accents stay as they are.
-  for (char& c : texto) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return texto;
-}
-
 // --- Printing.
 
 void TfmEmissao::BtnImprimirClick() {
   QryDup.SQL.Clear();
-  QryDup.SQL.Add("SELECT PAGTO.*, ENTIDADE.NOME FROM " + Funcoes.DBLocal("PAGTO", true) + " PAGTO");
+  QryDup.SQL.Add("SELECT PAGTO.*, ENTIDADE.NOME, PAGTO1.LANCAMENTO, PAGTO1.VAL_PAG AS VAL_PAGO FROM " +
+                 Funcoes.DBLocal("PAGTO", true) + " PAGTO");
   QryDup.SQL.Add("INNER JOIN " + Funcoes.DBLocal("PAGTO1", true) + " PAGTO1 ON PAGTO.NUM_AP = PAGTO1.NUM_AP");
   QryDup.SQL.Add("LEFT JOIN " + Funcoes.DBLocal("ENTIDADE", true) +
                  " ENTIDADE ON PAGTO.CODCRE = ENTIDADE.CODCLI");
@@ -97,21 +72,15 @@ void TfmEmissao::BtnImprimirClick() {
 }
 
 void TfmEmissao::ImprimeNaImpressora() {
-  const auto ajuste = [this](const char* nome) {
-    return Funcoes.LeConfiguracao("Venda", "Parametros", nome, 0);
-  };
-  const std::string porta = "COM" + std::to_string(ajuste("PortaImpCheque") + 1);
-  const int modelo = ajuste("TpImpCheque");
+  const auto impressora = ImpressoraDeCheques(Funcoes, {1, 2, 3, 4});
   // What is on paper leaves the queue, so that a printer that fails prints nothing twice.
   for (TbCheque.First(); !TbCheque.IsEmpty(); TbCheque.Delete()) {
-    ImpCheque->Banco = TbCheque.Banco.AsString();
-    ImpCheque->Cidade = TbCheque.Cidade.AsString();
-    ImpCheque->Data = TbCheque.Data.AsDate().Brazil();
-    ImpCheque->Nome = TbCheque.Nome.AsString();
-    ImpCheque->Valor = TbCheque.Total.AsCurrency();
-    ImpCheque->Porta = porta;
-    ImpCheque->SetModelo(modelo);
-    ImpCheque->ImprimirCheque();
+    impressora->Banco = TbCheque.Banco.AsString();
+    impressora->Cidade = TbCheque.Cidade.AsString();
+    impressora->Data = TbCheque.Data.AsDate().Brazil();
+    impressora->Nome = TbCheque.Nome.AsString();
+    impressora->Valor = TbCheque.Total.AsCurrency();
+    impressora->ImprimirCheque();
   }
 }
 
