@@ -67,17 +67,15 @@ void TfmEmissao::Desenha() {
               }
               BitBtn5
             } /
-            wwDBGrid1 /
-            @sums { EdtTotal BitBtn4 }
+            wwDBGrid1
           }
           GbCheque {
             @form {
-              EdtConta:5 wwBuscaConta EdtBanco EdtDocto:3 @amount EdtValor:4 /
-              EdtHist:12 PqHist EdtDescHist /
-              EdtCodClasse:12 PqClasse EdtDescClasse EdtOpera /
-              EdtDesNom:12 PqForAnt /
-              DtEmissao:3 DtVencto:3 CbPendente:3 /
-              EdtObs:12 /
+              EdtConta:8 wwBuscaConta EdtBanco EdtDocto:4 /
+              EdtHist:6 PqHist EdtDescHist EdtCodClasse:6 PqClasse EdtDescClasse EdtOpera /
+              EdtDesNom:8 PqForAnt @amount EdtValor:4 /
+              DtEmissao:3 DtVencto:3 /
+              EdtObs:9 CbPendente:3 /
               Panel5 { EdtHistAnt PqHistAnt EdtDescHistAnt } /
               Panel6 { EdtContaDep PqContaDeposito DtDeposito }
             } /
@@ -85,13 +83,14 @@ void TfmEmissao::Desenha() {
           }
         } /
         @actions {
-          @primary BitBtn8 RgTpImpressora BtnImprimir BitBtn6 BitBtn1 @danger BitBtn2 @danger BitBtn7
+          EdtTotal @primary BitBtn8 BitBtn4 RgTpImpressora BtnImprimir BitBtn6 BitBtn1 @danger BitBtn2 @danger BitBtn7
           @apart BitBtn9
         }
       }
     })");
   wwDBGrid1.SetRowsFixed(true);
   EdtTotal.SetReadOnly(true);
+  EdtTotal.SetAmount(Currency());
   Panel5.SetVisible(false);
   Panel6.SetVisible(false);
 }
@@ -194,7 +193,8 @@ void TfmEmissao::LigaAcoes() {
 
 void TfmEmissao::RgTipoClick() {
   EsvaziaTitulos();
-  GbPagar.SetEnabled(RgTipo.ItemIndex() == kTitulos);
+  for (Control* dos_titulos : std::initializer_list<Control*>{&GbPagar, &BitBtn4})
+    dos_titulos->SetEnabled(RgTipo.ItemIndex() == kTitulos);
   Panel5.SetVisible(RgTipo.ItemIndex() == kAntecipado);
   Panel6.SetVisible(RgTipo.ItemIndex() == kDeposito);
   if (RgTipo.ItemIndex() == kDeposito) DtDeposito.SetText(DtVencto.Text());

@@ -121,8 +121,6 @@ class ORV_EXPORT TfmEmissao : public Child {
                         {.field = "CodCre", .title = "Código", .width = 7, .read_only = true},
                         {.field = "Empresa", .title = "Empresa", .width = 8, .read_only = true}},
                        false};
-  MoneyEdit EdtTotal{*this, "EdtTotal", "Selecionado"};
-  Button BitBtn4{*this, "BitBtn4", "&Gerar Cheques"};
 
   // The cheque.
   GroupBox GbCheque{*this, "GbCheque", "Cheque"};
@@ -186,9 +184,11 @@ class ORV_EXPORT TfmEmissao : public Child {
                       {"Banco", "Banco", 5},
                       {"Conta", "Conta", 10},
                       {"Lacto", "Lançamento", 10}}};
-  RadioGroup RgTpImpressora{*this, "RgTpImpressora", "Impressora", {"Comum", "Cheque"}};
 
+  MoneyEdit EdtTotal{*this, "EdtTotal", "Selecionado"};
   Button BitBtn8{*this, "BitBtn8", "&Incluir"};
+  Button BitBtn4{*this, "BitBtn4", "&Gerar Cheques"};
+  RadioGroup RgTpImpressora{*this, "RgTpImpressora", "Impressora", {"Comum", "Cheque"}};
   Button BtnImprimir{*this, "BtnImprimir", "&Cheque"};
   Button BitBtn6{*this, "BitBtn6", "&Recibo"};
   Button BitBtn1{*this, "BitBtn1", "&Limpar"};
