@@ -69,13 +69,12 @@ void TfmEmissao::Desenha() {
             } /
             wwDBGrid1
           }
-          GbCheque {
+          PainelCheque {
             @form {
               EdtConta:8 wwBuscaConta EdtBanco EdtDocto:4 /
-              EdtHist:6 PqHist EdtDescHist EdtCodClasse:6 PqClasse EdtDescClasse EdtOpera /
+              EdtHist:5 PqHist EdtDescHist EdtCodClasse:5 PqClasse EdtDescClasse EdtOpera CbPendente:2 /
               EdtDesNom:8 PqForAnt @amount EdtValor:4 /
-              DtEmissao:3 DtVencto:3 /
-              EdtObs:9 CbPendente:3 /
+              DtEmissao:3 DtVencto:3 EdtObs:6 /
               Panel5 { EdtHistAnt PqHistAnt EdtDescHistAnt } /
               Panel6 { EdtContaDep PqContaDeposito DtDeposito }
             } /

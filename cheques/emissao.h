@@ -123,7 +123,7 @@ class ORV_EXPORT TfmEmissao : public Child {
                        false};
 
   // The cheque.
-  GroupBox GbCheque{*this, "GbCheque", "Cheque"};
+  Panel PainelCheque{*this, "PainelCheque"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa wwBuscaConta{*this, "wwBuscaConta", Contas()};
   ReadOnlyEdit EdtBanco{*this, "EdtBanco"};
@@ -135,13 +135,13 @@ class ORV_EXPORT TfmEmissao : public Child {
   TPesquisa PqClasse{*this, "PqClasse", Classes("TP_CONTA <> 'T'")};
   ReadOnlyEdit EdtDescClasse{*this, "EdtDescClasse"};
   ReadOnlyEdit EdtOpera{*this, "EdtOpera"};
+  CheckBox CbPendente{*this, "CbPendente", "Pendente"};
   Edit EdtDesNom{*this, "EdtDesNom", "Credor", 50};
   TPesquisa PqForAnt{*this, "PqForAnt", Entidades()};
   MoneyEdit EdtValor{*this, "EdtValor", "Valor"};
   DateEdit DtEmissao{*this, "DtEmissao", "Emissão"};
   DateEdit DtVencto{*this, "DtVencto", "Vencimento"};
   Edit EdtObs{*this, "EdtObs", "Observação", 100};
-  CheckBox CbPendente{*this, "CbPendente", "Pendente"};
   Panel Panel5{*this, "Panel5"};
   Edit EdtHistAnt{*this, "EdtHistAnt", "Histórico da Antecipação", 5};
   TPesquisa PqHistAnt{*this, "PqHistAnt", Historicos()};
