@@ -56,8 +56,19 @@ void TfmEmissao::Desenha() {
         DBGrid1
       }
       TabSheet2 {
-        RgTipo /
         @sides {
+          PainelCheque {
+            @form {
+              RgTipo:12 /
+              EdtConta:8 wwBuscaConta EdtBanco EdtDocto:4 /
+              EdtHist:5 PqHist EdtDescHist EdtCodClasse:5 PqClasse EdtDescClasse EdtOpera CbPendente:2 /
+              EdtDesNom:8 PqForAnt @amount EdtValor:4 /
+              DtEmissao:3 DtVencto:3 EdtObs:6 /
+              Panel5 { EdtHistAnt PqHistAnt EdtDescHistAnt } /
+              Panel6 { EdtContaDep PqContaDeposito DtDeposito }
+            } /
+            @compact GbFila { DBGrid2 }
+          }
           GbPagar {
             @bar {
               edtCodCliente PqCliente edtNomeCliente EdtAP
@@ -68,17 +79,6 @@ void TfmEmissao::Desenha() {
               BitBtn5
             } /
             wwDBGrid1
-          }
-          PainelCheque {
-            @form {
-              EdtConta:8 wwBuscaConta EdtBanco EdtDocto:4 /
-              EdtHist:5 PqHist EdtDescHist EdtCodClasse:5 PqClasse EdtDescClasse EdtOpera CbPendente:2 /
-              EdtDesNom:8 PqForAnt @amount EdtValor:4 /
-              DtEmissao:3 DtVencto:3 EdtObs:6 /
-              Panel5 { EdtHistAnt PqHistAnt EdtDescHistAnt } /
-              Panel6 { EdtContaDep PqContaDeposito DtDeposito }
-            } /
-            @compact GbFila { DBGrid2 }
           }
         } /
         @actions {

@@ -58,72 +58,12 @@ class ORV_EXPORT TfmEmissao : public Child {
   // --- Emissão.
   TabSheet TabSheet2{*this, "TabSheet2", "Emissão"};
 
+  // The cheque.
+  Panel PainelCheque{*this, "PainelCheque"};
   RadioGroup RgTipo{*this,
                     "RgTipo",
                     "Pagamento",
                     {"Pagto de AP", "Pagto Antecipado", "Pagto Simples", "Valor p/ Depósito"}};
-
-  // The payables from which a cheque pays.
-  GroupBox GbPagar{*this, "GbPagar", "Contas a Pagar"};
-  Edit edtCodCliente{*this, "edtCodCliente", "Fornecedor", 5};
-  TPesquisa PqCliente{*this, "PqCliente", Entidades()};
-  ReadOnlyEdit edtNomeCliente{*this, "edtNomeCliente"};
-  Edit EdtAP{*this, "EdtAP", "AP", 7};
-  GroupBox GbEmissao{*this, "GbEmissao", "Emissão"};
-  DateEdit edtEmiIni{*this, "edtEmiIni", "De"};
-  DateEdit edtEmiFim{*this, "edtEmiFim", "Até"};
-  GroupBox GbVencimento{*this, "GbVencimento", "Vencimento"};
-  DateEdit edtVenIni{*this, "edtVenIni", "De"};
-  DateEdit edtVenFim{*this, "edtVenFim", "Até"};
-  Edit EdtHist1{*this, "EdtHist1", "Histórico", 5};
-  TPesquisa PqHist1{*this, "PqHist1", Historicos()};
-  ReadOnlyEdit EdtDescHist1{*this, "EdtDescHist1"};
-  CheckBox CbEmpresa{*this, "CbEmpresa", "Todas Empresas"};
-  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
-
-  // Tag is 1 while the set is filled. Numero and Historico are as wide as what they name.
-  struct PagtoSet : TClientDataSet {
-    using TClientDataSet::TClientDataSet;
-    Field Baixar{*this, "Baixar", FieldType::String, 1};
-    Field Numero{*this, "Numero", FieldType::String, 7};
-    Field Empresa{*this, "Empresa", FieldType::String, 4};
-    Field CodCre{*this, "CodCre", FieldType::String, 5};
-    Field Nome{*this, "Nome", FieldType::String, 50};
-    Field Dt_Vencto{*this, "Dt_Vencto", FieldType::Date};
-    Field Dt_Emissao{*this, "Dt_Emissao", FieldType::Date};
-    // What is to be paid, of the open balance.
-    Field Valor{*this, "Valor", FieldType::Float};
-    Field Valor_Pago{*this, "Valor_Pago", FieldType::Currency};
-    // Of that, what the cheques on view paid.
-    Field Val_Pag_Cheque{*this, "Val_Pag_Cheque", FieldType::Currency};
-    Field NF{*this, "NF", FieldType::String, 7};
-    Field Dupli{*this, "Dupli", FieldType::String, 10};
-    Field Classe{*this, "Classe", FieldType::String, 6};
-    Field Historico{*this, "Historico", FieldType::String, 5};
-    Field Saldo{*this, "Saldo", FieldType::Currency};
-  } TbPagto{"TbPagto"};
-  TOrvDBGrid wwDBGrid1{*this,
-                       "wwDBGrid1",
-                       TbPagto,
-                       {{.field = "Baixar", .title = "Baixar", .width = 6, .checked = "S", .unchecked = "N"},
-                        {.field = "Numero", .title = "AP", .read_only = true},
-                        {.field = "Nome", .title = "Fornecedor", .width = 26, .read_only = true},
-                        {.field = "Dt_Vencto", .title = "Vencimento", .read_only = true},
-                        {.field = "Valor", .title = "Valor"},
-                        {.field = "Saldo", .title = "Saldo", .read_only = true},
-                        {.field = "Valor_Pago", .title = "Pago", .read_only = true},
-                        {.field = "Val_Pag_Cheque", .title = "Pago no Cheque", .read_only = true},
-                        {.field = "Dt_Emissao", .title = "Emissão", .read_only = true},
-                        {.field = "NF", .title = "NF", .read_only = true},
-                        {.field = "Dupli", .title = "Duplicata", .read_only = true},
-                        {.field = "Classe", .title = "Classe", .read_only = true},
-                        {.field = "Historico", .title = "Histórico", .width = 9, .read_only = true},
-                        {.field = "CodCre", .title = "Código", .width = 7, .read_only = true},
-                        {.field = "Empresa", .title = "Empresa", .width = 8, .read_only = true}},
-                       false};
-
-  // The cheque.
-  Panel PainelCheque{*this, "PainelCheque"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa wwBuscaConta{*this, "wwBuscaConta", Contas()};
   ReadOnlyEdit EdtBanco{*this, "EdtBanco"};
@@ -184,6 +124,65 @@ class ORV_EXPORT TfmEmissao : public Child {
                       {"Banco", "Banco", 5},
                       {"Conta", "Conta", 10},
                       {"Lacto", "Lançamento", 10}}};
+
+  // The payables from which a cheque pays.
+  GroupBox GbPagar{*this, "GbPagar", "Contas a Pagar"};
+  Edit edtCodCliente{*this, "edtCodCliente", "Fornecedor", 5};
+  TPesquisa PqCliente{*this, "PqCliente", Entidades()};
+  ReadOnlyEdit edtNomeCliente{*this, "edtNomeCliente"};
+  Edit EdtAP{*this, "EdtAP", "AP", 7};
+  GroupBox GbEmissao{*this, "GbEmissao", "Emissão"};
+  DateEdit edtEmiIni{*this, "edtEmiIni", "De"};
+  DateEdit edtEmiFim{*this, "edtEmiFim", "Até"};
+  GroupBox GbVencimento{*this, "GbVencimento", "Vencimento"};
+  DateEdit edtVenIni{*this, "edtVenIni", "De"};
+  DateEdit edtVenFim{*this, "edtVenFim", "Até"};
+  Edit EdtHist1{*this, "EdtHist1", "Histórico", 5};
+  TPesquisa PqHist1{*this, "PqHist1", Historicos()};
+  ReadOnlyEdit EdtDescHist1{*this, "EdtDescHist1"};
+  CheckBox CbEmpresa{*this, "CbEmpresa", "Todas Empresas"};
+  Button BitBtn5{*this, "BitBtn5", "&Consultar"};
+
+  // Tag is 1 while the set is filled. Numero and Historico are as wide as what they name.
+  struct PagtoSet : TClientDataSet {
+    using TClientDataSet::TClientDataSet;
+    Field Baixar{*this, "Baixar", FieldType::String, 1};
+    Field Numero{*this, "Numero", FieldType::String, 7};
+    Field Empresa{*this, "Empresa", FieldType::String, 4};
+    Field CodCre{*this, "CodCre", FieldType::String, 5};
+    Field Nome{*this, "Nome", FieldType::String, 50};
+    Field Dt_Vencto{*this, "Dt_Vencto", FieldType::Date};
+    Field Dt_Emissao{*this, "Dt_Emissao", FieldType::Date};
+    // What is to be paid, of the open balance.
+    Field Valor{*this, "Valor", FieldType::Float};
+    Field Valor_Pago{*this, "Valor_Pago", FieldType::Currency};
+    // Of that, what the cheques on view paid.
+    Field Val_Pag_Cheque{*this, "Val_Pag_Cheque", FieldType::Currency};
+    Field NF{*this, "NF", FieldType::String, 7};
+    Field Dupli{*this, "Dupli", FieldType::String, 10};
+    Field Classe{*this, "Classe", FieldType::String, 6};
+    Field Historico{*this, "Historico", FieldType::String, 5};
+    Field Saldo{*this, "Saldo", FieldType::Currency};
+  } TbPagto{"TbPagto"};
+  TOrvDBGrid wwDBGrid1{*this,
+                       "wwDBGrid1",
+                       TbPagto,
+                       {{.field = "Baixar", .title = "Baixar", .width = 6, .checked = "S", .unchecked = "N"},
+                        {.field = "Numero", .title = "AP", .read_only = true},
+                        {.field = "Nome", .title = "Fornecedor", .width = 26, .read_only = true},
+                        {.field = "Dt_Vencto", .title = "Vencimento", .read_only = true},
+                        {.field = "Valor", .title = "Valor"},
+                        {.field = "Saldo", .title = "Saldo", .read_only = true},
+                        {.field = "Valor_Pago", .title = "Pago", .read_only = true},
+                        {.field = "Val_Pag_Cheque", .title = "Pago no Cheque", .read_only = true},
+                        {.field = "Dt_Emissao", .title = "Emissão", .read_only = true},
+                        {.field = "NF", .title = "NF", .read_only = true},
+                        {.field = "Dupli", .title = "Duplicata", .read_only = true},
+                        {.field = "Classe", .title = "Classe", .read_only = true},
+                        {.field = "Historico", .title = "Histórico", .width = 9, .read_only = true},
+                        {.field = "CodCre", .title = "Código", .width = 7, .read_only = true},
+                        {.field = "Empresa", .title = "Empresa", .width = 8, .read_only = true}},
+                       false};
 
   MoneyEdit EdtTotal{*this, "EdtTotal", "Selecionado"};
   Button BitBtn8{*this, "BitBtn8", "&Incluir"};
