@@ -7,7 +7,6 @@
 #include "bench/measure.h"
 #include "bench/recording.h"
 #include "frame/module.h"
-#include "host/data/statement.h"
 
 namespace {
 
@@ -61,19 +60,6 @@ class Door {
   Log log_{"/dev/null"};
   DoorClient client_;
 };
-
-void SendBare(Attachment& db, const std::vector<Sent>& statements) {
-  Nothing nothing;
-  for (const Sent& sent : statements) {
-    if (sent.kind == Sent::Kind::Commit) {
-      db.CommitRetaining();
-    } else if (sent.kind == Sent::Kind::Fetch) {
-      Statement(db, sent.sql).Fetch(sent.values, nothing);
-    } else {
-      Statement(db, sent.sql).Execute(sent.values);
-    }
-  }
-}
 
 void CheckPosted(const std::filesystem::path& copy, int64_t before) {
   if (Movements(copy) != before + kPostings) throw UserError("Not every movement was posted.");

@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "bench/measure.h"
 #include "host/data/core.h"
+#include "host/data/statement.h"
 
 namespace orv::bench {
 namespace {
@@ -24,6 +26,19 @@ void StartRecording() {
 std::vector<Sent> StopRecording() {
   recording = false;
   return std::exchange(sent, {});
+}
+
+void SendBare(Attachment& db, const std::vector<Sent>& statements) {
+  Nothing nothing;
+  for (const Sent& sent : statements) {
+    if (sent.kind == Sent::Kind::Commit) {
+      db.CommitRetaining();
+    } else if (sent.kind == Sent::Kind::Fetch) {
+      Statement(db, sent.sql).Fetch(sent.values, nothing);
+    } else {
+      Statement(db, sent.sql).Execute(sent.values);
+    }
+  }
 }
 
 // The linker leads calls of these members of Core here (--wrap), and back by the second name of each. The

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/data/attachment.h"
 #include "toolkit/value.h"
 
 namespace orv::bench {
@@ -17,5 +18,8 @@ struct Sent {
 // Noting starts with an empty list. Used while no other thread runs a statement.
 void StartRecording();
 std::vector<Sent> StopRecording();
+
+// Runs the same statements and commits, and nothing else.
+void SendBare(Attachment& db, const std::vector<Sent>& statements);
 
 }  // namespace orv::bench

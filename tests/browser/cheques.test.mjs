@@ -70,3 +70,51 @@ test("a cheque is taken in with its movement, refused what isn't for it, and tak
   await shows(page, "Valor", "1.250,40");
   await shows(page, "Conta", "33021-5");
 });
+
+test("a cheque is issued, printed, and picked for a reprint", async () => {
+  page = await begin();
+  await openScreen(page, "emissão de cheque", "Emissão de cheque");
+  await focusIs(page, "Pagto de AP");
+  await keys(page, "ArrowRight", "ArrowRight", "Tab");
+  await focusIs(page, "Conta");
+  await keys(page, "10250-1", "Tab");
+  await focusIs(page, "Nº do Cheque");
+  const field = page.getByLabel("Nº do Cheque", { exact: true });
+  await until("o número proposto", async () => /^\d{6}$/.test(await field.inputValue()));
+  const number = await field.inputValue();
+  await keys(page, "Tab", "004", "Tab", "2101", "Tab", "Tab", "Tecelagem Ltda", "Tab", "1250,4", "Tab", "Tab", "Tab");
+  await shows(page, "Credor", "TECELAGEM LTDA");
+  await shows(page, "Observação", "PAGTO DE CHEQUE A TECELAGEM LTDA");
+  await picture(page, "issue");
+  assert.deepEqual(await findings(page), []);
+  await press("Incluir");
+  await page.getByText("Confira os lançamentos contábeis antes de gravar.").waitFor();
+  await keys(page, "s");
+  await told(page, /^Concluído\. Lançamento \d{6}$/);
+  await focusIs(page, "Nº do Cheque");
+  await shows(page, "Nº do Cheque", String(Number(number) + 1).padStart(6, "0"));
+  const queue = async () => (await rows(page, "Fila de Impressão")).map((row) => row.split("|").slice(0, 3).join("|"));
+  assert.deepEqual(await queue(), [`${number}|TECELAGEM LTDA|1.250,40`]);
+
+  // Printed it leaves the queue; picked it is there again.
+  const print = async () => {
+    await press("Cheque");
+    await page.frameLocator(".report-frame").getByText("UM MIL DUZENTOS E CINQUENTA REAIS").first().waitFor();
+    await focusIs(page, "Imprimir");
+    await picture(page, "issue-printed");
+    await keys(page, "Escape");
+    await page.locator(".report-frame").waitFor({ state: "detached" });
+    await page.getByText("Nenhum registro").last().waitFor();
+  };
+  await print();
+  await keys(page, "Control+PageUp");
+  await focusIs(page, "Conta");
+  await keys(page, "10250-1", "Tab", number, "Control+Enter");
+  await until("o cheque emitido", async () => (await rows(page, "Acesso")).some((row) => row.includes(`${number}|20/11/2026`)));
+  await keys(page, "Tab", "Enter");
+  await page.getByText(`Cheque ${number} na fila de impressão.`).waitFor();
+  await picture(page, "issue-picked");
+  await keys(page, "Control+PageDown");
+  await until("o cheque na fila", async () => (await queue()).join() === `${number}|PAGTO DE CHEQUE A TECELAGEM LTDA|1.250,40`);
+  await print();
+});

@@ -35,9 +35,12 @@ class ActionsTest : public Actions<CcTest> {
     Put(Movimento{.lancamento = "A5", .docto = "75"});
     if (!action.special) return;
     Empty("CHEQUE_PRE_002 CHEQUE_DUP_001 PAGTO_001 PAGTO1_001");
+    // To be paid by a cheque.
+    for (const char* bill : {"B3", "B4"})
+      Put(Pagto{.num_ap = bill, .dt_emi = "11/10/2026", .dt_ven = "11/10/2026", .valor = 10, .status = "N"});
     // Of the first two one is pending, one cleared; then the company's own one that paid two bills, and one
     // that came back.
-    Put(Cheque{.chave = "A3", .numero = "73", .cliente = "00001"});
+    Put(Cheque{.chave = "A3", .numero = "73", .tipo = "P", .cliente = "00001"});
     Put(Cheque{.chave = "A4", .numero = "74", .status = "D", .cliente = "00001"});
     Put(Movimento{.lancamento = "A3", .docto = "73", .tipo = "P", .tipo_doc = "CH", .pendente = "S"});
     Put(ChequeDup{.numero = "74"});
@@ -55,7 +58,7 @@ class ActionsTest : public Actions<CcTest> {
            Sql("SELECT NUMERO, STATUS, OBS FROM CHEQUE_PRE_001 ORDER BY 1") + "/" +
            Sql("SELECT CHAVE FROM CHEQUE_PRE_002 WHERE CHAVE STARTING WITH 'A'") + "/" +
            Sql("SELECT COUNT(*) FROM CHEQUE_DUP_001") + "/" + Sql("SELECT COUNT(*) FROM PAGTO1_001") + "/" +
-           Sql("SELECT SUM(VAL_PAG) FROM PAGTO_001") + "/" +
+           Sql("SELECT COUNT(*), SUM(VAL_PAG) FROM PAGTO_001") + "/" +
            Sql("SELECT COUNT(*), SUM(VALOR_RAT) FROM CENTRO_RATEIO_001") + "/" +
            Sql("SELECT COUNT(*) FROM AUDITORIA");
   }
@@ -76,6 +79,35 @@ class ActionsTest : public Actions<CcTest> {
         all.push_back(std::move(step));
       }
     }
+    return all;
+  }
+
+  static Json Ticked(int row, const char* value = "S") {
+    return {{"do", "cell"}, {"control", "wwDBGrid1"}, {"row", row}, {"column", "Baixar"}, {"value", value}};
+  }
+  // The screen of the issued cheques up to a payment of the kind.
+  static std::vector<Json> Issuing(const char* tipo, std::vector<Json> steps) {
+    std::vector<Json> all = {Json{{"do", "open"}, {"class", "TfmEmissao"}}, DoSet("RgTipo", tipo)};
+    if (*tipo == '0') all.insert(all.end(), {DoClick("BitBtn5"), Ticked(0), Ticked(1)});
+    all.insert(all.end(),
+               {DoSet("EdtConta", kConta), DoSet("EdtDocto", "NOVO"), DoSet("EdtHist", "004"),
+                DoSet("EdtCodClasse", "3103"), DoSet("EdtDesNom", "ANA"), DoSet("EdtValor", "20,00")});
+    all.insert(all.end(), steps.begin(), steps.end());
+    return all;
+  }
+  // The same with the company's own cheque A3 in the queue.
+  static std::vector<Json> Picked(std::vector<Json> steps) {
+    const auto page = [](const char* name) {
+      return Json{{"do", "page"}, {"control", "PageControl1"}, {"page", name}};
+    };
+    std::vector<Json> all = {
+        Json{{"do", "open"}, {"class", "TfmEmissao"}},
+        page("TabSheet1"),
+        DoSet("EdtCCheque", "73"),
+        DoClick("BitBtn3"),
+        Json{{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "NUMERO"}},
+        page("TabSheet2")};
+    all.insert(all.end(), steps.begin(), steps.end());
     return all;
   }
 
@@ -119,6 +151,18 @@ class ActionsTest : public Actions<CcTest> {
         {"cheque returned", AtCheque(1, {DoClick("BitBtn4"), yes}, true), yes, kCheques},
         {"cheque presented again", AtCheque(3, {DoClick("BitBtn7"), yes}, true), yes, kCheques},
         {"cheque deleted", AtCheque(3, {DoClick("BtExcluir")}, false), yes, kCheques},
+        {"payables paid by cheque", Issuing("0", {DoClick("BitBtn8"), yes}), yes, kCheques, 2},
+        {"cheques of a run", Issuing("0", {Ticked(0, "N"), DoClick("BitBtn4")}), yes, kCheques},
+        {"advance by cheque",
+         Issuing("1", {DoClick("PqForAnt"), Json{{"do", "choose"}, {"key", "00060"}},
+                       DoSet("EdtHistAnt", "016"), DoClick("BitBtn8")}),
+         yes, kCheques},
+        {"plain cheque", Issuing("2", {DoClick("BitBtn8")}), yes, kCheques},
+        {"deposit by cheque", Issuing("3", {DoSet("EdtContaDep", kOutraConta), DoClick("BitBtn8")}), yes,
+         kCheques},
+        {"issued cheque deleted", Picked({DoClick("BitBtn2")}), yes, kCheques},
+        {"issued cheque cancelled", Picked({DoClick("BitBtn7"), yes}),
+         Json{{"do", "answer"}, {"value", "ERRO"}}, kCheques, 2},
         {"cheque transferred", AtCheque(0, {DoClick("BitBtn2"), DoSet("CBEmpresa", "1")}, false),
          DoClick("BtnConfirmar"), kCheques},
     };

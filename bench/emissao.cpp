@@ -1,0 +1,131 @@
+// The issue of cheques in a house of a million movements and 200,000 titles: the open payables, a tick among
+// 20,000 of them, a cheque that pays fifty, a run of a hundred cheques, beside their bare statements.
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
+#include "bench/house.h"
+#include "bench/measure.h"
+#include "bench/recording.h"
+#include "frame/module.h"
+
+namespace {
+
+using namespace orv;
+using namespace orv::bench;
+
+constexpr int kRuns = 4;
+constexpr int kOpen = 20000;
+constexpr int kTitles = 200000;
+constexpr int kOfOneCheque = 50, kOfARun = 100;
+
+class Issue {
+ public:
+  explicit Issue(const std::filesystem::path& house) : log_("/dev/null"), client_(Ana(house), log_) {
+    Do({{"do", "open"}, {"class", "TfmEmissao"}});
+    for (const auto& [field, value] :
+         std::initializer_list<std::pair<const char*, const char*>>{{"EdtConta", "10250-1"},
+                                                                    {"EdtDocto", "900001"},
+                                                                    {"EdtHist", "004"},
+                                                                    {"EdtCodClasse", "2101"},
+                                                                    {"EdtDesNom", "TODOS"}})
+      Do({{"do", "set"}, {"control", field}, {"value", value}});
+  }
+  std::vector<Json> Do(Json in) {
+    auto out = client_.Do(std::move(in));
+    for (const Json& one : out) {
+      if (one["on"] == Json("error")) throw UserError(one["text"].String());
+    }
+    return out;
+  }
+  void Click(const char* control) { Do({{"do", "click"}, {"control", control}}); }
+  void Answer(const char* value) { Do({{"do", "answer"}, {"value", value}}); }
+  void Tick(int row, const char* value = "S") {
+    Do({{"do", "cell"}, {"control", "wwDBGrid1"}, {"row", row}, {"column", "Baixar"}, {"value", value}});
+  }
+
+ private:
+  Log log_;
+  DoorClient client_;
+};
+
+// A copy of the house with so many payables, of which so many are open.
+void Fill(const std::filesystem::path& house) {
+  const auto db = Attachment::Open(house.string());
+  const int64_t titles = db->Scalar("SELECT COUNT(*) FROM PAGTO_001").AsInteger();
+  db->Execute("UPDATE PAGTO_001 SET BLOQUEIO = 'S' WHERE VAL_PAG < VALOR");
+  const auto more = [&](const std::string& prefix, int64_t count, const char* paid) {
+    for (int64_t at = 0; at < count; ++at) {
+      db->Execute(
+          "INSERT INTO PAGTO_001 (NUM_AP, CODCRE, DOCTO, DUPLI, DT_EMI, DT_VEN, NUM_OS, VALOR, "
+          "VAL_PAG, STATUS, BLOQUEIO, SITUACAO, HISTORICO) VALUES ('" +
+          prefix + std::to_string(100000 + at) +
+          "', '00060', 'D', 'D/1', '11/01/2026', '12/01/2026', "
+          "'2101', 100, " +
+          paid + ", 'N', 'N', '0', '003')");
+    }
+  };
+  more("X", kOpen, "0");
+  more("Y", std::max<int64_t>(0, kTitles - titles - kOpen), "100");
+  db->CommitRetaining();
+}
+
+int Run() {
+  const Module module("orvCC");
+  const auto made = House(260);
+  const Copy copy(made, "emissao.fdb");
+  Fill(copy.Path());
+  const Copy other(copy.Path(), "emissao-bare.fdb");
+
+  const std::string open =
+      "SELECT PAGTO.NUM_AP, '_001' AS EMPRESA, PAGTO.CODCRE, FORNECED.NOME, PAGTO.DT_VEN, PAGTO.DT_EMI, "
+      "PAGTO.VAL_PAG, PAGTO.DOCTO, PAGTO.DUPLI, PAGTO.NUM_OS, PAGTO.HISTORICO, (PAGTO.VALOR + PAGTO.JUROS - "
+      "PAGTO.VAL_PAG - PAGTO.VAL_DEV - PAGTO.DESCONTO) AS VALOR FROM PAGTO_001 PAGTO LEFT JOIN ENTIDADE_001 "
+      "FORNECED ON (FORNECED.CODCLI = PAGTO.CODCRE) WHERE PAGTO.STATUS = 'N' AND PAGTO.BLOQUEIO = 'N' AND "
+      "PAGTO.DT_EMI BETWEEN '01/01/1980' AND '12/31/2050' AND PAGTO.DT_VEN BETWEEN '01/01/1980' AND "
+      "'12/31/2050' AND (PAGTO.VALOR + PAGTO.JUROS - PAGTO.VAL_PAG - PAGTO.VAL_DEV - PAGTO.DESCONTO) > 0";
+  const auto db = Attachment::Open(other.Path().string());
+  Issue issue(copy.Path());
+  Best bare, query, tick;
+  for (int run = 0; run < kRuns; ++run) {
+    Nothing nothing;
+    bare.Take(Measure([&] { db->Fetch(open, nothing); }));
+    query.Take(Measure([&] { issue.Click("BitBtn5"); }));
+    if (nothing.rows < kOpen) throw UserError("Payables are missing.");
+  }
+  for (int run = 0; run < kRuns; ++run) {
+    tick.Take(Measure([&] { issue.Tick(kOpen / 2); }));
+    issue.Tick(kOpen / 2, "N");
+  }
+  Print("bare fetch of 20,000 open payables of 200,000", bare.Cpu(), "s");
+  Print("the query of them (1.5 x bare)", query.Cpu(), Bound::AtMost, 1.5 * bare.Cpu(), "s");
+  Print("a tick among them", tick.Cpu() * 1e3, Bound::AtMost, 10, "ms");
+
+  // The processors' times of the screen and of its statements alone, each noted once.
+  const auto beside = [&](const char* what, const std::function<void()>& act) {
+    std::vector<Sent> statements;
+    StartRecording();
+    const Seconds whole = Measure(act);
+    statements = StopRecording();
+    const Seconds alone = Measure([&] { SendBare(*db, statements); });
+    Print(std::string("the bare statements of ") + what, alone.cpu, "s",
+          Number(static_cast<double>(statements.size())) + " statements");
+    Print(std::string(what) + " (2 x bare)", whole.cpu, Bound::AtMost, 2 * alone.cpu, "s");
+  };
+  for (int row = 0; row < kOfOneCheque; ++row) issue.Tick(row);
+  issue.Click("BitBtn8");
+  issue.Answer("yes");
+  beside("a cheque that pays 50 titles", [&] { issue.Answer("yes"); });
+  issue.Answer("ok");
+  for (int row = 0; row < kOfARun; ++row) issue.Tick(row);
+  issue.Click("BitBtn4");
+  beside("a run of 100 cheques", [&] { issue.Answer("yes"); });
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main() try { return Run(); } catch (const std::exception& e) {
+  std::cerr << e.what() << "\n";
+  return EXIT_FAILURE;
+}
