@@ -266,7 +266,7 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
                            {"VALOR", "33"},
                            {"BANCO", "901"},
                            {"CONTA", "10250-1"}});
-  Store("CHEQUE_DUP_001", {{"CHAVE", "K1"}, {"DUPLI", "P1"}});
+  Store("CHEQUE_DUP_001", {{"BANCO", "901"}, {"CONTA", "10250-1"}, {"NUMERO", "E1"}, {"DUPLI", "P1"}});
   Pedido("100", "12/10/2026", "000");
   Compra("200", "12/11/2026", "000");
   Run("INSERT INTO RECEBER_002 (NUMERO, DT_VENCTO, VALOR2) VALUES ('R1', '12/11/2026', 8)");
