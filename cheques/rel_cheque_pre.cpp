@@ -42,7 +42,7 @@ TfmRelContCheq::TfmRelContCheq(Application& application)
     @bar {
       GbVencimento { edtDtVenIni edtDtVenFim } RgBusca RgTipo
       @more {
-        rgAgrupar GbOpcoes { cbTotal CbEmpresa } /
+        rgAgrupar cbTotal CbEmpresa /
         GbEmissao { edtDtEmiIni edtDtEmiFim } GbBaixa { DtBaixaIni DtBaixaFim } EdtBordero /
         EdtCliente PqCliente EDCliente EdtRepresen PqRepresentante EDRepresentante
         Edit1 PqFornecedor Edit2 /

@@ -27,7 +27,6 @@ class ORV_EXPORT TfmRelContCheq : public ReportScreen {
       "Agrupar por",
       {"Banco", "Cliente", "Vencimento", "Data Baixa", "Nenhum", "Conta Corrente", "Fornecedor"},
       1};
-  GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
   CheckBox cbTotal{*this, "cbTotal", "Total Grupo", true};
   CheckBox CbEmpresa{*this, "CbEmpresa", "Todas Empresas"};
   GroupBox GbEmissao{*this, "GbEmissao", "Emissão"};
@@ -68,26 +67,26 @@ class ORV_EXPORT TfmRelContCheq : public ReportScreen {
 
   // The set and its fields are what the report reads by name.
   static constexpr auto kRelatorio = std::to_array<ReportField>({
-      {"AGENCIA", FieldType::String, 7, {"Agência", 0, 8}},
-      {"BANCO", FieldType::String, 3, {"Banco", 5, 6}},
+      {"AGENCIA", FieldType::String, 7, {"Agência", 0, 13}},
+      {"BANCO", FieldType::String, 3, {"Banco", 5, 11}},
       {"CHAVE", FieldType::String, 7, {"Chave", 0, 22}},
       {"CNPJ_EMI", FieldType::String, 18, {"CNPJ/CPF Emissor", 18, 17}},
-      {"CLIENTE", FieldType::String, 5, {"Cliente", 7, 10}},
-      {"CONTA", FieldType::String, 13, {"Conta", 10, 9}},
-      {"DT_BAIXA", FieldType::Date, 0, {"Baixa", 0, 5}},
+      {"CLIENTE", FieldType::String, 5, {"Cliente", 7, 5}},
+      {"CONTA", FieldType::String, 13, {"Conta", 10, 14}},
+      {"DT_BAIXA", FieldType::Date, 0, {"Baixa", 0, 10}},
       {"DUPLICATA", FieldType::String, 12, {"Borderô", 0, 18}},
-      {"EMISSAO", FieldType::Date, 0, {"Emissão", 0, 4}},
-      {"FORNECEDOR", FieldType::String, 5, {"Fornecedor", 10, 13}},
-      {"EMISSOR", FieldType::String, 50, {"Emissor", 26, 12}},
+      {"EMISSAO", FieldType::Date, 0, {"Emissão", 0, 9}},
+      {"FORNECEDOR", FieldType::String, 5, {"Fornecedor", 10, 7}},
+      {"EMISSOR", FieldType::String, 50, {"Emissor", 26, 4}},
       {"NUMERO", FieldType::String, 8, {"Número", 0, 2}},
       {"REPRESENTANTE", FieldType::String, 5, {"Representante", 12, 15}},
       {"VALOR", FieldType::Currency, 0, {"Valor", 14, 3}},
       {"VENCIMENTO", FieldType::Date, 0, {"Vencimento", 0, 1}},
       {"OBS", FieldType::String, 50, {"Observação", 30, 19}},
-      {"NOMECLI", FieldType::String, 80, {"Nome do Cliente", 28, 11}},
+      {"NOMECLI", FieldType::String, 80, {"Nome do Cliente", 28, 6}},
       {"NOMEREP", FieldType::String, 100, {"Nome do Representante", 26, 16}},
-      {"NOME_BANCO", FieldType::String, 40, {"Nome do Banco", 20, 7}},
-      {"FORNOME", FieldType::String, 80, {"Nome do Fornecedor", 28, 14}},
+      {"NOME_BANCO", FieldType::String, 40, {"Nome do Banco", 20, 12}},
+      {"FORNOME", FieldType::String, 80, {"Nome do Fornecedor", 28, 8}},
       {"BARRA", FieldType::String, 34, {"Código de Barras", 30, 21}},
       {"CREDITO", FieldType::Currency, 0, {"Limite de Crédito", 16, 20}},
       // How the report groups the row: "B" bank, "C" customer, "V" due date, "N" or nothing not at all; then

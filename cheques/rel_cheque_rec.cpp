@@ -15,8 +15,8 @@ thread_local TfmRelChequeRec* fmRelChequeRec = nullptr;
 namespace {
 
 const Unit kUnit("Relchequerec",
-                 {"TfmRelChequeRec", "Relatório de Controle de Cheques", ScreenKind::Child, "Cheques",
-                  [](Application& a) { return std::make_unique<TfmRelChequeRec>(a); }});
+                 {"TfmRelChequeRec", "Relatório de Controle de Cheques", ScreenKind::Child,
+                  "Cheques e títulos", [](Application& a) { return std::make_unique<TfmRelChequeRec>(a); }});
 
 // A row of the register of cheques, or of the receivables.
 constexpr const char *kEmitido = "E", *kRecebido = "R";
@@ -74,7 +74,7 @@ TfmRelChequeRec::TfmRelChequeRec(Application& application)
     @bar {
       GbVencimento { edtDtVenIni edtDtVenFim } RgSituacao RgTipo
       @more {
-        RgGrupo GbOpcoes { ckbResumido CbEmpresas } /
+        RgGrupo ckbResumido CbEmpresas /
         GbEmissao { edtDtEmiIni edtDtEmiFim } GbBaixas { DtBaixaIni DtBaixaFim } /
         EdtCliente PqCliente EDCliente EdtCodFor PqForn EdtNomeFor EdtBanco PqBanco Edit4 /
         edtCodRep PqRep edtDescRep Edtdupli EdtSit PqSituacao EdtdesSit /
@@ -86,7 +86,7 @@ TfmRelChequeRec::TfmRelChequeRec(Application& application)
     @actions { Btnimprimir @apart BtnSaida }
   )");
   DBGrid1.SetDropZeros(true);
-  DBGrid1.FindColumn("ORIGEM")->words = {{kEmitido, "Cadastro", ""}, {kRecebido, "A receber", "muted"}};
+  DBGrid1.FindColumn("ORIGEM")->words = {{kEmitido, "Cadastro", "muted"}, {kRecebido, "A receber", ""}};
   DBGrid1.FindColumn("TIPO_DOC")->words = kTipos;
   DBGrid1.FindColumn("STATUS")->words = {{"CH", "Cheque", "muted"}, {"CD", "Devolvido", "error"}};
   AddSet(TbRelatorio);

@@ -22,7 +22,6 @@ class ORV_EXPORT TfmRelChequeRec : public ReportScreen {
   RadioGroup RgSituacao{*this, "RgSituacao", "Situação", {"Pendentes", "Baixados", "Todos"}, 0};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Todos", "Emitidos", "Recebidos"}, 0};
   RadioGroup RgGrupo{*this, "RgGrupo", "Agrupar", {"Cheque", "Duplicata", "Vencimento"}, 0};
-  GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
   CheckBox ckbResumido{*this, "ckbResumido", "Resumido"};
   CheckBox CbEmpresas{*this, "CbEmpresas", "Todas Empresas"};
   GroupBox GbEmissao{*this, "GbEmissao", "Emissão"};
@@ -64,26 +63,26 @@ class ORV_EXPORT TfmRelChequeRec : public ReportScreen {
       {"AGENCIA", FieldType::String, 7, {"Agência", 0, 18}},
       {"BANCO", FieldType::String, 3, {"Banco", 5, 16}},
       {"NOME_BANCO", FieldType::String, 40, {"Nome do Banco", 20, 17}},
-      {"EMISSOR", FieldType::String, 50, {"Emissor", 26, 7}},
+      {"EMISSOR", FieldType::String, 50, {"Emissor", 22, 6}},
       {"VALOR", FieldType::Currency, 0, {"Valor", 14, 4}},
       {"VENCIMENTO", FieldType::Date, 0, {"Vencimento", 0, 5}},
       {"EMISSAO", FieldType::Date, 0, {"Emissão", 0, 20}},
       {"OBS", FieldType::String, 250, {"Observação", 30, 27}},
       {"CODREP", FieldType::String, 5, {"Representante", 12, 21}},
       {"NOME_REP", FieldType::String, 100, {"Nome do Representante", 26, 22}},
-      {"NUM_REC", FieldType::String, 12, {"A Receber", 11, 8}},
+      {"NUM_REC", FieldType::String, 12, {"A Receber", 11, 7}},
       {"CODCLI", FieldType::String, 5, {"Cliente", 7, 23}},
-      {"NOME_CLI", FieldType::String, 80, {"Nome do Cliente", 26, 9}},
-      {"VAL_REC", FieldType::Currency, 0, {"Valor a Receber", 14, 10}},
+      {"NOME_CLI", FieldType::String, 80, {"Nome do Cliente", 22, 8}},
+      {"VAL_REC", FieldType::Currency, 0, {"Valor a Receber", 14, 9}},
       {"SITUACAO", FieldType::String, 2, {"Sit.", 5, 24}},
       {"DESC_SIT", FieldType::String, 30, {"Situação do Título", 20, 25}},
       {"STATUS", FieldType::String, 2, {"Situação", 10, 15}},
-      {"NUM_PAG", FieldType::String, 6, {"A Pagar", 8, 11}},
-      {"DUPLI", FieldType::String, 12, {"Duplicata", 11, 12}},
+      {"NUM_PAG", FieldType::String, 6, {"A Pagar", 8, 10}},
+      {"DUPLI", FieldType::String, 12, {"Duplicata", 11, 11}},
       {"CODCRE", FieldType::String, 5, {"Credor", 7, 26}},
-      {"NOME_CRE", FieldType::String, 80, {"Nome do Credor", 26, 13}},
-      {"VAL_PAG", FieldType::Currency, 0, {"Valor a Pagar", 14, 14}},
-      {"DT_BAIXA", FieldType::Date, 0, {"Baixa", 0, 6}},
+      {"NOME_CRE", FieldType::String, 80, {"Nome do Credor", 22, 12}},
+      {"VAL_PAG", FieldType::Currency, 0, {"Valor a Pagar", 14, 13}},
+      {"DT_BAIXA", FieldType::Date, 0, {"Baixa", 0, 14}},
       {"OBS_PAG", FieldType::String, 100, {"Observação da Baixa", 30, 28}},
       // What tells the row's cheque from all others: the key in its table, and the suffix of its company.
       {"CHAVE", FieldType::String, 12},
