@@ -1,100 +1,14 @@
 // From a figure to where it comes from: a title's settlements, what a cheque pays, a movement's titles and
 // accounting, an order's items.
 #include "cashflow/rel_fluxo.h"
+#include "rules/origem.h"
 #include "rules/saldo.h"
 
 namespace orv {
+
+using namespace origem;
+
 namespace {
-
-// One line of a drill-down: kind, number, document, day, text and the amounts, each of one type in all lines.
-std::string Linhas(const char* tipo, const char* numero, const char* documento, const char* data,
-                   const char* texto, const char* valores, const char* de) {
-  const auto texto_de = [](const char* coluna, const char* tamanho, const char* nome) {
-    return std::string(", CAST(") + coluna + " AS VARCHAR(" + tamanho + ")) AS \"" + nome + "\"";
-  };
-  return std::string("SELECT CAST('") + tipo + "' AS VARCHAR(20)) AS \"Tipo\"" +
-         texto_de(numero, "12", "Número") + texto_de(documento, "15", "Documento") + ", CAST(" + data +
-         " AS DATE) AS \"Data\"" + texto_de(texto, "250", "Descrição") + ", " + valores + " FROM " + de;
-}
-
-// The amounts of a line that has only one.
-std::string Valor(const char* coluna) {
-  return std::string("CAST(") + coluna +
-         " AS NUMERIC(18,4)) AS \"Valor\", CAST(NULL AS NUMERIC(18,4)) AS \"Pago\", "
-         "CAST(NULL AS NUMERIC(18,4)) AS \"Juros\", CAST(NULL AS NUMERIC(18,4)) AS \"Desconto\", "
-         "CAST(NULL AS NUMERIC(18,4)) AS \"Devolvido\"";
-}
-
-std::string Valores(const char* valor, const char* pago, const char* juros, const char* desconto,
-                    const char* devolvido) {
-  std::string text;
-  const char* nomes[] = {"Valor", "Pago", "Juros", "Desconto", "Devolvido"};
-  const char* colunas[] = {valor, pago, juros, desconto, devolvido};
-  for (int i = 0; i < 5; ++i) {
-    if (i > 0) text += ", ";
-    text += std::string("CAST(") + colunas[i] + " AS NUMERIC(18,4)) AS \"" + nomes[i] + "\"";
-  }
-  return text;
-}
-
-constexpr const char* kUniao = " UNION ALL ";
-
-std::string Receber(const std::string& condicao) {
-  return Linhas("Título a receber", "R.NUMERO", "R.FATURA", "R.DT_VENCTO",
-                "COALESCE(E.NOME, '') || ' ' || COALESCE(R.OBS, '')",
-                Valores("R.VALOR2", "R.VALOR_PAGO", "R.JUROS", "R.DESCONTO", "R.VAL_DEV").c_str(),
-                "{RECEBER} R LEFT JOIN {ENTIDADE} E ON E.CODCLI = R.CODCLI") +
-         " WHERE R." + condicao;
-}
-
-std::string Pagar(const std::string& condicao) {
-  return Linhas("Título a pagar", "P.DUPLI", "P.DOCTO", "P.DT_VEN",
-                "COALESCE(E.NOME, '') || ' ' || COALESCE(P.OBS, '')",
-                Valores("P.VALOR", "P.VAL_PAG", "P.JUROS", "P.DESCONTO", "P.VAL_DEV").c_str(),
-                "{PAGTO} P LEFT JOIN {ENTIDADE} E ON E.CODCLI = P.CODCRE") +
-         " WHERE P." + condicao;
-}
-
-std::string BaixasReceber(const std::string& condicao) {
-  return Linhas("Recebimento", "B.LANCAMENTO", "B.DOCTO", "B.DT_PAGTO",
-                "COALESCE(H.DESCRICAO, '') || ' ' || COALESCE(B.OBS, '')",
-                Valores("NULL", "B.VALOR_PAGO", "B.JUROS", "B.DESCONTO", "B.VAL_DEV").c_str(),
-                "{RECEBERB} B LEFT JOIN {HISTCP} H ON H.HISTORICO = B.HISTORICO") +
-         " WHERE B." + condicao;
-}
-
-std::string BaixasPagar(const std::string& condicao) {
-  return Linhas("Pagamento", "B.LANCAMENTO", "B.DOCTO", "B.DT_LAN",
-                "COALESCE(H.DESCRICAO, '') || ' ' || COALESCE(B.OBS, '')",
-                Valores("NULL", "B.VAL_PAG", "B.JURO", "B.DESCONTO", "B.VAL_DEV").c_str(),
-                "{PAGTO1} B LEFT JOIN {HISTCP} H ON H.HISTORICO = B.HISTORICO") +
-         " WHERE B." + condicao;
-}
-
-std::string Movimentos(const std::string& condicao) {
-  return Linhas("Movimento", "M.LANCAMENTO", "M.DOCTO", "M.DT_CONT",
-                "M.CONTA || ' ' || M.OPERACAO || ' ' || COALESCE(M.OBSERVACAO, '')", Valor("M.VALOR").c_str(),
-                "{CONTACOR} M") +
-         " WHERE M." + condicao;
-}
-
-std::string Contabilizacao(const std::string& condicao) {
-  return Linhas("Contabilização", "C.LANCAMENTO", "C.DOCTO", "C.DATA",
-                "'D ' || COALESCE(C.CONTA_D, '') || ' C ' || COALESCE(C.CONTA_C, '') || ' ' || "
-                "COALESCE(C.OBSERVACAO, '')",
-                Valor("C.VALOR").c_str(), "{CONTABIL} C") +
-         " WHERE C." + condicao;
-}
-
-std::string Cheques(const std::string& chave) {
-  return Linhas("Cheque", "Q.NUMERO", "Q.CHAVE", "Q.VENCIMENTO",
-                "Q.BANCO || ' ' || Q.CONTA || ' ' || COALESCE(Q.OBS, '')", Valor("Q.VALOR").c_str(),
-                "{CHEQUE_PRE} Q") +
-         " WHERE Q.CHAVE = " + chave + kUniao +
-         // A cheque's title is one to pay or one to receive: its number tells.
-         Pagar("NUM_AP IN (SELECT D.DUPLI FROM {CHEQUE_DUP} D WHERE D.CHAVE = " + chave + ")") + kUniao +
-         Receber("NUMERO IN (SELECT D.DUPLI FROM {CHEQUE_DUP} D WHERE D.CHAVE = " + chave + ")");
-}
 
 // What a line of an order says in figures: its discount, or a quantity and a price. Null is none.
 std::string Figuras(const char* desconto, const char* quantidade, const char* preco) {
@@ -169,7 +83,7 @@ void TfmRelFluxo::DBGrid1DblClick() {
       break;
     case Fonte::Cheque:
       titulo = "Cheque ";
-      sql = Cheques(chave) + kUniao + Movimentos("LANCAMENTO = " + chave);
+      sql = Cheques("CHAVE = " + chave) + kUniao + Movimentos("LANCAMENTO = " + chave);
       break;
     case Fonte::Movimento:
       titulo = "Movimento ";

@@ -28,6 +28,7 @@ void TTransDataSet::TransfereDados() {
       if (from[i] != nullptr) copy[*target_->Fields()[i]] = source_->Cell(row, *from[i]);
     }
     copy.Append();
+    if (OnRow) OnRow();
   }
   if (count > 0) target_->First();
 }

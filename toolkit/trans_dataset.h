@@ -1,6 +1,8 @@
 // Copies the rows of one data set into a working set.
 #pragma once
 
+#include <functional>
+
 #include "toolkit/client_dataset.h"
 
 namespace orv {
@@ -14,6 +16,9 @@ class TTransDataSet {
   // Appends the source's rows, by field name; the source's cursor stays where it was. Fields that only one
   // side has are left out.
   void TransfereDados();
+
+  // After each row.
+  std::function<void()> OnRow;
 
  private:
   DataSet* source_ = nullptr;

@@ -220,7 +220,7 @@ TEST_F(RelFluxoTest, RowsShowTheirSource) {
   Put(Receberb{.numero = "R1", .lancamento = "L9", .dt_pagto = "12/01/2026", .valor_pago = "40"});
   Conta({.num_ap = "P1", .dt_ven = "12/08/2026"});
   Put(Cheque{.chave = "K1", .numero = "E1", .valor = "33", .vencimento = "12/09/2026", .tipo = "P"});
-  Put(ChequeDup{.dupli = "P1", .chave = "K1"});
+  Put(ChequeDup{.numero = "E1", .dupli = "P1"});
   Order("100", "12/10/2026", "000");
   Purchase("200", "12/11/2026", "000");
   Put(Receber{.numero = "R1", .codcli = nullptr, .dt_vencto = "12/11/2026", .valor2 = "8"}, "_002");
