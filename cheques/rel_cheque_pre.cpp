@@ -85,8 +85,8 @@ void TfmRelContCheq::LigaCampos() {
            {.field = &Edit3, .lookup = &PqBanco, .shows = {{"NOME_BANCO", &Edit4}}},
            {.field = &EdtConta, .lookup = &PqConta, .shows = {{"EMPRESA", &EdtNomeConta}}}});
   const auto segue = [](TPesquisa& pesquisa, Edit& proximo) {
-    pesquisa.OnFechaPesquisa = [this_choice = pesquisa.OnFechaPesquisa, &proximo] {
-      this_choice();
+    pesquisa.OnFechaPesquisa = [escolhe = pesquisa.OnFechaPesquisa, &proximo] {
+      escolhe();
       proximo.SetFocus();
     };
   };

@@ -110,8 +110,7 @@ class ORV_EXPORT TfmRelChequeRec : public ReportScreen {
   std::string FiltroBaixa(const char* coluna) const;
   std::string FiltroLista(const char* coluna) const;
   void Ordena();
-  // What the report asks: the cheques of the set and their sum, each cheque once, whatever the titles that it
-  // pays.
+  // What the report asks: the sum of the set's cheques, each once, however many titles it pays.
   Value TotalDosCheques();
 
   // What the latest gathering asked for, as the report tells it.

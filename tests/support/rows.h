@@ -151,16 +151,17 @@ struct Pagto1 {
 struct Receber {
   Cell numero = Else("T1"), codcli = Else("00002"), dt_emissao{}, dt_vencto{}, valor2 = Else("100"),
        valor_pago{}, val_dev{}, classe{}, banco{}, bordero{}, status{}, situacao = Else("0"), numero_ch{},
-       conta_ch{}, agencia_ch{}, banco_ch{}, fatura{}, obs{};
+       conta_ch{}, agencia_ch{}, banco_ch{}, fatura{}, obs{}, codrep{}, emissor_ch{};
   ORV_ROW("RECEBER{}", numero, codcli, dt_emissao, dt_vencto, valor2, valor_pago, val_dev, classe, banco,
-          bordero, status, situacao, numero_ch, conta_ch, agencia_ch, banco_ch, fatura, obs)
+          bordero, status, situacao, numero_ch, conta_ch, agencia_ch, banco_ch, fatura, obs, codrep,
+          emissor_ch)
 };
 
 struct Receberb {
   Cell numero = Else("T1"), lancamento = Else("000001"), dt_pagto{}, valor_pago{}, juros{}, val_dev{},
-       desconto{}, desconto2{}, desconto3{};
+       desconto{}, desconto2{}, desconto3{}, portador{};
   ORV_ROW("RECEBERB{}", numero, lancamento, dt_pagto, valor_pago, juros, val_dev, desconto, desconto2,
-          desconto3)
+          desconto3, portador)
 };
 
 // Titles that a bank or a program of payments has.
