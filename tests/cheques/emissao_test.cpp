@@ -125,50 +125,39 @@ TEST_F(EmissaoTest, ConfirmRefusesInOrder) {
   Desk desk(database_);
   desk.Open("TfmEmissao");
   Run("INSERT INTO SUBGRUPO_001 (CODIGO, TP_CONTA) VALUES ('9999', 'T')");
-  const std::string none = "Para Fazer Pagamento de AP é necessário selecionar ao menos uma AP.";
-  struct Step {
-    Fields right;
-    std::string message;
-    const char* focus;
+  const auto closed = [this](const char* tipo, const char* conta) {
+    return [this, tipo, conta] { Put(Bloqueio{.tipo = tipo, .conta = conta}); };
   };
-  const Step steps[] = {
-      {{{"DtEmissao", "18/11/2026"}, {"DtVencto", ""}},
-       "Período do caixa fechado até 20/11/2026.",
-       "BitBtn8"},
-      {{{"DtEmissao", ""}, {"DtVencto", ""}}, "Vencimento inválido.", "DtVencto"},
-      {{{"DtVencto", "30/11/2026"}}, "Conta Inválida.", "EdtConta"},
-      {{{"EdtConta", kConta}}, "Nº do Cheque Inválido.", "EdtDocto"},
-      {{{"EdtDocto", "000009"}}, "Classe Gerencial Inválida.", "EdtCodClasse"},
-      {{{"EdtCodClasse", "9999"}},
-       "Classe Inválida. Não é possível lançar com classe do tipo Título.",
-       "EdtCodClasse"},
-      {{{"EdtCodClasse", "2103"}}, "Histórico Inválido.", "EdtHist"},
-      {{{"EdtHist", "004"}}, "Credor Inválido.", "EdtDesNom"},
-      {{{"EdtDesNom", "NINGUEM"}}, "O Valor deve ser maior que Zero.", "EdtValor"},
-      {{{"EdtValor", "10,00"}}, none, "BitBtn8"},
-      {{{"RgTipo", "1"}},
-       "Para Fazer Pagamento de Antecipação é necessário Selecionar um Fornecedor F4.",
-       "BitBtn8"},
-      {{{"EdtDesNom", "FIOS IPE AMARELO 009 ME"}}, "Histórico de Antecipação Inválido.", "EdtHistAnt"},
-      {{{"RgTipo", "3"}}, "Conta de Depósito não Encontrada. Operação Cancelada.", "BitBtn8"},
-      {{{"EdtContaDep", "NADA"}}, "Conta de Depósito não Encontrada. Operação Cancelada.", "BitBtn8"},
-      {{{"EdtContaDep", kOutraConta}}, "Emissão inválida.", "DtEmissao"},
-      {{{"DtEmissao", "18/11/2026"}, {"DtDeposito", ""}}, "Data do Depósito inválida.", "DtDeposito"},
-      {{{"DtDeposito", "30/11/2026"}}, "Período fechado até 20/11/2026 para a conta 10250-1.", "BitBtn8"},
-  };
-  Lock("CX", "");
-  Lock("CT", kConta);
-  for (const Step& step : steps) {
-    Fill(desk, step.right);
-    desk.Click("BitBtn8");
-    CloseLists(desk);
-    EXPECT_EQ(desk.Messages(), step.message);
-    desk.Answer("ok");
-    EXPECT_EQ(desk.FocusName(), step.focus) << step.message;
-    EXPECT_EQ(Left()[0] + Left()[4] + desk.Rows("TbCheque"), "");
-    Unlock("CX");
-  }
-  Lock("CT", kOutraConta);
+  const auto open = [this](const char* tipo) { return [this, tipo] { Unlock(tipo); }; };
+  const char* kDeposito = "Conta de Depósito não Encontrada. Operação Cancelada.";
+  Refuses(
+      desk, "BitBtn8", "CONTACOR_001 CHEQUE_PRE_001 CONTABIL_001 AUDITORIA",
+      {{.right = {{"DtEmissao", "18/11/2026"}, {"DtVencto", ""}},
+        .message = "Período do caixa fechado até 20/11/2026.",
+        .act = closed("CX", "")},
+       {{{"DtEmissao", ""}, {"DtVencto", ""}}, "Vencimento inválido.", "DtVencto", "", open("CX")},
+       {{{"DtVencto", "30/11/2026"}}, "Conta Inválida.", "EdtConta"},
+       {{{"EdtConta", kConta}}, "Nº do Cheque Inválido.", "EdtDocto"},
+       {{{"EdtDocto", "000009"}}, "Classe Gerencial Inválida.", "EdtCodClasse"},
+       {{{"EdtCodClasse", "9999"}},
+        "Classe Inválida. Não é possível lançar com classe do tipo Título.",
+        "EdtCodClasse"},
+       {{{"EdtCodClasse", "2103"}}, "Histórico Inválido.", "EdtHist"},
+       {{{"EdtHist", "004"}}, "Credor Inválido.", "EdtDesNom"},
+       {{{"EdtDesNom", "NINGUEM"}}, "O Valor deve ser maior que Zero.", "EdtValor"},
+       {{{"EdtValor", "10,00"}}, "Para Fazer Pagamento de AP é necessário selecionar ao menos uma AP."},
+       {{{"RgTipo", "1"}}, "Para Fazer Pagamento de Antecipação é necessário Selecionar um Fornecedor F4."},
+       {{{"EdtDesNom", "FIOS IPE AMARELO 009 ME"}}, "Histórico de Antecipação Inválido.", "EdtHistAnt"},
+       {{{"RgTipo", "3"}}, kDeposito},
+       {{{"EdtContaDep", "NADA"}}, kDeposito},
+       {{{"EdtContaDep", kOutraConta}}, "Emissão inválida.", "DtEmissao"},
+       {{{"DtEmissao", "18/11/2026"}, {"DtDeposito", ""}}, "Data do Depósito inválida.", "DtDeposito"},
+       {.right = {{"DtDeposito", "30/11/2026"}},
+        .message = "Período fechado até 20/11/2026 para a conta 10250-1.",
+        .act = closed("CT", kConta)},
+       {.right = {}, .message = "Período fechado até 20/11/2026 para a conta 20418-7.", .act = [&] {
+          open("CT")(), closed("CT", kOutraConta)();
+        }}});
   Unlock("CT");
   desk.Click("BitBtn8");
   EXPECT_NE(Posting(desk), "");
@@ -214,17 +203,17 @@ TEST_F(EmissaoTest, AutomaticRunPickingAndReprint) {
   Desk desk(database_);
   Prepare(desk, '0', {0, 1, 2});
   // More than the balance is brought back to it, and the total follows.
-  Cell(desk, "wwDBGrid1", 1, "Valor", "70,00");
+  desk.Cell("wwDBGrid1", 1, "Valor", "70,00");
   desk.Focus("EdtConta");
   EXPECT_EQ(desk.Messages(), "O valor do Cheque não pode ser maior que o Saldo da Duplicata.");
   desk.Answer("ok");
-  Cell(desk, "wwDBGrid1", 1, "Valor", "20,00");
+  desk.Cell("wwDBGrid1", 1, "Valor", "20,00");
   desk.Focus("EdtObs");
   EXPECT_EQ(desk.Text("EdtTotal") + "/" + desk.Text("EdtValor"), "150,00/150,00");
   desk.Set("EdtConta", "");
-  CloseLists(desk);
+  desk.CloseLists();
   desk.Click("BitBtn4");
-  CloseLists(desk);
+  desk.CloseLists();
   desk.Answer("yes");
   EXPECT_EQ(desk.Messages() + Left()[4], "Conta Inválida.");
   desk.Answer("ok");
@@ -257,12 +246,12 @@ TEST_F(EmissaoTest, AutomaticRunPickingAndReprint) {
   EXPECT_EQ(desk.Rows("TbCheque") + desk.Rows("TbPagto"), "");
 
   // Picked for a reprint, a cheque shows what it paid, and pays nothing of the next one.
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}});
+  desk.Page("TabSheet1");
   desk.Set("EdtCCheque", "000002");
   desk.Click("BitBtn3");
   EXPECT_EQ(desk.Read("QryConsulta", {"NUMERO", "VALOR", "OBS"}), "000002|20.0000|FIO D'ALGODAO\n");
   for (const char* message : {"", "Cheque já selecionado."}) {
-    desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "NUMERO"}});
+    desk.DoubleClick("DBGrid1", 0, "NUMERO");
     if (*message != 0) {
       EXPECT_EQ(desk.Messages(), message);
       desk.Answer("ok");
@@ -272,7 +261,7 @@ TEST_F(EmissaoTest, AutomaticRunPickingAndReprint) {
     EXPECT_EQ(desk.Read("TbPagto", {"Baixar", "Numero", "Empresa", "Valor", "Val_Pag_Cheque"}),
               "S|000002|_001|25|20.0000\n");
   }
-  desk.Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet2"}});
+  desk.Page("TabSheet2");
   desk.Click("BitBtn4");
   desk.Answer("yes");
   desk.Focus("EdtDocto");
@@ -288,19 +277,21 @@ TEST_F(EmissaoTest, NumbersPrintingAndReplacement) {
   for (const auto& [former, next] :
        Fields{{"", "000001"}, {"A12", "000001"}, {"1234567", "1234568"}, {"7", "000009"}}) {
     Run("DELETE FROM CHEQUE_PRE_001");
-    Cheque("000001", former, "P");
-    if (former == "7") Cheque("0", "000008", "P");
+    const auto keep = [&](const char* chave, const std::string& numero) {
+      Put(Cheque{.chave = chave, .numero = numero, .banco = "901", .conta = kConta});
+    };
+    keep("000001", former);
+    if (former == "7") keep("0", "000008");
     Prepare(desk, '2');
     EXPECT_EQ(desk.Text("EdtDocto"), next) << former;
-    desk.Do({{"do", "close"}});
+    desk.Close();
   }
   Restore();
-  Cheque("000001", "000001", "P");
-  Run("UPDATE CHEQUE_PRE_001 SET CONTA = '20418-7', BANCO = '902'");
+  Put(Cheque{.numero = "000001", .banco = "902", .conta = kOutraConta});
   Prepare(desk, '2');
   desk.Set("EdtDocto", "000001");
   // Another account chosen afterwards: its cheque of this number goes.
-  Fill(desk, {{"EdtConta", kOutraConta}});
+  desk.Fill({{"EdtConta", kOutraConta}});
   const std::string numero = Issue(desk);
   EXPECT_EQ(Sql("SELECT CHAVE, CONTA, NUMERO FROM CHEQUE_PRE_001"), numero + "|20418-7|000001");
   desk.Set("EdtDocto", "000001");
@@ -311,12 +302,12 @@ TEST_F(EmissaoTest, NumbersPrintingAndReplacement) {
   desk.Set("EdtDocto", "000777");
   desk.Set("RgTipo", "0");
   desk.Click("BitBtn5");
-  for (const int row : {0, 1}) Cell(desk, "wwDBGrid1", row, "Baixar", "S");
-  Fill(desk, {{"EdtDesNom", "joão d'ávila"}, {"EdtValor", "777.777.777,77"}});
-  Fill(desk, {{"EdtConta", kConta}});
+  for (const int row : {0, 1}) desk.Cell("wwDBGrid1", row, "Baixar", "S");
+  desk.Fill({{"EdtDesNom", "joão d'ávila"}, {"EdtValor", "777.777.777,77"}});
+  desk.Fill({{"EdtConta", kConta}});
   Issue(desk);
   ExpectFile(Printed(desk, "BitBtn6"), std::string(ORV_FILES) + "WEmiRecCheque.txt");
-  desk.Do({{"do", "row"}, {"control", "DBGrid2"}, {"row", 1}});
+  desk.Stand("DBGrid2", 1);
   ExpectFile(Printed(desk, "BtnImprimir"), std::string(ORV_FILES) + "WChequeEmi_.txt");
 }
 

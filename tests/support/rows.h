@@ -138,9 +138,9 @@ struct Extrato {
 struct Pagto {
   Cell num_ap = Else("000001"), codcre = Else("00003"), docto{}, dupli{}, dt_emi{}, dt_ven{},
        num_os = Else("3104"), valor = Else("100"), val_pag{}, val_dev{}, status{}, situacao = Else("0"),
-       lote = Else("");
+       historico{}, lote = Else("");
   ORV_ROW("PAGTO{}", num_ap, codcre, docto, dupli, dt_emi, dt_ven, num_os, valor, val_pag, val_dev, status,
-          situacao, lote)
+          situacao, historico, lote)
 };
 
 struct Pagto1 {
