@@ -248,8 +248,8 @@ class ORV_EXPORT TfmEmissao : public Child {
   void TbPagtoAfterPost();
   // The payables that meet a condition, with a further join.
   std::string SqlTitulos(const std::string& juncao, const std::string& filtro) const;
-  // Rows of a statement that aren't in the set yet go behind it; the keys of those.
-  std::vector<std::string> IncluiTitulos(const std::string& sql);
+  // Rows of a statement that aren't in the set yet go behind it; how many these are.
+  int64_t IncluiTitulos(const std::string& sql);
   void SoSelecionados();
   void EsvaziaTitulos();
   // Those selected to be paid, in the order of the grid; what was picked for a reprint isn't.

@@ -2,7 +2,6 @@
 #include "cheques/emissao.h"
 #include "rules/bloqueio.h"
 #include "rules/rateio.h"
-#include "rules/soma.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -71,14 +70,13 @@ void TfmEmissao::DBGrid1DblClick() {
 
 void TfmEmissao::BuscaAPCheque(const std::string& lancamento, const std::string& numero) {
   SoSelecionados();
-  const std::vector<std::string> novas =
+  const int64_t novas =
       IncluiTitulos(SqlTitulos(" LEFT JOIN {PAGTO1} PAGTO1 ON (PAGTO1.NUM_AP = PAGTO.NUM_AP AND " +
                                    Igual("PAGTO1.LANCAMENTO", lancamento) + ")",
                                Igual("PAGTO.NUM_AP", numero)));
-  if (novas.empty()) return;
+  if (novas == 0) return;
   const Currency pago = PagoPelaFila(numero);
-  for (TbPagto.SetRecNo(TbPagto.RecordCount() - static_cast<int64_t>(novas.size()) + 1); !TbPagto.Eof();
-       TbPagto.Next()) {
+  for (TbPagto.SetRecNo(TbPagto.RecordCount() - novas + 1); !TbPagto.Eof(); TbPagto.Next()) {
     TbPagto.Edit();
     TbPagto.Val_Pag_Cheque = pago;
     TbPagto.Post();

@@ -4,59 +4,46 @@
 
 #include "cheques/emissao.h"
 #include "rules/titulo.h"
+#include "toolkit/row_writer.h"
+#include "toolkit/scoped.h"
 
 namespace orv {
 namespace {
-
-// While it lives, the program fills the set and what follows a change of the user's keeps out.
-class Carga {
- public:
-  explicit Carga(DataSet& set) : set_(set) { set_.Tag = 1; }
-  ~Carga() { set_.Tag = 0; }
-  Carga(const Carga&) = delete;
-  Carga& operator=(const Carga&) = delete;
-
- private:
-  DataSet& set_;
-};
 
 // The columns of the statement, in order, by their fields; the balance is the last.
 constexpr const char* kColunas =
     "PAGTO.NUM_AP, '{}' AS EMPRESA, PAGTO.CODCRE, FORNECED.NOME, PAGTO.DT_VEN, PAGTO.DT_EMI, PAGTO.VAL_PAG, "
     "PAGTO.DOCTO, PAGTO.DUPLI, PAGTO.NUM_OS, PAGTO.HISTORICO, ";
 
+// Takes the payables that aren't in the set yet.
 class Linhas : public RowSink {
  public:
   explicit Linhas(TfmEmissao::PagtoSet& set)
       : set_(set),
         campos_{&set.Numero,     &set.Empresa, &set.CodCre, &set.Nome,   &set.Dt_Vencto, &set.Dt_Emissao,
                 &set.Valor_Pago, &set.NF,      &set.Dupli,  &set.Classe, &set.Historico, &set.Saldo},
-        linha_(set.Fields().size()) {
+        linha_(set) {
     for (int64_t row = 0, rows = set.DisplayCount(); row < rows; ++row)
       chaves_.insert(set.Cell(row, set.Numero).AsString() + set.Cell(row, set.Empresa).AsString());
   }
   void Columns(const std::vector<Column>& columns) override { ORV_ASSERT(columns.size() == campos_.size()); }
   bool Row(std::span<Value> values) override {
-    for (std::size_t i = 0; i < campos_.size(); ++i)
-      Celula(*campos_[i]) = campos_[i]->Convert(std::move(values[i]));
-    std::string chave = Celula(set_.Numero).AsString() + Celula(set_.Empresa).AsString();
-    if (!chaves_.insert(chave).second) return true;
-    Celula(set_.Baixar) = "N";
-    Celula(set_.Valor) = Celula(set_.Saldo).AsFloat();
-    Celula(set_.Val_Pag_Cheque) = Currency();
-    novas.push_back(std::move(chave));
-    set_.AppendRow(linha_);
+    linha_.Take(campos_, values);
+    if (!chaves_.insert(linha_[set_.Numero].AsString() + linha_[set_.Empresa].AsString()).second) return true;
+    linha_[set_.Baixar] = "N";
+    linha_[set_.Valor] = linha_[set_.Saldo].AsFloat();
+    linha_[set_.Val_Pag_Cheque] = Currency();
+    linha_.Append();
+    ++novas;
     return true;
   }
 
-  std::vector<std::string> novas;
+  int64_t novas = 0;
 
  private:
-  Value& Celula(const Field& campo) { return linha_[static_cast<std::size_t>(campo.Index())]; }
-
   TfmEmissao::PagtoSet& set_;
   const std::array<const Field*, 12> campos_;
-  std::vector<Value> linha_;
+  RowWriter linha_;
   std::unordered_set<std::string> chaves_;
 };
 
@@ -84,17 +71,17 @@ std::string TfmEmissao::SqlTitulos(const std::string& juncao, const std::string&
                       "PAGTO", CbEmpresa.Checked());
 }
 
-std::vector<std::string> TfmEmissao::IncluiTitulos(const std::string& sql) {
-  const Carga carga(TbPagto);
+int64_t TfmEmissao::IncluiTitulos(const std::string& sql) {
+  const ScopedValue carga(TbPagto.Tag, 1);
   const ControlsHold hold(TbPagto);
   Linhas linhas(TbPagto);
   Tabela.IBDatabase().Fetch(sql, linhas);
-  return std::move(linhas.novas);
+  return linhas.novas;
 }
 
 void TfmEmissao::SoSelecionados() {
   TbPagto.PostIfEditing();
-  const Carga carga(TbPagto);
+  const ScopedValue carga(TbPagto.Tag, 1);
   const ControlsHold hold(TbPagto);
   std::vector<std::vector<Value>> ficam;
   marcas_.ForEach([&](int64_t row) {
