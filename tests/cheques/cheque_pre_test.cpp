@@ -207,7 +207,7 @@ TEST_F(ChequeTest, CancellationUndoesSettlements) {
   for (const char* chave : {"C1", "C2", "C3"}) Keep({.chave = chave, .tipo = "P", .cliente = "00001"});
   for (const char* chave : {"C1", "C2"}) Move(chave, "P");
   // Another cheque of that number, on another account.
-  Put(Movimento{.lancamento = "X1", .docto = "C1"});
+  Put(Movimento{.lancamento = "X1", .docto = "C1", .banco = "903"});
   for (const char* bill : {"Z1", "Z2"}) {
     Put(Pagto{.num_ap = bill, .valor = "100", .val_pag = "60"});
     for (const char* number : {"C1", "X1"}) {
