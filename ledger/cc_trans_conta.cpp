@@ -104,15 +104,10 @@ void TFmCCTransConta::BitBtn1Click() {
 }
 
 bool TFmCCTransConta::ValidaCampos() {
-  const auto recusa = [this](const char* mensagem, Control& campo) {
-    Inform(mensagem);
-    campo.SetFocus();
-    return false;
-  };
-  if (DtLan.Date().Empty()) return recusa("A Data de Lançamento informada é inválida.", DtLan);
-  if (DtCont.Date().Empty()) return recusa("A Data de Contabilização informada é inválida.", DtCont);
+  if (DtLan.Date().Empty()) return Recusa("A Data de Lançamento informada é inválida.", DtLan);
+  if (DtCont.Date().Empty()) return Recusa("A Data de Contabilização informada é inválida.", DtCont);
   for (Edit* conta : {&EdtConta, &EdtContaDest}) {
-    if (!Funcoes.Existe("CADCONTA", {{"CONTA", conta->Text()}})) return recusa(kConta, *conta);
+    if (!Funcoes.Existe("CADCONTA", {{"CONTA", conta->Text()}})) return Recusa(kConta, *conta);
   }
   return true;
 }
