@@ -256,6 +256,7 @@ describe("connection", () => {
     await field(page, "Valor").click();
     await focusIs(page, "Valor");
     await keys(page, "12");
+    await until("guardado", () => page.evaluate(() => JSON.stringify(sessionStorage).includes("Valor")));
     desk.sessions.clear();
     desk.drop();
     await page.getByText("A sessão anterior terminou").waitFor();
