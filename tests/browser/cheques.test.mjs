@@ -71,6 +71,27 @@ test("a cheque is taken in with its movement, refused what isn't for it, and tak
   await shows(page, "Conta", "33021-5");
 });
 
+test("a pile of cheques is read with a bar reader and posted without the mouse", async () => {
+  page = await begin();
+  await openScreen(page, "controle", "Controle de Cheques");
+  await keys(page, "Alt+l");
+  await page.getByRole("dialog", { name: "Cheques Recebidos" }).waitFor();
+  await keys(page, "10250-1", "Tab", "1101", "Tab", "005", "Tab");
+  const grid = "Cheques do lote";
+  await focusIs(page, grid);
+  for (let i = 1; i <= 3; i++) {
+    await page.keyboard.press(i === 1 ? "Insert" : "ArrowDown");
+    await keys(page, `<34112345<01800077${i}4>900000567890:`, "Enter");
+    await until("a linha lida", async () => (await rows(page, grid)).at(-1)?.startsWith(`00077${i}|341|005678|1234|20/11/2026|20/11/2026`));
+    await keys(page, `10${i},5`, "Enter");
+  }
+  await picture(page, "batch");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Alt+c");
+  await page.getByText("3 cheques lançados na conta 10250-1: 307,50.").waitFor();
+  await page.getByRole("dialog").waitFor({ state: "detached" });
+});
+
 test("a cheque is issued, printed, and picked for a reprint", async () => {
   page = await begin();
   await openScreen(page, "emissão de cheque", "Emissão de cheque");
