@@ -5,26 +5,30 @@
 namespace orv {
 namespace {
 
-std::string Parte(std::string_view alias, std::string_view condicao, char operacao, const char* sinal) {
-  const std::string de = alias.empty() ? "" : std::string(alias) + ".";
-  std::string parte = " WHEN " + de + "OPERACAO = '" + operacao + "'";
-  if (!condicao.empty()) parte.append(" AND ").append(condicao);
-  return parte + " THEN " + sinal + de + "VALOR";
+std::string De(std::string_view alias) { return alias.empty() ? "" : std::string(alias) + "."; }
+
+// What meets no case is null, which costs a sum nothing.
+std::string Lado(std::string_view alias, std::string_view condicao, char operacao) {
+  std::string lado = "CASE WHEN " + De(alias) + "OPERACAO = '" + operacao + "'";
+  if (!condicao.empty()) lado.append(" AND ").append(condicao);
+  return lado + " THEN " + De(alias) + "VALOR END";
 }
 
 }  // namespace
 
 std::string Creditos(const Livro& livro, std::string_view alias, std::string_view condicao) {
-  return "CASE" + Parte(alias, condicao, livro.credito, "") + " ELSE 0 END";
+  return Lado(alias, condicao, livro.credito);
 }
 
 std::string Debitos(const Livro& livro, std::string_view alias, std::string_view condicao) {
-  return "CASE" + Parte(alias, condicao, livro.debito, "") + " ELSE 0 END";
+  return Lado(alias, condicao, livro.debito);
 }
 
 std::string ComSinal(const Livro& livro, std::string_view alias, std::string_view condicao) {
-  return "CASE" + Parte(alias, condicao, livro.credito, "") + Parte(alias, condicao, livro.debito, "-") +
-         " ELSE 0 END";
+  const std::string de = De(alias);
+  const std::string valor = "CASE " + de + "OPERACAO WHEN '" + livro.credito + "' THEN " + de +
+                            "VALOR WHEN '" + livro.debito + "' THEN -" + de + "VALOR END";
+  return condicao.empty() ? valor : "CASE WHEN " + std::string(condicao) + " THEN " + valor + " END";
 }
 
 const std::array<ReportField, 5> kSaldoPorMes{{{"Ano", FieldType::Integer},
