@@ -21,6 +21,8 @@
 #include "toolkit/scoped.h"
 
 #ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+
 extern "C" __attribute__((weak)) const char* __lsan_default_options();
 extern "C" __attribute__((weak)) const char* __lsan_default_options() { return "print_suppressions=0"; }
 // What the engine and the libraries under it keep for the life of the process.
@@ -180,7 +182,14 @@ void KeepEngine() {
   use = fb::Master()->getPluginManager()->getPlugins(call(), Firebird::IPluginManager::TYPE_PROVIDER,
                                                      "Engine12", nullptr);
   // The client library, which goes after this, waits at its end for whoever still uses the engine.
-  if (use != nullptr) std::atexit([] { use->release(); });
+  if (use == nullptr) return;
+  std::atexit([] {
+#ifdef __SANITIZE_ADDRESS__
+    // Leaks are looked for while the engine's threads stand still: they end with it.
+    __lsan_do_leak_check();
+#endif
+    use->release();
+  });
 }
 
 bool HostName(std::string_view text) {
