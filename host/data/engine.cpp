@@ -24,7 +24,9 @@
 #include <sanitizer/lsan_interface.h>
 
 extern "C" __attribute__((weak)) const char* __lsan_default_options();
-extern "C" __attribute__((weak)) const char* __lsan_default_options() { return "print_suppressions=0:use_tls=0"; }
+extern "C" __attribute__((weak)) const char* __lsan_default_options() {
+  return "print_suppressions=0:use_tls=0";
+}
 // What the engine and the libraries under it keep for the life of the process.
 extern "C" __attribute__((weak)) const char* __lsan_default_suppressions();
 extern "C" __attribute__((weak)) const char* __lsan_default_suppressions() {
