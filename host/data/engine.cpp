@@ -27,10 +27,12 @@ extern "C" __attribute__((weak)) const char* __lsan_default_options();
 extern "C" __attribute__((weak)) const char* __lsan_default_options() {
   return "print_suppressions=0:use_tls=0";
 }
-// What the engine and the libraries under it keep for the life of the process.
+// What the engine and the libraries under it keep for the life of the process; and what the test library
+// keeps by thread, which isn't looked at.
 extern "C" __attribute__((weak)) const char* __lsan_default_suppressions();
 extern "C" __attribute__((weak)) const char* __lsan_default_suppressions() {
-  return "leak:libfbclient\nleak:libEngine12\nleak:libicu\nleak:libfbintl\n";
+  return "leak:libfbclient\nleak:libEngine12\nleak:libicu\nleak:libfbintl\nleak:testing::internal::"
+         "ThreadLocal\n";
 }
 #endif
 
