@@ -18,9 +18,6 @@ const Unit kUnit("Concilia", {"TFmConcilia", "Conciliação", ScreenKind::Child,
 constexpr const char* kRelatorio = "WCCExtConc";
 constexpr const char* kPrazo = "3";
 
-enum Operadora { kGetnet, kStone, kCielo, kPagarMe, kYapay, kRede };
-enum TipoConcilia { kVenda, kContaCorrente, kPedido };
-
 // Narrows a set for a block.
 auto Filtrado(TClientDataSet& set, std::string_view filtro) {
   set.SetFilter(filtro);
@@ -43,17 +40,6 @@ TFmConcilia::TFmConcilia(Application& application)
     AddSet(*set);
   }
   AddSet(TbCartao_Arq);
-  // Until a reader lays its own down.
-  TbCartao_Arq.FieldDefs.Add("SEL", FieldType::Integer);
-  TbCartao_Arq.FieldDefs.Add("REC", FieldType::Integer);
-  TbCartao_Arq.FieldDefs.Add("CARTAO", FieldType::String, 18);
-  TbCartao_Arq.FieldDefs.Add("DATA", FieldType::DateTime);
-  TbCartao_Arq.FieldDefs.Add("COMPROVANTE_VENDA", FieldType::String, 40);
-  TbCartao_Arq.FieldDefs.Add("VALOR_TOTAL", FieldType::Float);
-  TbCartao_Arq.FieldDefs.Add("VALOR_PARCELA", FieldType::Float);
-  TbCartao_Arq.FieldDefs.Add("TAXA", FieldType::Float);
-  TbCartao_Arq.FieldDefs.Add("PARCELA", FieldType::String, 5);
-
   Desenha();
   LigaExtrato();
   LigaCheques();
@@ -91,13 +77,20 @@ void TFmConcilia::Desenha() {
         @actions { @primary BitBtn10 BitBtn11 @apart BitBtn12 }
       }
       TabSheet3 {
-        cbCartao_Operadora CbCartao_TipoConcilia EdCartao_Arquivo SpeedButton2 /
-        EdtCodBanco PqBanco EdtDescBanco EdtContaMoeda PqContaMoeda EdtDescContaMoeda /
-        EdCartao_Conciliacao RgCartao_Busca CbTodasEmpresas BtCartao_Consultar
-        DtCartao_Ini DtCartao_Fim /
+        @bar {
+          cbCartao_Operadora CbCartao_TipoConcilia EdCartao_Arquivo SpeedButton2
+          EdtCodBanco PqBanco EdtDescBanco
+        } /
+        @bar {
+          DtCartao_Ini DtCartao_Fim RgCartao_Busca
+          @more { EdtContaMoeda PqContaMoeda EdtDescContaMoeda EdCartao_Conciliacao CbTodasEmpresas CbConferencia CbDiferencas }
+          @primary BtCartao_Consultar
+        } /
         GridCC /
         GridArq /
-        BitBtn13 BitBtn2
+        LbConferencia /
+        LbCartao /
+        @actions { @primary BitBtn13 @apart BitBtn2 }
       }
     })");
 
@@ -146,27 +139,6 @@ void TFmConcilia::LigaCheques() {
   BitBtn10.OnClick = [this] { BitBtn10Click(); };
   BitBtn11.OnClick = [this] { Funcoes.Chama_Relatorio(*this, kRelatorio); };
   BitBtn12.OnClick = [this] { Close(); };
-}
-
-void TFmConcilia::LigaCartoes() {
-  DtCartao_Ini.SetDate(Date(2000, 1, 1));
-  DtCartao_Fim.SetDate(Date(2050, 1, 1));
-  TodayOnEnter(DtCartao_Ini);
-  SameOnEnter(DtCartao_Fim, DtCartao_Ini);
-  CbCartao_TipoConcilia.SetEnabled(false);
-  Lookups({
-      {&EdtCodBanco, &PqBanco, {{"NOME_BANCO", &EdtDescBanco}}, "", false, nullptr},
-      {&EdtContaMoeda, &PqContaMoeda, {{"DESCRICAO", &EdtDescContaMoeda}}, "", false, nullptr},
-  });
-
-  cbCartao_Operadora.OnChange = [this] { cbCartao_OperadoraChange(); };
-  SpeedButton2.OnClick = [this] {
-    if (const auto arquivo = User().OpenFile("SpeedButton2", "csv|*.csv|txt|*.txt|xlsx|*.xlsx|Todos|*.*"))
-      EdCartao_Arquivo.SetText(*arquivo);
-  };
-  BtCartao_Consultar.OnClick = [this] { BtCartao_ConsultarClick(); };
-  BitBtn13.OnClick = [this] { BitBtn13Click(); };
-  BitBtn2.OnClick = [this] { Close(); };
 }
 
 void TFmConcilia::LigaGrades() {
@@ -219,42 +191,6 @@ void TFmConcilia::BitBtn7Click() {
   const auto movimentos = Filtrado(TbMov, "Conciliar = 'N'");
   const auto linhas = Filtrado(TbArq, "Concilia = 'S'");
   Funcoes.Chama_Relatorio(*this, kRelatorio);
-}
-
-// --- Conciliação de Cartões.
-
-void TFmConcilia::cbCartao_OperadoraChange() {
-  switch (cbCartao_Operadora.ItemIndex()) {
-    case kGetnet:
-    case kCielo:
-    case kRede:
-      CbCartao_TipoConcilia.SetEnabled(true);
-      return;
-    case kStone:
-      CbCartao_TipoConcilia.SetEnabled(false);
-      CbCartao_TipoConcilia.SetItemIndex(kVenda);
-      return;
-    case kPagarMe:
-    case kYapay:
-      CbCartao_TipoConcilia.SetEnabled(false);
-      CbCartao_TipoConcilia.SetItemIndex(kPedido);
-      return;
-    default:
-      return;
-  }
-}
-
-void TFmConcilia::BtCartao_ConsultarClick() {
-  if (cbCartao_Operadora.ItemIndex() < 0) {
-    Recusa("Selecione uma operadora.", cbCartao_Operadora);
-    return;
-  }
-  Inform("Os arquivos da operadora " + cbCartao_Operadora.Text() +
-         " não são lidos. Operadoras cujos arquivos são lidos: nenhuma.");
-}
-
-void TFmConcilia::BitBtn13Click() {
-  if (TbVendas.IsEmpty()) return Inform("Não há conciliação de cartões a gravar.");
 }
 
 }  // namespace orv

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -15,6 +17,7 @@
 #include "frame/screen.h"
 #include "frame/ticks.h"
 #include "reconciliation/aviso.h"
+#include "reconciliation/formats/card_file.h"
 #include "reconciliation/formats/cheque_return.h"
 #include "rules/bloqueio.h"
 #include "toolkit/client_dataset.h"
@@ -252,8 +255,8 @@ class ORV_EXPORT TFmConcilia : public Child {
     Field Transacao{*this, "TRANSACAO", FieldType::String, 40};
     Field Codven{*this, "CODVEN", FieldType::String, 12};
     Field Data{*this, "DATA", FieldType::Date};
-    Field Valor{*this, "VALOR", FieldType::Float};
-    Field ValorParcela{*this, "VALOR_PARCELA", FieldType::Float};
+    Field Valor{*this, "VALOR", FieldType::Currency};
+    Field ValorParcela{*this, "VALOR_PARCELA", FieldType::Currency};
     Field Parcela{*this, "PARCELA", FieldType::String, 5};
     Field Txoperadora{*this, "TXOPERADORA", FieldType::Float};
     Field StatusPag{*this, "STATUS_PAG", FieldType::String, 2};
@@ -264,6 +267,10 @@ class ORV_EXPORT TFmConcilia : public Child {
     Field Codcli{*this, "CODCLI", FieldType::String, 5};
     Field Titulo{*this, "TITULO", FieldType::String, 12};
     Field Pedcli{*this, "PEDCLI", FieldType::String, 30};
+    // The rate agreed with the acquirer, of every kind of list; and "S" where the file has no such
+    // transaction or charged it differently.
+    Field TaxaContratada{*this, "TAXA_CONTRATADA", FieldType::Float};
+    Field Difere{*this, "DIFERE", FieldType::String, 1};
   } TbVendas{"TbVendas"};
 
   // The acquirer's side: the lines of its file, whose fields each reader lays down.
@@ -288,13 +295,27 @@ class ORV_EXPORT TFmConcilia : public Child {
                      TbCartao_Arq,
                      {{"SEL", "Sel.", 0, false, true, "1", "0"},
                       {"CARTAO", "Bandeira", 0, true},
+                      {"MEIO_PAG", "Meio Pag.", 18, true, false},
                       {"DATA", "Data", 0, true},
                       {"COMPROVANTE_VENDA", "Nº Transação", 20, true},
                       {"VALOR_TOTAL", "Vl. Total", 0, true},
+                      {"VALOR_BRUTO", "Vl. Bruto", 0, true, false},
                       {"PARCELA", "Nº Parcela", 0, true},
                       {"VALOR_PARCELA", "Vl. Parcela", 0, true},
-                      {"TAXA", "Taxa", 0, true}},
+                      {"VALOR_PARCELA_LIQ", "Vl. Parcela Líq.", 0, true, false},
+                      {"VALOR_LIQ_PARCELA", "Vl. Liq. Parcela", 0, true, false},
+                      {"VALOR_LIQ", "Vl. Liq.", 0, true, false},
+                      {"TAXA", "Taxa", 0, true},
+                      {"DESC_STATUS_PAG", "Status", 20, true, false},
+                      {"EMPRESA", "Empresa", 0, true, false},
+                      {"ID", "ID Oper.", 0, true, false}},
                      false};
+  // What the file says against what is listed; shown where it is asked for.
+  CheckBox CbConferencia{*this, "CbConferencia", "Conferência"};
+  CheckBox CbDiferencas{*this, "CbDiferencas", "Só diferenças"};
+  Label LbConferencia{*this, "LbConferencia"};
+  // What was left out of what was written, and why.
+  Aviso LbCartao{*this, "LbCartao"};
   Button BitBtn13{*this, "BitBtn13", "&Gravar"};
   Button BitBtn2{*this, "BitBtn2", "&Fechar"};
 
@@ -315,9 +336,6 @@ class ORV_EXPORT TFmConcilia : public Child {
   void EdtCodBanChange();
   void BitBtn5Click();
   void BitBtn7Click();
-  void cbCartao_OperadoraChange();
-  void BtCartao_ConsultarClick();
-  void BitBtn13Click();
 
   // --- Marks (concilia_marks.cpp).
   void EdtContaChange();
@@ -400,6 +418,93 @@ class ORV_EXPORT TFmConcilia : public Child {
   void DesmarcaSugestoes();
   void EsqueceSugestoes();
   void TbSugestaoAfterScroll();
+
+  // --- Cards (concilia_cartoes.cpp).
+  enum Operadora { kGetnet, kStone, kCielo, kPagarMe, kYapay, kRede };
+  enum TipoConcilia { kTipoVenda, kTipoContaCorrente, kTipoPedido };
+  // The fields that TbCartao_Arq has.
+  enum class Leiaute { Cielo, Separado, Stone, Pedidos };
+  // What a file's name must have in it.
+  struct ArquivoCartao {
+    std::vector<std::string_view> nomes;
+    bool maiusculas;  // in any case; the names are upper case
+    const char* recusa;
+  };
+  // An acquirer: what is reconciled, and how.
+  struct RegraOperadora {
+    int tipo;      // the only kind that it has; -1 where the user chooses
+    bool pedidos;  // it settles orders
+    ArquivoCartao arquivo;
+    void (TFmConcilia::*concilia)();
+    void (TFmConcilia::*grava)();  // of sales and movements
+  };
+  static const RegraOperadora& Regra(int operadora);
+
+  void cbCartao_OperadoraChange();
+  void BtCartao_ConsultarClick();
+  void BitBtn13Click();
+  void ConciliaCielo();
+  // And Rede's.
+  void ConciliaGetnet();
+  void ConciliaStone();
+  // Stone's: a row that is ticked is of another amount than the file's line.
+  bool ParcelasDivergem();
+  std::string SQLVenda() const;
+  std::string SQLContaCorrente() const;
+  std::string SQLCartao(bool conta_corrente) const;
+  // Fills TbVendas with the rows of a statement and puts them in order.
+  void ListaVendas(const std::string& sql, bool taxa, bool lancamento);
+  // Lays the fields of TbCartao_Arq down anew, and shows their columns; CriaTabelaArquivo those of orders.
+  void CriaTabela(Leiaute leiaute);
+  void CriaTabelaArquivo() { CriaTabela(Leiaute::Pedidos); }
+  // The file that was chosen; nothing where there is none.
+  std::optional<InputFile> Arquivo() const { return User().OpenPath(EdCartao_Arquivo.Text()); }
+  // True, after the user was told, where the file's name has none of the endings.
+  bool NomeRecusado(const ArquivoCartao& arquivo);
+  // The column map of the bank; empty without one.
+  ColumnMap Mapa() const;
+  // Reads lines into TbCartao_Arq, in the order of the file. What the reader raises goes on; the lines before
+  // it stand.
+  void CarregaLinhas(const std::function<void(CardSink&)>& le);
+  // File to list: each proof's first line ticks its rows.
+  void CasaArquivo();
+  // List to file: each transaction that the file has is ticked, and takes the file's date where `datas`.
+  void CasaLista(bool datas);
+  // A tick goes to all that belongs to the row's transaction.
+  void TbVendasSELChange();
+  // Puts values into a row without what follows a click.
+  struct Celula {
+    Field& campo;
+    Value valor;
+  };
+  static void Altera(TClientDataSet& set, int64_t linha, std::initializer_list<Celula> celulas);
+  // The rows that have these texts, in their order.
+  static std::vector<int64_t> Com(TClientDataSet& set, std::initializer_list<Celula> celulas);
+  // Of "2/3" the "2".
+  static std::string NumeroDaParcela(std::string_view parcela);
+  void MostraConferencia();
+
+  // --- Cards, written (concilia_cartoes_grava.cpp).
+  // Of Cielo only what the file tells as paid, of movements.
+  void GravaCielo();
+  // And Rede's.
+  void GravaGetnet();
+  void GravaStone();
+
+  // --- Orders (concilia_pedidos.cpp).
+  void ConciliaCieloPedido();
+  void ConciliaPagarMe();
+  void ConciliaYapay();
+  void BuscaPedidos();
+  void SelecionaVendaTransacao();
+  void GravaConciliacaoPedido();
+  // What stands between the order's number and the instalment's in a receivable's number.
+  std::string SeparadorDuplicata() const;
+
+  // What TbVendas was listed for; -1 before.
+  int operadora_ = -1, tipo_ = -1;
+  // Ticks are set by the program.
+  bool casando_ = false;
 
   Bloqueio bloqueio_{Contabil, Tabela};
   // Parameter: a reconciled movement takes the date of the statement.
