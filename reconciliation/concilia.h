@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "frame/module.h"
@@ -485,11 +486,27 @@ class ORV_EXPORT TFmConcilia : public Child {
   void MostraConferencia();
 
   // --- Cards, written (concilia_cartoes_grava.cpp).
-  // Of Cielo only what the file tells as paid, of movements.
+  struct Compensado;
+  struct GravacaoCartao;
+  struct Ressalvas;
+  // Of Cielo's movements only those that the file tells as paid.
   void GravaCielo();
   // And Rede's.
   void GravaGetnet();
   void GravaStone();
+  // What fails ends the run, of which nothing is written, and is told on the page and in the audit.
+  void GravaSemFalha(bool so_pagos);
+  void ContaFalha(const std::string& motivo);
+  void GravaCartoes(bool so_pagos);
+  bool Marcada(int64_t linha) { return TbVendas.Cell(linha, TbVendas.Sel).Text() == "1"; }
+  // The movements of rows of TbVendas by their number, as they stand.
+  std::unordered_map<std::string, Compensado> BuscaInfoLancamento(const std::vector<int64_t>& linhas);
+  // What is to be written in the company on which Tabela.tbEmpresa stands. That of movements asks for the
+  // locks, and ends the action silently where one holds, and has the user confirm the accounting.
+  void PlanejaVendas(GravacaoCartao& gravacao, const std::vector<int64_t>& linhas);
+  void PlanejaLancamentos(GravacaoCartao& gravacao, const std::vector<int64_t>& linhas, Ressalvas& ressalvas);
+  void EscreveCartoes(const GravacaoCartao& gravacao, Ressalvas& ressalvas);
+  void MostraRessalvas(const Ressalvas& ressalvas);
 
   // --- Orders (concilia_pedidos.cpp).
   void ConciliaCieloPedido();

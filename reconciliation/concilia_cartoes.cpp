@@ -8,6 +8,7 @@
 #include "reconciliation/concilia.h"
 #include "reconciliation/formats/card_sheets.h"
 #include "reconciliation/formats/outside_file.h"
+#include "reconciliation/inteiro.h"
 #include "toolkit/row_writer.h"
 #include "toolkit/scoped.h"
 #include "toolkit/text.h"
@@ -101,29 +102,6 @@ Lugares PorTexto(TClientDataSet& set, const Field& campo) {
 
 // A transaction without a number is nobody's.
 bool SemNumero(std::string_view transacao) { return Trim(transacao).empty(); }
-
-// A set is whole for a block, whatever part of it is shown; after it the user is back at his row.
-class Inteiro {
- public:
-  explicit Inteiro(TClientDataSet& set) : set_(set), filtrado_(!set.FilterText().empty()) {
-    set_.SetFiltered(false);
-    Volta(set_.RecNo());
-  }
-  ~Inteiro() {
-    set_.SetRecNo(volta_);
-    set_.SetFiltered(filtrado_);
-  }
-  Inteiro(const Inteiro&) = delete;
-  Inteiro& operator=(const Inteiro&) = delete;
-  // Another row to come back to, from 1.
-  void Volta(int64_t linha) { volta_ = linha; }
-
- private:
-  TClientDataSet& set_;
-  const ControlsHold hold_{set_};
-  bool filtrado_;
-  int64_t volta_ = 0;
-};
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "frame/lists.h"
 #include "reconciliation/concilia.h"
 #include "reconciliation/formats/outside_file.h"
 #include "toolkit/row_writer.h"
@@ -14,8 +15,6 @@ namespace orv {
 namespace {
 
 constexpr const char* kFiltros = "ret|*.ret|txt|*.txt|Todos(*.*)|*.*";
-// A statement takes at most 1500 values in IN (...).
-constexpr std::size_t kLote = 500;
 // No column of a cheque is longer.
 constexpr std::size_t kMaxNumero = 8;
 
@@ -29,11 +28,6 @@ struct ChequeHash {
     return hash;
   }
 };
-
-std::vector<std::string> Lote(const std::vector<std::string>& todos, std::size_t de) {
-  return {todos.begin() + static_cast<std::ptrdiff_t>(de),
-          todos.begin() + static_cast<std::ptrdiff_t>(std::min(de + kLote, todos.size()))};
-}
 
 // The days until a cheque's money is there.
 int Float(Date data) {
@@ -134,11 +128,11 @@ void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
       numeros.push_back(Funcoes.Aspas(numero));
   }
   std::unordered_map<Cheque, std::string, ChequeHash> lancamentos;
-  for (std::size_t de = 0; de < numeros.size(); de += kLote) {
+  EmListas(numeros, [&](const std::string& lista) {
     for (const auto& linha : Tabela.IBDatabase().Rows(
              "SELECT RB.LANCAMENTO, R.BANCO_CH, R.AGENCIA_CH, R.CONTA_CH, R.NUMERO_CH FROM " +
              Funcoes.DBLocal("RECEBER", true) + " R JOIN " + Funcoes.DBLocal("RECEBERB", true) +
-             " RB ON RB.NUMERO = R.NUMERO WHERE R.NUMERO_CH IN (" + Join(Lote(numeros, de), ",") + ")")) {
+             " RB ON RB.NUMERO = R.NUMERO WHERE R.NUMERO_CH IN (" + lista + ")")) {
       // A comparison in the database takes a null for no text, and trailing blanks for nothing.
       if (std::any_of(linha.begin() + 1, linha.end(), [](const Value& v) { return v.IsNull(); })) continue;
       Cheque cheque;
@@ -148,7 +142,7 @@ void TFmConcilia::CarregaArquivo(const std::vector<ChequeReturn>& retornos) {
       }
       lancamentos.try_emplace(std::move(cheque), linha[0].AsString());
     }
-  }
+  });
 
   // The totals of the other page don't change by this: they are spared for every line.
   const ScopedValue carga(TbArq.Tag, 2);
@@ -224,10 +218,10 @@ std::set<std::string> TFmConcilia::ComPeriodoFechado(const std::vector<Compensad
   // A number can stand in several accounts, each with its own closed period.
   std::map<std::string, Date> ate;
   std::set<std::string> fechadas;
-  for (std::size_t de = 0; de < numeros.size(); de += kLote) {
-    for (const auto& linha : Tabela.IBDatabase().Rows(
-             "SELECT LANCAMENTO, CONTA, DT_CONT, PENDENTE FROM " + Funcoes.DBLocal("CONTACOR", true) +
-             " WHERE LANCAMENTO IN (" + Join(Lote(numeros, de), ",") + ")")) {
+  EmListas(numeros, [&](const std::string& lista) {
+    for (const auto& linha : Tabela.IBDatabase().Rows("SELECT LANCAMENTO, CONTA, DT_CONT, PENDENTE FROM " +
+                                                      Funcoes.DBLocal("CONTACOR", true) +
+                                                      " WHERE LANCAMENTO IN (" + lista + ")")) {
       const std::string lancto = linha[0].AsString(), conta = linha[1].AsString();
       const auto dia = dias.find(lancto);
       const Date antes = linha[2].AsDate();
@@ -237,7 +231,7 @@ std::set<std::string> TFmConcilia::ComPeriodoFechado(const std::vector<Compensad
       if (fim->second.Empty()) continue;
       if (dia->second <= fim->second || (!antes.Empty() && antes <= fim->second)) fechadas.insert(lancto);
     }
-  }
+  });
   return fechadas;
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <set>
 
+#include "frame/lists.h"
 #include "reconciliation/concilia.h"
 #include "rules/como_lido.h"
 #include "rules/compensacao.h"
@@ -15,8 +16,6 @@ constexpr const char* kDiferentes = "Valores diferentes no Extrato. Impossível 
 constexpr const char* kMultiplos = "Impossível fazer a conciliação de múltiplos cheques ao mesmo tempo.";
 constexpr const char* kSemConciliacao = "Lançamento sem conciliação. Impossível continuar.";
 
-// A statement takes at most 1500 values in IN (...).
-constexpr std::size_t kLote = 500;
 // Changes sent at once: each alone costs the engine more to read than to do. It takes 127 in one block, and
 // 64 KiB of text.
 constexpr std::size_t kComandos = 100, kTexto = 40000;
@@ -153,13 +152,10 @@ bool TFmConcilia::Fechado(const std::vector<Conjunto>& conjuntos) {
     }
   }
   PrimeiroDia primeiro;
-  for (std::size_t de = 0; de < chaves.size(); de += kLote) {
-    const std::vector<std::string> lote(
-        chaves.begin() + static_cast<std::ptrdiff_t>(de),
-        chaves.begin() + static_cast<std::ptrdiff_t>(std::min(de + kLote, chaves.size())));
+  EmListas(chaves, [&](const std::string& lista) {
     for (const auto& linha : Tabela.IBDatabase().Rows(
              "SELECT LANCAMENTO, DOCTO, DT_CONT, PENDENTE FROM " + Funcoes.DBLocal("CONTACOR", true) +
-             " WHERE CONTA = " + Funcoes.Aspas(conta_) + " AND LANCAMENTO IN (" + Join(lote, ",") + ")")) {
+             " WHERE CONTA = " + Funcoes.Aspas(conta_) + " AND LANCAMENTO IN (" + lista + ")")) {
       const auto dia = dias.find(ParDe(linha[0].Text(), linha[1].Text()));
       if (dia == dias.end()) continue;
       const Date antes = linha[2].AsDate(), depois = dia->second.Empty() ? antes : dia->second;
@@ -167,25 +163,22 @@ bool TFmConcilia::Fechado(const std::vector<Conjunto>& conjuntos) {
       primeiro.Toma(antes);
       primeiro.Toma(depois);
     }
-  }
+  });
   return bloqueio_.Movimento(conta_, {primeiro.dia});
 }
 
 void TFmConcilia::ProcuraCheques(std::vector<Movimento>& movimentos) {
-  for (std::size_t de = 0; de < movimentos.size(); de += kLote) {
-    const std::size_t ate = std::min(de + kLote, movimentos.size());
-    std::vector<std::string> chaves;
-    for (std::size_t i = de; i < ate; ++i) chaves.push_back(Funcoes.Aspas(movimentos[i].lancto));
-    std::set<Par> cheques;
+  std::vector<std::string> chaves;
+  for (const Movimento& movimento : movimentos) chaves.push_back(Funcoes.Aspas(movimento.lancto));
+  std::set<Par> cheques;
+  EmListas(chaves, [&](const std::string& lista) {
     for (const auto& linha :
          Tabela.IBDatabase().Rows("SELECT CHAVE, NUMERO FROM " + Funcoes.DBLocal("CHEQUE_PRE", true) +
-                                  " WHERE CHAVE IN (" + Join(chaves, ",") + ")")) {
+                                  " WHERE CHAVE IN (" + lista + ")"))
       cheques.insert(ParDe(linha[0].Text(), linha[1].Text()));
-    }
-    for (std::size_t i = de; i < ate; ++i) {
-      movimentos[i].cheque = cheques.contains(ParDe(movimentos[i].lancto, movimentos[i].docto));
-    }
-  }
+  });
+  for (Movimento& movimento : movimentos)
+    movimento.cheque = cheques.contains(ParDe(movimento.lancto, movimento.docto));
 }
 
 std::unique_ptr<TContabil> TFmConcilia::PartidaDoCheque(const Movimento& cheque, const std::string& numero) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <unordered_map>
 
+#include "frame/lists.h"
 #include "frame/screen.h"
 #include "host/services/sql_text.h"
 #include "toolkit/error.h"
@@ -21,9 +22,6 @@ struct Book {
 constexpr std::array<Book, 3> kBooks{{{"CONTA_CONT", "CODIGO", "DESCRICAO"},
                                       {"CADCONTA", "CONTA", "DESCRICAO"},
                                       {"ENTIDADE", "CODCLI", "NOME"}}};
-
-// A statement takes at most 1500 values in IN (...).
-constexpr std::size_t kBatch = 500;
 
 }  // namespace
 
@@ -57,18 +55,16 @@ std::vector<PostingLine> Posting::Shown() {
   }
   std::unordered_map<std::string, std::string> found;
   for (const Book& book : kBooks) {
-    for (std::size_t from = 0; from < wanted.size(); from += kBatch) {
-      std::vector<std::string> literals;
-      for (std::size_t i = from; i < std::min(from + kBatch, wanted.size()); ++i) {
-        if (!found.contains(wanted[i])) literals.push_back(SqlLiteral(wanted[i]));
-      }
-      if (literals.empty()) continue;
-      for (const auto& row : contabil_.Db().Rows(std::string("SELECT ") + book.key + ", " + book.description +
-                                                 " FROM " + contabil_.Local(book.table) + " WHERE " +
-                                                 book.key + " IN (" + Join(literals, ",") + ")")) {
-        found.emplace(Trim(row[0].AsString()), Trim(row[1].AsString()));
-      }
+    std::vector<std::string> literals;
+    for (const std::string& account : wanted) {
+      if (!found.contains(account)) literals.push_back(SqlLiteral(account));
     }
+    EmListas(literals, [&](const std::string& list) {
+      for (const auto& row :
+           contabil_.Db().Rows(std::string("SELECT ") + book.key + ", " + book.description + " FROM " +
+                               contabil_.Local(book.table) + " WHERE " + book.key + " IN (" + list + ")"))
+        found.emplace(Trim(row[0].AsString()), Trim(row[1].AsString()));
+    });
   }
   const auto description = [&](const std::string& account) {
     const auto at = found.find(account);
