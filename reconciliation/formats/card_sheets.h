@@ -37,15 +37,18 @@ class StoneSheet : public CardSheet {
   bool Row(const SheetRow& row) override;
 
  private:
-  CellText cartao_, produto_, parcela_, parcelas_, comprovante_;
-  // What further instalments have of the row above them.
-  std::string nome_, numero_, transacao_;
+  CellText text_;
+  std::string cartao_, parcela_, comprovante_;
+  // Further instalments have the day, the transaction and the total of the row above them.
   CardLine line_;
 };
 
 // What the sheets of orders share. `map` counts columns from 1; null stands for the acquirer's own columns. A
 // map that asks for a column which no sheet has is refused: UserError.
 class OrderSheet : public CardSheet {
+ public:
+  bool Row(const SheetRow& row) override;
+
  protected:
   enum Campo { kData, kId, kComprovante, kParcela, kMeio, kBruto, kTaxa, kLiq, kEstBruto, kEstLiq, kCampos };
   // 0 for a field that the acquirer doesn't have.
@@ -55,7 +58,6 @@ class OrderSheet : public CardSheet {
       : CardSheet(lines), today_(today, 0, 0, 0), columns_(columns) {}
   // Where the map has the fields before `end`, the others stay.
   static Columns Mapped(const ColumnMap* map, Columns columns, Campo end);
-  bool Row(const SheetRow& row) override;
 
  private:
   DateTime today_;
