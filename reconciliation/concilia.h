@@ -483,7 +483,10 @@ class ORV_EXPORT TFmConcilia : public Child {
   static std::vector<int64_t> Com(TClientDataSet& set, std::initializer_list<Celula> celulas);
   // Of "2/3" the "2".
   static std::string NumeroDaParcela(std::string_view parcela);
+  // The line that tells what the file says against what is listed, and the rows that differ, where they are
+  // asked for. `Confere` reckons it, of sets without a filter, and marks those rows where `diferencas`.
   void MostraConferencia();
+  void Confere(bool diferencas);
 
   // --- Cards, written (concilia_cartoes_grava.cpp).
   struct Compensado;

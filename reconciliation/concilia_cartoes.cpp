@@ -150,6 +150,8 @@ void TFmConcilia::LigaCartoes() {
   BtCartao_Consultar.OnClick = [this] { BtCartao_ConsultarClick(); };
   BitBtn13.OnClick = [this] { BitBtn13Click(); };
   BitBtn2.OnClick = [this] { Close(); };
+  CbConferencia.OnChange = CbDiferencas.OnChange = [this] { MostraConferencia(); };
+  LbConferencia.SetVisible(false);
   TbVendas.Sel.OnChange = [this] {
     if (!casando_) TbVendasSELChange();
   };
@@ -238,12 +240,17 @@ void TFmConcilia::ConciliaCielo() {
   CriaTabela(Leiaute::Cielo);
   ListaVendas(vendas ? SQLVenda() : SQLContaCorrente(), true, true);
   const auto volta = AtEnd([this] { TbCartao_Arq.First(); });
-  CarregaLinhas([&](CardSink& linhas) {
-    if (mapa)
-      ReadCieloCsv(texto, Mapa(), Today(), linhas);
-    else
-      ReadCieloEdi(texto, vendas ? "03" : "04", linhas);
-  });
+  try {
+    CarregaLinhas([&](CardSink& linhas) {
+      if (mapa)
+        ReadCieloCsv(texto, Mapa(), Today(), linhas);
+      else
+        ReadCieloEdi(texto, vendas ? "03" : "04", linhas);
+    });
+  } catch (const WrongCardFile& e) {
+    Inform(e.what());
+    Abort();
+  }
   CasaArquivo();
 }
 
@@ -497,6 +504,7 @@ void TFmConcilia::TbVendasSELChange() {
   if (linhas.empty()) linhas = Com(TbCartao_Arq, {comprovante});
   for (const int64_t linha : linhas) Altera(TbCartao_Arq, linha, {{TbCartao_Arq["SEL"], sel == "1" ? 1 : 0}});
   if (!linhas.empty()) arquivo.Volta(linhas.front() + 1);
+  if (CbConferencia.Checked()) Confere(false);
 }
 
 std::string TFmConcilia::NumeroDaParcela(std::string_view parcela) {
@@ -515,6 +523,104 @@ std::vector<int64_t> TFmConcilia::Com(TClientDataSet& set, std::initializer_list
 
 // --- What the file says against what is listed.
 
-void TFmConcilia::MostraConferencia() { LbConferencia.SetVisible(CbConferencia.Checked()); }
+namespace {
+
+// The fields that hold a line's gross and net, "" where the file doesn't tell.
+struct CamposDoValor {
+  const char *bruto, *liquido;
+};
+CamposDoValor ValoresDe(TClientDataSet& arquivo, bool vendas) {
+  if (arquivo.FindField("VALOR_BRUTO") != nullptr) return {"VALOR_BRUTO", "VALOR_LIQ"};
+  if (arquivo.FindField("VALOR_PARCELA_LIQ") != nullptr) return {"VALOR_PARCELA", "VALOR_PARCELA_LIQ"};
+  if (arquivo.FindField("VALOR_LIQ_PARCELA") == nullptr) return {"VALOR_PARCELA", ""};
+  return vendas ? CamposDoValor{"VALOR_TOTAL", "VALOR_PARCELA"}
+                : CamposDoValor{"VALOR_PARCELA", "VALOR_LIQ_PARCELA"};
+}
+
+// What the acquirer may be off by its rounding.
+bool Difere(Currency cobrada, Currency contratada) {
+  return (cobrada - contratada).Abs() > Currency::FromCents(1);
+}
+
+}  // namespace
+
+void TFmConcilia::MostraConferencia() {
+  LbConferencia.SetVisible(CbConferencia.Checked());
+  for (TClientDataSet* set : std::initializer_list<TClientDataSet*>{&TbVendas, &TbCartao_Arq}) {
+    set->PostIfEditing();
+    set->SetFiltered(false);
+    set->SetFilter("");
+  }
+  if (CbDiferencas.Checked() || CbConferencia.Checked()) Confere(CbDiferencas.Checked());
+  if (!CbDiferencas.Checked()) return;
+  for (TClientDataSet* set : std::initializer_list<TClientDataSet*>{&TbVendas, &TbCartao_Arq}) {
+    set->SetFilter("DIFERE = 'S'");
+    set->SetFiltered(true);
+  }
+}
+
+void TFmConcilia::Confere(bool diferencas) {
+  const ScopedValue casando(casando_, true);
+  const ControlsHold hold({&TbVendas, &TbCartao_Arq});
+  const int64_t nas_vendas = TbVendas.RecNo(), no_arquivo = TbCartao_Arq.RecNo();
+  const CamposDoValor valores = ValoresDe(TbCartao_Arq, tipo_ == kTipoVenda);
+  Field &comprovante = TbCartao_Arq["COMPROVANTE_VENDA"], &parcela = TbCartao_Arq["PARCELA"],
+        &sel = TbCartao_Arq["SEL"], &bruto = TbCartao_Arq[valores.bruto], &difere = TbCartao_Arq["DIFERE"];
+  const Field* liquido = TbCartao_Arq.FindField(valores.liquido);
+  const Lugares vendas = PorTexto(TbVendas, TbVendas.Transacao);
+  std::vector<bool> em_ordem(static_cast<std::size_t>(TbVendas.DisplayCount()));
+  Currency total, taxas, cobradas, contratadas;
+  int64_t conciliadas = 0;
+  const int64_t linhas = TbCartao_Arq.DisplayCount();
+  for (int64_t i = 0; i < linhas; ++i) {
+    const Currency valor = TbCartao_Arq.Cell(i, bruto).AsCurrency();
+    const Currency taxa =
+        liquido == nullptr ? Currency() : valor - TbCartao_Arq.Cell(i, *liquido).AsCurrency();
+    total += valor;
+    taxas += taxa;
+    bool certa = TbCartao_Arq.Cell(i, sel).AsInteger() == 1;
+    conciliadas += certa ? 1 : 0;
+    const auto achadas = vendas.find(TbCartao_Arq.Cell(i, comprovante).AsString());
+    if (certa && achadas != vendas.end()) {
+      const Value taxa_contratada = TbVendas.Cell(achadas->second.front(), TbVendas.TaxaContratada);
+      if (liquido != nullptr && !taxa_contratada.IsNull()) {
+        const Currency contratada = (valor * (taxa_contratada.AsFloat() / 100)).Round2();
+        cobradas += taxa;
+        contratadas += contratada;
+        certa = !Difere(taxa, contratada);
+      }
+      // Of a transaction the instalment that the line names, or all.
+      const std::string numero = TbCartao_Arq.Cell(i, parcela).AsString();
+      const bool alguma = std::any_of(achadas->second.begin(), achadas->second.end(), [&](int64_t linha) {
+        return TbVendas.Cell(linha, TbVendas.Parcela).Text() == numero;
+      });
+      for (const int64_t linha : achadas->second) {
+        if (!alguma || TbVendas.Cell(linha, TbVendas.Parcela).Text() == numero)
+          em_ordem[static_cast<std::size_t>(linha)] = certa;
+      }
+    }
+    if (diferencas) Altera(TbCartao_Arq, i, {{difere, certa ? "N" : "S"}});
+  }
+  std::string texto = std::to_string(linhas) + (linhas == 1 ? " linha" : " linhas") + " no arquivo, " +
+                      std::to_string(conciliadas) + (conciliadas == 1 ? " conciliada, " : " conciliadas, ") +
+                      std::to_string(linhas - conciliadas) + " sem correspondência. Bruto " + total.Brazil();
+  if (liquido != nullptr) texto += ", taxa " + taxas.Brazil() + ", líquido " + (total - taxas).Brazil();
+  const Currency diferenca = cobradas - contratadas;
+  if (!contratadas.IsZero()) {
+    texto +=
+        ". Nas conciliadas a taxa foi de " + cobradas.Brazil() + ", a contratada é de " +
+        contratadas.Brazil() + ": " +
+        (diferenca.IsZero() ? "sem diferença"
+                            : diferenca.Abs().Brazil() + (diferenca > Currency() ? " a mais" : " a menos"));
+  }
+  LbConferencia.SetCaption(texto + ".");
+  LbConferencia.SetColor(linhas == conciliadas && !Difere(cobradas, contratadas) ? "good" : "warning");
+  if (diferencas) {
+    for (std::size_t i = 0; i < em_ordem.size(); ++i)
+      Altera(TbVendas, static_cast<int64_t>(i), {{TbVendas.Difere, em_ordem[i] ? "N" : "S"}});
+  }
+  TbVendas.SetRecNo(nas_vendas);
+  TbCartao_Arq.SetRecNo(no_arquivo);
+}
 
 }  // namespace orv

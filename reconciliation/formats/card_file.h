@@ -7,6 +7,7 @@
 
 #include "toolkit/currency.h"
 #include "toolkit/date.h"
+#include "toolkit/error.h"
 
 namespace orv {
 
@@ -38,6 +39,12 @@ class CardSink {
   virtual void TakeBack() noexcept = 0;
 };
 
+// A file of another kind than the one that was asked for.
+class WrongCardFile : public UserError {
+ public:
+  using UserError::UserError;
+};
+
 // In which column an acquirer's file has its fields, from the rows of POSICAO that a bank has for cards.
 struct ColumnMap {
   // Of the row that was read first.
@@ -56,8 +63,8 @@ struct ColumnMap {
 // ends a reading, such as for a line that hasn't as many columns as the map asks for; of a text the lines
 // that came before it stand. An amount that isn't one is 0, a day that isn't one is today, or none.
 
-// Cielo's fixed columns, in characters. `tipo` is the kind of file that is expected, "03" or "04": another
-// one of the two is refused.
+// Cielo's fixed columns, in characters. `tipo` is the kind of file that is expected, "03" or "04": for the
+// other one of the two WrongCardFile.
 void ReadCieloEdi(std::string_view text, std::string_view tipo, CardSink& lines);
 void ReadCieloCsv(std::string_view text, const ColumnMap& map, Date today, CardSink& lines);
 // Null stands for no map.

@@ -49,7 +49,7 @@ class Reader {
   void Header(const CharColumns& record) {
     const std::string_view tipo = record.At(48, 49);
     if ((tipo == "03" || tipo == "04") && tipo != tipo_)
-      throw UserError("Tipo do arquivo inválido para opção selecionada.");
+      throw WrongCardFile("Tipo do arquivo inválido para opção selecionada.");
     line_.tipo_arquivo = tipo;
   }
 

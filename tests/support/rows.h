@@ -188,6 +188,21 @@ struct CoItem {
   ORV_ROW("CO_ITEN{}", numero, preco, qtde, qtde_b, situacao)
 };
 
+// A card sale of the first day of November 2026, its instalments and what stands for one of them.
+struct Venda {
+  Cell codven = Else("V1"), data = Else("11/01/2026"), valor = Else("100");
+  ORV_ROW("VENDA{}", codven, data, valor)
+};
+struct Condivenda {
+  Cell cdcondivenda = Else(1), cdvenda = Else("V1");
+  ORV_ROW("CONDIVENDA{}", cdcondivenda, cdvenda)
+};
+struct Itcondivenda {
+  Cell cditcondivenda = Else(1), cdcondivenda = Else(1), cdmoeda = Else("3"), nrparcela = Else(1),
+       valor = Else("100"), transacao{}, baixado = Else(0);
+  ORV_ROW("ITCONDIVENDA{}", cditcondivenda, cdcondivenda, cdmoeda, nrparcela, valor, transacao, baixado)
+};
+
 // --- Of the house.
 
 struct Parametro {
