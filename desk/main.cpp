@@ -158,6 +158,16 @@ int Run(int argc, char** argv) {
   command->add_option("--date", init.date, "Dia em que a demonstração termina, aaaa-mm-dd");
   command->callback([&] { RunInit(init); });
 
+  DemoFiles files;
+  CLI::App* demo =
+      app.add_subcommand("demo", "O que acompanha uma empresa de demonstração")->require_subcommand(1);
+  command = demo->add_subcommand(
+      "files", "Grava arquivos de operadoras de cartão que conferem com a empresa; não substitui nenhum");
+  Database(command, files.database);
+  command->add_option("pasta", files.folder, "Pasta em que os arquivos são gravados")->required();
+  command->add_option("--company", files.company, "Empresa")->capture_default_str();
+  command->callback([&] { WriteFiles(files); });
+
   Drive drive;
   command =
       app.add_subcommand("drive", "A porta da mesa na entrada e na saída padrão, um objeto JSON por linha");

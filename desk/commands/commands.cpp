@@ -11,6 +11,7 @@
 #include "host/data/validation.h"
 #include "host/schema/check.h"
 #include "host/schema/demo.h"
+#include "host/schema/demo_files.h"
 #include "host/schema/schema.h"
 #include "host/services/audit.h"
 #include "host/services/calendar.h"
@@ -87,6 +88,14 @@ void RunInit(const Init& options) {
     throw;
   }
   std::cout << "Banco criado em " << options.database << ".\n";
+}
+
+void WriteFiles(const DemoFiles& options) {
+  House house(options.database, options.company);
+  for (const DemoFile& file : WriteDemoFiles(*house.db, options.company, options.folder))
+    std::cout << file.name << "\t" << file.acquirer << "\t" << file.kind << "\t"
+              << (file.bank.empty() ? "sem banco" : "banco " + file.bank) << "\t" << file.lines << " linhas\t"
+              << file.known << " conferem\t" << file.open << " a conciliar\n";
 }
 
 void UserAdd(const User& options) {

@@ -18,6 +18,12 @@ struct Init {
 };
 void RunInit(const Init& options);
 
+struct DemoFiles {
+  std::string database, company = "_001", folder;
+};
+// Each file with the acquirer, the kind and the bank for which it is, its lines, and which of them match.
+void WriteFiles(const DemoFiles& options);
+
 struct Drive {
   std::string database, user, company = "_001", today, data;
 };

@@ -13,11 +13,15 @@ constexpr std::size_t kMostRows = 1048575;  // of a sheet, beside its titles
 // The writer's own handle, closed whatever happens.
 class Book {
  public:
-  explicit Book(const std::string& file) {
+  // `made`: when the book says that it was made; the zero of DateTime for now.
+  Book(const std::string& file, DateTime made) {
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
     book_ = workbook_new_opt(file.c_str(), &options);
     if (book_ == nullptr) throw UserError("A planilha não pôde ser criada.");
+    lxw_doc_properties properties{};
+    properties.created = made.Seconds();
+    workbook_set_properties(book_, &properties);
   }
   ~Book() {
     if (book_ != nullptr) workbook_close(book_);
@@ -130,7 +134,7 @@ void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& v
 }  // namespace
 
 void WriteReportXlsx(const Report& report, const std::filesystem::path& file) {
-  Book book(file.string());
+  Book book(file.string(), report.when);
   Formats formats(book.Get());
   for (const ReportRows& set : report.sets) {
     std::size_t from = 0;

@@ -2,12 +2,14 @@
 // with time as they do in a real house.
 #pragma once
 
+#include <array>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "host/schema/demo_acquirers.h"
 #include "host/schema/demo_random.h"
 #include "host/schema/demo_rows.h"
 #include "host/schema/schema.h"
@@ -144,6 +146,8 @@ class Company {
   void Write(const Bill& bill);
 
   // Trade (demo_trade.cpp).
+  Acquirer SaleAcquirer(int parts, bool recent);
+  Acquirer OrderAcquirer(int parts, bool open);
   void CardSales(int count);
   void OnlineOrders(int count);
   void PendingOrders();
@@ -181,9 +185,9 @@ class Company {
   int64_t movement_ = 0, document_ = 0, line_ = 0, bill_ = 0, tie_ = 0;
   // Orders and invoices number their titles in the same way: the orders' numbers stand apart.
   int64_t invoice_ = 0, order_ = 500000, sale_ = 0, card_item_ = 0, purchase_ = 0, held_ = 0, work_ = 0;
+  // What the acquirers have so far: of sales long ago and of late, of orders that are paid and that are open.
+  std::array<std::array<int, 4>, 2> acquirer_sales_{};
+  std::array<std::array<int, 3>, 2> acquirer_orders_{};
 };
-
-// "000042" for (42, 6); a longer number keeps its digits.
-std::string Padded(int64_t number, int width);
 
 }  // namespace orv::demo

@@ -28,7 +28,7 @@ void Company::Banks() {
       {"902", "BANCO DO VALE", "EXTRATO.TXT", 180000},
       {"903", "BANCO LITORAL", "EXTRATO.OFX", 120000},
       {"904", "COOPERATIVA PLANALTO", "EXTRATO.OFX", 60000},
-      {"951", "CIELO ARQUIVO CSV", "CIELO.CSV", 0},
+      {"951", "CIELO ARQUIVO CSV", "CIELO.csv", 0},
       {"952", "GETNET VENDAS", "GETNET_VENDAS.csv", 0},
       {"953", "GETNET PAGAMENTOS", "GETNET_PAGTOS.csv", 0},
       {"954", "REDE VENDAS", "REDE_VENDAS.csv", 0},
@@ -334,6 +334,11 @@ void Company::Codes() {
                         {"DESCRICAO", c.text},
                         {"CONTA", c.card ? accounts_[0].conta : std::string()},
                         {"TXOPERADORA", c.rate}});
+  for (const PaymentForm& form : kPaymentForms)
+    rows_.Add("MOEDA", {{"CODMOE", form.code},
+                        {"DESCRICAO", form.text},
+                        {"CONTA", accounts_[form.account].conta},
+                        {"TXOPERADORA", form.rate}});
 
   const char* const terms[][2] = {
       {"01", "A VISTA"}, {"02", "CARTAO 2X"}, {"03", "CARTAO 3X"}, {"04", "30/60 DIAS"}};

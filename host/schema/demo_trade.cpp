@@ -18,17 +18,42 @@ constexpr Product kProducts[] = {{"CAM-BASICA", "M", "0001", 1890},
                                  {"CALCA-MOL", "M", "0004", 3180},
                                  {"BLUSA-TRI", "G", "0005", 2595}};
 
+// Of the acquirers from `first` on, the one that has the least gets one more.
+template <std::size_t kCount>
+Acquirer Next(const Acquirer (&acquirers)[kCount], std::array<int, kCount>& counts, std::size_t first) {
+  const auto least = std::min_element(counts.begin() + static_cast<std::ptrdiff_t>(first), counts.end());
+  ++*least;
+  return acquirers[least - counts.begin()];
+}
+
+// Sales of so many days aren't confirmed yet.
+constexpr int kUnconfirmedDays = 90;
+
 }  // namespace
+
+// Stone's file tells one amount for all instalments of a sale: of late it has only sales that are paid at
+// once, since the others couldn't be confirmed by it.
+Acquirer Company::SaleAcquirer(int parts, bool recent) {
+  static constexpr Acquirer kShops[] = {Acquirer::Stone, Acquirer::Cielo, Acquirer::Getnet, Acquirer::Rede};
+  return Next(kShops, acquirer_sales_[recent ? 1 : 0], recent && parts > 1 ? 1 : 0);
+}
+
+// Pagar.me pays an order whole, whatever the instalment: it has those of one.
+Acquirer Company::OrderAcquirer(int parts, bool open) {
+  static constexpr Acquirer kShops[] = {Acquirer::PagarMe, Acquirer::Yapay, Acquirer::Cielo};
+  return Next(kShops, acquirer_orders_[open ? 1 : 0], parts > 1 ? 1 : 0);
+}
 
 void Company::CardSales(int count) {
   for (int i = 0; i < count; ++i) {
     const std::string sale = Padded(++sale_, 6);
     const int parts = random_.Between(1, 3);
-    const std::string_view card = parts == 1 ? "3" : "2";
+    const bool recent = day_ > today_.AddDays(-kUnconfirmedDays);
+    const Acquirer acquirer = SaleAcquirer(parts, recent);
+    const std::string proof = SaleNumber(acquirer, index_, sale_);
     const Person& agent = random_.Pick(agents_);
-    // Half of the sales bear an authorization and a proof, as some acquirers give them.
-    const std::string proof = random_.Chance(50) ? Padded(100000 + sale_, 6)
-                                                 : "A" + Padded(sale_, 5) + "/" + Padded(500000 + sale_, 7);
+    const CardKind kind = random_.Chance(50) && parts == 1 ? CardKind::Debit : CardKind::Credit;
+    const std::string_view card = FormOf(acquirer, kind).code;
     const bool returned = random_.Chance(3);
     Currency total;
     std::vector<Currency> amounts;
@@ -104,7 +129,7 @@ void Company::CardSales(int count) {
                                  {"NRPARCELA", part},
                                  {"VALOR", valor},
                                  {"TRANSACAO", proof},
-                                 {"BAIXADO", credited || random_.Chance(40) ? 1 : 0}});
+                                 {"BAIXADO", (credited || random_.Chance(40)) && !recent ? 1 : 0}});
       Post(std::move(m), credited ? Clearing::Compensated : Clearing::Pending);
     }
   }
@@ -117,6 +142,8 @@ void Company::OnlineOrders(int count) {
     const Person& customer = Customer();
     const Person& agent = random_.Pick(agents_);
     const int parts = random_.Between(1, 2);
+    const auto due = [&](int part) { return day_.AddDays(30 * part); };
+    const auto paid = [&](int part) { return WorkingDay(due(part)) <= today_.AddDays(-4); };
     rows_.Add("PEDIDO", {{"NUMERO", order},
                          {"CODCLI", customer.code},
                          {"CODREP", agent.code},
@@ -129,7 +156,7 @@ void Company::OnlineOrders(int count) {
                          {"SIT_DUP", "0"},
                          {"BLOQUEIO", "1"},
                          {"FINANCEIRO", "1"},
-                         {"ID_TRANSACAO", "TR" + Padded(700000 + order_, 8)}});
+                         {"ID_TRANSACAO", OrderNumber(OrderAcquirer(parts, !paid(parts)), index_, order_)}});
     // Nothing is left to invoice.
     rows_.Add("PED_ITEN",
               {{"NUMERO", order}, {"PRECO", 59.9}, {"QTDE", 0.0}, {"DT_ENTREGA", day_.AddDays(5)}});
@@ -140,27 +167,25 @@ void Company::OnlineOrders(int count) {
       t.agent = agent.code;
       t.commission = 1;
       t.issued = day_;
-      t.due = day_.AddDays(30 * part);
+      t.due = due(part);
       t.valor = random_.Amount(60, 900);
       t.classe = "1102";
       t.order = order;
       t.text = "PEDIDO " + order;
-      const Date paid_on = WorkingDay(t.due);
-      const bool settled = paid_on <= today_.AddDays(-4);
-      Due due;
-      if (settled) {
-        due.number = t.number;
-        due.entity = t.customer;
-        due.classe = t.classe;
-        due.valor = t.valor;
-        due.fee = (t.valor * 0.0349).Round2();
-        due.paid = t.valor - due.fee;
-        due.operation = Padded(8000000 + order_ * 10 + part, 9);
-        t.paid = due.paid;
-        t.desconto = due.fee;
+      Due settled;
+      if (paid(part)) {
+        settled.number = t.number;
+        settled.entity = t.customer;
+        settled.classe = t.classe;
+        settled.valor = t.valor;
+        settled.fee = (t.valor * 0.0349).Round2();
+        settled.paid = t.valor - settled.fee;
+        settled.operation = OperationNumber(order_, part);
+        t.paid = settled.paid;
+        t.desconto = settled.fee;
       }
       Write(t);
-      if (settled) receivable_[DayIndex(paid_on)].push_back(std::move(due));
+      if (paid(part)) receivable_[DayIndex(WorkingDay(t.due))].push_back(std::move(settled));
     }
   }
 }

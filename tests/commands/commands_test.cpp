@@ -60,6 +60,8 @@ TEST_F(CommandsTest, HelpIsInPortuguese) {
   const Words commands[] = {
       {},
       {"init"},
+      {"demo"},
+      {"demo", "files"},
       {"drive"},
       {"user"},
       {"user", "add"},
@@ -111,6 +113,7 @@ TEST_F(CommandsTest, WrongWordsAreRefusedInPortuguese) {
       {{"user", "dance"}, "O comando \"dance\" não existe."},
       {{"check", "--fast"}, "Argumento desconhecido: --fast."},
       {{"user", "add"}, "Falta usuario."},
+      {{"demo", "files"}, "Falta pasta."},
       {{"lock", "set", "--cash"}, "Falta --until."},
       {{"lock", "set", "--cash", "--account", "1", "--until", "01/01/2026"},
        "--account e --cash não vão juntos."},
@@ -188,6 +191,40 @@ TEST_F(CommandsTest, DemoEndsOnItsDateForItsCompanies) {
   EXPECT_EQ(CompanySuffixes(*db), (std::vector<std::string>{"_005", "_006"}));
   EXPECT_EQ(db->Scalar("SELECT MAX(DT_LAN) FROM CONTACOR_005").AsDate().Neutral().substr(0, 7), "2025-03");
   EXPECT_GT(db->Scalar("SELECT COUNT(*) FROM CONTACOR_006").AsInteger(), 100);
+}
+
+TEST_F(CommandsTest, DemoFilesReplaceNone) {
+  const fs::path folder = folder_.Path() / "cartoes";
+  fs::create_directory(folder);
+  const auto files = [&](const fs::path& where, const std::string& company) {
+    return Words{"demo", "files", where.string(), "--company", company};
+  };
+  const std::string told = Good(files(folder, "_001"));
+  EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 14);
+  EXPECT_NE(told.find("\nGETNET_PAGTOS.csv\tGetnet\tConta Corrente\tbanco 953\t"), std::string::npos) << told;
+  EXPECT_NE(told.find("\nSTONE.xlsx\tStone\tVenda\tsem banco\t"), std::string::npos) << told;
+
+  Good({"company", "add", "_003", "Sem vendas"});
+  const fs::path other = folder_.Path() / "outra", taken = other / "YAPAY.xlsx";
+  fs::create_directory(other);
+  std::ofstream(taken) << "meu";
+  struct Case {
+    fs::path where;
+    const char *company, *message;
+  };
+  const Case cases[] = {
+      {folder, "_002", "CIELO_EDI_VENDAS.txt\" já existe e não é substituído."},
+      {other, "_001", "YAPAY.xlsx\" já existe e não é substituído."},
+      {taken, "_001", "não existe."},
+      {folder_.Path() / "no", "_001", "A pasta do arquivo \""},
+      {other, "_003", "A empresa _003 não tem vendas ou pedidos da Cielo."},
+      {other, "_009", "A empresa _009 não existe."},
+  };
+  for (const Case& c : cases) {
+    EXPECT_NE(Bad(files(c.where, c.company)).find(c.message), std::string::npos) << c.message;
+    EXPECT_EQ(std::distance(fs::directory_iterator(other), {}), 1) << c.message;
+    EXPECT_EQ(fs::file_size(taken), 3u);
+  }
 }
 
 TEST_F(CommandsTest, UsersAndRights) {

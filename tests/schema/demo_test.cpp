@@ -3,11 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <map>
+#include <set>
 
 #include "host/schema/check.h"
+#include "host/schema/demo_files.h"
 #include "host/schema/schema.h"
 #include "host/schema/tables.h"
+#include "host/sheet/sheet_reader.h"
 #include "tests/support/desk_test.h"
 #include "toolkit/text.h"
 
@@ -118,6 +122,59 @@ TEST_F(Demo, AddsUp) {
   EXPECT_EQ(Count("(SELECT CODIGO FROM (SELECT DISTINCT CODIGO, CONTA, PERC_CONTA FROM CONT_RATEIO_001) "
                   "GROUP BY CODIGO HAVING ABS(SUM(PERC_CONTA) - 100) > 0.001)"),
             0);
+}
+
+class SheetCells : public SheetSink {
+ public:
+  bool Row(const SheetRow& row) override {
+    auto& cells = rows.emplace_back();
+    for (int column = 1; column <= row.Columns(); ++column) cells.emplace_back(row.Text(column));
+    return true;
+  }
+  void TakeBack() noexcept override { rows.clear(); }
+  std::vector<std::vector<std::string>> rows;
+};
+
+TEST_F(Demo, AcquirersFilesTellWhatWasSold) {
+  std::set<std::string> keys;
+  for (const auto& row : Db().Rows("SELECT TRANSACAO FROM ITCONDIVENDA_001 UNION SELECT ID_TRANSACAO FROM "
+                                   "PEDIDO_001 WHERE ID_TRANSACAO > ''"))
+    keys.insert(row[0].AsString());
+  TempFolder folder, other;
+  const std::vector<DemoFile> files = WriteDemoFiles(Db(), "_001", folder.Path());
+  WriteDemoFiles(Db(), "_001", other.Path());
+  EXPECT_EQ(files.size(), 14u);
+  for (const DemoFile& file : files) {
+    SCOPED_TRACE(file.name);
+    const auto bytes = [&](const TempFolder& in) {
+      std::ifstream stream(in.Path() / file.name, std::ios::binary);
+      return std::string(std::istreambuf_iterator<char>(stream), {});
+    };
+    const std::string text = bytes(folder);
+    EXPECT_EQ(text, bytes(other));
+    SheetCells sheet;
+    if (file.name.ends_with(".xlsx")) {
+      SheetReader().Read(text, sheet);
+    } else {
+      for (const std::string& line : Split(text, "\r\n")) {
+        if (file.name.ends_with(".csv")) sheet.rows.push_back(Split(line, ";"));
+        if (file.name.ends_with(".txt") && line.starts_with('2')) sheet.rows.push_back({line.substr(92, 6)});
+      }
+    }
+    // A number may stand in two cells; a further instalment of Stone's has that of the line before.
+    int known = 0;
+    bool found = false;
+    for (const auto& cells : sheet.rows) {
+      if (file.acquirer != "Stone" || cells.size() < 3 || !cells[2].empty()) found = false;
+      for (std::size_t i = 0; i < cells.size(); ++i)
+        found = found || keys.contains(cells[i]) || (i > 0 && keys.contains(cells[i - 1] + "/" + cells[i]));
+      known += found ? 1 : 0;
+    }
+    EXPECT_EQ(known, file.known);
+    EXPECT_LT(file.known, file.lines);
+    EXPECT_GT(file.open, 0);
+    EXPECT_GE(file.known, file.open);
+  }
 }
 
 TEST(DemoOptionsTest, OutOfRangeIsRefused) {
