@@ -290,14 +290,15 @@ class ORV_EXPORT TFmConcilia : public Child {
                      {"PARCELA", "Parcela", 0, true},
                      {"EMP", "Empresa", 0, true},
                      {"CONTA", "Conta", 0, true}},
-                    false};
+                    false,
+                    "No sistema"};
   TOrvDBGrid GridArq{*this,
                      "GridArq",
                      TbCartao_Arq,
                      {{"SEL", "Sel.", 0, false, true, "1", "0"},
                       {"CARTAO", "Bandeira", 0, true},
                       {"MEIO_PAG", "Meio Pag.", 18, true, false},
-                      {"DATA", "Data", 0, true},
+                      {"DATA", "Data", 20, true},
                       {"COMPROVANTE_VENDA", "Nº Transação", 20, true},
                       {"VALOR_TOTAL", "Vl. Total", 0, true},
                       {"VALOR_BRUTO", "Vl. Bruto", 0, true, false},
@@ -310,7 +311,8 @@ class ORV_EXPORT TFmConcilia : public Child {
                       {"DESC_STATUS_PAG", "Status", 20, true, false},
                       {"EMPRESA", "Empresa", 0, true, false},
                       {"ID", "ID Oper.", 0, true, false}},
-                     false};
+                     false,
+                     "No arquivo"};
   // What the file says against what is listed; shown where it is asked for.
   CheckBox CbConferencia{*this, "CbConferencia", "Conferência"};
   CheckBox CbDiferencas{*this, "CbDiferencas", "Só diferenças"};
