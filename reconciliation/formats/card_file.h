@@ -5,14 +5,13 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "frame/sheet.h"
 #include "toolkit/currency.h"
 #include "toolkit/date.h"
 
 namespace orv {
 
-// A line of an acquirer's file; each kind of file fills its own part. Texts hold for as long as the sink works
-// on the line.
+// A line of an acquirer's file; each kind of file fills its own part. Texts hold for as long as the sink
+// works on the line.
 struct CardLine {
   // The card's brand, or the means of payment of an order.
   std::string_view cartao, meio_pag;
@@ -53,11 +52,12 @@ struct ColumnMap {
   int PosCampo(const std::string& campo, bool base1) const;
 };
 
-// The readers of text take UTF-8 (OutsideText). A UserError ends a reading; the lines that came before it
-// stand.
+// The readers of text take UTF-8 (OutsideText), spreadsheets come by the sinks of card_sheets.h. A UserError
+// ends a reading, such as for a line that hasn't as many columns as the map asks for; of a text the lines
+// that came before it stand. An amount that isn't one is 0, a day that isn't one is today, or none.
 
-// Cielo's fixed columns, in characters. `tipo` is the kind of file that is expected, "03" or "04": another one
-// of the two is refused.
+// Cielo's fixed columns, in characters. `tipo` is the kind of file that is expected, "03" or "04": another
+// one of the two is refused.
 void ReadCieloEdi(std::string_view text, std::string_view tipo, CardSink& lines);
 void ReadCieloCsv(std::string_view text, const ColumnMap& map, Date today, CardSink& lines);
 // Null stands for no map.
@@ -65,15 +65,5 @@ void ReadCieloOrders(std::string_view text, const ColumnMap* map, Date today, Ca
 // Getnet's and Rede's separated files. A payment's `parcela` is "number/count".
 void ReadSeparatedSales(std::string_view text, const ColumnMap& map, Date today, CardSink& lines);
 void ReadSeparatedPayments(std::string_view text, const ColumnMap& map, CardSink& lines);
-
-// The spreadsheets take the book's rows one by one.
-class CardSheet : public SheetSink {
- public:
-  explicit CardSheet(CardSink& lines) : lines_(lines) {}
-  void TakeBack() noexcept override { lines_.TakeBack(); }
-
- protected:
-  CardSink& lines_;
-};
 
 }  // namespace orv
