@@ -31,10 +31,13 @@ class Fields {
               [&](std::size_t a, std::size_t b) { return Column(places_[a]) < Column(places_[b]); });
   }
 
-  // False at the end. Keeps no more of a line than its fields, however many columns it has.
+  // The next line that isn't blank; false at the end. Keeps no more of a line than its fields, however many
+  // columns it has.
   bool Next() {
     std::string_view line;
-    if (!rest_.Next(line)) return false;
+    do {
+      if (!rest_.Next(line)) return false;
+    } while (Trim(line).empty());
     std::size_t end = End(line);
     columns_ = 0;
     for (const std::size_t field : order_) {

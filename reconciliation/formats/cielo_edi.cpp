@@ -25,9 +25,13 @@ std::string_view Bandeira(int codigo) {
   return "";
 }
 
+bool Digits(std::string_view text, std::size_t width) {
+  return text.size() == width && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 // YYMMDD of this century; the zero of DateTime for what is no such day.
 DateTime ShortDay(std::string_view text) {
-  if (text.size() != 6) return {};
+  if (!Digits(text, 6)) return {};
   std::string day(text.substr(4, 2));
   day.append("/").append(text.substr(2, 2)).append("/20").append(text.substr(0, 2));
   return CardDay(day);
@@ -64,8 +68,8 @@ class Reader {
 
   void Detail(const CharColumns& record, std::size_t number) {
     if (line_.tipo_arquivo == "03") line_.data = ShortDay(record.At(40, 45));
-    int parcela = Digits(record, 60, "o número da parcela", number);
-    int total = Digits(record, 62, "o número de parcelas", number);
+    int parcela = TwoDigits(record, 60, "o número da parcela", number);
+    int total = TwoDigits(record, 62, "o número de parcelas", number);
     if (parcela == 0 && total == 0) parcela = total = 1;
     parcela_ = std::to_string(parcela);
     parcela_ += '/';
@@ -85,10 +89,9 @@ class Reader {
     lines_.Line(line_);
   }
 
-  static int Digits(const CharColumns& record, std::size_t column, const char* what, std::size_t number) {
+  static int TwoDigits(const CharColumns& record, std::size_t column, const char* what, std::size_t number) {
     const std::string_view text = record.At(column, column + 1);
-    const auto digit = [](char c) { return c >= '0' && c <= '9'; };
-    if (text.size() == 2 && digit(text[0]) && digit(text[1])) return (text[0] - '0') * 10 + text[1] - '0';
+    if (Digits(text, 2)) return (text[0] - '0') * 10 + text[1] - '0';
     throw UserError("Linha " + std::to_string(number) + " do arquivo: " + what + ", nas colunas " +
                     std::to_string(column) + " e " + std::to_string(column + 1) + ", é \"" +
                     std::string(text) + "\". Eram esperados dois dígitos: confira o arquivo.");

@@ -236,7 +236,7 @@ TEST_F(CartoesTest, GetnetPaymentsHoldLocksAndStatements) {
   Begin(desk, "0", "1");
   desk.Set("EdtCodBanco", "801");
   const std::string file =
-      "data;aut;comp;bruto;liq\n2026-11-17;A1;77;50.00;48.50\n;A2;;50.00;48.00\n;;;9;9\n";
+      "data;aut;comp;bruto;liq\n2026-11-17;A1;77;50.00;48.50\n;A2;;50.00;48.00\n\n;;;9;9\n\n";
   EXPECT_EQ(Consult(desk, "pagtos.csv", file), "11 21 31 41 1 1 0 0 / 1 1");
   // What a closed period holds is refused whole; a refused posting clears without it.
   for (const char* tipo : {"CX", "CT"}) Closed(desk, "BitBtn13", tipo, tipo[1] == 'T' ? kConta : "");
