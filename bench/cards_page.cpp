@@ -1,4 +1,5 @@
 // The cards' page with 50,000 instalments: listed, matched against a file of as many lines, written.
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -44,10 +45,14 @@ class Page {
   void Set(const char* control, const std::string& value) {
     Do({{"do", "set"}, {"control", control}, {"value", value}});
   }
-  // Clicks and says yes to whatever is asked.
+  // Clicks, lets the accounting pass and reads what is told.
   void Click(const char* button) {
     auto out = Do({{"do", "click"}, {"control", button}});
-    while (out.back()["on"] != Json("idle")) out = Do({{"do", "answer"}, {"value", "ok"}});
+    while (out.back()["on"] != Json("idle")) {
+      const bool confirm =
+          std::any_of(out.begin(), out.end(), [](const Json& one) { return one["on"] == Json("confirm"); });
+      out = Do({{"do", "answer"}, {"value", confirm ? "yes" : "ok"}});
+    }
   }
   int64_t Count(const char* set) {
     for (const Json& out : Do({{"do", "read"}, {"control", set}, {"from", 0}, {"count", 1}})) {

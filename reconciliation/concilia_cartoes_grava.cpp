@@ -41,7 +41,7 @@ struct TFmConcilia::Ressalvas {
   std::vector<int64_t> gravadas;
 };
 
-// A movement as it stands in the database, and as this run leaves it.
+// A movement as it stands in the database, and what the list wants of it.
 struct TFmConcilia::Compensado {
   std::string docto, conta, historico, pendente, lanc_con;
   Date dt_cont;
@@ -49,17 +49,27 @@ struct TFmConcilia::Compensado {
   int64_t linhas = 0;
   std::map<std::string, Date> dias;
   bool no_extrato = false;
-  // This run has changed it already.
-  bool nosso = false;
+
+  bool Pendente() const { return pendente == "S"; }
+  // What the last of its rows in TbVendas wants: cleared on a day, or pending.
+  std::vector<int64_t> vendas;
+  bool marcada = false;
+  Date dia;
+  // It isn't so already.
+  bool Muda() const {
+    if (vendas.empty()) return false;
+    return marcada ? pendente != "N" || dt_cont != dia || lanc_con.empty() : !Pendente() || !lanc_con.empty();
+  }
 };
 
 // What is written in a company.
 struct TFmConcilia::GravacaoCartao {
   std::string empresa;
   struct Passo {
-    int64_t linha;  // in TbVendas
+    // Rows of TbVendas.
+    std::vector<int64_t> vendas;
     std::string codven;
-    // Empty where nothing is to be changed. `linhas` are touched.
+    // Empty where nothing is to be changed. It touches `linhas` rows.
     std::string comando;
     int64_t linhas = 0;
     // The accounting of a clearing, and the clearing whose accounting goes.
@@ -91,7 +101,7 @@ void TFmConcilia::PlanejaVendas(GravacaoCartao& gravacao, const std::vector<int6
     const auto achada = agora.find(chave);
     if (achada == agora.end()) continue;
     const std::string sel = TbVendas.Cell(linha, TbVendas.Sel).AsString();
-    GravacaoCartao::Passo passo{linha, TbVendas.Cell(linha, TbVendas.Codven).AsString(), "", 0, {}, ""};
+    GravacaoCartao::Passo passo{{linha}, TbVendas.Cell(linha, TbVendas.Codven).AsString(), "", 0, {}, ""};
     if (std::to_string(achada->second) != sel) {
       passo.comando = "UPDATE " + tabela + " SET BAIXADO = " + (sel == "1" ? "1" : "0") +
                       " WHERE CDITCONDIVENDA = " + std::to_string(chave);
@@ -148,35 +158,52 @@ std::unordered_map<std::string, TFmConcilia::Compensado> TFmConcilia::BuscaInfoL
 void TFmConcilia::PlanejaLancamentos(GravacaoCartao& gravacao, const std::vector<int64_t>& linhas,
                                      Ressalvas& ressalvas) {
   auto movimentos = BuscaInfoLancamento(linhas);
-  const std::string contacor = Funcoes.DBLocal("CONTACOR", true);
+  std::vector<std::pair<const std::string, Compensado>*> mudancas;
+  for (const int64_t linha : linhas) {
+    const auto achado = movimentos.find(TbVendas.Cell(linha, TbVendas.Lancamento).AsString());
+    if (achado == movimentos.end()) continue;
+    Compensado& este = achado->second;
+    const bool marcada = Marcada(linha), antes = TbVendas.Cell(linha, TbVendas.SelOrig).Text() == "1";
+    const Date dia = TbVendas.Cell(linha, TbVendas.DataConc).AsDate();
+    if (este.linhas == 0 || este.Pendente() == antes) {
+      // What another user has done stays, and what he has done as it is wanted needs no word.
+      if (marcada != antes && (este.linhas == 0 || este.Pendente() == marcada)) ++ressalvas.mudados;
+      continue;
+    }
+    if (marcada && dia.Empty()) {
+      // One that was cleared keeps its day.
+      if (!antes) ++ressalvas.sem_data;
+      continue;
+    }
+    if (!marcada && este.no_extrato) {
+      if (antes) ++ressalvas.no_extrato;
+      continue;
+    }
+    if (este.vendas.empty()) mudancas.push_back(&*achado);
+    este.vendas.push_back(linha);
+    este.marcada = marcada;
+    este.dia = dia;
+  }
+  std::erase_if(mudancas, [](const auto* mudanca) { return !mudanca->second.Muda(); });
+
+  // Of an account the earliest day that is left or reached: a period is closed up to its end.
   std::map<std::string, Date> dias;
-  const auto muda = [&](const std::string& lancamento, Compensado& este, const std::string& valores,
-                        Date depois) {
+  std::size_t novos = 0;
+  for (const auto* mudanca : mudancas) {
+    const Compensado& este = mudanca->second;
+    novos += este.marcada && este.lanc_con.empty() ? 1 : 0;
     for (const auto& [conta, antes] : este.dias) {
-      for (const Date dia : {antes, depois}) {
-        Date& primeiro = dias.try_emplace(conta, dia).first->second;
+      for (const Date dia : {antes, este.dia}) {
+        Date& primeiro = dias[conta];
         if (!dia.Empty() && (primeiro.Empty() || dia < primeiro)) primeiro = dia;
       }
     }
-    // The user may think for long over the accounting: the row must still be as it was read.
-    ComoLido lido(Funcoes);
-    lido.Chave("LANCAMENTO", lancamento)
-        .Texto("DOCTO", este.docto)
-        .Texto("PENDENTE", este.pendente)
-        .Texto("LANC_CON", este.lanc_con);
-    return "UPDATE " + contacor + " SET " + valores + " WHERE " + lido.Condicao();
-  };
-  const auto numeros = [&] {
-    std::set<std::string> sem_numero;
-    for (const int64_t linha : linhas) {
-      const std::string lancamento = TbVendas.Cell(linha, TbVendas.Lancamento).AsString();
-      const auto este = movimentos.find(lancamento);
-      if (este != movimentos.end() && este->second.lanc_con.empty() && Marcada(linha) &&
-          !TbVendas.Cell(linha, TbVendas.DataConc).IsNull())
-        sem_numero.insert(lancamento);
-    }
-    return Funcoes.Proximos("CONTACOR", "LANCAMENTO", 6, true, sem_numero.size());
-  }();
+  }
+  for (const auto& [conta, dia] : dias) {
+    if (bloqueio_.Movimento(conta, {dia})) Abort();
+  }
+
+  const std::vector<std::string> numeros = Funcoes.Proximos("CONTACOR", "LANCAMENTO", 6, true, novos);
   auto numero = numeros.begin();
   std::map<std::pair<std::string, std::string>, std::string> contas;
   const auto contabil = [&](const std::string& conta, const std::string& historico) {
@@ -184,78 +211,46 @@ void TFmConcilia::PlanejaLancamentos(GravacaoCartao& gravacao, const std::vector
     if (nova) achada->second = ContaContabil(Funcoes, Tabela, {{.conta = conta, .historico = historico}});
     return achada->second;
   };
-
-  for (const int64_t linha : linhas) {
-    const std::string lancamento = TbVendas.Cell(linha, TbVendas.Lancamento).AsString();
-    const auto achado = movimentos.find(lancamento);
-    if (achado == movimentos.end()) continue;
-    Compensado& este = achado->second;
-    const bool marcada = Marcada(linha), antes = TbVendas.Cell(linha, TbVendas.SelOrig).Text() == "1";
-    const Date dia = TbVendas.Cell(linha, TbVendas.DataConc).AsDate();
-    const bool mudou = este.linhas == 0 || (!este.nosso && (este.pendente != "S") != antes);
-    if (mudou) {
-      if (marcada != antes && (este.pendente != "S") != marcada) ++ressalvas.mudados;
-      continue;
+  gravacao.partidas = Contabil.Create();
+  for (const auto* mudanca : mudancas) {
+    const auto& [lancamento, este] = *mudanca;
+    const int64_t venda = este.vendas.front();
+    GravacaoCartao::Passo passo{
+        este.vendas, TbVendas.Cell(venda, TbVendas.Codven).AsString(), "", este.linhas, {}, ""};
+    std::string compensacao = este.lanc_con;
+    if (!este.marcada) {
+      passo.apaga = este.lanc_con;
+    } else if (compensacao.empty()) {
+      compensacao = *numero++;
+      passo.partida = LinhaContabil{.lancamento = compensacao,
+                                    .docto = este.docto,
+                                    .docto2 = este.docto,
+                                    .conta_c = contabil(este.conta, este.historico),
+                                    .conta_d = contabil(este.conta, "0"),
+                                    .operacao = "+",
+                                    .origem = "CC",
+                                    .historico = este.historico,
+                                    .valor = TbVendas.Cell(venda, TbVendas.ValorParcela).AsCurrency(),
+                                    .data = Today(),
+                                    .codigo = "000",
+                                    .observacao = "COMPENSAÇÃO DOCTO NR: " + este.docto + "."};
+      gravacao.partidas->SetContabilidadeFinan(*passo.partida);
     }
-    GravacaoCartao::Passo passo{linha, TbVendas.Cell(linha, TbVendas.Codven).AsString(), "", 0, {}, ""};
-    if (marcada) {
-      if (dia.Empty()) {
-        if (!antes) ++ressalvas.sem_data;
-        continue;
-      }
-      std::string compensacao = este.lanc_con;
-      if (compensacao.empty()) {
-        compensacao = *numero++;
-        passo.partida = LinhaContabil{.lancamento = compensacao,
-                                      .docto = este.docto,
-                                      .docto2 = este.docto,
-                                      .conta_c = contabil(este.conta, este.historico),
-                                      .conta_d = contabil(este.conta, "0"),
-                                      .operacao = "+",
-                                      .origem = "CC",
-                                      .historico = este.historico,
-                                      .valor = TbVendas.Cell(linha, TbVendas.ValorParcela).AsCurrency(),
-                                      .data = Today(),
-                                      .codigo = "000",
-                                      .observacao = "COMPENSAÇÃO DOCTO NR: " + este.docto + "."};
-      }
-      if (este.pendente != "N" || este.dt_cont != dia || compensacao != este.lanc_con) {
-        passo.comando = muda(lancamento, este,
-                             "PENDENTE = 'N', DT_CONT = " + Funcoes.AspasData(dia) +
-                                 ", LANC_CON = " + Funcoes.Aspas(compensacao),
-                             dia);
-        for (auto& [conta, primeiro] : este.dias) primeiro = dia;
-        este.pendente = "N";
-        este.dt_cont = dia;
-        este.lanc_con = compensacao;
-      }
-    } else {
-      if (este.no_extrato) {
-        if (antes) ++ressalvas.no_extrato;
-        continue;
-      }
-      if (este.pendente != "S" || !este.lanc_con.empty()) {
-        passo.apaga = este.lanc_con;
-        passo.comando = muda(lancamento, este, "PENDENTE = 'S', LANC_CON = ''", {});
-        este.pendente = "S";
-        este.lanc_con.clear();
-      }
-    }
-    if (!passo.comando.empty()) {
-      este.nosso = true;
-      passo.linhas = este.linhas;
-    }
+    // The user may think for long over the accounting: the row must still be as it was read.
+    passo.comando = "UPDATE " + Funcoes.DBLocal("CONTACOR", true) +
+                    (este.marcada ? " SET PENDENTE = 'N', DT_CONT = " + Funcoes.AspasData(este.dia) +
+                                        ", LANC_CON = " + Funcoes.Aspas(compensacao)
+                                  : " SET PENDENTE = 'S', LANC_CON = ''") +
+                    " WHERE " +
+                    ComoLido(Funcoes)
+                        .Chave("LANCAMENTO", lancamento)
+                        .Texto("DOCTO", este.docto)
+                        .Texto("PENDENTE", este.pendente)
+                        .Texto("LANC_CON", este.lanc_con)
+                        .Condicao();
     gravacao.passos.push_back(std::move(passo));
   }
-
-  for (const auto& [conta, dia] : dias) {
-    if (bloqueio_.Movimento(conta, {dia})) Abort();
-  }
-  gravacao.partidas = Contabil.Create();
-  for (const GravacaoCartao::Passo& passo : gravacao.passos) {
-    if (passo.partida) gravacao.partidas->SetContabilidadeFinan(*passo.partida);
-  }
-  // Refused, it is cleared without accounting.
+  // Refused, they are cleared without accounting.
   if (!gravacao.partidas->ConfirmaDadosContabilidade(0)) gravacao.partidas = nullptr;
 }
 
@@ -300,16 +295,19 @@ void TFmConcilia::EscreveCartoes(const GravacaoCartao& gravacao, Ressalvas& ress
   if (Executa(comandos) != esperadas) throw Alterado();
   for (const auto& passo : gravacao.passos) {
     if (falhas.contains(passo.codven)) continue;
-    ressalvas.gravadas.push_back(passo.linha);
-    const Value sel = TbVendas.Cell(passo.linha, TbVendas.Sel);
-    if (passo.comando.empty() || sel == TbVendas.Cell(passo.linha, TbVendas.SelOrig)) continue;
-    const bool marcada = sel.Text() == "1";
-    ++(marcada ? ressalvas.conciliadas : ressalvas.desfeitas);
-    Funcoes.GeraLog(kArea,
-                    (marcada ? "CONCILIACAO" : "DESCONCILIACAO") + std::string(" CARTAO DO LANCAMENTO ") +
-                        TbVendas.Cell(passo.linha, TbVendas.Transacao).AsString() + " DA VENDA " +
-                        passo.codven,
-                    TOperacaoLog::Processo, passo.codven);
+    for (const int64_t linha : passo.vendas) {
+      ressalvas.gravadas.push_back(linha);
+      if (passo.comando.empty() ||
+          TbVendas.Cell(linha, TbVendas.Sel) == TbVendas.Cell(linha, TbVendas.SelOrig))
+        continue;
+      const bool marcada = Marcada(linha);
+      ++(marcada ? ressalvas.conciliadas : ressalvas.desfeitas);
+      const std::string codven = TbVendas.Cell(linha, TbVendas.Codven).AsString();
+      Funcoes.GeraLog(kArea,
+                      (marcada ? "CONCILIACAO" : "DESCONCILIACAO") + std::string(" CARTAO DO LANCAMENTO ") +
+                          TbVendas.Cell(linha, TbVendas.Transacao).AsString() + " DA VENDA " + codven,
+                      TOperacaoLog::Processo, codven);
+    }
   }
 }
 

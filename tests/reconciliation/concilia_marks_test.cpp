@@ -177,7 +177,7 @@ TEST_F(ConciliaTest, TheKindFollowsTheAcquirer) {
     const char *acquirer, *kind;
     bool open;
   };
-  for (const Case& c : {Case{"Getnet", "", true}, Case{"Stone", "Venda", false}, Case{"Cielo", "Venda", true},
+  for (const Case& c : {Case{"Getnet", "Venda", true}, Case{"Stone", "Venda", false}, Case{"Cielo", "Venda", true},
                         Case{"Yapay", "Pedido", false}, Case{"Rede", "Pedido", true}}) {
     SCOPED_TRACE(c.acquirer);
     desk.Set("cbCartao_Operadora", c.acquirer);
