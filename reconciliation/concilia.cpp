@@ -83,14 +83,14 @@ void TFmConcilia::Desenha() {
         } /
         @bar {
           DtCartao_Ini DtCartao_Fim RgCartao_Busca
-          @more { EdtContaMoeda PqContaMoeda EdtDescContaMoeda EdCartao_Conciliacao CbTodasEmpresas CbConferencia CbDiferencas }
+          @more { EdtContaMoeda PqContaMoeda EdtDescContaMoeda EdCartao_Conciliacao CbTodasEmpresas }
           @primary BtCartao_Consultar
         } /
         GridCC /
         GridArq /
         LbConferencia /
         LbCartao /
-        @actions { @primary BitBtn13 @apart BitBtn2 }
+        @actions { CbConferencia CbDiferencas @primary BitBtn13 @apart BitBtn2 }
       }
     })");
 

@@ -237,15 +237,15 @@ class ORV_EXPORT TFmConcilia : public Child {
   Edit EdtCodBanco{*this, "EdtCodBanco", "Banco", 3};
   TPesquisa PqBanco{*this, "PqBanco", Bancos()};
   ReadOnlyEdit EdtDescBanco{*this, "EdtDescBanco"};
+  DateEdit DtCartao_Ini{*this, "DtCartao_Ini", "De"};
+  DateEdit DtCartao_Fim{*this, "DtCartao_Fim", "Até"};
+  RadioGroup RgCartao_Busca{*this, "RgCartao_Busca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
   Edit EdtContaMoeda{*this, "EdtContaMoeda", "Conta", 13};
   TPesquisa PqContaMoeda{*this, "PqContaMoeda", Contas()};
   ReadOnlyEdit EdtDescContaMoeda{*this, "EdtDescContaMoeda"};
   Edit EdCartao_Conciliacao{*this, "EdCartao_Conciliacao", "Transação", 40};
-  RadioGroup RgCartao_Busca{*this, "RgCartao_Busca", "Status", {"Conciliados", "A conciliar", "Todos"}, 1};
   CheckBox CbTodasEmpresas{*this, "CbTodasEmpresas", "Todas empresas"};
   Button BtCartao_Consultar{*this, "BtCartao_Consultar", "Consultar"};
-  DateEdit DtCartao_Ini{*this, "DtCartao_Ini", "De"};
-  DateEdit DtCartao_Fim{*this, "DtCartao_Fim", "Até"};
 
   // The system's side: instalments of sales, movements or orders.
   struct VendasSet : TClientDataSet {
@@ -313,12 +313,13 @@ class ORV_EXPORT TFmConcilia : public Child {
                       {"ID", "ID Oper.", 0, true, false}},
                      false,
                      "No arquivo"};
-  // What the file says against what is listed; shown where it is asked for.
-  CheckBox CbConferencia{*this, "CbConferencia", "Conferência"};
-  CheckBox CbDiferencas{*this, "CbDiferencas", "Só diferenças"};
+  // What the file says against what is listed.
   Label LbConferencia{*this, "LbConferencia"};
   // What was left out of what was written, and why.
   Aviso LbCartao{*this, "LbCartao"};
+  // The comparison of file and list, and of both only what differs.
+  CheckBox CbConferencia{*this, "CbConferencia", "Conferência"};
+  CheckBox CbDiferencas{*this, "CbDiferencas", "Só diferenças"};
   Button BitBtn13{*this, "BitBtn13", "&Gravar"};
   Button BitBtn2{*this, "BitBtn2", "&Fechar"};
 
