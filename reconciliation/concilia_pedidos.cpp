@@ -471,9 +471,14 @@ void TFmConcilia::LeMovimentosAnteriores(GravacaoPedidos& gravacao) {
              "SELECT LANCAMENTO, LANC_CON, PENDENTE, OBSERVACAO FROM " + contacor + " WHERE " + destes)) {
       const std::string numero(Trim(lida[0].Text())), conciliacao(Trim(lida[1].Text()));
       if (!conciliacao.empty() || lida[2].Text() == "C") {
-        Inform("O lançamento " + numero + ", de uma gravação anterior destes títulos, já está conciliado" +
+        const auto titulo =
+            std::find_if(gravacao.anteriores.begin(), gravacao.anteriores.end(), [&](const auto& anterior) {
+              return anterior.second.substituida && anterior.second.lancamento == numero;
+            });
+        Inform("O lançamento " + numero + ", de uma gravação anterior do título " +
+               std::get<0>(titulo->first) + ", já está conciliado" +
                (conciliacao.empty() ? "" : " sob o número " + conciliacao) +
-               ". Desfaça primeiro essa conciliação e grave de novo.");
+               ". Desfaça primeiro essa conciliação, ou desmarque o título, e grave de novo.");
         Abort();
       }
       if (lida[3].Text() == kObservacao) de_cartoes.insert(numero);

@@ -291,9 +291,10 @@ TEST_F(PedidosTest, WhatIsRefusedWritesNothing) {
   Run("UPDATE CONTACOR_001 SET LANC_CON = '000777'");
   Put(Extrato{.conciliado = "S", .lanc_con = "000777"});
   before = Tables(kTables);
-  nothing(Write(desk), "O lançamento " + number +
-                           ", de uma gravação anterior destes títulos, já está conciliado sob o número "
-                           "000777. Desfaça primeiro essa conciliação e grave de novo.");
+  nothing(Write(desk),
+          "O lançamento " + number +
+              ", de uma gravação anterior do título 000001/1, já está conciliado sob o número "
+              "000777. Desfaça primeiro essa conciliação, ou desmarque o título, e grave de novo.");
 }
 
 TEST_F(PedidosTest, OfTwoUsersTheFirstOneSettles) {
