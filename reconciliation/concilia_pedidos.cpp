@@ -138,7 +138,8 @@ struct TFmConcilia::BaixaAnterior {
 struct TFmConcilia::GravacaoPedidos {
   std::string conta, banco, lancamento, docto;
   Date data;
-  std::unordered_map<std::string, TituloPedido> titulos;
+  // In their order: two runs that want the same ones take them one after the other.
+  std::map<std::string, TituloPedido> titulos;
   std::map<Chave, BaixaAnterior> anteriores;
   std::vector<BaixaPedido> baixas;
   // Of the last line.
