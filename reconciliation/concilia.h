@@ -456,7 +456,8 @@ class ORV_EXPORT TFmConcilia : public Child {
   std::string SQLVenda() const;
   std::string SQLContaCorrente() const;
   std::string SQLCartao(bool conta_corrente) const;
-  // Fills TbVendas with the rows of a statement and puts them in order.
+  // Fills TbVendas with the rows of a statement, which `linhas` appends, and puts them in order.
+  void PreencheVendas(const std::string& sql, RowSink& linhas);
   void ListaVendas(const std::string& sql, bool taxa, bool lancamento);
   // Lays the fields of TbCartao_Arq down anew, and shows their columns; CriaTabelaArquivo those of orders.
   void CriaTabela(Leiaute leiaute);
@@ -515,15 +516,39 @@ class ORV_EXPORT TFmConcilia : public Child {
   void MostraRessalvas(const Ressalvas& ressalvas);
 
   // --- Orders (concilia_pedidos.cpp).
+  struct TituloPedido;
+  struct BaixaPedido;
+  struct BaixaAnterior;
+  struct GravacaoPedidos;
   void ConciliaCieloPedido();
   void ConciliaPagarMe();
   void ConciliaYapay();
+  template <class Planilha>
+  void ConciliaPlanilha();
   void BuscaPedidos();
-  void SelecionaVendaTransacao();
-  void GravaConciliacaoPedido();
   // What stands between the order's number and the instalment's in a receivable's number.
   std::string SeparadorDuplicata() const;
+  // Reads the file's orders by the bank's map, null without one, and ticks what matches.
+  void CarregaPedidos(const std::function<void(CardSink&, const ColumnMap*)>& le);
+  void SelecionaVendaTransacao();
+  void GravaConciliacaoPedido();
+  // What the ticks come to. Raises UserError where a receivable isn't as it was listed.
+  void PlanejaPedidos(GravacaoPedidos& gravacao);
+  void LeTitulos(GravacaoPedidos& gravacao);
+  void LeBaixasAnteriores(GravacaoPedidos& gravacao);
+  // These end the action silently, after the user was told, where a period is closed, or where what a former
+  // run wrote can't be replaced.
+  void TravaPedidos(GravacaoPedidos& gravacao);
+  void LeMovimentosAnteriores(GravacaoPedidos& gravacao);
+  // Tells which settlements of the movements that go aren't written again.
+  void MostraSobras(const GravacaoPedidos& gravacao);
+  void PreparaPartidas(GravacaoPedidos& gravacao);
+  // Raises UserError where another user was there since the plan.
+  void EscrevePedidos(const GravacaoPedidos& gravacao);
+  void ApagaAnteriores(const GravacaoPedidos& gravacao);
 
+  // What was open of each receivable when it was listed, or when this screen settled it since then.
+  std::unordered_map<std::string, Currency> abertos_;
   // What TbVendas was listed for; -1 before.
   int operadora_ = -1, tipo_ = -1;
   // Ticks are set by the program.

@@ -334,7 +334,7 @@ std::string TFmConcilia::SQLCartao(bool conta_corrente) const {
   return ForCompanies(sql, "", CbTodasEmpresas.Checked());
 }
 
-void TFmConcilia::ListaVendas(const std::string& sql, bool taxa, bool lancamento) {
+void TFmConcilia::PreencheVendas(const std::string& sql, RowSink& linhas) {
   operadora_ = cbCartao_Operadora.ItemIndex();
   tipo_ = CbCartao_TipoConcilia.ItemIndex();
   const ScopedValue casando(casando_, true);
@@ -343,6 +343,12 @@ void TFmConcilia::ListaVendas(const std::string& sql, bool taxa, bool lancamento
   TbVendas.SetFiltered(false);
   TbVendas.SetIndexFieldNames("");
   TbVendas.EmptyDataSet();
+  Tabela.IBDatabase().Fetch(sql, linhas);
+  TbVendas.SetIndexFieldNames(kOrdem);
+  TbVendas.First();
+}
+
+void TFmConcilia::ListaVendas(const std::string& sql, bool taxa, bool lancamento) {
   struct Vendas : RowSink {
     Vendas(VendasSet& s, bool com_taxa, bool com_lancamento)
         : set(s), taxa(com_taxa), lancamento(com_lancamento) {}
@@ -373,9 +379,7 @@ void TFmConcilia::ListaVendas(const std::string& sql, bool taxa, bool lancamento
     RowWriter linha{set};
     bool taxa, lancamento;
   } vendas(TbVendas, taxa, lancamento);
-  Tabela.IBDatabase().Fetch(sql, vendas);
-  TbVendas.SetIndexFieldNames(kOrdem);
-  TbVendas.First();
+  PreencheVendas(sql, vendas);
 }
 
 // --- The file.
