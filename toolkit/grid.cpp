@@ -44,7 +44,12 @@ Value Typed(const Field& field, std::string_view text, int decimals) {
   return Value();
 }
 
+// A moment that is a day is shown as one.
 std::string ShownText(const Field& field, const Value& value, int decimals) {
+  constexpr int64_t kSecondsOfDay = 86400;
+  if (field.Type() == FieldType::DateTime && !value.IsNull() &&
+      value.AsDateTime().Seconds() % kSecondsOfDay == 0)
+    return value.AsDate().Brazil();
   const bool number = field.Type() == FieldType::Currency || field.Type() == FieldType::Float;
   return number && !value.IsNull() ? NumberText(value, decimals) : value.AsString();
 }

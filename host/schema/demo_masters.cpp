@@ -239,6 +239,7 @@ void Company::Rules() {
     account("0", "0", a.conta, a.ledger);
     account("0", "004", a.conta, "2.1.02.001");
     account("0", "005", a.conta, "1.1.04.001");
+    account("0", "014", a.conta, "1.1.03.001");
     account("0", "018", a.conta, "1.1.04.001");
   }
   account("0", "002", "0", "1.1.03.001");

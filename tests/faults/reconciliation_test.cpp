@@ -92,6 +92,43 @@ TEST_F(TieFaultsTest, KilledActionsLeaveAllOrNothing) {
   KilledAnywhere(All(folder_.Path() / "cheques.ret"), 10);
 }
 
+// Two sales' movements that an acquirer has paid. What fails there is told and leaves nothing, so that only
+// kills are left to try.
+class CardFaultsTest : public TieFaultsTest {
+ protected:
+  CardFaultsTest() {
+    Empty("VENDA_001 CONDIVENDA_001 ITCONDIVENDA_001 RECEBERB_001");
+    for (const int n : {1, 2}) {
+      const std::string sale = "V" + std::to_string(n);
+      Put(Venda{.codven = sale});
+      Put(Condivenda{.cdcondivenda = n, .cdvenda = sale});
+      Put(Itcondivenda{.cditcondivenda = n, .cdcondivenda = n, .transacao = "A" + std::to_string(n) + "/9"});
+      Put(Receberb{.numero = sale + "C/1", .lancamento = "C" + std::to_string(n)});
+    }
+    Written("pagtos.csv",
+            "t\n2026-11-17;A1;9;Visa;1;1;100;100;0;100\n2026-11-17;A2;9;Visa;1;1;100;100;0;100\n");
+  }
+  void Restore(const Action& action) override {
+    TieFaultsTest::Restore(action);
+    Run("UPDATE CONTACOR_001 SET TIPO = 'LJ' WHERE DOCTO = 'C'");
+  }
+};
+
+TEST_F(CardFaultsTest, KilledActionsLeaveAllOrNothing) {
+  const Json page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}};
+  KilledAnywhere({{"cards",
+                   {{{"do", "open"}, {"class", "TFmConcilia"}},
+                    page,
+                    DoSet("cbCartao_Operadora", "Rede"),
+                    DoSet("CbCartao_TipoConcilia", "Conta Corrente"),
+                    DoSet("EdtCodBanco", "955"),
+                    DoSet("EdCartao_Arquivo", (folder_.Path() / "pagtos.csv").string()),
+                    DoClick("BtCartao_Consultar"),
+                    DoClick("BitBtn13")},
+                   {{"do", "answer"}, {"value", "yes"}}}},
+                 10);
+}
+
 TEST_F(TieFaultsTest, AnOpenChangeElsewhereIsWaitedForAndTold) {
   Desk desk(database_);
   const Action several = All()[1];

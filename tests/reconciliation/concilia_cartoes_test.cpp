@@ -15,7 +15,6 @@ class CartoesTest : public ConciliaTest {
   CartoesTest() {
     Empty("VENDA_001 CONDIVENDA_001 ITCONDIVENDA_001 RECEBER_001 RECEBERB_001 POSICAO_001");
     Usual(Movimento{.operacao = "+", .historico = "014", .tipo = "LJ", .pendente = "S"});
-    Put(ClasseConta{.historico = "014", .conta_cont = "1.1.05.001"});
   }
 
   // A sale in so many instalments of 50,00, each with its movement; the keys are 10 * number + instalment.
@@ -212,8 +211,8 @@ TEST_F(CartoesTest, CieloPaymentsClearMovements) {
             "L11|D11|S|2026-11-10|;L12|D12|N|2026-11-18|006789;L21|D21|N|2026-11-18|006790;"
             "L21|OUTRO|S|2026-11-10|;L31|D31|S|2026-11-10|");
   EXPECT_EQ(Posted(),
-            "006789|D12|1.1.05.001|1.1.02.001|+|CC|014|50.0000|2026-11-20|000|COMPENSAÇÃO DOCTO NR: "
-            "D12.;006790|D21|1.1.05.001|1.1.02.001|+|CC|014|50.0000|2026-11-20|000|COMPENSAÇÃO DOCTO "
+            "006789|D12|1.1.03.001|1.1.02.001|+|CC|014|50.0000|2026-11-20|000|COMPENSAÇÃO DOCTO NR: "
+            "D12.;006790|D21|1.1.03.001|1.1.02.001|+|CC|014|50.0000|2026-11-20|000|COMPENSAÇÃO DOCTO "
             "NR: D21.");
   // Once more: another day, the same number and accounting. One that isn't in the file keeps its day.
   desk.Set("RgCartao_Busca", "2");

@@ -36,6 +36,9 @@ export function itemByKey(key: string, index: number, items: string[]): number {
 abstract class ChoiceView extends ControlView {
   // Shown at once; the desk's word replaces it.
   private local: number | null = null;
+  // What was typed into it, and when last.
+  private typed = "";
+  private typedAt = 0;
 
   override get takesFocus(): boolean {
     return true;
@@ -77,10 +80,21 @@ abstract class ChoiceView extends ControlView {
       this.sendKey("Enter");
       return true;
     }
-    const index = itemByKey(press.key, this.index, this.list("items"));
+    const index = this.itemTyped(press) ?? itemByKey(press.key, this.index, this.list("items"));
     if (index < 0) return isCharacter(press);
     this.choose(index);
     return true;
+  }
+
+  // Letters that follow one another at once spell an item: -1 where none begins so. One letter by itself, or
+  // again and again, goes from item to item.
+  private itemTyped(press: Press): number | undefined {
+    if (!isCharacter(press)) return undefined;
+    const now = performance.now();
+    this.typed = (now - this.typedAt < 1000 ? this.typed : "") + plain(press.key);
+    this.typedAt = now;
+    if ([...this.typed].every((letter) => letter === this.typed[0])) return undefined;
+    return this.items.findIndex((item) => plain(item).startsWith(this.typed));
   }
 
   override access(): void {
