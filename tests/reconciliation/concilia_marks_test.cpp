@@ -177,8 +177,9 @@ TEST_F(ConciliaTest, TheKindFollowsTheAcquirer) {
     const char *acquirer, *kind;
     bool open;
   };
-  for (const Case& c : {Case{"Getnet", "Venda", true}, Case{"Stone", "Venda", false}, Case{"Cielo", "Venda", true},
-                        Case{"Yapay", "Pedido", false}, Case{"Rede", "Pedido", true}}) {
+  for (const Case& c :
+       {Case{"Getnet", "Venda", true}, Case{"Stone", "Venda", false}, Case{"Cielo", "Venda", true},
+        Case{"Yapay", "Pedido", false}, Case{"Rede", "Pedido", true}}) {
     SCOPED_TRACE(c.acquirer);
     desk.Set("cbCartao_Operadora", c.acquirer);
     EXPECT_EQ(desk.Text("CbCartao_TipoConcilia"), c.kind);
