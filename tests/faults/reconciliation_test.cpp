@@ -105,28 +105,56 @@ class CardFaultsTest : public TieFaultsTest {
       Put(Itcondivenda{.cditcondivenda = n, .cdcondivenda = n, .transacao = "A" + std::to_string(n) + "/9"});
       Put(Receberb{.numero = sale + "C/1", .lancamento = "C" + std::to_string(n)});
     }
+    Empty("RECEBER_001 PEDIDO_001");
+    Run("INSERT INTO PEDIDO_001 (NUMERO, CODCLI, DT_EMISSAO, ID_TRANSACAO) VALUES ('P1', '00002', "
+        "'11/01/2026', "
+        "'TX1')");
+    Written("pedidos.csv", "\n\n\n\n;Pix;;;;;10/11/2026;;;1;;;;TX1;;100.00;97.00;;;;ID1\n");
     Written("pagtos.csv",
             "t\n2026-11-17;A1;9;Visa;1;1;100;100;0;100\n2026-11-17;A2;9;Visa;1;1;100;100;0;100\n");
   }
   void Restore(const Action& action) override {
     TieFaultsTest::Restore(action);
     Run("UPDATE CONTACOR_001 SET TIPO = 'LJ' WHERE DOCTO = 'C'");
+    Run("DELETE FROM RECEBERB_001 WHERE NUMERO = 'P1/1'");
+    Empty("RECEBER_001");
+    Put(Receber{.numero = "P1/1", .dt_vencto = "12/01/2026", .classe = "1101", .status = "N"});
+    Run("UPDATE RECEBER_001 SET VALOR = 100, HISTORICO = '014', PEDIDO = 'P1'");
+  }
+  std::string Left() override {
+    return Sql("SELECT VALOR_PAGO, DESCONTO FROM RECEBER_001") + "/" +
+           Sql("SELECT NUMERO, VALOR_PAGO, DESCONTO2 FROM RECEBERB_001 ORDER BY 1, 2") + "/" +
+           Sql("SELECT TIPO, VALOR, PENDENTE, CHAR_LENGTH(LANC_CON) FROM CONTACOR_001 WHERE TIPO IN ('LJ', "
+               "'R') AND CONTA = '" +
+               std::string(kConta) + "' ORDER BY LANCAMENTO, VALOR") +
+           "/" + Sql("SELECT VALOR, ORIGEM FROM CONTABIL_001 ORDER BY 1, 2") + "/" +
+           Sql("SELECT COUNT(*) FROM AUDITORIA");
   }
 };
 
 TEST_F(CardFaultsTest, KilledActionsLeaveAllOrNothing) {
-  const Json page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}};
-  KilledAnywhere({{"cards",
-                   {{{"do", "open"}, {"class", "TFmConcilia"}},
-                    page,
-                    DoSet("cbCartao_Operadora", "Rede"),
-                    DoSet("CbCartao_TipoConcilia", "Conta Corrente"),
-                    DoSet("EdtCodBanco", "955"),
-                    DoSet("EdCartao_Arquivo", (folder_.Path() / "pagtos.csv").string()),
-                    DoClick("BtCartao_Consultar"),
-                    DoClick("BitBtn13")},
-                   {{"do", "answer"}, {"value", "yes"}}}},
-                 10);
+  const Json open{{"do", "open"}, {"class", "TFmConcilia"}}, yes{{"do", "answer"}, {"value", "yes"}},
+      page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}};
+  const auto file = [&](const char* name) {
+    return DoSet("EdCartao_Arquivo", (folder_.Path() / name).string());
+  };
+  KilledAnywhere(
+      {{"cards",
+        {open, page, DoSet("cbCartao_Operadora", "Rede"), DoSet("CbCartao_TipoConcilia", "Conta Corrente"),
+         DoSet("EdtCodBanco", "955"), file("pagtos.csv"), DoClick("BtCartao_Consultar"), DoClick("BitBtn13")},
+        yes},
+       {"orders",
+        {open,
+         page,
+         DoSet("cbCartao_Operadora", "Cielo"),
+         DoSet("CbCartao_TipoConcilia", "Pedido"),
+         file("pedidos.csv"),
+         DoSet("EdtContaMoeda", kConta),
+         DoClick("BtCartao_Consultar"),
+         DoClick("BitBtn13"),
+         {{"do", "answer"}, {"value", "20/11/2026"}}},
+        yes}},
+      10);
 }
 
 TEST_F(TieFaultsTest, AnOpenChangeElsewhereIsWaitedForAndTold) {
