@@ -183,7 +183,7 @@ void TFmConcilia::BtCartao_ConsultarClick() {
     return;
   }
   LbCartao.Mostra("");
-  TbCartao_Arq.SetFiltered(false);
+  LbConferencia.SetCaption("");
   (this->*regra.concilia)();
   MostraConferencia();
 }
