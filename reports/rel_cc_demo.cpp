@@ -54,16 +54,18 @@ TfmRelCCDemo::TfmRelCCDemo(Application& application)
       DBGrid4(*this, "DBGrid4", TbBanco, GridColumns(kBanco), true, "Limites dos bancos") {
   Layout(R"(
     @bar {
-      GbPeriodo { DtIni DtFin } EdtDias GbOpcoes { CbComVen CbAnual CbPed CbLim CbEmp }
+      GbPeriodo { DtIni DtFin } EdtDias CbEmp
       @more {
+        GbOpcoes { CbComVen CbAnual CbPed CbLim } /
         GbAno { EdtAno } GbReceber { EdtSitDup PqSitDup SpeedButton1 }
         GbLimites { EdtSit PqSituacao SpeedButton }
       }
       @primary BitBtn29
     } /
     PageControl1 {
-      TsVencimentos { DBGrid1 / ChVencimentos }
-      TsFaturamento { ChAnual / DBGrid2 }
+      TsVencimentos { DBGrid1 }
+      TsGrafico { ChVencimentos }
+      TsFaturamento { @sides { ChAnual DBGrid2 } }
       TsPedidos { @sides { DBGrid3 DBGrid4 } }
     } /
     @actions { BitBtn33 @apart BitBtn5 }
@@ -233,10 +235,9 @@ void TfmRelCCDemo::GeraExtratoFluxo(Gathering& andamento) {
   const Date ini = consulta_.periodo.de;
   const Periodo todos = {kSempre, kNunca}, encomendas = {ini, kFim};
   andamento.Stage("Títulos a receber");
-  const PorDia receber =
-      Titulos("SELECT R.DT_VENCTO, " + Soma(EmAbertoReceber("R")) + " FROM {RECEBER} R WHERE R." +
-                  Receber(todos) + " GROUP BY R.DT_VENCTO",
-              "RECEBER");
+  const PorDia receber = Titulos("SELECT R.DT_VENCTO, " + Soma(EmAbertoReceber("R")) +
+                                     " FROM {RECEBER} R WHERE R." + Receber(todos) + " GROUP BY R.DT_VENCTO",
+                                 "RECEBER");
   andamento.Stage("Títulos a pagar");
   const PorDia pagar = Titulos("SELECT P.DT_VEN, " + Soma(EmAbertoPagar("P")) + " FROM {PAGTO} P WHERE P." +
                                    Pagar(todos) + " GROUP BY P.DT_VEN",

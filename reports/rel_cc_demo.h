@@ -24,12 +24,12 @@ class ORV_EXPORT TfmRelCCDemo : public ReportScreen {
   DateEdit DtIni{*this, "DtIni", "De"};
   DateEdit DtFin{*this, "DtFin", "Até"};
   Edit EdtDias{*this, "EdtDias", "Interv. Dias"};
+  CheckBox CbEmp{*this, "CbEmp", "Todas Empresas"};
   GroupBox GbOpcoes{*this, "GbOpcoes", "Incluir"};
   CheckBox CbComVen{*this, "CbComVen", "Compras/Vendas"};
   CheckBox CbAnual{*this, "CbAnual", "Faturamento Anual"};
   CheckBox CbPed{*this, "CbPed", "Pedidos Pendentes"};
   CheckBox CbLim{*this, "CbLim", "Limite Bancário"};
-  CheckBox CbEmp{*this, "CbEmp", "Todas Empresas"};
   GroupBox GbAno{*this, "GbAno", "Faturamento"};
   Edit EdtAno{*this, "EdtAno", "Ano", 4};
   GroupBox GbReceber{*this, "GbReceber", "Títulos a receber"};
@@ -80,6 +80,7 @@ class ORV_EXPORT TfmRelCCDemo : public ReportScreen {
   PageControl PageControl1{*this, "PageControl1"};
   TabSheet TsVencimentos{*this, "TsVencimentos", "Vencimentos"};
   TOrvDBGrid DBGrid1;
+  TabSheet TsGrafico{*this, "TsGrafico", "Gráfico"};
   Chart ChVencimentos;
   TabSheet TsFaturamento{*this, "TsFaturamento", "Faturamento Anual"};
   Chart ChAnual;

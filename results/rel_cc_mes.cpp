@@ -18,26 +18,28 @@ const Date kPrimeiro(1900, 1, 1), kUltimo(2050, 1, 1);
 
 TFmRelCCMes::TFmRelCCMes(Application& application)
     : ReportScreen(application, "TFmRelCCMes", "FmRelCCMes", "Relatório de Fluxo Mensal"),
+      DBGrid1(*this, "DBGrid1", TbMeses, GridColumns(kPorMes), true, "Mês a mês"),
       ChMeses(*this, "ChMeses", "Faturado, recebido e pago por mês", TbMeses, "Mes",
               {{"Faturado", "Faturado"}, {"Recebido", "Recebido"}, {"Pagos", "Pagos", true}}, kMeses),
-      DBGrid1(*this, "DBGrid1", TbMeses, GridColumns(kPorMes), true, "Mês a mês"),
       DBGrid2(*this, "DBGrid2", TbGrupos, GridColumns(kPorGrupo), true, "Pendentes e pagos por grupo"),
       DBGrid3(*this, "DBGrid3", TbRel, GridColumns(kRel), true, "Totais dos períodos"),
       DBGrid4(*this, "DBGrid4", TbVencto, GridColumns(kVencto), true, "Faturamento por prazo"),
       DBGrid5(*this, "DBGrid5", TbEmi, GridColumns(kEmi), true, "Faturamento por semana do mês") {
   Layout(R"(
     @bar {
-      EdtAno GbClientes { CbClientes EdtCliente PqCliente SpeedButton2 }
+      EdtAno
       @more {
         GbEmissao { EdtEmiIni EdtEmiFim } GbRecebimento { EdtRecIni EdtRecFim }
         GbVencimento { EdtVenIni EdtVenFim } /
         GbBancos { EdtBanco PqBanco SpeedButton1 }
+        GbClientes { CbClientes EdtCliente PqCliente SpeedButton2 }
         GbClasses { CbClassePag EdtClasse PqClasse SpeedButton3 }
       }
       @primary BtnExecutaSQL
     } /
     PageControl1 {
-      TsMeses { ChMeses / DBGrid1 }
+      TsMeses { DBGrid1 }
+      TsGrafico { ChMeses }
       TsGrupos { DBGrid2 }
       TsPeriodo { DBGrid3 / DBGrid4 / DBGrid5 }
     } /

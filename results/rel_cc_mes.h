@@ -16,11 +16,6 @@ class ORV_EXPORT TFmRelCCMes : public ReportScreen {
   explicit TFmRelCCMes(Application& application);
 
   Edit EdtAno{*this, "EdtAno", "Ano", 4};
-  GroupBox GbClientes{*this, "GbClientes", "Clientes"};
-  ComboBox CbClientes{*this, "CbClientes", "Como", {"Desconsiderar Clientes", "Considerar Clientes"}, 0};
-  Edit EdtCliente{*this, "EdtCliente", "Clientes"};
-  TPesquisa PqCliente{*this, "PqCliente", Entidades()};
-  SmallButton SpeedButton2{*this, "SpeedButton2", "Limpar"};
   GroupBox GbEmissao{*this, "GbEmissao", "Período de Emissão/Faturamento"};
   DateEdit EdtEmiIni{*this, "EdtEmiIni", "De"};
   DateEdit EdtEmiFim{*this, "EdtEmiFim", "Até"};
@@ -34,9 +29,14 @@ class ORV_EXPORT TFmRelCCMes : public ReportScreen {
   Edit EdtBanco{*this, "EdtBanco", "Banco"};
   TPesquisa PqBanco{*this, "PqBanco", Bancos()};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Limpar"};
+  GroupBox GbClientes{*this, "GbClientes", "Clientes"};
+  ComboBox CbClientes{*this, "CbClientes", "Como", {"Desconsiderar Clientes", "Considerar Clientes"}, 0};
+  Edit EdtCliente{*this, "EdtCliente", "Códigos"};
+  TPesquisa PqCliente{*this, "PqCliente", Entidades()};
+  SmallButton SpeedButton2{*this, "SpeedButton2", "Limpar"};
   GroupBox GbClasses{*this, "GbClasses", "Classes a pagar"};
   ComboBox CbClassePag{*this, "CbClassePag", "Como", {"Desconsiderar Classes", "Considerar Classes"}, 0};
-  Edit EdtClasse{*this, "EdtClasse", "Classes"};
+  Edit EdtClasse{*this, "EdtClasse", "Códigos"};
   TPesquisa PqClasse{*this, "PqClasse", Classes()};
   SmallButton SpeedButton3{*this, "SpeedButton3", "Limpar"};
   Button BtnExecutaSQL{*this, "BtnExecutaSQL", "Confirmar"};
@@ -79,7 +79,7 @@ class ORV_EXPORT TFmRelCCMes : public ReportScreen {
 #undef ORV_MESES
   TClientDataSet TbGrupo{"TbGrupo"};
   static constexpr auto kVencto = std::to_array<ReportField>({
-      {"Val_00Dia", FieldType::Float, 0, {"À Vista", 16}},
+      {"Val_00Dia", FieldType::Float, 0, {"A Vista", 16}},
       {"Val_15Dia", FieldType::Float, 0, {"15 Dias", 16}},
       {"Val_30Dia", FieldType::Float, 0, {"30 Dias", 16}},
       {"Val_45Dia", FieldType::Float, 0, {"45 Dias", 16}},
@@ -115,26 +115,27 @@ class ORV_EXPORT TFmRelCCMes : public ReportScreen {
       {"Tipo", FieldType::String, 3, {"Tipo", 9}},
       {"Codigo", FieldType::String, 6, {"Código", 8}},
       {"Descricao", FieldType::String, 50, {"Descrição", 24}},
-      {"Mes1", FieldType::Float, 0, {"Janeiro", 13}},
-      {"Mes2", FieldType::Float, 0, {"Fevereiro", 13}},
-      {"Mes3", FieldType::Float, 0, {"Março", 13}},
-      {"Mes4", FieldType::Float, 0, {"Abril", 13}},
-      {"Mes5", FieldType::Float, 0, {"Maio", 13}},
-      {"Mes6", FieldType::Float, 0, {"Junho", 13}},
-      {"Mes7", FieldType::Float, 0, {"Julho", 13}},
-      {"Mes8", FieldType::Float, 0, {"Agosto", 13}},
-      {"Mes9", FieldType::Float, 0, {"Setembro", 13}},
-      {"Mes10", FieldType::Float, 0, {"Outubro", 13}},
-      {"Mes11", FieldType::Float, 0, {"Novembro", 13}},
-      {"Mes12", FieldType::Float, 0, {"Dezembro", 13}},
+      {"Mes1", FieldType::Float, 0, {"Janeiro", 11}},
+      {"Mes2", FieldType::Float, 0, {"Fevereiro", 11}},
+      {"Mes3", FieldType::Float, 0, {"Março", 11}},
+      {"Mes4", FieldType::Float, 0, {"Abril", 11}},
+      {"Mes5", FieldType::Float, 0, {"Maio", 11}},
+      {"Mes6", FieldType::Float, 0, {"Junho", 11}},
+      {"Mes7", FieldType::Float, 0, {"Julho", 11}},
+      {"Mes8", FieldType::Float, 0, {"Agosto", 11}},
+      {"Mes9", FieldType::Float, 0, {"Setembro", 11}},
+      {"Mes10", FieldType::Float, 0, {"Outubro", 11}},
+      {"Mes11", FieldType::Float, 0, {"Novembro", 11}},
+      {"Mes12", FieldType::Float, 0, {"Dezembro", 11}},
       {"Total", FieldType::Float, 0, {"Total", 14}},
   });
   TClientDataSet TbGrupos{"TbGrupos"};
 
   PageControl PageControl1{*this, "PageControl1"};
   TabSheet TsMeses{*this, "TsMeses", "Meses"};
-  Chart ChMeses;
   TOrvDBGrid DBGrid1;
+  TabSheet TsGrafico{*this, "TsGrafico", "Gráfico"};
+  Chart ChMeses;
   TabSheet TsGrupos{*this, "TsGrupos", "Grupos"};
   TOrvDBGrid DBGrid2;
   TabSheet TsPeriodo{*this, "TsPeriodo", "Período"};
