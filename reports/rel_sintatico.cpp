@@ -210,21 +210,28 @@ void TfmRelSintatico::Executa_SQL(Gathering& andamento) {
   ForEach(PorEmpresa("SELECT '{}', CODIGO, DESCRICAO FROM {SUBGRUPO}"), [&](std::span<Value> linha) {
     nomes[chave(linha[0], linha[1].Text())] = CutChars(linha[2].Text(), 40);
   });
-  const std::string de = consulta_.periodo.de.Brazil(), ate = consulta_.periodo.ate.Brazil();
-  const auto anexa = [&](Value valor, Value operacao, const Value& classe, const Value& sufixo) {
-    const auto nome = [&](std::string_view codigo) {
-      const auto achado = nomes.find(chave(sufixo, codigo));
-      return achado == nomes.end() ? Value() : achado->second;
-    };
-    Value linha[] = {std::move(valor),
-                     std::move(operacao),
-                     classe,
-                     nome(classe.Text()),
-                     nome(CutChars(classe.Text(), 1)),
-                     de,
-                     ate,
-                     consulta_.opcao};
-    Tbrelatorio.AppendRow(linha);
+  // Rows of one class follow one another.
+  ReportRow<kRelatorio> linha;
+  Value classe, sufixo;
+  const auto anexa = [&](Value valor, Value operacao, const Value& da_classe, const Value& do_sufixo) {
+    if (linha["Opcao"].IsNull() || classe != da_classe || sufixo != do_sufixo) {
+      classe = da_classe;
+      sufixo = do_sufixo;
+      const auto nome = [&](std::string_view codigo) {
+        const auto achado = nomes.find(chave(sufixo, codigo));
+        return achado == nomes.end() ? Value() : achado->second;
+      };
+      linha["Codigo"] = classe;
+      linha["Grupo"] = nome(classe.Text());
+      linha["Classe"] = nome(CutChars(classe.Text(), 1));
+      linha["Data_ini"] = consulta_.periodo.de.Brazil();
+      linha["Data_fim"] = consulta_.periodo.ate.Brazil();
+      linha["Opcao"] = consulta_.opcao;
+    }
+    linha["Valor"] = std::move(valor);
+    linha["Operacao"] = std::move(operacao);
+    ReportRow<kRelatorio> nova = linha;
+    Tbrelatorio.AppendRow(nova.Values());
     andamento.Advance();
   };
   andamento.Stage("Movimentos");
@@ -253,11 +260,12 @@ void TfmRelSintatico::Executa_SQL(Gathering& andamento) {
     for (const Classe& classe : classes) anexa(classe.valor, classe.operacao, classe.codigo, classe.sufixo);
   } else {
     ForEach(
-        PorEmpresa("SELECT CONTACOR.GRUPO, '{}', CONTACOR.OPERACAO, CONTACOR.VALOR" + Movimentos()),
+        PorEmpresa("SELECT CONTACOR.GRUPO, '{}', CONTACOR.OPERACAO, CONTACOR.VALOR, CONTACOR.LANCAMENTO" +
+                       Movimentos(),
+                   "ORDER BY 1, 5"),
         [&](std::span<Value> linha) { anexa(std::move(linha[3]), std::move(linha[2]), linha[0], linha[1]); });
   }
   if (Tbrelatorio.IsEmpty()) {
-    ReportRow<kRelatorio> linha;
     linha["Opcao"] = consulta_.opcao;
     Tbrelatorio.AppendRow(linha.Values());
   }
