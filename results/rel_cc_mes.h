@@ -171,6 +171,8 @@ class ORV_EXPORT TFmRelCCMes : public ReportScreen {
   void LeRecebimentos(Contas& contas, Gathering& andamento);
   void LePagamentos(Contas& contas, Gathering& andamento);
   void LePedidos(Contas& contas);
+  // 1 where a receivable is of the banks asked for, else 0: they narrow some of the figures only.
+  std::string DoBanco() const;
   void GeraRelatorioMes(const Contas& contas);
   void GeraRelatorioVenctoQuinzena(const Contas& contas);
   void GeraRelatorioEmisssaoSemana(const Contas& contas);

@@ -95,14 +95,18 @@ TFmRelCCMes::Consulta TFmRelCCMes::LeFiltros() const {
 
 // --- What the tables hold.
 
+std::string TFmRelCCMes::DoBanco() const {
+  return consulta_.bancos.empty() ? "1" : "CASE WHEN 1 = 1" + consulta_.bancos + " THEN 1 ELSE 0 END";
+}
+
 void TFmRelCCMes::LeReceber(Contas& contas, Gathering& andamento) {
   enum Coluna : uint8_t { cEmissao, cVencimento, cValor, cAberto, cClasse, cBanco };
   andamento.Stage("Títulos a receber");
   const Periodo emitidos = consulta_.ano.Comum(consulta_.emissao),
                 vencem = consulta_.ano.Comum(consulta_.vencimento);
   const std::string sql = "SELECT R.DT_EMISSAO, R.DT_VENCTO, R.VALOR2, " + EmAbertoReceber("R") +
-                          ", R.CLASSE, CASE WHEN 1 = 1" + consulta_.bancos +
-                          " THEN 1 ELSE 0 END FROM {RECEBER} R WHERE R.STATUS = 'N'" + consulta_.clientes;
+                          ", R.CLASSE, " + DoBanco() + " FROM {RECEBER} R WHERE R.STATUS = 'N'" +
+                          consulta_.clientes;
   ForEach(Funcoes.DBLocal_SQL(sql, ""), [&](std::span<Value> linha) {
     const Date emissao = linha[cEmissao].AsDate(), vencimento = linha[cVencimento].AsDate();
     const Currency valor = linha[cValor].AsCurrency(), aberto = linha[cAberto].AsCurrency();
@@ -148,11 +152,11 @@ void TFmRelCCMes::LePagar(Contas& contas, Gathering& andamento) {
 
 void TFmRelCCMes::LeRecebimentos(Contas& contas, Gathering& andamento) {
   andamento.Stage("Recebimentos");
-  const std::string sql =
-      "SELECT B.DT_PAGTO, B.VALOR_PAGO, CASE WHEN 1 = 1" + consulta_.bancos +
-      " THEN 1 ELSE 0 END FROM {RECEBERB} B INNER JOIN {RECEBER} R ON R.NUMERO = B.NUMERO "
-      "WHERE R.STATUS = 'N'" +
-      consulta_.clientes + WhereBetween("B.DT_PAGTO", consulta_.recebimento.de, consulta_.recebimento.ate);
+  const std::string sql = "SELECT B.DT_PAGTO, B.VALOR_PAGO, " + DoBanco() +
+                          " FROM {RECEBERB} B INNER JOIN {RECEBER} R ON R.NUMERO = B.NUMERO "
+                          "WHERE R.STATUS = 'N'" +
+                          consulta_.clientes +
+                          WhereBetween("B.DT_PAGTO", consulta_.recebimento.de, consulta_.recebimento.ate);
   ForEach(Funcoes.DBLocal_SQL(sql, ""), [&](std::span<Value> linha) {
     const Date dia = linha[0].AsDate();
     const Currency valor = linha[1].AsCurrency();
