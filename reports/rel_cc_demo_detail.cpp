@@ -44,7 +44,7 @@ void TfmRelCCDemo::MostraEncomendas(const std::string& titulo, Qual qual, const 
   if (consulta_.compras_vendas && dias.de <= dias.ate) {
     Encomendas(qual, dias, true, [&](const Encomenda& encomenda) {
       Parcelas(qual, encomenda, [&](Date dia, int numero, Currency valor) {
-        if (!dias.Contem(dia)) return;
+        if (!dias.Contem(dia) || valor.IsZero()) return;
         Value linha[] = {encomenda.numero, numero, dia, encomenda.pessoa, encomenda.valor, valor};
         linhas.AppendRow(linha);
       });
