@@ -84,9 +84,10 @@ void TfmRelCCDemo::DBGrid4DblClick() {
   // Blank and null banks stand in one row.
   const std::string titulos =
       banco.empty() ? "NUMERO IS NOT NULL AND COALESCE(R.BANCO, '') = ''" : Igual("BANCO", banco);
-  ShowDetail("Títulos no banco " + banco, PorEmpresa(origem::Receber(titulos + consulta_.limites + " AND " +
-                                                                     EmAbertoReceber("R") + " <> 0"),
-                                                     "RECEBER"));
+  ShowDetail(
+      banco.empty() ? "Títulos fora dos bancos" : "Títulos no banco " + banco,
+      PorEmpresa(origem::Receber(titulos + consulta_.limites + " AND " + EmAbertoReceber("R") + " <> 0"),
+                 "RECEBER"));
 }
 
 }  // namespace orv

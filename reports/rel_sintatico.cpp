@@ -66,6 +66,14 @@ TfmRelSintatico::TfmRelSintatico(Application& application)
   BitBtn5.OnClick = [this] { Close(); };
   DBGrid1.OnDblClick = [this] { DBGrid1DblClick(); };
   DBGrid2.OnDblClick = [this] { DBGrid2DblClick(); };
+  constexpr const char* kCondicoes = " INNER JOIN {CONDIVENDA} COND ON COND.CDVENDA = VENDA.CODVEN";
+  DBGrid3.OnDblClick = [this] {
+    // A sale counts with each of its titles.
+    MostraVendas(QryRep, " LEFT OUTER JOIN {RECEBER} RECEBER ON VENDA.CODVEN = RECEBER.NRO_CUPOM",
+                 "REPRESEN.REGIAO", "VENDA.VALOR");
+  };
+  DBGrid4.OnDblClick = [this] { MostraVendas(QryCond, kCondicoes, "COND.CDCONDICAO", "COND.VLVENDA"); };
+  DBGrid5.OnDblClick = [this] { MostraVendas(QryMoeda, kCondicoes, "COND.CDMOEDA", "COND.VLVENDA"); };
   // What the report is about stays what was gathered, whatever is chosen since.
   const auto responde = [this](const char* nome, auto valor) {
     Answers[nome] = {0, [this, valor](auto) { return Value(valor(consulta_)); }};
@@ -344,6 +352,18 @@ void TfmRelSintatico::DBGrid2DblClick() {
       "CADCONTA.IMP_FLUXO = 'S'" +
       consulta_.conta + ")");
   ShowDetail("Movimentos da classe " + classe, PorEmpresa(sql));
+}
+
+void TfmRelSintatico::MostraVendas(TOrvQuery& query, const char* de, const char* coluna, const char* valor) {
+  if (query.IsEmpty()) return;
+  const std::string nome = std::string(coluna).substr(std::string_view(coluna).find('.') + 1),
+                    codigo = query[nome].AsString();
+  const std::string sql =
+      origem::Linhas("Venda", "VENDA.CODVEN", "NULL", "VENDA.DATA", "COALESCE(REPRESEN.NOME, '')",
+                     origem::Valor(valor).c_str(), "{VENDA} VENDA") +
+      " LEFT OUTER JOIN {REPRESEN} REPRESEN ON REPRESEN.CODREP = VENDA.CODREP" + de + Vendas(true) + "AND " +
+      (query[nome].IsNull() ? std::string(coluna) + " IS NULL" : Igual(coluna, codigo));
+  ShowDetail("Vendas: " + codigo + " " + query["DESCRICAO"].AsString(), Funcoes.DBLocal_SQL(sql, ""));
 }
 
 }  // namespace orv

@@ -109,6 +109,8 @@ class ORV_EXPORT TfmRelSintatico : public ReportScreen {
 
   void DBGrid1DblClick();
   void DBGrid2DblClick();
+  // The sales of a row of a section: from where, and by which column of it.
+  void MostraVendas(TOrvQuery& query, const char* de, const char* coluna, const char* valor);
 
   Consulta consulta_;
 };

@@ -65,6 +65,9 @@ TFmRelCCMes::TFmRelCCMes(Application& application)
   BitBtn5.OnClick = [this] { Close(); };
   DBGrid1.OnDblClick = [this] { DBGrid1DblClick(); };
   DBGrid2.OnDblClick = [this] { DBGrid2DblClick(); };
+  DBGrid3.OnDblClick = [this] { DBGrid3DblClick(); };
+  DBGrid4.OnDblClick = [this] { DBGrid4DblClick(); };
+  DBGrid5.OnDblClick = [this] { DBGrid5DblClick(); };
   // The report asks for the fields of the periods, and means what was gathered by them.
   const auto responde = [this](const DateEdit& campo, auto dia) {
     Answers[campo.Name()] = {0, [this, dia](auto) { return Value(dia(consulta_)); }};

@@ -181,7 +181,15 @@ class ORV_EXPORT TFmRelCCMes : public ReportScreen {
   // --- From a figure to where it comes from (rel_cc_mes_detail.cpp).
   void DBGrid1DblClick();
   void DBGrid2DblClick();
+  void DBGrid3DblClick();
+  void DBGrid4DblClick();
+  void DBGrid5DblClick();
   void Mostra(const std::string& titulo, const std::string& sql);
+  // Conditions of what counts, and of what was billed in the period of emission.
+  std::string Titulos() const { return "STATUS = 'N'" + consulta_.clientes; }
+  std::string Faturados() const;
+  // Settlements of what counts and meets more, on these days.
+  std::string Recebimentos(const Periodo& dias, const std::string& mais) const;
   std::string Pagamentos(const Periodo& mes, const std::string& mais = "") const;
 
   Consulta consulta_;

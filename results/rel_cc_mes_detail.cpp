@@ -17,6 +17,15 @@ std::string TFmRelCCMes::Pagamentos(const Periodo& mes, const std::string& mais)
                      mais + ")" + WhereBetween("B.DT_LAN", dias.de, dias.ate));
 }
 
+std::string TFmRelCCMes::Recebimentos(const Periodo& dias, const std::string& mais) const {
+  return BaixasReceber("NUMERO IN (SELECT R.NUMERO FROM {RECEBER} R WHERE R." + Titulos() + mais + ")" +
+                       WhereBetween("B.DT_PAGTO", dias.de, dias.ate));
+}
+
+std::string TFmRelCCMes::Faturados() const {
+  return Titulos() + WhereBetween("R.DT_EMISSAO", consulta_.emissao.de, consulta_.emissao.ate);
+}
+
 void TFmRelCCMes::DBGrid1DblClick() {
   if (TbMeses.IsEmpty() || consulta_.ano.de.Empty()) return;
   const int numero = static_cast<int>(TbMeses.RecNo());
@@ -27,7 +36,7 @@ void TFmRelCCMes::DBGrid1DblClick() {
   const std::string& coluna = DBGrid1.SelectedField();
   const auto e = [&](const char* nome) { return SameText(coluna, nome); };
   const std::string de = " de " + TbMeses["Mes"].AsString() + " de " + consulta_.ano.de.Brazil().substr(6),
-                    receber = "STATUS = 'N'" + consulta_.clientes, receber_banco = receber + consulta_.bancos,
+                    receber = Titulos(), receber_banco = receber + consulta_.bancos,
                     pagar = "STATUS = 'N'" + consulta_.classes;
   const std::string vencem = WhereBetween("R.DT_VENCTO", vencimento.de, vencimento.ate);
   // The average terms take in the month of every year.
@@ -35,9 +44,7 @@ void TFmRelCCMes::DBGrid1DblClick() {
     return std::string(" AND EXTRACT(MONTH FROM ") + coluna_do_dia + ") = " + std::to_string(numero);
   };
   if (e("Recebido")) {
-    Mostra("Recebimentos" + de,
-           BaixasReceber("NUMERO IN (SELECT R.NUMERO FROM {RECEBER} R WHERE R." + receber_banco + ")" +
-                         WhereBetween("B.DT_PAGTO", recebimento.de, recebimento.ate)));
+    Mostra("Recebimentos" + de, Recebimentos(recebimento, consulta_.bancos));
   } else if (e("Pendentes")) {
     Mostra("Pendentes" + de, Receber(receber_banco + vencem + " AND " + EmAbertoReceber("R") + " > 0"));
   } else if (e("Vencido")) {
@@ -83,10 +90,52 @@ void TFmRelCCMes::DBGrid2DblClick() {
   if (TbGrupos["Tipo"].AsString() == "R") {
     dias = dias.Comum(consulta_.vencimento);
     Mostra("Pendentes: " + nome,
-           Receber("STATUS = 'N'" + consulta_.clientes + consulta_.bancos + do_grupo("R.CLASSE", "TABSIT") +
+           Receber(Titulos() + consulta_.bancos + do_grupo("R.CLASSE", "TABSIT") +
                    WhereBetween("R.DT_VENCTO", dias.de, dias.ate) + " AND " + EmAbertoReceber("R") + " > 0"));
   } else {
     Mostra("Pagos: " + nome, Pagamentos(dias, do_grupo("P.NUM_OS", "SUBGRUPO")));
+  }
+}
+
+void TFmRelCCMes::DBGrid3DblClick() {
+  if (TbRel.IsEmpty()) return;
+  const std::string& coluna = DBGrid3.SelectedField();
+  const auto& [de, ate] = consulta_.vencimento;
+  if (SameText(coluna, "RecPer")) {
+    Mostra("Recebido no período", Recebimentos(consulta_.recebimento, ""));
+  } else if (SameText(coluna, "VenPer")) {
+    Mostra("A vencer no período", Receber(Titulos() + WhereBetween("R.DT_VENCTO", de, ate) + " AND " +
+                                          EmAbertoReceber("R") + " > 0"));
+  } else if (SameText(coluna, "PrazoMedCom")) {
+    Mostra("Compras do período",
+           Pagar("STATUS = 'N'" + consulta_.classes +
+                 WhereBetween("P.DT_EMI", consulta_.emissao.de, consulta_.emissao.ate)));
+  } else {
+    Mostra("Emitido no período", Receber(Faturados()));
+  }
+}
+
+void TFmRelCCMes::DBGrid4DblClick() {
+  if (TbVencto.IsEmpty()) return;
+  constexpr int kFaixas = static_cast<int>(kVencto.size());
+  for (int faixa = 0; faixa < kFaixas; ++faixa) {
+    const ReportField& campo = kVencto.at(static_cast<std::size_t>(faixa));
+    if (!SameText(DBGrid4.SelectedField(), campo.name)) continue;
+    const std::string dias = " AND COALESCE(DATEDIFF(DAY FROM R.DT_EMISSAO TO R.DT_VENCTO), 0)",
+                      mais_de = faixa == 0 ? "" : dias + " > " + std::to_string(15 * (faixa - 1)),
+                      ate = faixa == kFaixas - 1 ? "" : dias + " <= " + std::to_string(15 * faixa);
+    Mostra(std::string("Faturamento por prazo: ") + campo.column.title, Receber(Faturados() + mais_de + ate));
+  }
+}
+
+void TFmRelCCMes::DBGrid5DblClick() {
+  if (TbEmi.IsEmpty()) return;
+  for (int semana = 1; semana <= static_cast<int>(kEmi.size()); ++semana) {
+    const ReportField& campo = kEmi.at(static_cast<std::size_t>(semana - 1));
+    if (!SameText(DBGrid5.SelectedField(), campo.name)) continue;
+    Mostra(std::string("Faturamento: ") + campo.column.title,
+           Receber(Faturados() + " AND EXTRACT(DAY FROM R.DT_EMISSAO) BETWEEN " +
+                   std::to_string(7 * semana - 6) + " AND " + std::to_string(7 * semana)));
   }
 }
 

@@ -124,6 +124,22 @@ TEST_F(SintaticoTest, EdgesAndWhatIsPrinted) {
             "1101|+|1.0000|RECEITAS|30/11/2026|SSSN\n3104|-|30.0000|DESPESAS|30/11/2026|SSSN\n"
             "3104|+|5.0000|DESPESAS|30/11/2026|SSSN\n310499|-|2.2500|DESPESAS|30/11/2026|SSSN\n");
   std::string printed = test::Printed(desk, "BitBtn33");
+  // A figure opens its rows.
+  for (const auto& [page, grid, title] :
+       {std::tuple("TsCaixa", "DBGrid1", "Saldo da conta 10250-1 1"),
+        std::tuple("TsCaixa", "DBGrid2", "Movimentos da classe 1101 1"),
+        std::tuple("TsVendas", "DBGrid3", "Vendas: 01 SERRA 2"),
+        std::tuple("TsVendas", "DBGrid4", "Vendas: 01 A VISTA 2"),
+        std::tuple("TsVendas", "DBGrid5", "Vendas: 2 CARTAO DE CREDITO 2")}) {
+    desk.Page(page);
+    desk.DoubleClick(grid, 0, std::string(grid) == "DBGrid1" ? "Final" : "Valor");
+    for (const Json& out : desk.Latest()) {
+      if (!(out["on"] == Json("detail"))) continue;
+      EXPECT_EQ(out["title"].String() + " " + std::to_string(out["rows"].Items().size()), title);
+    }
+    EXPECT_EQ(desk.End(), "waiting answer");
+    desk.Answer("ok");
+  }
   // Debits and credits of a class go by the first movement's operation.
   Gather(desk, {{"CbSGrupo", "true"}, {"CbMoeda", "false"}});
   EXPECT_EQ(desk.Read("Tbrelatorio", {"Codigo", "Operacao", "Valor"}),
