@@ -1,10 +1,12 @@
 // The account statement: a hundred thousand movements of one account with their people and the titles that
 // they settled, beside the bare fetch of the same rows joined in one statement; memory; and how it grows.
+// The reports of sums, each beside the bare statements of what it needs.
 #include <cstdlib>
 #include <iostream>
 
 #include "bench/statement_screen.h"
 #include "frame/module.h"
+#include "rules/soma.h"
 #include "toolkit/database.h"
 #include "toolkit/value.h"
 
@@ -114,11 +116,78 @@ void Growth(const std::filesystem::path& house) {
   }
 }
 
+// A report, whose gathering may take half as much again as the bare statements.
+void Sums(const std::filesystem::path& house, const char* name, const char* screen, const char* button,
+          const std::vector<const char*>& options, const std::vector<std::string>& statements) {
+  Best bare, gathering;
+  {
+    const auto db = Attachment::Open(house.string());
+    for (int i = 0; i < kRuns; ++i) {
+      Nothing nothing;
+      bare.Take(Measure([&] {
+        for (const std::string& sql : statements) db->Fetch(sql, nothing);
+      }));
+    }
+    db->CommitRetaining();
+  }
+  StatementScreen report(house, screen);
+  for (const char* option : options) report.Set(option, "true");
+  for (int i = 0; i < kRuns; ++i)
+    gathering.Take(Measure([&] { report.Do({{"do", "click"}, {"control", button}}); }));
+  Print(std::string("bare statements of ") + name, bare.Cpu(), "s");
+  Print(std::string(name) + " (1.5 x bare)", gathering.Cpu(), Bound::AtMost, 1.5 * bare.Cpu(), "s",
+        Number(gathering.Wall()) + " s by the clock");
+}
+
+constexpr const char* kAberto = "VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO";
+
+void ReportsOfSums(const std::filesystem::path& house) {
+  const std::string sums = Soma(kAberto), from = " FROM RECEBER_001 ";
+  Sums(house, "the coming days", "TfmRelCCDemo", "BitBtn29", {"CbComVen", "CbAnual", "CbPed", "CbLim"},
+       {"SELECT DT_VENCTO, " + sums + from + "WHERE STATUS = 'N' GROUP BY 1",
+        "SELECT DT_VEN, " + Soma("VALOR + JUROS - VAL_PAG - VAL_DEV - DESCONTO") +
+            " FROM PAGTO_001 WHERE STATUS = 'N' GROUP BY 1",
+        "SELECT EXTRACT(MONTH FROM DT_EMISSAO), " + Soma("VALOR2") + ", " + Soma("VAL_DEV") + from +
+            "WHERE DT_EMISSAO BETWEEN '01/01/2026' AND '12/31/2026' GROUP BY 1",
+        "SELECT BANCO, " + sums + from + "GROUP BY 1",
+        "SELECT EXTRACT(YEAR FROM O.DT_FATURA), EXTRACT(MONTH FROM O.DT_FATURA), SUM(I.PRECO * I.QTDE) FROM "
+        "PEDIDO_001 O INNER JOIN PED_ITEN_001 I ON I.NUMERO = O.NUMERO GROUP BY 1, 2",
+        "SELECT O.NUMERO, SUM(I.PRECO * I.QTDE) FROM PEDIDO_001 O INNER JOIN PED_ITEN_001 I ON I.NUMERO = "
+        "O.NUMERO WHERE O.DT_FATURA BETWEEN '02/25/2024' AND '05/24/2027' GROUP BY 1",
+        "SELECT O.NUMERO, SUM(I.PRECO * I.QTDE) FROM COMPRA_001 O INNER JOIN CO_ITEN_001 I ON I.NUMERO = "
+        "O.NUMERO WHERE I.SITUACAO = 'A' GROUP BY 1"});
+  const std::string balance =
+      "SELECT A.CONTA, (SELECT " + Soma("CASE WHEN OPERACAO = '+' THEN VALOR END") + " || ' ' || " +
+      Soma("CASE WHEN OPERACAO = '-' THEN VALOR END") +
+      " FROM CONTACOR_001 M WHERE M.CONTA = A.CONTA AND M.PENDENTE = 'N' AND M.DT_CONT <= '12/31/2030') FROM "
+      "CADCONTA_001 A";
+  const std::string movements =
+      " FROM CONTACOR_001 M INNER JOIN CADCONTA_001 A ON A.CONTA = M.CONTA AND A.IMP_FLUXO = 'S' LEFT JOIN "
+      "SUBGRUPO_001 G ON G.CODIGO = M.GRUPO WHERE M.PENDENTE = 'N' AND M.DT_LAN BETWEEN '01/01/1980' AND "
+      "'12/31/2030' ";
+  Sums(house, "the settled cash movement by movement", "TfmRelSintatico", "BitBtn29", {},
+       {balance, "SELECT M.GRUPO, G.DESCRICAO, M.OPERACAO, M.VALOR" + movements + "ORDER BY M.GRUPO"});
+  Sums(house, "the settled cash by class", "TfmRelSintatico", "BitBtn29", {"CbSGrupo"},
+       {balance,
+        "SELECT M.GRUPO, MIN(M.LANCAMENTO || M.OPERACAO), " + Soma("M.VALOR") + movements + "GROUP BY 1"});
+  Sums(
+      house, "the months of a year", "TFmRelCCMes", "BtnExecutaSQL", {},
+      {"SELECT DT_EMISSAO, DT_VENCTO, VALOR2, " + std::string(kAberto) + ", CLASSE" + from +
+           "WHERE STATUS = 'N'",
+       "SELECT DT_EMI, DT_VEN, VALOR, VALOR + JUROS - VAL_PAG - VAL_DEV - DESCONTO FROM PAGTO_001 WHERE "
+       "STATUS = 'N'",
+       "SELECT B.DT_PAGTO, B.VALOR_PAGO FROM RECEBERB_001 B INNER JOIN RECEBER_001 R ON R.NUMERO = B.NUMERO "
+       "WHERE R.STATUS = 'N'",
+       "SELECT B.DT_LAN, B.VAL_PAG, P.NUM_OS FROM PAGTO1_001 B INNER JOIN PAGTO_001 P ON P.NUM_AP = B.NUM_AP "
+       "WHERE P.STATUS = 'N' AND B.DT_LAN BETWEEN '01/01/2026' AND '12/31/2026'"});
+}
+
 int Run() {
   const Module module("orvCC");
   const auto house = House(260);
   OneAccount(house);
   Growth(house);
+  ReportsOfSums(house);
   return EXIT_SUCCESS;
 }
 

@@ -15,7 +15,7 @@ std::string_view CondicaoPagamento::Vaga(int parcela) const {
 
 int CondicaoPagamento::Parcelas() const {
   int count = 0;
-  for (int i = 1; i <= kVagas; ++i) count += Vaga(i).empty() ? 0 : 1;
+  for (int i = 1; i <= vagas_; ++i) count += Vaga(i).empty() ? 0 : 1;
   return count;
 }
 

@@ -8,10 +8,14 @@
 
 namespace orv {
 
-// The days of a payment condition: 20 slots of 3 characters, blank where unused.
+// The days of a payment condition: slots of 3 characters, blank where unused.
 class CondicaoPagamento {
  public:
-  explicit CondicaoPagamento(std::string_view texto) : texto_(texto) {}
+  static constexpr int kVagas = 20;
+  // No slot holds more days.
+  static constexpr int kMaiorPrazo = 999;
+  // Of a text of more slots only the first ones count.
+  explicit CondicaoPagamento(std::string_view texto, int vagas = kVagas) : texto_(texto), vagas_(vagas) {}
   // The slots that aren't blank.
   int Parcelas() const;
   // Days from the base date to the instalment, 1 for the first; a blank slot is 0. Raises ConversionError for
@@ -19,10 +23,10 @@ class CondicaoPagamento {
   int Dias(int parcela) const;
 
  private:
-  static constexpr int kVagas = 20;
   static constexpr int kLargura = 3;
   std::string_view Vaga(int parcela) const;
   std::string texto_;
+  int vagas_;
 };
 
 // An instalment of a total that is parted into `parcelas`, 1 for the first. The last one takes what rounding

@@ -270,6 +270,12 @@ uint32_t GroundColour(uint8_t style) {
   return (style & kShade) != 0 ? 0xeef2f4 : 0;
 }
 
+// A section of pictures without lines has no table.
+bool PicturesAlone(const Report& report, std::size_t section) {
+  const auto of = [&](const auto& one) { return one.section == section; };
+  return std::ranges::any_of(report.pictures, of) && std::ranges::none_of(report.lines, of);
+}
+
 std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page,
                                          std::size_t picture) {
   using Kind = PageLine::Kind;
@@ -294,6 +300,8 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
     const auto pictured = [&] {
       return picture > 0 && drawn < report.pictures.size() && report.pictures[drawn].section == section;
     };
+    const bool alone = PicturesAlone(report, section);
+    if (alone && picture == 0) continue;
     room_for(pictured() ? picture + 2 : 5);
     if (!pages.back().empty()) put({Kind::Blank, 0});
     if (!report.headings[section].empty()) put({Kind::Heading, section});
@@ -302,6 +310,7 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
       put({Kind::Picture, drawn});
       pages.back().resize(pages.back().size() + picture - 1, {Kind::Blank, 0});
     }
+    if (alone) continue;
     if (line < report.lines.size() && report.lines[line].section == section) room_for(2);
     put({Kind::Titles, section});
     for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
@@ -341,7 +350,7 @@ std::string ReportHtml(const Report& report) {
     if (!report.headings[section].empty()) html += "<h2>" + EscapedHtml(report.headings[section]) + "</h2>\n";
     for (; picture < report.pictures.size() && report.pictures[picture].section == section; ++picture)
       HtmlPicture(report.pictures[picture], report.landscape, html);
-    HtmlTable(report, section, line, html);
+    if (!PicturesAlone(report, section)) HtmlTable(report, section, line, html);
   }
   if (!report.notes.empty()) {
     html += "<div class=\"notes\" role=\"note\"><p>Nem tudo pôde ser impresso:</p>";
