@@ -148,10 +148,9 @@ std::string TfmRelFluxo::FiltroProgramacao() const {
 // --- Balances.
 
 void TfmRelFluxo::busca_Saldos() {
-  // A sum for each account reads its movements without sorting them. Here what isn't a credit is a debit.
+  // A sum for each account reads its movements without sorting them.
   std::string sql =
-      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT " +
-      Soma("COALESCE(CASE CONTACOR.OPERACAO WHEN '+' THEN CONTACOR.VALOR ELSE -CONTACOR.VALOR END, 0)") +
+      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT " + Soma(CreditoOuDebito("CONTACOR")) +
       " FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = 'N' AND "
       "CONTACOR.DT_CONT <= " +
       Funcoes.AspasData(dtSaldo.Date()) +

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <vector>
 
 #include "toolkit/date.h"
 
@@ -17,8 +18,17 @@ struct Periodo {
 };
 
 constexpr int kMeses = 12;
+constexpr int kMesesDoAno = kMeses;
 
 // The days of a year as typed ("2026"); none where the text isn't a year.
 Periodo DiasDoAno(std::string_view ano);
+
+// How many months a period has, at least one: a month ends the day before the one on which it began.
+int QtdeMeses(const Periodo& periodo);
+// The months of the calendar, 1 to 12, in the order in which a period comes to them; from January on where it
+// comes to one of them a second time.
+std::vector<int> MesesEmOrdem(const Periodo& periodo);
+// Whether it does.
+bool RepeteMes(const Periodo& periodo);
 
 }  // namespace orv

@@ -31,6 +31,11 @@ std::string ComSinal(const Livro& livro, std::string_view alias, std::string_vie
   return condicao.empty() ? valor : "CASE WHEN " + std::string(condicao) + " THEN " + valor + " END";
 }
 
+std::string CreditoOuDebito(std::string_view alias) {
+  const std::string de = De(alias);
+  return "COALESCE(CASE " + de + "OPERACAO WHEN '+' THEN " + de + "VALOR ELSE -" + de + "VALOR END, 0)";
+}
+
 const std::array<ReportField, 5> kSaldoPorMes{{{"Ano", FieldType::Integer},
                                                {"Mês", FieldType::Integer},
                                                {"Movimentos", FieldType::Integer},

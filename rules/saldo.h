@@ -31,6 +31,8 @@ constexpr const char* kPendente = "PENDENTE = 'S'";
 std::string Creditos(const Livro& livro, std::string_view alias = "", std::string_view condicao = "");
 std::string Debitos(const Livro& livro, std::string_view alias = "", std::string_view condicao = "");
 std::string ComSinal(const Livro& livro, std::string_view alias = "", std::string_view condicao = "");
+// The same of a movement where what isn't a credit is a debit. Never null.
+std::string CreditoOuDebito(std::string_view alias);
 
 // The total of a statement's first column, a sum by Soma: it has a row for each company.
 Currency Total(TOrvDatabase& db, const std::string& sql);
