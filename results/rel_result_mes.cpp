@@ -16,21 +16,22 @@ const Unit kUnit("Relresultmes",
 
 TfmRelResultMes::TfmRelResultMes(Application& application)
     : ReportScreen(application, "TfmRelResultMes", "fmRelResultMes", "Relatório de Resultado Mensal"),
-      DBGrid1(*this, "DBGrid1", TbRelatorio, GridColumns(kRelatorio), true, "Resultado por classe") {
+      DBGrid1(*this, "DBGrid1", TbRelatorio, GridColumns(kRelatorio), true, "Resultado por classe"),
+      DBGrid2(*this, "DBGrid2", TbGrafico, GridColumns(kGrafico), true, "Resultado mês a mês") {
   Layout(R"(
     @bar {
       GbPeriodo { EdtDataDe edtDataAte } RgRegime CbOrca
       @more {
-        RgData GbClasse { EdtClasse PqClasse EdtDescClasse } GbConta { edtConta PqConta SpeedButton1 } /
-        GbOpcoes { CbTodasEmp CbLoja CbDevol CbVar }
+        GbFiltros { EdtClasse PqClasse EdtDescClasse edtConta PqConta SpeedButton1 } /
+        RgData GbOpcoes { CbTodasEmp CbLoja CbDevol CbVar }
       }
       @primary BitBtn29
     } /
-    PageControl1 { TabSheet1 { DBGrid1 } TabSheet2 { Grafico } } /
+    PageControl1 { TabSheet1 { DBGrid1 } TabSheet2 { Grafico / DBGrid2 } } /
     @actions { BitBtn33 PopupMenu1 { Detalhamento1 } @apart BitBtn5 }
   )");
   DBGrid1.SetDropZeros(true);
-  DBGrid1.FindColumn("TpConta")->words = {{"T", "Título", "muted"}, {"A", "Analítica", ""}};
+  DBGrid1.FindColumn("TpConta")->words = {{"T", "Título", ""}, {"A", "Analítica", "muted"}};
   AddSet(TbRelatorio);
   AddSet(TbGrafico);
   CriaTabela();
@@ -121,10 +122,12 @@ void TfmRelResultMes::BuscaDetalhamento() {
     if (CbDevol.Checked()) aceitos += ", 'DV'";
     if (CbOrca.Checked()) aceitos += ", 'O'";
     return "SELECT CASE " + status + " WHEN 'N' THEN '" + prefixo + " NORMAL' WHEN 'O' THEN '" + prefixo +
-           " ORÇAMENTO' WHEN 'DV' THEN '" + prefixo + " DEVOLUÇÃO' END AS STATUS, " + de + numero +
-           " AS NUMERO, " + de + classe +
-           " AS GRUPO, SUBGRUPO.DESCRICAO, SUBGRUPO.CONTA, SUBGRUPO.OPERACAO, SUM(" + de + valor +
-           ") AS VALOR, " + mes_do_dia + " AS MES, SUBGRUPO.TP_CONTA FROM {" + tabela + "} " + tabela +
+           " ORÇAMENTO' WHEN 'DV' THEN '" + prefixo + " DEVOLUÇÃO' END AS \"Status\", " + de + numero +
+           " AS \"Número\", " + de + classe +
+           " AS \"Grupo\", SUBGRUPO.DESCRICAO AS \"Descrição\", SUBGRUPO.CONTA AS \"Conta\", "
+           "SUBGRUPO.OPERACAO AS \"Operação\", SUM(" +
+           de + valor + ") AS \"Valor\", " + mes_do_dia +
+           " AS \"Mês\", SUBGRUPO.TP_CONTA AS \"Tipo\" FROM {" + tabela + "} " + tabela +
            " INNER JOIN {SUBGRUPO} SUBGRUPO ON (" + de + classe + " = SUBGRUPO.CODIGO) WHERE 1 = 1" +
            WhereBetween(de + dia, EdtDataDe.Date(), edtDataAte.Date()) +
            " AND SUBGRUPO.TIPO NOT IN ('Transferencia', 'Loja', 'Custo Producao') AND " + status + " IN (" +

@@ -27,17 +27,16 @@ class ORV_EXPORT TfmRelResultMes : public ReportScreen {
   RadioGroup RgRegime{
       *this, "RgRegime", "Regime", {"Caixa", "Vencimento", "Emissão", "Competência", "Pagamento"}, 0};
   CheckBox CbOrca{*this, "CbOrca", "Orçamento"};
-  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização"}, 0};
-  GroupBox GbClasse{*this, "GbClasse", "Classe Gerencial"};
+  GroupBox GbFiltros{*this, "GbFiltros", "Filtros"};
   Edit EdtClasse{*this, "EdtClasse", "Classe Gerencial", 20};
   TPesquisa PqClasse{
       *this, "PqClasse",
       ListOf("SUBGRUPO", "CONTA", {{"CONTA", "Conta"}, {"CODIGO", "Classe"}, {"DESCRICAO", "Descrição"}})};
   ReadOnlyEdit EdtDescClasse{*this, "EdtDescClasse"};
-  GroupBox GbConta{*this, "GbConta", "Contas"};
   ReadOnlyEdit edtConta{*this, "edtConta", "Conta Corrente"};
   TPesquisa PqConta{*this, "PqConta", Contas()};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Limpar"};
+  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização"}, 0};
   GroupBox GbOpcoes{*this, "GbOpcoes", "Opções"};
   CheckBox CbTodasEmp{*this, "CbTodasEmp", "Todas Empresas"};
   CheckBox CbLoja{*this, "CbLoja", "Loja (Varejo)"};
@@ -49,10 +48,10 @@ class ORV_EXPORT TfmRelResultMes : public ReportScreen {
   // budget, in percent.
   static constexpr auto kRelatorio = std::to_array<ReportField>({
       {"Classe", FieldType::String, 20, {"Conta", 10, 1}},
-      {"Codigo", FieldType::String, 6, {"Classe", 7, 2}},
+      {"Codigo", FieldType::String, 6, {"Classe", 6, 2}},
       {"Descricao", FieldType::String, 50, {"Descrição", 30, 3}},
       {"Operacao", FieldType::String, 1, {"Op.", 0, 4}},
-      {"TpConta", FieldType::String, 1, {"Tipo", 9, 5}},
+      {"TpConta", FieldType::String, 1, {"Tipo", 8, 5}},
       {"Data_ini", FieldType::String, 12},
       {"Data_fim", FieldType::String, 12},
       {"Nivel", FieldType::Integer},
@@ -114,10 +113,10 @@ class ORV_EXPORT TfmRelResultMes : public ReportScreen {
   TClientDataSet TbRelatorio{"TbRelatorio"};
   // The picture: the months of the period, in their order.
   static constexpr auto kGrafico = std::to_array<ReportField>({
-      {"Mes", FieldType::String, 10},
-      {"Recebimentos", FieldType::Currency},
-      {"Pagamentos", FieldType::Currency},
-      {"Resultado", FieldType::Currency},
+      {"Mes", FieldType::String, 10, {"Mês", 12}},
+      {"Recebimentos", FieldType::Currency, 0, {"Recebimentos", 18}},
+      {"Pagamentos", FieldType::Currency, 0, {"Pagamentos", 18}},
+      {"Resultado", FieldType::Currency, 0, {"Resultado Líquido", 18}},
   });
   TClientDataSet TbGrafico{"TbGrafico"};
 
@@ -134,6 +133,7 @@ class ORV_EXPORT TfmRelResultMes : public ReportScreen {
                  {"Pagamentos", "Pagamentos", false},
                  {"Resultado", "Resultado Líquido", true}},
                 kMesesDoAno};
+  TOrvDBGrid DBGrid2;
   Button BitBtn33{*this, "BitBtn33", "&Imprimir"};
   PopupMenu PopupMenu1{*this, "PopupMenu1"};
   MenuItem Detalhamento1{*this, "Detalhamento1", "Detalhamento"};

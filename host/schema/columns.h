@@ -37,7 +37,9 @@ inline ColumnDef Bank(std::string name) { return Text(std::move(name), 3); }
 inline ColumnDef Class(std::string name) { return Text(std::move(name), 6); }
 inline ColumnDef History(std::string name) { return Text(std::move(name), 5); }
 inline ColumnDef Entity(std::string name) { return Text(std::move(name), 5); }
-inline ColumnDef Situation(std::string name) { return Text(std::move(name), 2); }
+inline ColumnDef Situation(std::string name, std::string initial = {}) {
+  return Text(std::move(name), 2, std::move(initial));
+}
 inline ColumnDef LedgerAccount(std::string name) { return Text(std::move(name), 12); }
 inline ColumnDef CostCentre(std::string name) { return Text(std::move(name), 4); }
 inline ColumnDef Document(std::string name) { return Text(std::move(name), 15); }

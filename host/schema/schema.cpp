@@ -99,6 +99,18 @@ void JoinNumbers(Attachment& db) {
   RunDdl(db, ddl);
 }
 
+// What is left out by "<>" isn't null: types of classes, situations of receivables.
+void FillKinds(Attachment& db) {
+  const Sharing sharing(db);
+  std::vector<std::string> ddl;
+  for (const std::string& company : sharing.Companies()) {
+    db.Execute("UPDATE SUBGRUPO" + company + " SET TIPO = '' WHERE TIPO IS NULL");
+    db.Execute("UPDATE RECEBER" + company + " SET SITUACAO = '' WHERE SITUACAO IS NULL");
+    ddl.push_back("ALTER TABLE RECEBER" + company + " ALTER COLUMN SITUACAO SET DEFAULT ''");
+  }
+  RunDdl(db, ddl);
+}
+
 // Brings a database from the version before `version` to it.
 struct Step {
   int version;
@@ -120,6 +132,7 @@ const Step kSteps[] = {
        RunDdl(db, ddl);
      }},
     {4, JoinNumbers},
+    {5, FillKinds},
 };
 
 }  // namespace

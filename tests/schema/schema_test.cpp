@@ -83,6 +83,10 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   db->Execute("SET GENERATOR SQ_CONTACOR_LANCAMENTO_001 TO 70");
   db->Execute("INSERT INTO CHEQUE_PRE_002 (CHAVE) VALUES ('000055')");
   db->Execute("INSERT INTO CONTACOR_002 (LANCAMENTO) VALUES ('999999')");
+  // Kinds that the reports leave out by "<>" could be null.
+  db->ExecuteDdl("ALTER TABLE RECEBER_002 ALTER COLUMN SITUACAO DROP DEFAULT");
+  db->Execute("INSERT INTO RECEBER_002 (NUMERO) VALUES ('ANTIGO')");
+  db->Execute("INSERT INTO SUBGRUPO_002 (CODIGO, TIPO) VALUES ('1', NULL)");
   db->Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = 1");
   db->CommitRetaining();
   const std::string needs = ", e esta mesa precisa da versão " + std::to_string(kSchemaVersion) + ". ";
@@ -96,6 +100,11 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM RDB$GENERATORS WHERE RDB$GENERATOR_NAME CONTAINING 'LANC_CON'")
                 .AsInteger(),
             0);
+  db->Execute("INSERT INTO RECEBER_002 (NUMERO) VALUES ('NOVO')");
+  EXPECT_EQ(RowsText(*db,
+                     "SELECT COUNT(*) FROM RECEBER_002 WHERE SITUACAO <> 'P' UNION ALL SELECT COUNT(*) "
+                     "FROM SUBGRUPO_002 WHERE TIPO <> 'Loja'"),
+            "2;1");
   UpgradeSchema(*db);
   EXPECT_EQ(SchemaVersion(*db), kSchemaVersion);
 
