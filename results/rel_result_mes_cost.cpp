@@ -1,5 +1,6 @@
 // The cost of what was sold, from the documents of the sales: it stands in the classes of the type "CPV".
-#include <set>
+#include <algorithm>
+#include <map>
 #include <unordered_map>
 
 #include "results/rel_result_mes.h"
@@ -27,12 +28,58 @@ constexpr const char* kNotasEntrada =
 // One statement for what a company's counters need, in this order: the classes, the items that were sold,
 // and what the stock's movements say of their cost.
 enum class Parte : uint8_t { Classe, Item, Custo };
-enum Coluna : uint8_t { kEmpresa, kParte, kMes, kVenda, kCodigo, kTam, kCor, kDeposito, kLote, kValor };
+enum Coluna : uint8_t {
+  kEmpresa,
+  kParte,
+  kMes,
+  kVenda,
+  kCodigo,
+  kTam,
+  kCor,
+  kDeposito,
+  kLote,
+  kValor,
+  kFinal,
+  kDia
+};
 
-std::string Selecao(Parte parte, const char* mes, const char* colunas, const char* valor) {
+std::string Selecao(Parte parte, const char* mes, const char* colunas, const char* valor,
+                    const char* movimento = "'' AS FINAL, CAST(NULL AS DATE) AS DIA") {
   return "SELECT '{}' AS EMPRESA, " + std::to_string(static_cast<int>(parte)) + " AS PARTE, " + mes +
-         " AS MES, " + colunas + ", CAST(" + valor + " AS DOUBLE PRECISION) AS VALOR";
+         " AS MES, " + colunas + ", CAST(" + valor + " AS DOUBLE PRECISION) AS VALOR, " + movimento;
 }
+
+// What a sale has of an article, and what each of its documents says of the cost on a day.
+struct Item {
+  int mes = 0;
+  double quantidade = 0;
+  struct Custo {
+    std::string documento;
+    Date dia;
+    double custo;
+  };
+  std::vector<Custo> custos{};
+
+  // Of several movements of a document the dearest counts.
+  void Junta(std::string_view documento, Date dia, double custo) {
+    const auto mesmo = std::find_if(custos.begin(), custos.end(), [&](const Custo& um) {
+      return um.dia == dia && um.documento == documento;
+    });
+    if (mesmo == custos.end()) {
+      custos.push_back({std::string(documento), dia, custo});
+    } else {
+      mesmo->custo = std::max(mesmo->custo, custo);
+    }
+  }
+};
+
+// A company's counters. An article of a sale is one by its text in all columns.
+struct Loja {
+  std::vector<ClasseResultado> classes;
+  std::unordered_map<std::string, Item> itens;
+  std::map<int, double> custo_do_mes;
+  bool so_custos = false;
+};
 
 }  // namespace
 
@@ -75,21 +122,10 @@ void TfmRelResultMes::BuscaCPVLoja(Consulta& consulta, bool devolucao) {
       Selecao(Parte::Custo, "0",
               "SUBSTRING(PA_MOV.NUM_DOCTO FROM 1 FOR CHAR_LENGTH(PA_MOV.NUM_DOCTO) - 2), PA_MOV.CODIGO, "
               "PA_MOV.TAMANHO, PA_MOV.COR, PA_MOV.DEPOSITO, PA_MOV.LOTE",
-              "MAX(PA_MOV.CUSTO)") +
+              "PA_MOV.CUSTO", "RIGHT(PA_MOV.NUM_DOCTO, 2), PA_MOV.DT_MVTO") +
       " FROM {PA_MOV} PA_MOV WHERE PA_MOV.TP_MOV = 'LJ' AND PA_MOV.OPERACAO = " +
-      (devolucao ? "'E'" : "'S'") +
-      " AND CHAR_LENGTH(PA_MOV.NUM_DOCTO) >= 2 GROUP BY PA_MOV.NUM_DOCTO, PA_MOV.CODIGO, PA_MOV.TAMANHO, "
-      "PA_MOV.COR, PA_MOV.DEPOSITO, PA_MOV.LOTE, PA_MOV.DT_MVTO";
+      (devolucao ? "'E'" : "'S'") + " AND CHAR_LENGTH(PA_MOV.NUM_DOCTO) >= 2";
 
-  struct Item {
-    int mes;
-    double quantidade;
-  };
-  struct Loja {
-    std::vector<ClasseResultado> classes;
-    std::unordered_map<std::string, Item> itens;
-    std::map<int, double> custo_do_mes;
-  };
   std::map<std::string, Loja> lojas;
   const auto chave = [](std::span<Value> v) {
     std::string texto;
@@ -100,7 +136,7 @@ void TfmRelResultMes::BuscaCPVLoja(Consulta& consulta, bool devolucao) {
     return texto;
   };
   consulta.andamento.Stage(devolucao ? "Custo das devoluções da loja" : "Custo das vendas da loja");
-  ForEach(ForCompanies(sql, "", CbTodasEmp.Checked(), "ORDER BY 1, 2"), [&](std::span<Value> v) {
+  ForEach(ForCompanies(sql, "", CbTodasEmp.Checked()), [&](std::span<Value> v) {
     Loja& loja = lojas[v[kEmpresa].AsString()];
     consulta.andamento.Advance();
     switch (static_cast<Parte>(v[kParte].AsInteger())) {
@@ -109,22 +145,27 @@ void TfmRelResultMes::BuscaCPVLoja(Consulta& consulta, bool devolucao) {
                                 v[kCor].AsString(), v[kDeposito].AsString()});
         break;
       case Parte::Item: {
+        ORV_ASSERT(!loja.so_custos);
         const int mes = static_cast<int>(v[kMes].AsInteger());
         loja.custo_do_mes[mes];
         if (std::string item = chave(v); !item.empty()) {
-          loja.itens.try_emplace(std::move(item), Item{mes, 0}).first->second.quantidade +=
-              v[kValor].AsFloat();
+          Item& vendido = loja.itens[std::move(item)];
+          vendido.mes = mes;
+          vendido.quantidade += v[kValor].AsFloat();
         }
         break;
       }
       case Parte::Custo:
+        loja.so_custos = true;
         if (const auto item = loja.itens.find(chave(v)); item != loja.itens.end())
-          loja.custo_do_mes[item->second.mes] += item->second.quantidade * v[kValor].AsFloat();
+          item->second.Junta(v[kFinal].Text(), v[kDia].AsDate(), v[kValor].AsFloat());
         break;
     }
   });
   for (auto& [empresa, loja] : lojas) {
     if (loja.classes.empty() && EdtClasse.Empty()) loja.classes.emplace_back();
+    for (const auto& [chave_do_item, item] : loja.itens)
+      for (const auto& custo : item.custos) loja.custo_do_mes[item.mes] += item.quantidade * custo.custo;
     for (const ClasseResultado& classe : loja.classes)
       for (const auto& [mes, custo] : loja.custo_do_mes)
         Junta(consulta, classe, mes, Currency::FromDouble(custo),

@@ -223,5 +223,158 @@ TEST_F(ResultTest, PlainSumsAgree) {
   }
 }
 
+// Structures with branches of any depth, shared places and places that aren't parted by points.
+TEST_F(ResultTest, TitlesOfRandomStructuresAgree) {
+  std::mt19937 random(7);
+  const auto below = [&](unsigned n) { return random() % n; };
+  int full = 0;
+  for (int tree = 0; tree < 5; ++tree) {
+    Empty("SUBGRUPO_001 CONTACOR_001 RECEBER_001 PAGTO_001");
+    for (int block = 100; block < 150; block += 10) {
+      std::string rows;
+      for (int i = block; i < block + 10; ++i) {
+        const std::string code = std::to_string(i);
+        std::string place;
+        for (unsigned deep = below(5) + 1; deep > 0; --deep) place += "12._"[below(4)];
+        const bool title = below(3) == 0;
+        rows += "INSERT INTO SUBGRUPO_001 (CODIGO, OPERACAO, TP_CONTA, CONTA) VALUES ('" + code + "', '" +
+                "+-"[below(2)] + "', '" + (title ? "T" : "A") + "', '" + place + "');";
+        for (unsigned n = title ? 0 : below(4); n > 0; --n)
+          rows += Insert(Movimento{.lancamento = code + std::to_string(n),
+                                   .dt_lan = Date(2026, static_cast<int>(below(12)) + 1, 5),
+                                   .valor = static_cast<int>(below(900)) + 1,
+                                   .operacao = std::string(1, "+-"[below(2)]),
+                                   .grupo = code}) +
+                  ";";
+        if (!title && below(3) == 0)
+          rows += Insert(Pagto{.num_ap = code, .dt_ven = "03/03/2026", .num_os = code, .status = "O"}) + ";";
+      }
+      Run("EXECUTE BLOCK AS BEGIN " + rows + " END");
+    }
+    Desk desk(database_, At{"TfmRelResultMes"});
+    full += TitlesAgree(Gathered(desk, {{"CbOrca", "true"}}));
+  }
+  EXPECT_GT(full, 20);
+}
+
+// What one may fill, what stops a gathering, and what stands at its edges.
+TEST_F(ResultTest, EdgesAndRefusals) {
+  for (const std::string company : {"_001", "_002"})
+    Empty(ReplaceAll("CONTACOR* RECEBER* PAGTO* NOTA* NOTA_ENTRA* VENDA* ITVENDA* PA_MOV*", "*", company));
+  Desk desk(database_, At{"TfmRelResultMes"});
+  for (const char* account : {"10250-1", "20418-7"}) desk.Click("PqConta"), desk.Choose(account);
+  std::string enabled;
+  for (const char* regime : {"0", "4", "1", "2", "3"}) {
+    desk.Set("RgRegime", regime);
+    enabled += desk.EnabledOf({"RgData", "PqConta", "SpeedButton1", "CbLoja", "CbDevol"}) + " " +
+               desk.Text("edtConta") + "\n";
+  }
+  EXPECT_EQ(enabled, "11100 '10250-1','20418-7'\n11111 '10250-1','20418-7'\n00011 \n00011 \n00011 \n");
+
+  const std::string told = "Há lançamentos com classes do tipo Título.\n\rFavor corrigir os lançamentos.\n\r";
+  Put(Receber{.numero = "B", .dt_emissao = "05/05/2026", .classe = "1101"});
+  Put(Receber{.numero = "T", .dt_emissao = "05/05/2026", .classe = "12"});
+  Put(Pagto{.num_ap = "T", .dt_emi = "05/05/2026", .dt_ven = "05/05/2026", .num_os = "31", .status = "O"});
+  Put(Movimento{.lancamento = "T", .grupo = "2"});
+  for (const auto& [regime, place] : {std::pair{"0", "2"}, std::pair{"2", "1.02"}, std::pair{"1", "3.01"}}) {
+    desk.Set({{"RgRegime", regime}, {"CbOrca", "true"}});
+    EXPECT_EQ(desk.Told("BitBtn29"), told + place + "...") << regime;
+    EXPECT_EQ(desk.Rows("TbRelatorio"), "");
+  }
+  Run("DELETE FROM RECEBER_001 WHERE NUMERO = 'T'");
+  Run("DELETE FROM PAGTO_001");
+
+  // Of a sale every document counts, once for its dearest movement, and no other sale's; a cost without a
+  // class stands alone, and one on a title is the title's own.
+  for (const char* sale : {"'7', 0", "'70', 0", "'8', 1"})
+    Run(std::string("INSERT INTO VENDA_001 (CODVEN, DEVOLUCAO, DATA) VALUES (") + sale + ", '05/05/2026')");
+  for (const char* item : {"'7', 'P', 'M'", "'7', 'P', 'M'", "'7', 'P', 'G'", "'8', 'P', 'M'"})
+    Run(std::string(
+            "INSERT INTO ITVENDA_001 (CODVEN, CODIGO, TAM, COR, DEPOSITO, LOTE, QUANTIDADE) VALUES (") +
+        item + ", '', '1', '1', 2)");
+  for (const char* moved : {"'701', 'M', 5, 'S'", "'701', 'M', 4, 'S'", "'702', 'M ', 1, 'S'",
+                            "'7', 'M', 90, 'S'", "'7001', 'M', 90, 'S'", "'801', 'M', 3, 'E'"})
+    Run(std::string(
+            "INSERT INTO PA_MOV_001 (NUM_DOCTO, TAMANHO, CUSTO, OPERACAO, CODIGO, COR, DEPOSITO, LOTE, "
+            "TP_MOV) VALUES (") +
+        moved + ", 'P', '', '1', '1', 'LJ')");
+  desk.Set({{"RgRegime", "3"}, {"CbOrca", "false"}, {"CbLoja", "true"}});
+  const auto cost = [&](const char* classes, const char* code) {
+    Run(std::string("UPDATE SUBGRUPO_001 SET TIPO = ") + classes);
+    std::string costs;
+    for (const char* returns : {"false", "true"})
+      for (const Row& row : Gathered(desk, {{"CbDevol", returns}}))
+        if (row.at("Codigo") == code) costs += row.at("TpConta") + row.at("Mes5") + " ";
+    return costs;
+  };
+  EXPECT_EQ(cost("''", ""), "24 18 ");
+  EXPECT_EQ(cost("'CPV' WHERE CODIGO = '22'", "22"), "T24 T18 ");
+  EXPECT_EQ(cost("'CPV' WHERE CODIGO = '22'", "2"), "T24 T18 ");
+
+  // Behind a month stand its titles; a title, another column and another regime have nothing to show.
+  Put(Receber{.numero = "O", .dt_emissao = "05/06/2026", .classe = "1101", .status = "O"});
+  Put(Pagto{.num_ap = "A", .num_os = "1101"});
+  Run("UPDATE PAGTO_001 SET DT_ATUAL = '05/31/2026'");
+  Gathered(desk, {{"CbOrca", "true"}, {"EdtDataDe", "01/05/2026"}, {"edtDataAte", "31/05/2026"}});
+  const auto detail = [&](int row, const char* column) {
+    desk.Stand("DBGrid1", row);
+    desk.DoubleClick("DBGrid1", row, column);
+    std::string lines;
+    for (const Json& out : desk.Latest()) {
+      if (!(out["on"] == Json("detail"))) continue;
+      lines = "|";
+      for (const Json& line : out["rows"].Items())
+        lines += line.Items()[0].String() + " " + line.Items()[1].String() + "|";
+    }
+    if (!lines.empty()) desk.Answer("ok");
+    return lines;
+  };
+  EXPECT_EQ(detail(2, "Mes5"), "|PAG. NORMAL A|REC. NORMAL B|REC. ORÇAMENTO O|");
+  EXPECT_EQ(detail(0, "Mes5"), "|");
+  EXPECT_EQ(detail(2, "Valor"), "");
+  desk.Set("RgRegime", "2");
+  EXPECT_EQ(detail(2, "Mes5") + (desk.Enabled("Detalhamento1") ? "on" : "off"), "off");
+
+  std::string months;
+  for (const auto& [from, to] :
+       {std::pair{"01/01/2026", "31/01/2026"}, std::pair{"15/01/2026", "14/02/2026"},
+        std::pair{"15/01/2026", "15/02/2026"}, std::pair{"01/11/2025", "31/10/2026"}}) {
+    months += Gathered(desk, {{"EdtDataDe", from}, {"edtDataAte", to}}).front().at("Meses") + " ";
+    months += ReplaceAll(desk.Read("TbGrafico", {"Mes"}), "\n", " ") + "\n";
+  }
+  EXPECT_EQ(months, "1 Jan \n1 Jan Fev \n2 Jan Fev \n12 Nov Dez Jan Fev Mar Abr Mai Jun Jul Ago Set Out \n");
+}
+
+// Figures of three months over the turn of a year, with their budget, and how far they are from each other.
+TEST_F(ResultTest, Printed) {
+  Empty("CONTACOR_001 RECEBER_001 PAGTO_001");
+  const char* const rows[][3] = {{"11/02/2025", "+1000.5", "1202"}, {"11/05/2025", "+1500.25", "1101"},
+                                 {"12/05/2025", "+3000.5", "1101"}, {"01/05/2026", "+750.25", "1102"},
+                                 {"11/30/2025", "-400", "3104"},    {"01/10/2026", "-600.75", "3104"},
+                                 {"01/11/2026", "+100.25", "3104"}};
+  for (const auto& r : rows)
+    Put(Movimento{.dt_lan = r[0], .valor = r[1] + 1, .operacao = std::string(r[1], 1), .grupo = r[2]});
+  Put(Receber{.numero = "1", .dt_vencto = "12/10/2025", .valor2 = 2500, .classe = "1101", .status = "O"});
+  Put(Pagto{.num_ap = "1", .dt_ven = "01/10/2026", .valor = 900, .status = "O"});
+  Desk desk(database_, At{"TfmRelResultMes"});
+  Gathered(desk, {{"EdtDataDe", "01/11/2025"}, {"edtDataAte", "31/01/2026"}});
+  std::string printed = test::Printed(desk, "BitBtn33");
+  std::string far;
+  for (const Row& row : Gathered(desk, {{"CbOrca", "true"}})) {
+    if (row.at("Var12") == "-" && row.at("VarOrc1") == "-") continue;
+    far += row.at("Codigo") + row.at("Operacao");
+    for (const char* field : {"Var11", "Var12", "Var1", "VarOrc12", "VarOrc1"}) far += " " + row.at(field);
+    far += "\n";
+  }
+  EXPECT_EQ(far,
+            "1+ - 19.98 -75 20.02 -\n11+ - 100 -75 20.02 -\n1101+ - 100 -100 20.02 -\n12+ - -100 - - -\n"
+            "1202+ - -100 - - -\n3- - -100 - - -44.39\n31- - -100 - - -44.39\n3104- - -100 - - -33.25\n");
+  printed += "##### Com o orçamento\n" + test::Printed(desk, "BitBtn33");
+  Gathered(desk, {{"EdtClasse", "9"}});
+  printed += "##### Nada\n" + test::Printed(desk, "BitBtn33");
+  EXPECT_EQ(printed.find("#ERRO"), std::string::npos);
+  ExpectFile(printed, ORV_FILES "WResultMes.txt");
+}
+
 }  // namespace
 }  // namespace orv::test
