@@ -87,3 +87,25 @@ test("the cash-flow statement is gathered, ordered, followed to its source and p
   await keys(page, "Alt+r");
   await readReport("Relatório de Estatística de Caixa", "WCCEstatistica");
 });
+
+test("the monthly result is gathered by accrual, followed to its titles and printed with its budget", async () => {
+  page = await begin();
+  await openScreen(page, "resultado", "Relatório de Resultado Mensal");
+  await keys(page, "ArrowRight", "ArrowRight", "ArrowRight", "Tab", " ", "Alt+c");
+  await gathered("Resultado por classe");
+  await picture(page, "result");
+  assert.deepEqual(await findings(page), []);
+  // The class of knitted goods, in its first month; a title has nothing of its own.
+  const result = grid(page, "Resultado por classe");
+  const place = (await rows(page, "Resultado por classe")).findIndex((row) => row.startsWith("1.01.01|"));
+  const titles = page.getByRole("dialog", { name: "Detalhamento" });
+  for (const [at, seen] of [[place, "REC. NORMAL"], [0, "Nenhum registro"]]) {
+    await result.locator(".grid-row").nth(at).locator("> *").nth(5).click();
+    await keys(page, "Enter");
+    await titles.getByText(seen).first().waitFor();
+    await keys(page, "Escape");
+    await titles.waitFor({ state: "detached" });
+  }
+  await keys(page, "Alt+i");
+  await readReport("Relatorio de Resultado Mensal - Conta Corrente", "WResultOrcaMes");
+});
