@@ -41,7 +41,7 @@ TfmRelResultMes::TfmRelResultMes(Application& application)
   Lookups({{&EdtClasse, &PqClasse, {{"DESCRICAO", &EdtDescClasse}}, "", true, nullptr}});
   ListField(edtConta, PqConta, "CONTA", Choice::Adds, SpeedButton1);
   RgRegime.OnChange = [this] { RgRegimeClick(); };
-  CbVar.OnChange = [this] { CbVarClick(); };
+  CbOrca.OnChange = CbVar.OnChange = [this] { MostraColunas(); };
   BitBtn29.OnClick = [this] { BitBtn29Click(); };
   BitBtn33.OnClick = [this] { BitBtn33Click(); };
   BitBtn5.OnClick = [this] { Close(); };
@@ -53,7 +53,7 @@ TfmRelResultMes::TfmRelResultMes(Application& application)
     if (Detalhamento1.Enabled()) BuscaDetalhamento();
   };
   Answers["Filtros"] = {0, [this](auto) { return Value(Filtros()); }};
-  CbVarClick();
+  MostraColunas();
   RgRegimeClick();
 }
 
@@ -72,10 +72,12 @@ void TfmRelResultMes::RgRegimeClick() {
   PopupMenu1Popup();
 }
 
-void TfmRelResultMes::CbVarClick() {
+void TfmRelResultMes::MostraColunas() {
   for (const ReportField& campo : kRelatorio) {
-    if (std::string_view(campo.name).starts_with("Var"))
-      DBGrid1.SetColumnVisible(campo.name, CbVar.Checked());
+    const std::string_view nome = campo.name;
+    const bool variacao = nome.starts_with("Var"), orcado = nome.find("Orc") != std::string_view::npos;
+    if (variacao || orcado)
+      DBGrid1.SetColumnVisible(nome, (!variacao || CbVar.Checked()) && (!orcado || CbOrca.Checked()));
   }
 }
 

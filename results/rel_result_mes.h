@@ -167,7 +167,8 @@ class ORV_EXPORT TfmRelResultMes : public ReportScreen {
   Regime RegimeEscolhido() const { return static_cast<Regime>(std::max(RgRegime.ItemIndex(), 0)); }
 
   void RgRegimeClick();
-  void CbVarClick();
+  // The budget and the variations stand in the grid as they are asked for.
+  void MostraColunas();
   void BitBtn29Click();
   void BitBtn33Click();
   void PopupMenu1Popup();
