@@ -69,19 +69,18 @@ std::optional<Currency> LinhaResultado::Total(Quadro quadro) const {
   return total;
 }
 
-LinhaResultado& Resultado::Linha(const ClasseResultado& classe) {
-  auto [onde, nova] = por_codigo_.try_emplace(classe.codigo + '\n' + classe.operacao);
-  if (nova) onde->second = &linhas_.emplace_back(LinhaResultado{classe, {}});
-  return *onde->second;
-}
-
 void Resultado::Junta(const ClasseResultado& classe, Quadro quadro, int mes, Currency valor) {
+  auto [linha, nova] = por_codigo_.try_emplace(classe.codigo + '\n' + classe.operacao);
+  if (nova) linha->second = &linhas_.emplace_back(LinhaResultado{classe, {}});
   auto& figura =
-      Linha(classe).quadros[static_cast<std::size_t>(quadro)].at(static_cast<std::size_t>(mes - 1));
+      linha->second->quadros[static_cast<std::size_t>(quadro)].at(static_cast<std::size_t>(mes - 1));
   figura = figura.value_or(Currency()) + valor;
 }
 
-void Resultado::InsereTitulo(const ClasseResultado& titulo) { Linha(titulo); }
+void Resultado::InsereTitulo(const ClasseResultado& titulo) {
+  const auto achada = por_codigo_.find(titulo.codigo + '\n' + titulo.operacao);
+  if (achada == por_codigo_.end() || !achada->second->Titulo()) linhas_.push_back({titulo, {}});
+}
 
 // Rows beneath a place follow it without a gap, so that one walk along the way from the root is enough. Rows
 // that share a place aren't beneath one another.

@@ -37,7 +37,7 @@ class Resultado {
  public:
   // Adds to a month, 1 to 12, of the class and side, which gets its row with its first figure.
   void Junta(const ClasseResultado& classe, Quadro quadro, int mes, Currency valor);
-  // A title, unless figures stand under its code and side already.
+  // A title, after all figures. One that has figures of its own stands there already.
   void InsereTitulo(const ClasseResultado& titulo);
   // Each title gets the net of what stands beneath it: what is of its own side less what isn't. One without
   // anything beneath it stays empty.
@@ -46,8 +46,6 @@ class Resultado {
   const std::deque<LinhaResultado>& Linhas() const { return linhas_; }
 
  private:
-  LinhaResultado& Linha(const ClasseResultado& classe);
-
   std::deque<LinhaResultado> linhas_;
   std::unordered_map<std::string, LinhaResultado*> por_codigo_;
 };
