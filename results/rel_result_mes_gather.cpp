@@ -112,8 +112,7 @@ void TfmRelResultMes::BuscaDados(Consulta& consulta) {
   // Most movements are settled ones: they aren't looked for.
   const std::string sql =
       "SELECT F.GRUPO, SUBGRUPO.DESCRICAO, SUBGRUPO.CONTA, F.OPERACAO, F.VALOR, F.MES, SUBGRUPO.TP_CONTA "
-      "FROM "
-      "(SELECT CONTACOR.GRUPO, CONTACOR.OPERACAO, CONTACOR.CONTA, EXTRACT(MONTH FROM " +
+      "FROM (SELECT CONTACOR.GRUPO, CONTACOR.OPERACAO, CONTACOR.CONTA, EXTRACT(MONTH FROM " +
       dia + ") AS MES, " + Soma("CONTACOR.VALOR") +
       " AS VALOR FROM {CONTACOR} CONTACOR WHERE CONTACOR.PENDENTE || '' = 'N'" +
       WhereBetween(dia, consulta.periodo.de, consulta.periodo.ate) + WhereIn("CONTACOR.CONTA", edtConta) +
