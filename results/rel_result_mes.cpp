@@ -92,7 +92,7 @@ void TfmRelResultMes::BitBtn33Click() {
 
 int TfmRelResultMes::MesEscolhido() const {
   const std::string& campo = DBGrid1.SelectedField();
-  for (int mes = 1; mes <= kMesesDoAno; ++mes)
+  for (int mes = 1; mes <= kMeses; ++mes)
     if (campo == "Mes" + std::to_string(mes)) return mes;
   return 0;
 }

@@ -132,7 +132,7 @@ class ORV_EXPORT TfmRelResultMes : public ReportScreen {
                 {{"Recebimentos", "Recebimentos", false},
                  {"Pagamentos", "Pagamentos", false},
                  {"Resultado", "Resultado Líquido", true}},
-                kMesesDoAno};
+                kMeses};
   TOrvDBGrid DBGrid2;
   Button BitBtn33{*this, "BitBtn33", "&Imprimir"};
   PopupMenu PopupMenu1{*this, "PopupMenu1"};

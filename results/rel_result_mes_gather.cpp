@@ -224,7 +224,7 @@ void TfmRelResultMes::Preenche(const Consulta& consulta, Currency saldo) {
     linha["Saldo"] = saldo.ToDouble();
     linha["Meses"] = int64_t{quantos};
     const auto &feito = classe.Do(Quadro::Realizado), &orcado = classe.Do(Quadro::Orcado);
-    for (std::size_t i = 0; i < kMesesDoAno; ++i) {
+    for (std::size_t i = 0; i < kMeses; ++i) {
       linha[kMes[i]] = numero(feito[i]);
       linha[kOrc[i]] = numero(orcado[i]);
       linha[kVarOrc[i]] = Variacao(feito[i], orcado[i]);

@@ -8,7 +8,7 @@
 namespace orv {
 namespace {
 
-constexpr std::size_t kFiguras = 2 * kMesesDoAno;
+constexpr std::size_t kFiguras = 2 * kMeses;
 using Figuras = std::array<Currency, kFiguras>;
 
 // What stands at a place or beneath it, by sides: what is neither a credit nor a debit is against both.
@@ -20,7 +20,7 @@ struct Lados {
     alguma = true;
     Figuras& lado = linha.operacao == "+" ? mais : linha.operacao == "-" ? menos : outras;
     for (std::size_t i = 0; i < kFiguras; ++i)
-      lado[i] += linha.quadros[i / kMesesDoAno][i % kMesesDoAno].value_or(Currency());
+      lado[i] += linha.quadros[i / kMeses][i % kMeses].value_or(Currency());
   }
   void Junta(const Lados& que) {
     alguma = alguma || que.alguma;
@@ -48,7 +48,7 @@ void Fecha(std::vector<Lugar>& caminho) {
   for (LinhaResultado* titulo : lugar.titulos) {
     if (!lugar.abaixo.alguma) continue;
     for (std::size_t i = 0; i < kFiguras; ++i) {
-      auto& figura = titulo->quadros[i / kMesesDoAno][i % kMesesDoAno];
+      auto& figura = titulo->quadros[i / kMeses][i % kMeses];
       figura = figura.value_or(Currency()) + lugar.abaixo.De(titulo->operacao, i);
     }
   }

@@ -25,7 +25,7 @@ enum class Quadro : uint8_t { Realizado, Orcado };
 
 // A class's figures by months, 0 for January. A month without one is empty.
 struct LinhaResultado : ClasseResultado {
-  using Meses = std::array<std::optional<Currency>, kMesesDoAno>;
+  using Meses = std::array<std::optional<Currency>, kMeses>;
   std::array<Meses, 2> quadros;
 
   const Meses& Do(Quadro quadro) const { return quadros[static_cast<std::size_t>(quadro)]; }

@@ -18,7 +18,6 @@ struct Periodo {
 };
 
 constexpr int kMeses = 12;
-constexpr int kMesesDoAno = kMeses;
 
 // The days of a year as typed ("2026"); none where the text isn't a year.
 Periodo DiasDoAno(std::string_view ano);
