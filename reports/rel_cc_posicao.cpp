@@ -22,15 +22,16 @@ TFmRelCCPosicao::TFmRelCCPosicao(Application& application)
                    "Relatório de Posição do Conta Corrente"),
       Grafico(*this, "Grafico", "Posição ao fim de cada dia", TbPosicao, "Periodo",
               {{"Receber", "A Receber", true}, {"Pagar", "A Pagar", true}}, kPontosNaTela),
-      DBGrid3(*this, "DBGrid3", TbPosicao, GridColumns(kPosicao), true, "Posição"),
+      DBGrid3(*this, "DBGrid3", TbPosicao, GridColumns(kPosicao), true, "Posição e o que a moveu"),
       DBGrid1(*this, "DBGrid1", TbReceber, GridColumns(kReceber), true, "A Receber"),
       DBGrid2(*this, "DBGrid2", TbPagar, GridColumns(kPagar), true, "A Pagar") {
   Layout(R"(
     @bar {
       GbPeriodo { EdtDataIni EdtDataFim } EdtCodCli PqCliente EdtNomeCli CbReceber CbPagar
       @more {
-        GbFiltros { EdtCodClasse PqClasse EdtDescClasse CbEmpresa } /
-        GbSituacao { CbSituacao EdtSituacao PqSituacao SpeedButton2 }
+        GbFiltros {
+          EdtCodClasse PqClasse EdtDescClasse CbSituacao EdtSituacao PqSituacao SpeedButton2 CbEmpresa
+        }
       }
       @primary BtnExecutaSQL
     } /

@@ -30,12 +30,11 @@ class ORV_EXPORT TFmRelCCPosicao : public ReportScreen {
   Edit EdtCodClasse{*this, "EdtCodClasse", "Classe", 6};
   TPesquisa PqClasse{*this, "PqClasse", Classes()};
   ReadOnlyEdit EdtDescClasse{*this, "EdtDescClasse"};
-  CheckBox CbEmpresa{*this, "CbEmpresa", "Todas Empresas"};
-  GroupBox GbSituacao{*this, "GbSituacao", "Situação"};
-  ComboBox CbSituacao{*this, "CbSituacao", "", {"Considerar", "Desconsiderar"}, 0};
+  ComboBox CbSituacao{*this, "CbSituacao", "Estas situações", {"Considerar", "Desconsiderar"}, 0};
   Edit EdtSituacao{*this, "EdtSituacao", "Situação"};
   TPesquisa PqSituacao{*this, "PqSituacao", Situacoes()};
   SmallButton SpeedButton2{*this, "SpeedButton2", "Limpar"};
+  CheckBox CbEmpresa{*this, "CbEmpresa", "Todas Empresas"};
   Button BtnExecutaSQL{*this, "BtnExecutaSQL", "Confirmar"};
 
   // The days of each side's titles. The sets and their fields are what the report reads by name; only
@@ -75,15 +74,15 @@ class ORV_EXPORT TFmRelCCPosicao : public ReportScreen {
   // The position at the end of each day, or month of a long period, that moved it: what was issued, and what
   // was settled without interest.
   static constexpr auto kPosicao = std::to_array<ReportField>({
-      {"Periodo", FieldType::String, 10, {"Fim de", 10}},
+      {"Periodo", FieldType::String, 8, {"Fim de", 8, 1}},
       {"De", FieldType::Date},
       {"Ate", FieldType::Date},
-      {"Emi_Receber", FieldType::Currency, 0, {"Emitido a Receber", 14}},
-      {"Bai_Receber", FieldType::Currency, 0, {"Baixado a Receber", 14}},
-      {"Receber", FieldType::Currency, 0, {"A Receber", 14}},
-      {"Emi_Pagar", FieldType::Currency, 0, {"Emitido a Pagar", 14}},
-      {"Bai_Pagar", FieldType::Currency, 0, {"Baixado a Pagar", 14}},
-      {"Pagar", FieldType::Currency, 0, {"A Pagar", 14}},
+      {"Emi_Receber", FieldType::Currency, 0, {"Emitido a Receber", 14, 4}},
+      {"Bai_Receber", FieldType::Currency, 0, {"Baixado a Receber", 14, 5}},
+      {"Receber", FieldType::Currency, 0, {"A Receber", 14, 2}},
+      {"Emi_Pagar", FieldType::Currency, 0, {"Emitido a Pagar", 14, 6}},
+      {"Bai_Pagar", FieldType::Currency, 0, {"Baixado a Pagar", 14, 7}},
+      {"Pagar", FieldType::Currency, 0, {"A Pagar", 14, 3}},
   });
   TClientDataSet TbPosicao{"TbPosicao"};
 

@@ -90,6 +90,14 @@ std::string Chave(const Value& numero, const Value& dia) {
   return numero.AsString() + "|" + std::to_string(dia.AsDate().Days());
 }
 
+Value SemZero(Currency valor) { return valor == Currency() ? Value() : Value(valor); }
+
+// "05/11/26", or "11/2026" for the month.
+std::string Rotulo(Date dia, bool mes) {
+  const std::string inteiro = dia.Brazil();
+  return mes ? inteiro.substr(3) : inteiro.substr(0, 6) + inteiro.substr(8);
+}
+
 }  // namespace
 
 void TFmRelCCPosicao::Monta(Gathering& gathering) {
@@ -260,11 +268,11 @@ void TFmRelCCPosicao::MontaPosicao() {
   Currency receber = receber_.inicial, pagar = pagar_.inicial;
   const auto anexa = [&](const std::string& periodo, const Movimento& r, const Movimento& p) {
     linha["Periodo"] = periodo;
-    linha["Emi_Receber"] = r.emitido;
-    linha["Bai_Receber"] = r.baixado;
+    linha["Emi_Receber"] = SemZero(r.emitido);
+    linha["Bai_Receber"] = SemZero(r.baixado);
     linha["Receber"] = receber += r.emitido - r.baixado;
-    linha["Emi_Pagar"] = p.emitido;
-    linha["Bai_Pagar"] = p.baixado;
+    linha["Emi_Pagar"] = SemZero(p.emitido);
+    linha["Bai_Pagar"] = SemZero(p.baixado);
     linha["Pagar"] = pagar += p.emitido - p.baixado;
     TbPosicao.AppendRow(linha.Values());
   };
@@ -272,7 +280,7 @@ void TFmRelCCPosicao::MontaPosicao() {
   for (const auto& [dia, movimentos] : pontos) {
     linha["De"] = dia;
     linha["Ate"] = por_mes ? dia.LastOfMonth() : dia;
-    anexa(por_mes ? dia.Brazil().substr(3) : dia.Brazil(), movimentos.first, movimentos.second);
+    anexa(Rotulo(dia, por_mes), movimentos.first, movimentos.second);
   }
 }
 

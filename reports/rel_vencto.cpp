@@ -12,7 +12,7 @@ thread_local TfmRelVencto* fmRelVencto = nullptr;
 namespace {
 
 const Unit kUnit("Relvencto",
-                 {"TfmRelVencto", "Relatório de Lançamentos", ScreenKind::Child, "Contas Correntes",
+                 {"TfmRelVencto", "Relatório de Lançamentos", ScreenKind::Child, "Vencimentos e pendências",
                   [](Application& a) { return std::make_unique<TfmRelVencto>(a); }});
 
 // The row that only holds the opening balance, and the kinds of titles.

@@ -22,10 +22,10 @@ class ORV_EXPORT TfmRelVencto : public ReportScreen {
   GroupBox GbPeriodo{*this, "GbPeriodo", "Período"};
   DateEdit EdtDataDe{*this, "EdtDataDe", "De"};
   DateEdit edtDataAte{*this, "edtDataAte", "Até"};
+  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização", "Vencimento"}, 0};
   Edit EdtConta{*this, "EdtConta", "Conta"};
   TPesquisa PqConta{*this, "PqConta", Contas()};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Limpar"};
-  RadioGroup RgData{*this, "RgData", "Considerar Data", {"Lançamento", "Contabilização", "Vencimento"}, 0};
   GroupBox GbFiltros{*this, "GbFiltros", "Movimentos"};
   Edit EdtClasse{*this, "EdtClasse", "Classe"};
   TPesquisa PqClasses{*this, "PqClasses", Classes()};
