@@ -77,18 +77,11 @@ TEST_F(VenctoTest, SectionsBalancesAndTitles) {
   EXPECT_EQ(titles(0), "");
   EXPECT_EQ(titles(1), paid + "1\n" + more + "1\n" + paid + "6\n" + more + "6\n");
   EXPECT_EQ(titles(3), "R|T1|T1|9.0000|10.0000|CLIENTE DA SERRA|3\n");
-  const auto detail = [&](const char* column) {
-    desk.DoubleClick("DBGrid1", 1, column);
-    std::string text = desk.Messages();
-    for (const Json& out : desk.Latest()) {
-      if (out["on"] == Json("detail"))
-        text += out["title"].String() + " " + std::to_string(out["rows"].Items().size());
-    }
-    desk.Answer("ok");
-    return text;
-  };
-  EXPECT_EQ(detail("Valor"), "Lançamento H 4");
-  EXPECT_EQ(detail("SaldoIni"), "Saldo anterior a 01/11/2026 1");
+  EXPECT_EQ(Detail(desk, "DBGrid1", 1, "Valor"), "Lançamento H 4");
+  EXPECT_EQ(Detail(desk, "DBGrid1", 1, "SaldoIni"), "Saldo anterior a 01/11/2026 1");
+  std::string printed = Printed(desk, "BitBtn33");
+  Gathered(desk, {{"RgData", "2"}, {"EdtHistHistorico", "008"}, {"CbPendCont", "false"}}, {});
+  ExpectFile(printed + Printed(desk, "BitBtn33"), ORV_FILES "WCCVencto.txt");
 
   // A choice takes the place of the earlier one.
   for (const char* key : {kConta, kOutraConta}) {
@@ -100,19 +93,6 @@ TEST_F(VenctoTest, SectionsBalancesAndTitles) {
   EXPECT_EQ(desk.Text("EdtConta"), "");
   Period(desk, "01/11/2026", "31/02/2026");
   EXPECT_EQ(desk.Press("BitBtn29"), "Data inválida.");
-}
-
-TEST_F(VenctoTest, Printed) {
-  Movements();
-  Desk desk(database_);
-  Open(desk, {{"CbPendCont", "true"}, {"CbFinanceiro", "true"}});
-  desk.Click("BitBtn29");
-  std::string printed = test::Printed(desk, "BitBtn33");
-  Fill(desk,
-       {{"RgData", "2"}, {"EdtHistHistorico", "008"}, {"CbFinanceiro", "false"}, {"CbPendCont", "false"}});
-  desk.Click("BitBtn29");
-  printed += test::Printed(desk, "BitBtn33");
-  ExpectFile(printed, ORV_FILES "WCCVencto.txt");
 }
 
 TEST_F(VenctoTest, PlainSumsAgree) {
