@@ -43,7 +43,7 @@ TfmRelVencto::TfmRelVencto(Application& application)
       }
       @primary BitBtn29
     } /
-    DBGrid1 / @compact DBGrid2 /
+    DBGrid1 / @low DBGrid2 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
   DBGrid2.SetDropZeros(true);

@@ -66,8 +66,7 @@ TEST_F(VenctoTest, SectionsBalancesAndTitles) {
     EXPECT_EQ(Gathered(desk, c.fields, {"Situacao", "Lancamento", "Saldo", "SaldoIni"}), c.rows);
 
   // Each row brings the titles of its number, and the lower grid has those of the row in focus.
-  Gathered(desk, {{"RgData", "0"}, {"CbFinanceiro", "true"}, {"CbPendCont", "true"}, {"CbPredata", "false"}},
-           {});
+  Gathered(desk, {{"RgData", "0"}, {"CbFinanceiro", "true"}, {"CbPendCont", "true"}, {"CbPend", "true"}}, {});
   const auto titles = [&](int row) {
     desk.Stand("DBGrid1", row);
     return desk.Read("TbFinan", {"Tipo", "Numero", "Dupli", "Valor", "Val_Pag", "Nome", "Linha"});
@@ -75,7 +74,7 @@ TEST_F(VenctoTest, SectionsBalancesAndTitles) {
   const std::string paid = "P|000077|NF 77/1|20.0000|3.0000|FIOS DO VALE|";
   const std::string more = "P|000077|NF 77/1|20.0000|4.0000|FIOS DO VALE|";
   EXPECT_EQ(titles(0), "");
-  EXPECT_EQ(titles(1), paid + "1\n" + more + "1\n" + paid + "6\n" + more + "6\n");
+  EXPECT_EQ(titles(1), paid + "1\n" + more + "1\n" + paid + "9\n" + more + "9\n");
   EXPECT_EQ(titles(3), "R|T1|T1|9.0000|10.0000|CLIENTE DA SERRA|3\n");
   EXPECT_EQ(Detail(desk, "DBGrid1", 1, "Valor"), "Lançamento H 4");
   EXPECT_EQ(Detail(desk, "DBGrid1", 1, "SaldoIni"), "Saldo anterior a 01/11/2026 1");

@@ -135,7 +135,7 @@ export class ChartView extends ControlView {
       if (at % every !== 0) return;
       const shown = label.length > 14 ? `${label.slice(0, 13)}…` : label;
       // The last one stays within the drawing.
-      const middle = Math.min(x(at), kWidth - shown.length * 3.2);
+      const middle = Math.min(x(at), kWidth - shown.length * 3.6);
       const text = svg("text", { class: "chart-text", x: middle, y: kHeight - kBottom + 18, "text-anchor": "middle" });
       text.textContent = shown;
       parts.push(text);
