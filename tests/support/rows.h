@@ -138,9 +138,9 @@ struct Extrato {
 struct Pagto {
   Cell num_ap = Else("000001"), codcre = Else("00003"), docto{}, dupli{}, dt_emi{}, dt_ven{},
        num_os = Else("3104"), valor = Else("100"), val_pag{}, val_dev{}, status{}, situacao = Else("0"),
-       historico{}, lote = Else(""), dt_digita{}, desconto{};
+       historico{}, lote = Else(""), dt_digita{};
   ORV_ROW("PAGTO{}", num_ap, codcre, docto, dupli, dt_emi, dt_ven, num_os, valor, val_pag, val_dev, status,
-          situacao, historico, lote, dt_digita, desconto)
+          situacao, historico, lote, dt_digita)
 };
 
 struct Pagto1 {
@@ -152,10 +152,10 @@ struct Pagto1 {
 struct Receber {
   Cell numero = Else("T1"), codcli = Else("00002"), dt_emissao{}, dt_vencto{}, valor2 = Else("100"),
        valor_pago{}, val_dev{}, classe{}, banco{}, bordero{}, status{}, situacao = Else("0"), numero_ch{},
-       conta_ch{}, agencia_ch{}, banco_ch{}, fatura{}, obs{}, codrep{}, emissor_ch{}, juros{};
+       conta_ch{}, agencia_ch{}, banco_ch{}, fatura{}, obs{}, codrep{}, emissor_ch{};
   ORV_ROW("RECEBER{}", numero, codcli, dt_emissao, dt_vencto, valor2, valor_pago, val_dev, classe, banco,
           bordero, status, situacao, numero_ch, conta_ch, agencia_ch, banco_ch, fatura, obs, codrep,
-          emissor_ch, juros)
+          emissor_ch)
 };
 
 struct Receberb {
