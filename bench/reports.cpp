@@ -1,6 +1,8 @@
 // The account statement: a hundred thousand movements of one account with their people and the titles that
 // they settled, beside the bare fetch of the same rows joined in one statement; memory; and how it grows.
 // The reports of sums, each beside the bare statements of what it needs.
+// Then the movements by what became of them, and the positions of titles, beside bare fetches of what they
+// read.
 #include <cstdlib>
 #include <iostream>
 
@@ -182,12 +184,146 @@ void ReportsOfSums(const std::filesystem::path& house) {
        "WHERE P.STATUS = 'N' AND B.DT_LAN BETWEEN '01/01/2026' AND '12/31/2026'"});
 }
 
+// --- By what became of them.
+
+const std::string kMovement =
+    "SELECT M.BANCO, M.CONTA, B.NOME_BANCO, M.VALOR, M.DT_LAN, M.DT_VENCTO, M.DOCTO, M.LANCAMENTO, "
+    "M.OBSERVACAO, G.DESCRICAO, M.OPERACAO, H.DESCRICAO, M.DT_CONT, A.EMPRESA, A.AGENCIA FROM CONTACOR_001 "
+    "M "
+    "LEFT JOIN CADCONTA_001 A ON A.CONTA = M.CONTA LEFT JOIN SUBGRUPO_001 G ON G.CODIGO = M.GRUPO LEFT "
+    "JOIN "
+    "CADBAN_001 B ON B.BANCO = M.BANCO LEFT JOIN HISTCP_001 H ON H.HISTORICO = M.HISTORICO WHERE ";
+const std::string kPaid =
+    "SELECT B.LANCAMENTO, E.NOME, E.CONTAC, E.CONTAD, B.VAL_PAG, B.VAL_DEV, B.JURO, B.DESCONTO, "
+    "H.DESCRICAO, "
+    "T.NUM_AP, T.DUPLI, T.CODCRE, T.HISTORICO, T.OBS, T.DT_VEN, T.DT_EMI, T.VALOR, B.OBS, T.NUM_OS, "
+    "G.DESCRICAO FROM CONTACOR_001 M JOIN PAGTO1_001 B ON B.LANCAMENTO = M.LANCAMENTO JOIN PAGTO_001 T ON "
+    "T.NUM_AP = B.NUM_AP LEFT JOIN ENTIDADE_001 E ON E.CODCLI = T.CODCRE LEFT JOIN HISTCP_001 H ON "
+    "H.HISTORICO = T.HISTORICO LEFT JOIN SUBGRUPO_001 G ON G.CODIGO = T.NUM_OS WHERE ";
+const std::string kReceived =
+    "SELECT B.LANCAMENTO, E.NOME, E.CONTAC, E.CONTAD, B.VALOR_PAGO, B.VAL_DEV, B.JUROS, B.DESCONTO + "
+    "B.DESCONTO2 + B.DESCONTO3, H.DESCRICAO, T.NUMERO, T.CODCLI, T.HISTORICO, T.OBS, T.DT_VENCTO, "
+    "T.DT_EMISSAO, T.VALOR2, B.OBS, T.CLASSE, G.DESCRICAO FROM CONTACOR_001 M JOIN RECEBERB_001 B ON "
+    "B.LANCAMENTO = M.LANCAMENTO JOIN RECEBER_001 T ON T.NUMERO = B.NUMERO LEFT JOIN ENTIDADE_001 E ON "
+    "E.CODCLI = T.CODCLI LEFT JOIN HISTCP_001 H ON H.HISTORICO = T.HISTORICO LEFT JOIN SUBGRUPO_001 G ON "
+    "G.CODIGO = T.CLASSE WHERE ";
+
+// The bare fetch beside a gathering of the same, and what each row takes beside the gathering before.
+void Beside(const std::string& what, StatementScreen& screen, Attachment& db, const char* button,
+            const std::vector<std::string>& statements, const std::vector<const char*>& sets, double& each) {
+  Best bare, gathering;
+  for (int i = 0; i < kRuns; ++i) {
+    Nothing nothing;
+    bare.Take(Measure([&] {
+      for (const std::string& sql : statements) db.Fetch(sql, nothing);
+    }));
+    db.CommitRetaining();
+    gathering.Take(Measure([&] { screen.Do({{"do", "click"}, {"control", button}}); }));
+  }
+  double rows = 0;
+  for (const char* set : sets) rows += static_cast<double>(screen.Count(set));
+  Print("bare fetch for " + what, bare.Cpu(), "s", Number(rows) + " rows");
+  Print(what + " (1.5 x bare)", gathering.Cpu(), Bound::AtMost, 1.5 * bare.Cpu(), "s",
+        Number(gathering.Wall()) + " s by the clock");
+  const double now = gathering.Cpu() / rows * 1e6;
+  if (each == 0) {
+    Print(what + ", each row", now, "us/row");
+  } else {
+    Print(what + ", each row (1.3 x above)", now, Bound::AtMost, 1.3 * each, "us/row");
+  }
+  each = now;
+}
+
+void Sections(const std::filesystem::path& house) {
+  const auto db = Attachment::Open(house.string());
+  const Date last = Date::ParseNeutral(kToday);
+  StatementScreen screen(house, "TfmRelVencto");
+  screen.Set("CbPendCont", "true");
+  screen.Set("CbFinanceiro", "true");
+  double each = 0;
+  for (const int64_t wanted : {kWanted, 3 * kWanted}) {
+    const Date from =
+        db->Scalar("SELECT FIRST 1 SKIP " + std::to_string(wanted) +
+                   " DT_LAN FROM CONTACOR_001 WHERE DT_LAN <= '" + last.Sql() + "' ORDER BY DT_LAN DESC")
+            .AsDate();
+    screen.Period(from, last);
+    const std::string until = "'" + last.Sql() + "'";
+    const std::string sections[] = {"M.PENDENTE = 'N' AND M.DT_LAN BETWEEN '" + from.Sql() + "' AND " + until,
+                                    "M.PENDENTE = 'S' AND M.DT_LAN <= " + until, "M.DT_LAN > " + until,
+                                    "M.DT_VENCTO <= " + until + " AND M.DT_LAN <= " + until +
+                                        " AND (M.DT_CONT > " + until + " OR M.PENDENTE = 'S')"};
+    std::vector<std::string> statements = {
+        "SELECT SUM(CASE OPERACAO WHEN '+' THEN VALOR ELSE -VALOR END) FROM CONTACOR_001 WHERE PENDENTE <> "
+        "'S' AND DT_LAN < '" +
+        from.Sql() + "'"};
+    std::string any;
+    for (const std::string& section : sections) {
+      statements.push_back(kMovement + section + " ORDER BY 5, 7, 8");
+      any += (any.empty() ? "(" : " OR (") + section + ")";
+    }
+    statements.push_back(kPaid + any);
+    statements.push_back(kReceived + any);
+    Beside("the sections of movements with their titles", screen, *db, "BitBtn29", statements,
+           {"TbRelatorio"}, each);
+  }
+}
+
+// --- Positions of titles.
+
+std::vector<std::string> PositionOf(const std::string& titles, const std::string& issued,
+                                    const std::string& columns, const std::string& open,
+                                    const std::string& joined, const std::string& settled,
+                                    const std::string& amounts, const std::string& total, const Date& from,
+                                    const Date& to) {
+  const std::string first = "'" + from.Sql() + "'", within = " BETWEEN " + first + " AND '" + to.Sql() + "'";
+  const std::string normal = " AND T.STATUS = 'N'";
+  return {"SELECT SUM(" + open + ") FROM " + titles + " T WHERE " + issued + " < " + first + " AND " + open +
+              " > 0" + normal,
+          "SELECT SUM(" + total + ") FROM " + joined + " WHERE " + settled + " >= " + first + " AND " +
+              issued + " < " + first + normal,
+          "SELECT " + columns + ", " + issued + " FROM " + titles +
+              " T LEFT JOIN ENTIDADE_001 E ON E.CODCLI = T.COD" + (titles[0] == 'P' ? "CRE" : "CLI") +
+              " WHERE " + issued + within + normal,
+          "SELECT " + columns + ", " + settled + ", " + amounts + " FROM " + joined +
+              " LEFT JOIN ENTIDADE_001 E ON E.CODCLI = T.COD" + (titles[0] == 'P' ? "CRE" : "CLI") +
+              " WHERE " + settled + within + normal};
+}
+
+void Positions(const std::filesystem::path& house) {
+  const auto db = Attachment::Open(house.string());
+  const Date last = Date::ParseNeutral(kToday);
+  StatementScreen screen(house, "TFmRelCCPosicao");
+  double each = 0;
+  for (const int months : {6, 18}) {
+    const Date from = last.AddMonths(-months);
+    screen.Set("EdtDataIni", from.Brazil());
+    screen.Set("EdtDataFim", last.Brazil());
+    std::vector<std::string> statements = PositionOf(
+        "RECEBER_001", "T.DT_EMISSAO", "T.NUMERO, T.DT_VENCTO, T.CODCLI, T.FATURA, E.NOME, T.VALOR2",
+        "T.VALOR2 + T.JUROS - T.VAL_DEV - T.DESCONTO - T.VALOR_PAGO",
+        "RECEBERB_001 B JOIN RECEBER_001 T ON T.NUMERO = B.NUMERO", "B.DT_CONT",
+        "B.VALOR_PAGO, B.VAL_DEV, B.JUROS, B.DESCONTO + B.DESCONTO2 + B.DESCONTO3",
+        "B.VALOR_PAGO + B.VAL_DEV + B.DESCONTO + B.DESCONTO2 + B.DESCONTO3 - B.JUROS", from, last);
+    for (std::string& sql : PositionOf(
+             "PAGTO_001", "T.DT_DIGITA", "T.NUM_AP, T.DT_VEN, T.CODCRE, T.DOCTO, T.DUPLI, E.NOME, T.VALOR",
+             "T.VALOR - T.DESCONTO - T.VAL_PAG - T.VAL_DEV",
+             "PAGTO1_001 B JOIN PAGTO_001 T ON T.NUM_AP = B.NUM_AP", "B.DT_LAN",
+             "B.VAL_PAG + B.VAL_DEV - B.JURO + B.DESCONTO, B.VAL_DEV, B.JURO, B.DESCONTO",
+             "B.VAL_PAG + B.DESCONTO + B.VAL_DEV - B.JURO", from, last))
+      statements.push_back(std::move(sql));
+    Beside("the positions of titles", screen, *db, "BtnExecutaSQL", statements, {"TbReceber", "TbPagar"},
+           each);
+  }
+}
+
 int Run() {
   const Module module("orvCC");
   const auto house = House(260);
   OneAccount(house);
   Growth(house);
   ReportsOfSums(house);
+  Sections(house);
+  Positions(house);
   return EXIT_SUCCESS;
 }
 

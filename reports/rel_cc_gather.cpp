@@ -1,72 +1,33 @@
 // The gathering: balance before the period, the movements some days at a time, and what each of them brings
 // along.
 #include <algorithm>
-#include <iterator>
 #include <map>
 #include <utility>
 
+#include "reports/lancamentos.h"
 #include "reports/rel_cc.h"
 #include "rules/saldo.h"
 #include "toolkit/text.h"
 
 namespace orv {
+
+using namespace lancamentos;
+
 namespace {
 
-// What a movement fills of the report, and its company.
-constexpr const char* kSelecao =
-    "SELECT CONTACOR.BANCO, CONTACOR.CONTA, BANCO.NOME_BANCO, CONTACOR.VALOR, CONTACOR.DT_LAN AS DTLANC, "
-    "CONTACOR.DT_VENCTO AS DTVENCTO, CONTACOR.DOCTO AS NUMERO, CONTACOR.LANCAMENTO, "
-    "CONTACOR.OBSERVACAO AS OBS, CONTACOR.GRUPO, CONTACOR.PENDENTE, SUBGRUPO.CODIGO AS CODGRUPO, "
-    "SUBGRUPO.DESCRICAO AS DESGRUPO, CONTACOR.OPERACAO, CONTACOR.HISTORICO AS CODHISTORICO, "
-    "HISTORICO.DESCRICAO AS HISTORICO, CONTACOR.DT_CONT AS DTCONT, CADCONTA.EMPRESA, CADCONTA.AGENCIA, "
+// What a movement fills of the report beyond what it does of every one, and its company.
+constexpr const char* kMais =
+    ", CONTACOR.GRUPO, CONTACOR.PENDENTE, SUBGRUPO.CODIGO AS CODGRUPO, CONTACOR.HISTORICO AS CODHISTORICO, "
     "CONTACOR.TIPO, CADCONTA.LIMITE, '{}' AS SUFIXO";
 
 // The accounts come first: they are few, and lead to their movements.
 constexpr const char* kMovimentos =
     " FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON (CONTACOR.CONTA = CADCONTA.CONTA)";
-constexpr const char* kDescricoes =
-    " LEFT JOIN {SUBGRUPO} SUBGRUPO ON (CONTACOR.GRUPO = SUBGRUPO.CODIGO)"
-    " LEFT JOIN {CADBAN} BANCO ON (CONTACOR.BANCO = BANCO.BANCO)"
-    " LEFT JOIN {HISTCP} HISTORICO ON (CONTACOR.HISTORICO = HISTORICO.HISTORICO)";
-
-// The titles of a kind. Of settlements that differ in nothing one is shown; the order of the columns says
-// which comes first.
-constexpr const char* kPagos =
-    "SELECT DISTINCT M.LANCAMENTO AS LANCTO, ENTIDADE.NOME, ENTIDADE.CONTAC, ENTIDADE.CONTAD, "
-    "PAGTO1.VAL_PAG, PAGTO1.VAL_DEV, PAGTO1.JURO AS JUROS, PAGTO1.DESCONTO, HISTCP.DESCRICAO AS DESCHIST, "
-    "PAGTO.NUM_AP AS NUMERO, PAGTO.DUPLI, PAGTO.CODCRE AS CODCLI, PAGTO.HISTORICO AS CODHIST, PAGTO.OBS, "
-    "PAGTO.DT_VEN AS DT_VENCTO, PAGTO.DT_EMI AS DT_EMISSAO, PAGTO.VALOR, PAGTO1.OBS AS OBS_BAIXA, "
-    "PAGTO1.DOCTO, PAGTO.NUM_OS AS CLASSE, SUBGRUPO.DESCRICAO AS DESC_CLASSE, ENTIDADE.CNPJ FROM ";
-constexpr const char* kPagosDe =
-    " INNER JOIN {PAGTO1} PAGTO1 ON (PAGTO1.LANCAMENTO = M.LANCAMENTO)"
-    " INNER JOIN {PAGTO} PAGTO ON (PAGTO.NUM_AP = PAGTO1.NUM_AP)"
-    " LEFT JOIN {ENTIDADE} ENTIDADE ON (ENTIDADE.CODCLI = PAGTO.CODCRE)"
-    " LEFT JOIN {HISTCP} HISTCP ON (HISTCP.HISTORICO = PAGTO.HISTORICO)"
-    " LEFT JOIN {SUBGRUPO} SUBGRUPO ON (SUBGRUPO.CODIGO = PAGTO.NUM_OS)";
-constexpr const char* kRecebidos =
-    "SELECT DISTINCT M.LANCAMENTO AS LANCTO, ENTIDADE.NOME, ENTIDADE.CONTAC, ENTIDADE.CONTAD, "
-    "RECEBERB.VALOR_PAGO AS VAL_PAG, "
-    "(RECEBERB.DESCONTO + RECEBERB.DESCONTO2 + RECEBERB.DESCONTO3) AS DESCONTO, RECEBERB.JUROS, "
-    "RECEBERB.VAL_DEV, RECEBER.NUMERO, RECEBER.CODCLI, RECEBER.DT_EMISSAO, RECEBER.DT_VENCTO, "
-    "RECEBER.VALOR2 AS VALOR, RECEBER.OBS, RECEBERB.OBS AS OBS_BAIXA, RECEBERB.DOCTO, RECEBER.CLASSE, "
-    "SUBGRUPO.DESCRICAO AS DESC_CLASSE, ENTIDADE.CNPJ FROM ";
-constexpr const char* kRecebidosDe =
-    " INNER JOIN {RECEBERB} RECEBERB ON (RECEBERB.LANCAMENTO = M.LANCAMENTO)"
-    " INNER JOIN {RECEBER} RECEBER ON (RECEBER.NUMERO = RECEBERB.NUMERO)"
-    " LEFT JOIN {ENTIDADE} ENTIDADE ON (ENTIDADE.CODCLI = RECEBER.CODCLI)"
-    " LEFT JOIN {SUBGRUPO} SUBGRUPO ON (SUBGRUPO.CODIGO = RECEBER.CLASSE)";
 
 // Movements brought together. Many make few statements, few keep little in memory.
 constexpr int64_t kLinhasPorJanela = 2000;
 
-constexpr const char* kDatas[] = {"CONTACOR.DT_LAN", "CONTACOR.DT_CONT", "CONTACOR.DT_VENCTO"};
-constexpr const char* kOrdens[] = {"ORDER BY 5, 8", "ORDER BY 17, 8", "ORDER BY 6, 8"};
-constexpr const char* kCamposData[] = {"DtLanc", "DtCont", "DtVencto"};
 constexpr const char* kAgrupar[] = {"L", "G", "H", "S", "S", "D", "O", "C"};
-
-std::size_t Opcao(const RadioGroup& grupo) {
-  return static_cast<std::size_t>(std::max(grupo.ItemIndex(), 0));
-}
 
 // What finds again, among what the movements bring along, the part of one of them.
 std::string Chave(uint16_t empresa, std::string_view lancamento) {
@@ -84,7 +45,7 @@ std::string ChaveFornecedor(uint16_t empresa, std::string_view lancamento, std::
 TfmRelCC::Consulta TfmRelCC::LeFiltros() const {
   Consulta consulta;
   consulta.tipo = static_cast<Tipo>(Opcao(RgTipo));
-  consulta.data = kDatas[Opcao(RgData)];
+  consulta.data = kDias[Opcao(RgData)].coluna;
   consulta.periodo = {EdtDataDe.Date(), edtDataAte.Date()};
   consulta.filtro = Where("CONTACOR.CONTA", "=", RelConta);
   if (consulta.tipo != Tipo::PorConta) consulta.filtro += " AND CADCONTA.IMP_FLUXO = 'S'";
@@ -97,7 +58,7 @@ TfmRelCC::Consulta TfmRelCC::LeFiltros() const {
 }
 
 std::string TfmRelCC::Indice() const {
-  const std::string data = kCamposData[Opcao(RgData)];
+  const std::string data = kDias[Opcao(RgData)].campo;
   const std::string indices[] = {
       data + ";Lancamento",    "CodGrupo", "CodHistorico",     "CodGrupo;CodHistorico",
       "CodGrupo;CodHistorico", "Numero",   data + ";Operacao", "Conta;" + data};
@@ -138,18 +99,18 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
   bool cabem = inicial.FitsField();
   int64_t linhas = 0;
   const std::vector<Janela> janelas = Janelas(linhas);
+  const std::string ordem = std::string("ORDER BY ") + kDias[Opcao(RgData)].lugar + ", " + kLugarLancamento;
   gathering.Stage("Lançamentos", linhas);
   for (const Janela& janela : janelas) {
     Anexos anexos;
     BuscaPessoas(janela, anexos);
     if (CbFinanceiro.Checked()) BuscaFinanceiro(janela, anexos);
-    const std::string sql = kSelecao + Movimentos(janela.dias, kDescricoes);
-    ForEachRow<kRelatorio>(PorEmpresa(sql, "CONTACOR", kOrdens[Opcao(RgData)]),
-                           [&](Linha& linha, std::span<Value> sufixo) {
-                             Anexa(linha, Empresa(Trim(sufixo[0].Text())), anexos, inicial, saldo);
-                             cabem = cabem && saldo.FitsField();
-                             gathering.Advance();
-                           });
+    const std::string sql = std::string("SELECT ") + kColunas + kMais + Movimentos(janela.dias, kDescricoes);
+    ForEachRow<kRelatorio>(PorEmpresa(sql, "CONTACOR", ordem), [&](Linha& linha, std::span<Value> sufixo) {
+      Anexa(linha, Empresa(Trim(sufixo[0].Text())), anexos, inicial, saldo);
+      cabem = cabem && saldo.FitsField();
+      gathering.Advance();
+    });
   }
   if (TbRelatorio.IsEmpty() && CbZeradas.Checked()) ContasSemMovimento(inicial);
 
@@ -232,23 +193,20 @@ void TfmRelCC::BuscaPessoas(const Janela& janela, Anexos& anexos) const {
 
 // The titles of a movement may stand in any company where all are asked for.
 void TfmRelCC::BuscaFinanceiro(const Janela& janela, Anexos& anexos) const {
-  const auto busca = [&](const char* tipo, const char* selecao, const char* de, const char* tabela,
-                         auto& titulos) {
+  const auto busca = [&](const Baixas& baixas, const char* mais, auto& titulos) {
     for (const uint16_t empresa : janela.empresas) {
       const std::string movimentos =
-          ForCompany("(SELECT DISTINCT CONTACOR.LANCAMENTO" + Movimentos(janela.dias) +
-                         " AND CONTACOR.TIPO = " + Funcoes.Aspas(tipo) + ") M",
+          ForCompany("SELECT DISTINCT CONTACOR.LANCAMENTO" + Movimentos(janela.dias) +
+                         " AND CONTACOR.TIPO = " + Funcoes.Aspas(baixas.tipo),
                      empresas_[empresa]);
-      ForEachRow<kFinan>(PorEmpresa(selecao + movimentos + de, tabela),
+      ForEachRow<kFinan>(PorEmpresa(Titulos(baixas, movimentos, "DESC_CLASSE", mais), baixas.tabela),
                          [&](Titulo& titulo, std::span<Value>) {
-                           titulo["Tipo"] = tipo;
-                           if (titulo["Tipo"] == Value("R")) titulo["Dupli"] = titulo["Numero"];
                            titulos[Chave(empresa, titulo["Lancto"].Text())].push_back(std::move(titulo));
                          });
     }
   };
-  busca("P", kPagos, kPagosDe, "PAGTO1", anexos.pagar);
-  busca("R", kRecebidos, kRecebidosDe, "RECEBERB", anexos.receber);
+  busca(kPagas, ", PAGTO1.DOCTO, ENTIDADE.CNPJ", anexos.pagar);
+  busca(kRecebidas, ", RECEBERB.DOCTO, ENTIDADE.CNPJ", anexos.receber);
 }
 
 void TfmRelCC::Anexa(Linha& linha, uint16_t empresa, Anexos& anexos, Currency inicial, Currency& saldo) {

@@ -98,7 +98,8 @@ class Form {
   // "@actions { ... }" the buttons at the foot.
   // A word before a control says what it is: "@primary" the button that is pressed most, "@danger" one that
   // destroys, "@apart" one at the far right, "@nav" a step through rows, "@amount" the field that matters
-  // most, "@compact" a group that is small while its grid has no rows, "@narrow" the lesser of two grids.
+  // most, "@compact" a group that is small while its grid has no rows, "@narrow" the lesser of two grids,
+  // "@low" a grid of a few rows beneath another.
   // "EdtA:4" takes four of a form's columns.
   void Layout(std::string_view text);
   // Makes a data set part of the form under its name.

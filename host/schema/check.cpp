@@ -136,6 +136,8 @@ std::string Broken(const Demand& demand) {
       return "ABS(" + column + ") > " + kGreatest;
     case Demand::Day:
       return column + " IS NULL OR " + column + " <= '12/30/1899'";
+    case Demand::Filled:
+      return column + " IS NULL";
   }
   return {};
 }

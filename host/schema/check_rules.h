@@ -25,6 +25,7 @@ struct Demand {
     Amount,     // from 0,00 to 999.999.999.999,99
     AnyAmount,  // as far from zero on either side
     Day,        // neither empty nor the day that stands for an empty one
+    Filled,     // not null, since the reports exclude some by "<>", which drops nulls
   } kind;
   const char* column;
   // In the line, such as "operação".

@@ -47,6 +47,17 @@ class RelCcTest : public DeskTest {
     EXPECT_EQ(desk.Press("BitBtn29"), "");
     return desk.Read("TbRelatorio", shown);
   }
+  // A double click: the title of the detail that it opens, and how many rows there are.
+  static std::string Detail(Desk& desk, const char* grid, int row, const char* column) {
+    desk.DoubleClick(grid, row, column);
+    std::string text = desk.Messages();
+    for (const Json& out : desk.Latest()) {
+      if (out["on"] == Json("detail"))
+        text += out["title"].String() + " " + std::to_string(out["rows"].Items().size());
+    }
+    desk.Answer("ok");
+    return text;
+  }
 };
 
 }  // namespace orv::test

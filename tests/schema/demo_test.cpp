@@ -368,6 +368,8 @@ TEST_F(Demo, CheckFindsEveryCorruption) {
   cases.emplace_back(
       "UPDATE CENTRO_RATEIO_001 SET VALOR_RAT = VALOR_RAT + 1 WHERE LANCAMENTO = " + Quote(by_hand),
       "rateio " + by_hand + ", partida 1: soma");
+  cases.emplace_back("UPDATE PAGTO_001 SET SITUACAO = NULL WHERE NUM_AP = '000001'",
+                     "título a pagar 000001: sem situação.");
   cases.emplace_back(
       "UPDATE CHEQUE_PRE_001 SET STATUS = 'P', DT_BAIXA = NULL WHERE CHAVE = " + Quote(cleared),
       "pendente, mas o lançamento " + cleared + " está baixado.");

@@ -138,14 +138,15 @@ struct Extrato {
 struct Pagto {
   Cell num_ap = Else("000001"), codcre = Else("00003"), docto{}, dupli{}, dt_emi{}, dt_ven{},
        num_os = Else("3104"), valor = Else("100"), val_pag{}, val_dev{}, status{}, situacao = Else("0"),
-       historico{}, lote = Else("");
+       historico{}, lote = Else(""), dt_digita{};
   ORV_ROW("PAGTO{}", num_ap, codcre, docto, dupli, dt_emi, dt_ven, num_os, valor, val_pag, val_dev, status,
-          situacao, historico, lote)
+          situacao, historico, lote, dt_digita)
 };
 
 struct Pagto1 {
-  Cell num_ap = Else("000001"), lancamento = Else("000001"), val_pag = Else("100"), juro{}, desconto{};
-  ORV_ROW("PAGTO1{}", num_ap, lancamento, val_pag, juro, desconto)
+  Cell num_ap = Else("000001"), lancamento = Else("000001"), val_pag = Else("100"), juro{}, desconto{},
+       dt_lan{}, val_dev{};
+  ORV_ROW("PAGTO1{}", num_ap, lancamento, val_pag, juro, desconto, dt_lan, val_dev)
 };
 
 struct Receber {
@@ -159,9 +160,9 @@ struct Receber {
 
 struct Receberb {
   Cell numero = Else("T1"), lancamento = Else("000001"), dt_pagto{}, valor_pago{}, juros{}, val_dev{},
-       desconto{}, desconto2{}, desconto3{}, portador{};
+       desconto{}, desconto2{}, desconto3{}, portador{}, dt_cont{};
   ORV_ROW("RECEBERB{}", numero, lancamento, dt_pagto, valor_pago, juros, val_dev, desconto, desconto2,
-          desconto3, portador)
+          desconto3, portador, dt_cont)
 };
 
 // Titles that a bank or a program of payments has.

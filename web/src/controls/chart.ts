@@ -133,8 +133,11 @@ export class ChartView extends ControlView {
     const every = Math.max(1, Math.ceil(points / 12));
     this.labels.forEach((label, at) => {
       if (at % every !== 0) return;
-      const text = svg("text", { class: "chart-text", x: x(at), y: kHeight - kBottom + 18, "text-anchor": "middle" });
-      text.textContent = label.length > 14 ? `${label.slice(0, 13)}…` : label;
+      const shown = label.length > 14 ? `${label.slice(0, 13)}…` : label;
+      // The last one stays within the drawing.
+      const middle = Math.min(x(at), kWidth - shown.length * 3.6);
+      const text = svg("text", { class: "chart-text", x: middle, y: kHeight - kBottom + 18, "text-anchor": "middle" });
+      text.textContent = shown;
       parts.push(text);
     });
     const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, role: "img", "aria-label": this.spoken() }, ...parts);
