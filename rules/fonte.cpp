@@ -4,6 +4,7 @@
 
 #include "rules/origem.h"
 #include "toolkit/currency.h"
+#include "toolkit/text.h"
 
 namespace orv {
 
@@ -70,12 +71,14 @@ std::string RestoDaCompra(const std::string& numero) {
 }
 
 // Work that is outside: each of its pieces or items.
-std::string Faccao(const std::string& numero) {
+std::string Faccao(const IFuncoes& funcoes, const std::vector<std::string>& chave) {
   return Linhas("Facção", "F.NUMERO", "F.OP", "F.DT_LAN",
                 "COALESCE(E.NOME, '') || ' ' || COALESCE(F.PARTE, '')",
                 (Valor("F.UNITARIO * F.QUANT") + Figuras("NULL", "F.QUANT", "F.UNITARIO")).c_str(),
                 "{FACCAO3} F LEFT JOIN {ENTIDADE} E ON E.CODCLI = F.CODCLI") +
-         " WHERE F.PAGO = 'N' AND F.NUMERO = " + numero;
+         " WHERE F.PAGO = 'N' AND F.NUMERO = " + funcoes.Aspas(chave.at(0)) +
+         " AND COALESCE(F.OP, '') = " + funcoes.Aspas(chave.at(1)) +
+         " AND COALESCE(F.PARTE, '') = " + funcoes.Aspas(chave.at(2));
 }
 
 std::string Tinturaria(const std::string& numero) {
@@ -139,8 +142,9 @@ void Origens::Limpa() {
 DetalheDeOrigem Origens::Detalhe(const IFuncoes& funcoes, std::size_t linha) const {
   const Origem& origem = origens_.at(linha);
   const std::string chave = funcoes.Aspas(origem.chave.Text());
+  const std::vector<std::string> partes = Split(origem.chave.Text(), "\t");
   const auto detalhe = [&](const char* titulo, std::string sql) {
-    return DetalheDeOrigem{titulo + origem.chave.AsString(), std::move(sql), empresas_.at(origem.empresa)};
+    return DetalheDeOrigem{titulo + partes.at(0), std::move(sql), empresas_.at(origem.empresa)};
   };
   switch (origem.fonte) {
     case Fonte::Receber:
@@ -166,7 +170,7 @@ DetalheDeOrigem Origens::Detalhe(const IFuncoes& funcoes, std::size_t linha) con
     case Fonte::CompraCompleta:
       return detalhe("Ordem de compra ", Compra(chave) + RestoDaCompra(chave));
     case Fonte::Faccao:
-      return detalhe("Facção ", Faccao(chave));
+      return detalhe("Facção ", Faccao(funcoes, partes));
     case Fonte::Tinturaria:
       return detalhe("Ordem de beneficiamento ", Tinturaria(chave));
     case Fonte::Tecelagem:

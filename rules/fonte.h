@@ -40,7 +40,8 @@ void CompletaOrigem(std::span<Value> linha);
 // The sources of the rows of a set, noted as the rows are appended.
 class Origens {
  public:
-  // By the key of the source's table and the company's suffix.
+  // By the key of the source's table and the company's suffix. Work at a workshop that sews is named by its
+  // number, sector and part, parted by tabs.
   void Anota(Fonte fonte, Value chave, std::string_view empresa);
   void Limpa();
   // Of a row, 0 for the first one noted.

@@ -262,6 +262,7 @@ void TOrvDBGrid::Describe(Properties& properties) const {
   properties.emplace_back("readOnly", read_only_);
   properties.emplace_back("rowsFixed", rows_fixed_);
   properties.emplace_back("selected", selected_);
+  properties.emplace_back("fontSize", int64_t{font_size_});
   // The display tells of each column that the user reaches, and follows where the program put him.
   properties.emplace_back("watched", Watched());
   properties.emplace_back("placed", placed_);

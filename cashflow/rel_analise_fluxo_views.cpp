@@ -1,0 +1,498 @@
+// What the analysis makes of its detail rows: periods and their balance, classes by day, the chart; and how
+// the user moves between them.
+#include "cashflow/rel_analise_fluxo.h"
+#include "toolkit/place_hold.h"
+#include "toolkit/row_writer.h"
+#include "toolkit/text.h"
+
+namespace orv {
+namespace {
+
+// The periods before all others: the opening balance, and what is overdue.
+constexpr const char* kSaldoInicial = "00";
+constexpr const char* kAtraso = "01";
+
+enum Grupo { kMensal, kSemanal, kDiaria };
+
+// A period of the table: its key, by which it stands, and its name.
+struct NomePeriodo {
+  std::string codigo, nome;
+};
+
+NomePeriodo DiaDe(Date dia) {
+  static constexpr const char* kDias[] = {"Domingo", "Segunda", "Terça", "Quarta",
+                                          "Quinta",  "Sexta",   "Sabado"};
+  std::string codigo = ReplaceAll(dia.Neutral(), "-", "");
+  return {std::move(codigo), dia.Empty() ? "" : dia.Brazil() + " - " + kDias[dia.WeekDay()]};
+}
+
+std::string DuasCasas(int numero) { return (numero < 10 ? "0" : "") + std::to_string(numero); }
+
+// The periods of days, each asked for once.
+class Periodos {
+ public:
+  struct Semana {
+    std::string codigo;
+    Date de, ate;
+  };
+  Periodos(int grupo, const IFuncoes& funcoes, std::vector<Semana> semanas)
+      : grupo_(grupo), funcoes_(funcoes), semanas_(std::move(semanas)) {}
+
+  const NomePeriodo& De(Date dia) {
+    const auto [achado, novo] = nomes_.try_emplace(dia.Days());
+    if (novo) achado->second = Nome(dia);
+    return achado->second;
+  }
+
+ private:
+  NomePeriodo Nome(Date dia) const {
+    if (grupo_ == kDiaria || dia.Empty()) return DiaDe(dia);
+    if (grupo_ == kMensal) {
+      const std::string ano = std::to_string(dia.Year());
+      return {ano + " / " + DuasCasas(dia.Month()),
+              funcoes_.NomeMes()[static_cast<std::size_t>(dia.Month())] + " / " + ano};
+    }
+    for (const Semana& semana : semanas_) {
+      if (semana.de <= dia && dia <= semana.ate)
+        return {semana.codigo, " " + semana.de.Brazil() + " / " + semana.ate.Brazil()};
+    }
+    return {"", "Sem prazo cadastrado"};
+  }
+
+  int grupo_;
+  const IFuncoes& funcoes_;
+  std::vector<Semana> semanas_;
+  std::unordered_map<int32_t, NomePeriodo> nomes_;
+};
+
+std::vector<Periodos::Semana> LeSemanas(IFuncoes& funcoes, TOrvDatabase& db, const Periodo& dias) {
+  std::vector<Periodos::Semana> semanas;
+  for (const auto& linha :
+       db.Rows("SELECT PRAZO, DESCRICAO, DT_INICIO, DT_FIM FROM " + funcoes.DBLocal("TABPRZ", true) +
+               " WHERE DT_INICIO <= " + funcoes.AspasData(dias.ate) +
+               " AND DT_FIM >= " + funcoes.AspasData(dias.de)))
+    semanas.push_back({linha[0].AsString(), linha[2].AsDate(), linha[3].AsDate()});
+  return semanas;
+}
+
+}  // namespace
+
+const TfmRelAnaliseFluxo::Tipo* TfmRelAnaliseFluxo::TipoSelecionado() const {
+  const auto tipo = std::find_if(kTipos.begin(), kTipos.end(),
+                                 [this](const Tipo& um) { return DBGrid1.SelectedField() == um.campo; });
+  return tipo == kTipos.end() ? nullptr : &*tipo;
+}
+
+// --- Periods.
+
+void TfmRelAnaliseFluxo::Gera_Analise(Gathering& andamento) {
+  andamento.Stage("Períodos", TbDetalha.RecordCount());
+  Field& codigo = TbDetalha["CodPer"];
+  const Field& vencto = TbDetalha["Vencto"];
+  std::array<const Field*, kSomados> campos{};
+  for (std::size_t i = 0; i < kSomados; ++i) campos[i] = &TbDetalha[kTipos[i].detalhe];
+
+  std::vector<Periodos::Semana> semanas;
+  if (RgGrupo.ItemIndex() == kSemanal && !TbDetalha.IsEmpty()) {
+    TbDetalha.Last();
+    const Date ate = vencto.AsDate();
+    TbDetalha.First();
+    semanas = LeSemanas(Funcoes, Tabela.IBDatabase(), {vencto.AsDate(), ate});
+  }
+  Periodos periodos(RgGrupo.ItemIndex(), Funcoes, std::move(semanas));
+  const NomePeriodo atraso{kAtraso, "Atraso"};
+
+  struct Soma {
+    const NomePeriodo* periodo;
+    std::array<Currency, kSomados> valores{};
+  };
+  std::vector<Soma> somas;
+  std::unordered_map<std::string_view, std::size_t> onde;
+  for (TbDetalha.First(); !TbDetalha.Eof(); TbDetalha.Next()) {
+    const NomePeriodo& periodo = codigo.Get().Text() == kAtraso ? atraso : periodos.De(vencto.AsDate());
+    if (&periodo != &atraso) {
+      TbDetalha.Edit();
+      codigo = periodo.codigo;
+      TbDetalha.Post();
+    }
+    const auto [achada, nova] = onde.try_emplace(periodo.codigo, somas.size());
+    if (nova) somas.push_back({&periodo});
+    auto& valores = somas[achada->second].valores;
+    for (std::size_t i = 0; i < kSomados; ++i) {
+      const Value& valor = campos[i]->Get();
+      if (!valor.IsNull()) valores[i] += valor.AsCurrency();
+    }
+    andamento.Advance();
+  }
+  for (const Soma& soma : somas) AnexaPeriodo(soma.periodo->codigo, soma.periodo->nome, soma.valores);
+  TbDetalha.First();
+}
+
+void TfmRelAnaliseFluxo::AnexaPeriodo(const std::string& codigo, const std::string& nome,
+                                      const std::array<Currency, kSomados>& valores) {
+  ReportRow<kRelatorio> linha;
+  linha["CodPer"] = codigo;
+  linha["Periodo"] = nome;
+  linha["Nota_Entrada"] = linha["Nota_Saida"] = Currency();
+  for (std::size_t i = 0; i < kSomados; ++i)
+    linha.Values()[static_cast<std::size_t>(TbRelatorio[kTipos[i].campo].Index())] = valores[i];
+  TbRelatorio.AppendRow(linha.Values());
+}
+
+void TfmRelAnaliseFluxo::AdicionaDiasSemMov() {
+  if (RgGrupo.ItemIndex() != kDiaria || !CbTodosDias.Checked()) return;
+  for (Date dia = EdtDataDe.Date(); !dia.Empty() && dia <= edtDataAte.Date(); dia = dia.AddDays(1)) {
+    const auto [codigo, nome] = DiaDe(dia);
+    if (!TbRelatorio.Locate("CodPer", codigo)) AnexaPeriodo(codigo, nome, {});
+  }
+}
+
+// --- Balances.
+
+Currency TfmRelAnaliseFluxo::SomaSaldos() {
+  const Field &seleciona = TbSaldo["Seleciona"], &saldo = TbSaldo["Saldo"];
+  Currency soma;
+  for (int64_t i = 0, n = TbSaldo.DisplayCount(); i < n; ++i) {
+    if (TbSaldo.Cell(i, seleciona).Text() == "S") soma += TbSaldo.Cell(i, saldo).AsCurrency();
+  }
+  return soma;
+}
+
+void TfmRelAnaliseFluxo::AnexaSaldoInicial() {
+  ReportRow<kRelatorio> linha;
+  linha["CodPer"] = kSaldoInicial;
+  linha["Periodo"] = "Saldo Inicial.";
+  linha["Saldo"] = SomaSaldos();
+  TbRelatorio.AppendRow(linha.Values());
+}
+
+void TfmRelAnaliseFluxo::CalculaSaldo() {
+  if (TbRelatorio.IsEmpty()) return;
+  const PlaceHold lugar(TbRelatorio);
+  const Field& codigo = TbRelatorio["CodPer"];
+  Field& saldo = TbRelatorio["Saldo"];
+  std::array<const Field*, kTipos.size()> campos{};
+  for (std::size_t i = 0; i < kTipos.size(); ++i) campos[i] = &TbRelatorio[kTipos[i].campo];
+
+  Currency corrente;
+  std::array<Currency, kTipos.size()> totais{};
+  for (TbRelatorio.First(); !TbRelatorio.Eof(); TbRelatorio.Next()) {
+    if (codigo.Get().Text() == kSaldoInicial) corrente = saldo.AsCurrency();
+    if (codigo.Get().Text() <= kSaldoInicial) continue;
+    for (std::size_t i = 0; i < kTipos.size(); ++i) {
+      const Currency valor = campos[i]->AsCurrency();
+      totais[i] += valor;
+      corrente += kTipos[i].entrada ? valor : -valor;
+    }
+    TbRelatorio.Edit();
+    saldo = corrente;
+    TbRelatorio.Post();
+  }
+  for (std::size_t i = 0; i < kTipos.size(); ++i) {
+    if (kTipos[i].total != nullptr) (this->*kTipos[i].total).SetAmount(totais[i]);
+  }
+}
+
+// An account that was marked, left out or retyped moves every balance.
+void TfmRelAnaliseFluxo::TbSaldoAfterPost() {
+  if (montando_) return;
+  if (TbRelatorio.Active()) {
+    const PlaceHold lugar(TbRelatorio);
+    if (TbRelatorio.Locate("CodPer", kSaldoInicial)) {
+      TbRelatorio.Edit();
+      TbRelatorio["Saldo"] = SomaSaldos();
+      TbRelatorio.Post();
+    }
+  }
+  CalculaSaldo();
+}
+
+void TfmRelAnaliseFluxo::OrvDBGrid1Exit() {
+  TbSaldo.PostIfEditing();
+  const PlaceHold lugar(TbRelatorio);
+  const bool tem = TbRelatorio.Locate("CodPer", kSaldoInicial);
+  const bool marcada = !ContasMarcadas().empty();
+  if (tem && !marcada) TbRelatorio.Delete();
+  if (!tem && marcada) AnexaSaldoInicial();
+  if (tem != marcada) CalculaSaldo();
+}
+
+// --- Simulation and kinds that are hidden.
+
+void TfmRelAnaliseFluxo::DBGrid1KeyDown(KeyPress& key) {
+  const std::string& coluna = DBGrid1.SelectedField();
+  if (key.key == "Tab" && (coluna == "Nota_Entrada" || coluna == "Nota_Saida")) {
+    TbRelatorio.PostIfEditing();
+    CalculaSaldo();
+  } else if (key.key == "F4") {
+    key.handled = true;
+    DBGrid1DblClick();
+  }
+}
+
+// Whoever leaves a simulated amount otherwise than by Tab sees the balances follow too.
+void TfmRelAnaliseFluxo::DBGrid1ColExit() {
+  const std::string& coluna = DBGrid1.SelectedField();
+  if ((coluna != "Nota_Entrada" && coluna != "Nota_Saida") || !TbRelatorio.Editing()) return;
+  TbRelatorio.Post();
+  CalculaSaldo();
+}
+
+void TfmRelAnaliseFluxo::ClicaTipo(const Tipo& tipo) {
+  // One box may stand for several columns.
+  for (const Tipo& um : kTipos) {
+    if (um.caixa != tipo.caixa) continue;
+    const bool mostra = (this->*um.caixa).Checked();
+    DBGrid1.SetColumnVisible(um.campo, mostra);
+    if (!mostra) ZeraTipo(um);
+  }
+  TbRelatorio.First();
+  CalculaSaldo();
+  MostraOcultos();
+}
+
+void TfmRelAnaliseFluxo::ZeraTipo(const Tipo& tipo) {
+  const ControlsHold hold(TbRelatorio);
+  Field& campo = TbRelatorio[tipo.campo];
+  for (TbRelatorio.First(); !TbRelatorio.Eof(); TbRelatorio.Next()) {
+    const Currency valor = campo.AsCurrency();
+    if (valor <= Currency()) continue;
+    if (tipo.detalhe != nullptr) ocultos_[tipo.campo] += valor;
+    TbRelatorio.Edit();
+    campo = Currency();
+    TbRelatorio.Post();
+  }
+}
+
+std::string TfmRelAnaliseFluxo::Ocultos() const {
+  std::vector<std::string> ditos;
+  for (const Tipo& tipo : kTipos) {
+    const auto oculto = ocultos_.find(tipo.campo);
+    if (oculto != ocultos_.end()) ditos.push_back(std::string(tipo.titulo) + " " + oculto->second.Brazil());
+  }
+  return Join(ditos, ", ");
+}
+
+void TfmRelAnaliseFluxo::MostraOcultos() {
+  const std::string ocultos = Ocultos();
+  LbOcultos.Mostra(ocultos.empty() ? ""
+                                   : "Os saldos não contam o que foi ocultado: " + ocultos +
+                                         ". Para contar, marque o tipo e consulte de novo.");
+}
+
+// --- From tab to tab.
+
+void TfmRelAnaliseFluxo::DBGrid1DblClick() { PageControl1.SetActivePage(TabSheet3); }
+
+void TfmRelAnaliseFluxo::DBGrid2KeyDown(KeyPress& key) {
+  if (key.key != "F4") return;
+  key.handled = true;
+  PageControl1.SetActivePage(TabSheet2);
+}
+
+void TfmRelAnaliseFluxo::DBGrid2TitleClick(const std::string& coluna) {
+  TbDetalha.SetIndexFieldNames(coluna);
+}
+
+void TfmRelAnaliseFluxo::PageControl1Change() {
+  if (OrvDBGrid1.Focused()) OrvDBGrid1Exit();
+  if (PageControl1.ActivePage() == &TabSheet5) GeraGrafico();
+  const std::string& coluna = DBGrid1.SelectedField();
+  if (coluna == "Nota_Entrada" || coluna == "Nota_Saida" || coluna == "Saldo")
+    PageControl1.SetActivePage(TabSheet2);
+  if (PageControl1.ActivePage() == &TabSheet3) MostraDetalhe();
+}
+
+// The rows that make up the figure on which the user stands.
+void TfmRelAnaliseFluxo::MostraDetalhe() {
+  static constexpr std::initializer_list<const char*> kSempre = {"Tipo", "Numero", "Docto", "Emissao",
+                                                                 "Vencto"};
+  const Tipo* const tipo = TipoSelecionado();
+  const auto contem = [](std::initializer_list<const char*> nomes, std::string_view nome) {
+    return std::find(nomes.begin(), nomes.end(), nome) != nomes.end();
+  };
+  for (const GridColumn& coluna : DBGrid2.Columns()) {
+    const bool mostra =
+        contem(kSempre, coluna.field) ||
+        (tipo != nullptr && (coluna.field == tipo->detalhe || contem(tipo->colunas, coluna.field)));
+    DBGrid2.SetColumnVisible(coluna.field, mostra);
+  }
+  if (tipo != nullptr) {
+    TbDetalha.SetFilter("CodPer = " + Funcoes.Aspas(TbRelatorio["CodPer"].AsString()) + " and " +
+                        tipo->detalhe + " > 0 ");
+    TbDetalha.SetFiltered(true);
+    TbDetalha.First();
+  }
+  DescreveDetalhe(tipo);
+}
+
+// What the rows add up to, and why that isn't the figure from which the user came, where it isn't.
+void TfmRelAnaliseFluxo::DescreveDetalhe(const Tipo* tipo) {
+  if (tipo == nullptr || TbRelatorio.IsEmpty()) {
+    LbDetalhe.SetCaption("Escolha um valor na página Análise para ver os lançamentos que o formam.");
+    return;
+  }
+  const Field& valor = TbDetalha[tipo->detalhe];
+  Currency soma;
+  const int64_t linhas = TbDetalha.DisplayCount();
+  for (int64_t i = 0; i < linhas; ++i) soma += TbDetalha.Cell(i, valor).AsCurrency();
+  std::string texto = std::string(Trim(TbRelatorio["Periodo"].AsString())) + ", " + tipo->titulo + ": " +
+                      std::to_string(linhas) + (linhas == 1 ? " lançamento, " : " lançamentos, ") +
+                      soma.Brazil() + ".";
+  const Currency figura = TbRelatorio[tipo->campo].AsCurrency();
+  if (figura != soma) {
+    texto += " Em Análise está " + figura.Brazil();
+    if (ocultos_.contains(tipo->campo)) {
+      texto += ": o tipo foi ocultado e volta com nova consulta.";
+    } else {
+      texto += figura < soma ? ": há valores negativos ou o valor foi digitado." : ": o valor foi digitado.";
+    }
+  }
+  LbDetalhe.SetCaption(std::move(texto));
+}
+
+// --- The chart.
+
+void TfmRelAnaliseFluxo::GeraGrafico() {
+  const PlaceHold lugar(TbRelatorio);
+  const ControlsHold hold(TbGrafico);
+  TbGrafico.EmptyDataSet();
+  for (TbRelatorio.First(); !TbRelatorio.Eof(); TbRelatorio.Next()) {
+    Currency credito, debito;
+    for (const Tipo& tipo : kTipos) (tipo.entrada ? credito : debito) += TbRelatorio[tipo.campo].AsCurrency();
+    Value linha[] = {TbRelatorio["Periodo"].Get(), credito, -debito, TbRelatorio["Saldo"].Get()};
+    TbGrafico.AppendRow(linha);
+  }
+  TbGrafico.First();
+  DBChart1.SetPage(0);
+}
+
+// --- Classes by day.
+
+Date TfmRelAnaliseFluxo::DiaDaClasse(DiasEfetivos& dias, Date vencimento) const {
+  if (CbDiasUteis.Checked()) return dias.DiaUtil(vencimento);
+  return CbContBanc.Checked() ? dias.Credito(vencimento, "") : vencimento;
+}
+
+Currency TfmRelAnaliseFluxo::ValorDaClasse() {
+  Currency valor;
+  for (std::size_t i = 0; i < kSomados; ++i) {
+    // Work that is outside doesn't reach the classes.
+    if (kTipos[i].campo == std::string_view("Prev_Pag")) continue;
+    const Currency um = TbDetalha[kTipos[i].detalhe].AsCurrency();
+    valor += kTipos[i].entrada ? um : -um;
+  }
+  return valor;
+}
+
+void TfmRelAnaliseFluxo::GeraAnaliseClasseMes(Gathering& andamento) {
+  andamento.Stage("Classes por dia", TbDetalha.RecordCount());
+  const Date de = EdtDataDe.Date();
+  base_classe_ = de;
+  CriaAnaliseClasse(de);
+
+  struct Classe {
+    Value operacao, descricao, conta;
+  };
+  std::unordered_map<std::string, Classe> cadastro;
+  ForEach(Funcoes.DBLocal_SQL("SELECT CODIGO, OPERACAO, DESCRICAO, CONTA FROM {SUBGRUPO} SUBGRUPO", ""),
+          [&](std::span<Value> v) {
+            cadastro[v[0].AsString()] = {v[1], v[2], v[3]};
+          });
+
+  struct Dias {
+    std::array<Currency, kDias> valores{};
+    Currency total;
+  };
+  std::map<std::string, Dias> classes;
+  Dias todas;
+  Currency entradas_fora, saidas_fora, oficinas;
+  DiasEfetivos dias(Funcoes, Contabil);
+  const Field &vencto = TbDetalha["Vencto"], &codigo = TbDetalha["Classe"], &oficina = TbDetalha["Prev_pag"];
+  for (TbDetalha.First(); !TbDetalha.Eof(); TbDetalha.Next(), andamento.Advance()) {
+    const Currency valor = ValorDaClasse();
+    oficinas += oficina.AsCurrency();
+    const Date dia = DiaDaClasse(dias, vencto.AsDate());
+    if (dia < de || dia >= de.AddDays(kDias)) {
+      (valor < Currency() ? saidas_fora : entradas_fora) += valor;
+      continue;
+    }
+    const auto k = static_cast<std::size_t>(dia - de);
+    for (Dias* soma : {&classes[codigo.AsString()], &todas}) {
+      soma->valores[k] += valor;
+      soma->total += valor;
+    }
+  }
+  TbDetalha.First();
+
+  RowWriter total(TbAnaliseClasseTotalDia);
+  for (std::size_t k = 0; k < kDias; ++k) total[*TbAnaliseClasseTotalDia.Fields()[k]] = todas.valores[k];
+  total.Append();
+  for (const auto& [classe, soma] : classes) {
+    const auto achada = cadastro.find(classe);
+    Classe dados = achada == cadastro.end() ? Classe{} : achada->second;
+    if (dados.operacao.Text().empty()) dados.operacao = "X";
+    RowWriter linha(TbAnaliseClasse);
+    linha[TbAnaliseClasse["Classe"]] = classe;
+    linha[TbAnaliseClasse["Operacao"]] = dados.operacao;
+    linha[TbAnaliseClasse["Descricao"]] = dados.descricao;
+    linha[TbAnaliseClasse["Conta"]] = dados.conta;
+    linha[TbAnaliseClasse["Total"]] = soma.total;
+    for (std::size_t k = 0; k < kDias; ++k) linha[*TbAnaliseClasse.Fields()[k]] = soma.valores[k];
+    linha.Append();
+  }
+  PassaClasses();
+
+  std::vector<std::string> fora;
+  if (!entradas_fora.IsZero() || !saidas_fora.IsZero())
+    fora.push_back("Fora dos " + std::to_string(kDias) + " dias a partir de " + de.Brazil() + ": entradas " +
+                   entradas_fora.Brazil() + ", saídas " + (-saidas_fora).Brazil() + ".");
+  if (!oficinas.IsZero())
+    fora.push_back("Pagamentos de terceiros não entram aqui: " + oficinas.Brazil() + ".");
+  LbClasse.Mostra(Join(fora, " "));
+}
+
+// The days that count close up, so that the table stays dense.
+void TfmRelAnaliseFluxo::PassaClasses() {
+  std::vector<std::size_t> contam;
+  TbAnaliseClasseTotalDia.First();
+  for (std::size_t k = 0; k < kDias; ++k) {
+    if (CbTodosDias.Checked() || !TbAnaliseClasseTotalDia.Fields()[k]->AsCurrency().IsZero())
+      contam.push_back(k);
+  }
+  for (std::size_t k = 0; k < kDias; ++k) {
+    const std::string coluna = "Dia" + std::to_string(k + 1);
+    const bool conta = k < contam.size();
+    DBGrid3.SetColumnTitle(coluna,
+                           conta ? TbAnaliseClasse.Fields()[contam[k]]->Name().substr(3, 10) : std::string());
+    DBGrid3.SetColumnVisible(coluna, conta);
+  }
+  for (TbAnaliseClasse.First(); !TbAnaliseClasse.Eof(); TbAnaliseClasse.Next()) {
+    RowWriter linha(TbClasseData);
+    for (const char* campo : {"Classe", "Descricao", "Operacao", "Conta", "Total"})
+      linha[TbClasseData[campo]] = TbAnaliseClasse[campo].Get();
+    for (std::size_t k = 0; k < contam.size(); ++k)
+      linha[TbClasseData["Dia" + std::to_string(k + 1)]] = TbAnaliseClasse.Fields()[contam[k]]->Get();
+    linha.Append();
+  }
+  TbAnaliseClasse.EmptyDataSet();
+  TbClasseData.SetIndexFieldNames("Operacao;Conta;Classe");
+}
+
+void TfmRelAnaliseFluxo::CriaAnaliseClasse(Date de) {
+  for (TClientDataSet* set : {&TbAnaliseClasse, &TbAnaliseClasseTotalDia}) {
+    if (set->Active()) set->Close();
+    set->FieldDefs.Clear();
+    for (int dia = 0; dia < kDias; ++dia)
+      set->FieldDefs.Add("Dia" + de.AddDays(dia).Brazil(), FieldType::Currency);
+  }
+  TbAnaliseClasse.FieldDefs.Add("Classe", FieldType::String, 6);
+  TbAnaliseClasse.FieldDefs.Add("Operacao", FieldType::String, 1);
+  TbAnaliseClasse.FieldDefs.Add("Descricao", FieldType::String, 30);
+  TbAnaliseClasse.FieldDefs.Add("Conta", FieldType::String, 20);
+  TbAnaliseClasse.FieldDefs.Add("Total", FieldType::Currency);
+  TbAnaliseClasse.CreateDataSet();
+  TbAnaliseClasseTotalDia.CreateDataSet();
+}
+
+}  // namespace orv
