@@ -126,7 +126,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
         GbOpcoes { CbEmp CbSaldoDoDia CbTodosDias CbDiasUteis CbContBanc CbClasse } /
         GbPedidos { CbBloq CBCond CbPedAtraso CbConsST CbDataItens CbMoedaEmiOC } /
         GbSituacao {
-          EdtSit PqSituacaoRP btnClearSit EdtSitDesc PqSituacaoRec btnClearDescRec
+          EdtSit PqSituacaoRP btnClearSit EdtSitDesc PqSituacaoRec btnClearDescRec /
           EdtSitDescPag PqSituacaoPag btnClearDescPagar edtBanco pqBanco btnClearBancos
         }
       }
@@ -136,8 +136,10 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
       TabSheet1 { OrvDBGrid1 }
       TabSheet2 {
         LbConsulta / LbOcultos / DBGrid1 /
-        @sums { TotRec TotRecChe TotVendas TotCreCC TotEntrada } /
-        @sums { TotPag TotPagChe TotCompras TotDebCC TotOrcPag TotPrevPag TotSaida }
+        @sums {
+          TotRec TotRecChe TotVendas TotCreCC TotEntrada TotSaida
+          TotPag TotPagChe TotCompras TotDebCC TotOrcPag TotPrevPag
+        }
       }
       TabSheet3 { LbDetalhe / DBGrid2 }
       TabSheet4 { LbClasse / DBGrid3 }

@@ -152,13 +152,13 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   MoneyEdit TotVendas{*this, "TotVendas", "Vendas"};
   MoneyEdit TotCreCC{*this, "TotCreCC", "Cred. CC"};
   MoneyEdit TotEntrada{*this, "TotEntrada", "Entradas"};
+  MoneyEdit TotSaida{*this, "TotSaida", "Saídas"};
   MoneyEdit TotPag{*this, "TotPag", "Pagar"};
   MoneyEdit TotPagChe{*this, "TotPagChe", "Cheque Pag."};
   MoneyEdit TotCompras{*this, "TotCompras", "Compras"};
   MoneyEdit TotDebCC{*this, "TotDebCC", "Deb. CC"};
   MoneyEdit TotOrcPag{*this, "TotOrcPag", "Orç. Pagar"};
   MoneyEdit TotPrevPag{*this, "TotPrevPag", "Previsão Pag."};
-  MoneyEdit TotSaida{*this, "TotSaida", "Saídas"};
   TabSheet TabSheet3{*this, "TabSheet3", "Detalhamento"};
   Label LbDetalhe{*this, "LbDetalhe"};
   TOrvDBGrid DBGrid2;
