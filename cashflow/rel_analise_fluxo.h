@@ -337,6 +337,8 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   bool montando_ = false;
   // The first day of the table of classes.
   Date base_classe_;
+  // What the table of classes has no place for, told beside it.
+  std::string fora_da_classe_;
   // What the latest gathering has to say.
   std::vector<std::string> avisos_;
   Origens origens_;

@@ -60,6 +60,7 @@ void TfmRelAnaliseFluxo::Monta(Gathering& andamento) {
   Consulta consulta{andamento, {EdtDataDe.Date(), edtDataAte.Date()}, DiasEfetivos(Funcoes, Contabil)};
   avisos_.clear();
   ocultos_.clear();
+  fora_da_classe_.clear();
   MostraOcultos();
   TbDetalha.SetFiltered(false);
   LayDown(TbDetalha, kDetalha);

@@ -278,6 +278,11 @@ void TfmRelAnaliseFluxo::MostraOcultos() {
   LbOcultos.Mostra(ocultos.empty() ? ""
                                    : "Os saldos não contam o que foi ocultado: " + ocultos +
                                          ". Para contar, marque o tipo e consulte de novo.");
+  // The classes stay as they were gathered.
+  std::string classes = fora_da_classe_;
+  if (!ocultos.empty())
+    classes += (classes.empty() ? "" : " ") + ("Conta o que foi ocultado em Análise: " + ocultos + ".");
+  LbClasse.Mostra(std::move(classes));
 }
 
 // --- From tab to tab.
@@ -449,7 +454,8 @@ void TfmRelAnaliseFluxo::GeraAnaliseClasseMes(Gathering& andamento) {
                    entradas_fora.Brazil() + ", saídas " + (-saidas_fora).Brazil() + ".");
   if (!oficinas.IsZero())
     fora.push_back("Pagamentos de terceiros não entram aqui: " + oficinas.Brazil() + ".");
-  LbClasse.Mostra(Join(fora, " "));
+  fora_da_classe_ = Join(fora, " ");
+  MostraOcultos();
 }
 
 // The days that count close up, so that the table stays dense.
