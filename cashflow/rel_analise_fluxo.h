@@ -166,8 +166,8 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   Aviso LbClasse{*this, "LbClasse"};
   TOrvDBGrid DBGrid3;
   TabSheet TabSheet5{*this, "TabSheet5", "Gráfico"};
-  SmallButton SpeedButton1{*this, "SpeedButton1", "Página anterior"};
-  SmallButton SpeedButton4{*this, "SpeedButton4", "Próxima página"};
+  SmallButton SpeedButton1{*this, "SpeedButton1", "Ant&erior"};
+  SmallButton SpeedButton4{*this, "SpeedButton4", "Pró&xima"};
   Chart DBChart1{
       *this,     "DBChart1", "Análise de Caixa",
       TbGrafico, "Periodo",  {{"Credito", "Credito"}, {"Debito", "Débito"}, {"Saldo", "Saldo", true}},
