@@ -112,6 +112,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
     : ReportScreen(application, "TfmRelAnaliseFluxo", "fmRelAnaliseFluxo",
                    "Relatório de Análise de Fluxo de Caixa"),
       OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, GridColumns(kSaldo), false, "Contas"),
+      GridMenor(*this, "GridMenor", TbMenor, GridColumns(kMenor), true, "Menor saldo de cada conta"),
       DBGrid1(*this, "DBGrid1", TbRelatorio, GridColumns(kRelatorio), false, "Períodos"),
       DBGrid2(*this, "DBGrid2", TbDetalha, GridColumns(kDetalha), true, "Lançamentos"),
       DBGrid3(*this, "DBGrid3", TbClasseData, ColunasDeClasse(kDias), true, "Classes por dia") {
@@ -133,9 +134,9 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
       @primary BitBtn29
     } /
     PageControl1 {
-      TabSheet1 { OrvDBGrid1 }
+      TabSheet1 { OrvDBGrid1 / @narrow GridMenor }
       TabSheet2 {
-        LbConsulta / LbOcultos / DBGrid1 /
+        LbConsulta / LbOcultos / LbMenor / DBGrid1 /
         @sums {
           TotRec TotRecChe TotVendas TotCreCC TotEntrada TotSaida
           TotPag TotPagChe TotCompras TotDebCC TotOrcPag TotPrevPag
@@ -147,7 +148,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
     } /
     @actions { BitBtn33 BtComposicao TrackBar1 @apart BitBtn5 }
   )");
-  for (TClientDataSet* set : {&TbSaldo, &TbRelatorio, &TbDetalha, &TbClasseData, &TbAnaliseClasse,
+  for (TClientDataSet* set : {&TbSaldo, &TbRelatorio, &TbDetalha, &TbMenor, &TbClasseData, &TbAnaliseClasse,
                               &TbAnaliseClasseTotalDia, &TbGrafico})
     AddSet(*set);
   Period(EdtDataDe, edtDataAte);
@@ -156,6 +157,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
   LayDown(TbSaldo, kSaldo);
   LayDown(TbRelatorio, kRelatorio);
   LayDown(TbDetalha, kDetalha);
+  LayDown(TbMenor, kMenor);
   static constexpr ReportField kClasse[] = {{"Classe", FieldType::String, 6},
                                             {"Descricao", FieldType::String, 30},
                                             {"Operacao", FieldType::String, 1},

@@ -133,6 +133,15 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
       {"Nome_Rep", FieldType::String, 30, {"Representante", 20, 26}},
   });
   TClientDataSet TbDetalha{"TbDetalha"};
+  // The lowest balance that each account comes to by what is expected of it, and its day.
+  static constexpr auto kMenor = std::to_array<ReportField>({
+      {"Conta", FieldType::String, 13, {"Conta"}},
+      {"Descricao", FieldType::String, 50, {"Descrição", 30}},
+      {"Saldo", FieldType::Currency, 0, {"Saldo"}},
+      {"Menor", FieldType::Currency, 0, {"Menor saldo"}},
+      {"Dia", FieldType::Date, 0, {"Em"}},
+  });
+  TClientDataSet TbMenor{"TbMenor"};
   // Classes by day, of which the table has so many; those that close up leave columns behind.
   static constexpr int kDias = 31;
   TClientDataSet TbClasseData{"TbClasseData"};
@@ -143,7 +152,9 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   PageControl PageControl1{*this, "PageControl1", 1};
   TabSheet TabSheet1{*this, "TabSheet1", "Contas"};
   TOrvDBGrid OrvDBGrid1;
+  TOrvDBGrid GridMenor;
   TabSheet TabSheet2{*this, "TabSheet2", "Análise"};
+  Label LbMenor{*this, "LbMenor"};
   Aviso LbConsulta{*this, "LbConsulta"};
   Aviso LbOcultos{*this, "LbOcultos"};
   TOrvDBGrid DBGrid1;
@@ -293,6 +304,9 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   void AdicionaDiasSemMov();
   void CalculaSaldo();
   void AnexaSaldoInicial();
+  // The lowest balance in all and of each account. What is typed into a period counts on its first day.
+  void MostraMenorSaldo();
+  void MenorPorConta();
   Currency SomaSaldos();
   void TbSaldoAfterPost();
   void OrvDBGrid1Exit();
@@ -300,6 +314,7 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   void ZeraTipo(const Tipo& tipo);
   // The kinds that were hidden with what they took along: "Cheque Rec. 10,00, Valor Venda 5,00".
   std::string Ocultos() const;
+  std::string OcultosQueContam();
   void MostraOcultos();
   void CbClasseClick();
   void DBGrid1DblClick();
@@ -343,6 +358,21 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   std::vector<std::string> avisos_;
   Origens origens_;
   SharedTexts nomes_;
+  // The money of a day of a period by its kind, in the order of the days; and what is expected of an account.
+  struct DiaSomado {
+    Date dia;
+    std::string codigo;
+    std::array<Currency, kSomados> valores{};
+  };
+  std::vector<DiaSomado> dias_;
+  struct DiaDaConta {
+    Date dia;
+    std::size_t tipo;
+    Currency valor;
+  };
+  std::map<std::string, std::vector<DiaDaConta>> por_conta_;
+  void SomaDia(const std::string& codigo, const std::array<const Field*, kSomados>& campos, Date dia,
+               const std::string& conta);
   // What hiding took out of the periods since they were gathered, by the column.
   std::map<std::string, Currency> ocultos_;
 };

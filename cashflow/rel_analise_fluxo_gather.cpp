@@ -61,11 +61,12 @@ void TfmRelAnaliseFluxo::Monta(Gathering& andamento) {
   avisos_.clear();
   ocultos_.clear();
   fora_da_classe_.clear();
-  MostraOcultos();
   TbDetalha.SetFiltered(false);
   LayDown(TbDetalha, kDetalha);
   LayDown(TbRelatorio, kRelatorio);
   origens_.Limpa();
+  dias_.clear();
+  por_conta_.clear();
   andamento.Stage("Saldos das contas");
   Busca_Saldos();
   consulta.contas = ContasMarcadas();
@@ -86,6 +87,7 @@ void TfmRelAnaliseFluxo::Monta(Gathering& andamento) {
   if (CbClasse.Checked()) GeraAnaliseClasseMes(andamento);
   if (CbTodosDias.Checked()) AdicionaDiasSemMov();
   CalculaSaldo();
+  MostraOcultos();
   LbConsulta.Mostra(Join(avisos_, " "));
 }
 

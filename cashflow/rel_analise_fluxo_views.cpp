@@ -88,7 +88,7 @@ const TfmRelAnaliseFluxo::Tipo* TfmRelAnaliseFluxo::TipoSelecionado() const {
 void TfmRelAnaliseFluxo::Gera_Analise(Gathering& andamento) {
   andamento.Stage("Períodos", TbDetalha.RecordCount());
   Field& codigo = TbDetalha["CodPer"];
-  const Field& vencto = TbDetalha["Vencto"];
+  const Field &vencto = TbDetalha["Vencto"], &conta = TbDetalha["Conta"];
   std::array<const Field*, kSomados> campos{};
   for (std::size_t i = 0; i < kSomados; ++i) campos[i] = &TbDetalha[kTipos[i].detalhe];
 
@@ -122,6 +122,9 @@ void TfmRelAnaliseFluxo::Gera_Analise(Gathering& andamento) {
       const Value& valor = campos[i]->Get();
       if (!valor.IsNull()) valores[i] += valor.AsCurrency();
     }
+    // What is overdue may come any day: it counts on the first.
+    SomaDia(periodo.codigo, campos, &periodo == &atraso ? EdtDataDe.Date() : vencto.AsDate(),
+            conta.AsString());
     andamento.Advance();
   }
   for (const Soma& soma : somas) AnexaPeriodo(soma.periodo->codigo, soma.periodo->nome, soma.valores);
@@ -143,8 +146,12 @@ void TfmRelAnaliseFluxo::AdicionaDiasSemMov() {
   if (RgGrupo.ItemIndex() != kDiaria || !CbTodosDias.Checked()) return;
   for (Date dia = EdtDataDe.Date(); !dia.Empty() && dia <= edtDataAte.Date(); dia = dia.AddDays(1)) {
     const auto [codigo, nome] = DiaDe(dia);
-    if (!TbRelatorio.Locate("CodPer", codigo)) AnexaPeriodo(codigo, nome, {});
+    if (TbRelatorio.Locate("CodPer", codigo)) continue;
+    AnexaPeriodo(codigo, nome, {});
+    dias_.push_back({dia, codigo});
   }
+  std::stable_sort(dias_.begin(), dias_.end(),
+                   [](const DiaSomado& a, const DiaSomado& b) { return a.dia < b.dia; });
 }
 
 // --- Balances.
@@ -191,6 +198,82 @@ void TfmRelAnaliseFluxo::CalculaSaldo() {
   for (std::size_t i = 0; i < kTipos.size(); ++i) {
     if (kTipos[i].total != nullptr) (this->*kTipos[i].total).SetAmount(totais[i]);
   }
+  MostraMenorSaldo();
+  MenorPorConta();
+}
+
+// --- The lowest balance.
+
+void TfmRelAnaliseFluxo::SomaDia(const std::string& codigo, const std::array<const Field*, kSomados>& campos,
+                                 Date dia, const std::string& conta) {
+  if (dias_.empty() || dias_.back().dia != dia || dias_.back().codigo != codigo)
+    dias_.push_back({dia, codigo});
+  for (std::size_t i = 0; i < kSomados; ++i) {
+    const Value& valor = campos[i]->Get();
+    if (valor.IsNull()) continue;
+    dias_.back().valores[i] += valor.AsCurrency();
+    if (!conta.empty()) por_conta_[conta].push_back({dia, i, valor.AsCurrency()});
+  }
+}
+
+void TfmRelAnaliseFluxo::MostraMenorSaldo() {
+  // What the days add to the balance; the periods' rows tell what was typed beyond them.
+  const auto do_dia = [this](const DiaSomado& dia) {
+    Currency soma;
+    for (std::size_t i = 0; i < kSomados; ++i) {
+      if (!ocultos_.contains(kTipos[i].campo)) soma += kTipos[i].entrada ? dia.valores[i] : -dia.valores[i];
+    }
+    return soma;
+  };
+  std::unordered_map<std::string, Currency> digitado;
+  Currency saldo;
+  Date dia = EdtDataDe.Date();
+  for (int64_t i = 0, n = TbRelatorio.DisplayCount(); i < n; ++i) {
+    const std::string codigo = TbRelatorio.Cell(i, TbRelatorio["CodPer"]).AsString();
+    if (codigo == kSaldoInicial) saldo = TbRelatorio.Cell(i, TbRelatorio["Saldo"]).AsCurrency();
+    for (const Tipo& tipo : kTipos) {
+      const Currency valor = TbRelatorio.Cell(i, TbRelatorio[tipo.campo]).AsCurrency();
+      digitado[codigo] += tipo.entrada ? valor : -valor;
+    }
+  }
+  for (const DiaSomado& um : dias_) digitado[um.codigo] -= do_dia(um);
+  Currency menor = saldo;
+  for (const DiaSomado& um : dias_) {
+    if (um.codigo <= kSaldoInicial) continue;
+    saldo += std::exchange(digitado[um.codigo], Currency()) + do_dia(um);
+    if (saldo < menor) menor = saldo, dia = um.dia;
+  }
+  LbMenor.SetCaption("Menor saldo: " + menor.Brazil() + " em " + dia.Brazil() + ".");
+  LbMenor.SetColor(menor < Currency() ? "error" : "good");
+}
+
+void TfmRelAnaliseFluxo::MenorPorConta() {
+  const ControlsHold hold(TbMenor);
+  TbMenor.EmptyDataSet();
+  const Field &seleciona = TbSaldo["Seleciona"], &conta = TbSaldo["Conta"], &descricao = TbSaldo["Descricao"],
+              &saldo = TbSaldo["Saldo"];
+  for (int64_t i = 0, n = TbSaldo.DisplayCount(); i < n; ++i) {
+    if (TbSaldo.Cell(i, seleciona).Text() != "S") continue;
+    Currency corrente = TbSaldo.Cell(i, saldo).AsCurrency(), menor = corrente;
+    Date dia = EdtDataDe.Date(), ate = dia;
+    // Of one day all counts together.
+    const auto fecha = [&] {
+      if (corrente < menor) menor = corrente, dia = ate;
+    };
+    const auto achada = por_conta_.find(TbSaldo.Cell(i, conta).AsString());
+    if (achada != por_conta_.end()) {
+      for (const DiaDaConta& um : achada->second) {
+        if (um.dia != ate) fecha();
+        ate = um.dia;
+        if (!ocultos_.contains(kTipos[um.tipo].campo))
+          corrente += kTipos[um.tipo].entrada ? um.valor : -um.valor;
+      }
+    }
+    fecha();
+    Value linha[] = {TbSaldo.Cell(i, conta), TbSaldo.Cell(i, descricao), TbSaldo.Cell(i, saldo), menor, dia};
+    TbMenor.AppendRow(linha);
+  }
+  TbMenor.First();
 }
 
 // An account that was marked, left out or retyped moves every balance.
@@ -273,11 +356,28 @@ std::string TfmRelAnaliseFluxo::Ocultos() const {
   return Join(ditos, ", ");
 }
 
+// Hiding takes out what is above zero; the rest of a hidden column is still in the balances.
+std::string TfmRelAnaliseFluxo::OcultosQueContam() {
+  std::vector<std::string> ditos;
+  for (const Tipo& tipo : kTipos) {
+    if (tipo.caixa == nullptr || (this->*tipo.caixa).Checked()) continue;
+    Currency soma;
+    for (int64_t i = 0, n = TbRelatorio.DisplayCount(); i < n; ++i)
+      soma += TbRelatorio.Cell(i, TbRelatorio[tipo.campo]).AsCurrency();
+    if (soma < Currency()) ditos.push_back(std::string(tipo.titulo) + " " + soma.Brazil());
+  }
+  return Join(ditos, ", ");
+}
+
 void TfmRelAnaliseFluxo::MostraOcultos() {
   const std::string ocultos = Ocultos();
-  LbOcultos.Mostra(ocultos.empty() ? ""
-                                   : "Os saldos não contam o que foi ocultado: " + ocultos +
-                                         ". Para contar, marque o tipo e consulte de novo.");
+  std::string texto;
+  if (!ocultos.empty())
+    texto = "Os saldos não contam o que foi ocultado: " + ocultos +
+            ". Para contar, marque o tipo e consulte de novo.";
+  if (const std::string contam = OcultosQueContam(); !contam.empty())
+    texto += (texto.empty() ? "" : " ") + ("Contam, embora ocultos, valores negativos: " + contam + ".");
+  LbOcultos.Mostra(std::move(texto));
   // The classes stay as they were gathered.
   std::string classes = fora_da_classe_;
   if (!ocultos.empty())
@@ -455,7 +555,6 @@ void TfmRelAnaliseFluxo::GeraAnaliseClasseMes(Gathering& andamento) {
   if (!oficinas.IsZero())
     fora.push_back("Pagamentos de terceiros não entram aqui: " + oficinas.Brazil() + ".");
   fora_da_classe_ = Join(fora, " ");
-  MostraOcultos();
 }
 
 // The days that count close up, so that the table stays dense.

@@ -70,6 +70,9 @@ TEST_F(AnaliseTest, AccountsDecideWhatEntersOfTheLedger) {
   EXPECT_EQ(desk.Column("TbDetalha", "Numero"), "L1 L2 P1");
   EXPECT_EQ(desk.Read("TbRelatorio", {"CodPer", "Periodo", "Saldo"}),
             "00|Saldo Inicial.|1005.0000\n2026 / 11|Novembro / 2026|835.0000\n");
+  EXPECT_EQ(desk.Caption("LbMenor") + desk.Rows("TbMenor"),
+            "Menor saldo: 835,00 em 27/11/2026.10250-1|CONTA "
+            "MOVIMENTO|1000.0000|930.0000|2026-11-26\n1234567890-12|-|5.0000|5.0000|2026-11-20\n");
   // A change of accounts moves the balances at once, and the next gathering sees the mark.
   desk.Page("TabSheet1");
   desk.Cell("OrvDBGrid1", 0, "Seleciona", "false");
@@ -97,7 +100,7 @@ TEST_F(AnaliseTest, AccountsDecideWhatEntersOfTheLedger) {
 TEST_F(AnaliseTest, PurchasesByTheirOwnDatesAndRates) {
   Purchase("LONGA", "11/25/2026");
   Purchase("CURTA", "11/25/2026", "MOEDA = '4'");
-  Purchase("PAGA", "11/25/2026", "DOCTO = 'D9', FRETE = '2', VAL_FRETE = 10");
+  Purchase("PAGA", "12/08/2026", "DOCTO = 'D9', FRETE = '2', VAL_FRETE = 10");
   for (const char* sql :
        {"('LONGA', 'C', '03/09/2030')", "('LONGA', 'C', '11/20/2026')", "('CURTA', 'C', '05/01/2031')"})
     Run(std::string("INSERT INTO COND_PAGTO_001 VALUES ") + sql);
@@ -113,7 +116,7 @@ TEST_F(AnaliseTest, PurchasesByTheirOwnDatesAndRates) {
   // 1,200 days are cut to 120; five days before the delivery; more was paid in advance than it costs.
   EXPECT_EQ(rows(),
             "LONGA/01|LONGA|2026-11-25|2026-11-20|50.0000|COMPRA\nPAGA/"
-            "01|PAGA|2026-11-25|2026-11-25|-140.0000|COMPRA\n"
+            "01|PAGA|2026-12-08|2026-12-08|-140.0000|COMPRA\n"
             "LONGA/02|LONGA|2026-11-25|2027-03-25|50.0000|COMPRA\nCURTA/"
             "01|CURTA|2026-11-25|2027-05-05|500.0000|COMPRA\n");
   EXPECT_EQ(desk.Caption("LbConsulta"), "");
@@ -121,14 +124,20 @@ TEST_F(AnaliseTest, PurchasesByTheirOwnDatesAndRates) {
   Run("UPDATE COMPRA_001 SET DT_EMISSAO = '11/02/2026'");
   Fill(desk, kDe, "31/12/2027", {{"CBCond", "false"}, {"CbMoedaEmiOC", "true"}});
   desk.Told("BitBtn29");
+  // A hidden column keeps what is below zero, which still counts.
+  desk.Check("CbCompras", false);
+  EXPECT_EQ(desk.Caption("LbOcultos").substr(desk.Caption("LbOcultos").find("Contam")),
+            "Contam, embora ocultos, valores negativos: Valor Compras -140,00.");
   EXPECT_EQ(desk.Column("TbDetalha", "Vencto") + " " + desk.Column("TbDetalha", "Valor_Compra"),
-            "2026-11-25 2026-11-25 2026-11-25 100.0000 100.0000 -140.0000");
+            "2026-11-25 2026-11-25 2026-12-08 100.0000 100.0000 -140.0000");
   EXPECT_EQ(desk.Caption("LbConsulta"), "Compras sem cotação, contadas a 1,00: moeda 4 em 02/11/2026.");
   // By its items a purchase has a row for each of their days, and its own dates don't count.
   Run("UPDATE CO_ITEN_001 SET DT_FATURA = '12/01/2026'");
   Put(CoItem{.numero = "LONGA", .qtde = 3});
   Run("UPDATE CO_ITEN_001 SET DT_FATURA = '12/02/2026' WHERE QTDE = 3");
-  EXPECT_EQ(Gather(desk, {{"CBCond", "true"}, {"CbDataItens", "true"}}, kDe, "31/12/2027"), "");
+  EXPECT_EQ(
+      Gather(desk, {{"CbCompras", "true"}, {"CBCond", "true"}, {"CbDataItens", "true"}}, kDe, "31/12/2027"),
+      "");
   EXPECT_EQ(desk.Column("TbDetalha", "Valor_Compra"), "100.0000 100.0000 -140.0000 10.0000");
   desk.Do({{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 1}, {"column", "Valor_Compras"}});
   desk.DoubleClick("DBGrid2", 0, "Numero");
@@ -186,6 +195,7 @@ TEST_F(AnaliseTest, WhatIsSimulatedAndHiddenComesBack) {
   desk.Cell("DBGrid1", 1, "Nota_Saida", "250,50");
   desk.Key("DBGrid1", 1, "Nota_Saida", "Tab");
   EXPECT_EQ(balances() + " " + desk.Text("TotSaida"), "1000.0000 849.5000 879.5000 250,50");
+  EXPECT_EQ(desk.Caption("LbMenor"), "Menor saldo: 849,50 em 25/11/2026.");
   // What is typed over reaches the balance with the next sum; the balance itself can't be typed.
   desk.Cell("DBGrid1", 2, "Valor_Pag", "130");
   EXPECT_EQ(balances(), "1000.0000 849.5000 879.5000");
