@@ -144,12 +144,15 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
       }
       TabSheet3 { LbDetalhe / DBGrid2 }
       TabSheet4 { LbClasse / DBGrid3 }
-      TabSheet5 { SpeedButton1 SpeedButton4 / DBChart1 }
+      TabSheet5 {
+        SpeedButton1 SpeedButton4 CbCompara1 CbCompara2 BtAbrir BtExcluir BtGuardar /
+        LbCompara / DBChart1 / GrafCompara
+      }
     } /
     @actions { BitBtn33 BtComposicao TrackBar1 @apart BitBtn5 }
   )");
   for (TClientDataSet* set : {&TbSaldo, &TbRelatorio, &TbDetalha, &TbMenor, &TbClasseData, &TbAnaliseClasse,
-                              &TbAnaliseClasseTotalDia, &TbGrafico})
+                              &TbAnaliseClasseTotalDia, &TbGrafico, &TbCompara})
     AddSet(*set);
   Period(EdtDataDe, edtDataAte);
   EdtDataDe.SetDate(Today());
@@ -171,6 +174,9 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
   for (const char* campo : {"Credito", "Debito", "Saldo"})
     TbGrafico.FieldDefs.Add(campo, FieldType::Currency);
   TbGrafico.CreateDataSet();
+  TbCompara.FieldDefs.Add("Periodo", FieldType::String, 35);
+  for (const char* campo : {"Saldo", "Saldo1", "Saldo2"}) TbCompara.FieldDefs.Add(campo, FieldType::Currency);
+  TbCompara.CreateDataSet();
   Busca_Contas();
   fac80_ = Funcoes.BuscaParametro("FAC", 80);
 
@@ -202,8 +208,15 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
   DBGrid2.OnKey = [this](KeyPress& key) { DBGrid2KeyDown(key); };
   DBGrid2.OnTitleClick = [this](const std::string& coluna) { DBGrid2TitleClick(coluna); };
   DBGrid3.OnDblClick = [this] { DBGrid3DblClick(); };
-  SpeedButton1.OnClick = [this] { DBChart1.SetPage(DBChart1.Page() - 1); };
-  SpeedButton4.OnClick = [this] { DBChart1.SetPage(DBChart1.Page() + 1); };
+  const auto folheia = [this](int paginas) {
+    for (Chart* grafico : {&DBChart1, &GrafCompara}) grafico->SetPage(grafico->Page() + paginas);
+  };
+  SpeedButton1.OnClick = [folheia] { folheia(-1); };
+  SpeedButton4.OnClick = [folheia] { folheia(1); };
+  for (ComboBox* lista : {&CbCompara1, &CbCompara2}) lista->OnChange = [this] { Compara(); };
+  BtGuardar.OnClick = [this] { BtGuardarClick(); };
+  BtAbrir.OnClick = [this] { BtAbrirClick(); };
+  BtExcluir.OnClick = [this] { BtExcluirClick(); };
   Answers["Filtra"] = {1, [this](auto dados) { return Filtra(dados[0].AsString()); }};
   Answers["NomeColuna"] = {1, [this](auto dados) { return Value(NomeColuna(dados[0].AsInteger())); }};
   Answers["Aviso"] = {
@@ -212,6 +225,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
       }};
   CbClasseClick();
   TrackBar1Change();
+  LeSimulacoes();
 }
 
 void TfmRelAnaliseFluxo::CbClasseClick() {

@@ -148,6 +148,8 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   TClientDataSet TbAnaliseClasse{"TbAnaliseClasse"};
   TClientDataSet TbAnaliseClasseTotalDia{"TbAnaliseClasseTotalDia"};
   TClientDataSet TbGrafico{"TbGrafico"};
+  // The balances as they are and by two simulations that were kept.
+  TClientDataSet TbCompara{"TbCompara"};
 
   PageControl PageControl1{*this, "PageControl1", 1};
   TabSheet TabSheet1{*this, "TabSheet1", "Contas"};
@@ -182,6 +184,16 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   Chart DBChart1{
       *this,     "DBChart1", "Análise de Caixa",
       TbGrafico, "Periodo",  {{"Credito", "Credito"}, {"Debito", "Débito"}, {"Saldo", "Saldo", true}},
+      15};
+  ComboBox CbCompara1{*this, "CbCompara1", "Comparar com", {"(nenhuma)"}, 0};
+  ComboBox CbCompara2{*this, "CbCompara2", "e com", {"(nenhuma)"}, 0};
+  SmallButton BtGuardar{*this, "BtGuardar", "Guardar simulação"};
+  SmallButton BtAbrir{*this, "BtAbrir", "Abrir simulação"};
+  SmallButton BtExcluir{*this, "BtExcluir", "Excluir simulação"};
+  Aviso LbCompara{*this, "LbCompara"};
+  Chart GrafCompara{
+      *this,     "GrafCompara", "Saldos lado a lado",
+      TbCompara, "Periodo",     {{"Saldo", "Como está", true}, {"Saldo1", "", true}, {"Saldo2", "", true}},
       15};
   Button BitBtn33{*this, "BitBtn33", "Imprimir"};
   Button BtComposicao{*this, "BtComposicao", "Composição do saldo"};
@@ -337,6 +349,21 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   std::string NomeColuna(int64_t n) const;
   const Tipo* TipoSelecionado() const;
 
+  // --- Simulations that the user keeps under names of his own: what was typed as entry and exit by the
+  // period.
+  struct Simulado {
+    Currency entrada, saida;
+  };
+  using Simulacao = std::map<std::string, Simulado>;
+  std::string CaminhoSimulacao() const;
+  void LeSimulacoes();
+  // The one that a list names, null for none.
+  const Simulacao* Escolhida(const ComboBox& lista) const;
+  void BtGuardarClick();
+  void BtAbrirClick();
+  void BtExcluirClick();
+  void Compara();
+
   // --- From a figure to where it comes from.
   void OrvDBGrid1DblClick();
   void DBGrid2DblClick();
@@ -373,6 +400,7 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   std::map<std::string, std::vector<DiaDaConta>> por_conta_;
   void SomaDia(const std::string& codigo, const std::array<const Field*, kSomados>& campos, Date dia,
                const std::string& conta);
+  std::map<std::string, Simulacao> simulacoes_;
   // What hiding took out of the periods since they were gathered, by the column.
   std::map<std::string, Currency> ocultos_;
 };

@@ -470,6 +470,7 @@ void TfmRelAnaliseFluxo::GeraGrafico() {
   }
   TbGrafico.First();
   DBChart1.SetPage(0);
+  Compara();
 }
 
 // --- Classes by day.

@@ -193,6 +193,7 @@ class Chart : public Control {
         series_(std::move(series)),
         page_size_(page_size) {}
   DataSet& Set() const { return set_; }
+  void SetSeriesTitle(std::string_view field, std::string title);
   int Page() const { return page_; }
   int PageCount() const;
   // Stays between the first page and the last.

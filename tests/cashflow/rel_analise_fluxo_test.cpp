@@ -184,9 +184,8 @@ TEST_F(AnaliseTest, WhatIsSimulatedAndHiddenComesBack) {
   Put(Receber{.numero = "R1", .dt_vencto = "11/25/2026"});
   Put(Receber{.numero = "C1", .dt_vencto = "12/09/2026", .valor2 = 60, .status = "CH", .numero_ch = "77"});
   Put(Pagto{.num_ap = "P1", .dt_ven = "12/10/2026", .valor = 30});
-  const std::string
-      tables = "CONTACOR_001 RECEBER_001 PAGTO_001 CADCONTA_001 PREFERENCIA AUDITORIA CHEQUE_PRE_001",
-      before = Tables(tables);
+  const std::string tables = "CONTACOR_001 RECEBER_001 PAGTO_001 CADCONTA_001 AUDITORIA CHEQUE_PRE_001",
+                    before = Tables(tables);
   Desk desk(database_, At{"TfmRelAnaliseFluxo"});
   Gather(desk, {{"CbClasse", "true"}});
   const auto balances = [&] { return desk.Column("TbRelatorio", "Saldo"); };
@@ -196,6 +195,30 @@ TEST_F(AnaliseTest, WhatIsSimulatedAndHiddenComesBack) {
   desk.Key("DBGrid1", 1, "Nota_Saida", "Tab");
   EXPECT_EQ(balances() + " " + desk.Text("TotSaida"), "1000.0000 849.5000 879.5000 250,50");
   EXPECT_EQ(desk.Caption("LbMenor"), "Menor saldo: 849,50 em 25/11/2026.");
+  // Kept under a name it can be laid beside what is now and opened again, in its company alone.
+  const auto chart = [&] {
+    desk.Do({{"do", "row"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "Periodo"}});
+    desk.Page("TabSheet5");
+  };
+  chart();
+  desk.Press("BtGuardar", "Pessimista");
+  desk.Set("CbCompara1", "Pessimista");
+  desk.Page("TabSheet2");
+  desk.Cell("DBGrid1", 1, "Nota_Saida", "0");
+  desk.Key("DBGrid1", 1, "Nota_Saida", "Tab");
+  chart();
+  EXPECT_EQ(desk.Rows("TbCompara"),
+            "Saldo Inicial.|1000.0000|1000.0000|-\nNovembro / 2026|1100.0000|849.5000|-\nDezembro / "
+            "2026|1130.0000|879.5000|-\n");
+  desk.Click("BtAbrir");
+  EXPECT_EQ(balances(), "1000.0000 849.5000 879.5000");
+  const auto kept = [](Desk& at) { return at.Property("CbCompara1", "items").Items().size() - 1; };
+  Desk other(database_, At{"TfmRelAnaliseFluxo", "ana", "_002"});
+  EXPECT_EQ(kept(desk), 1U);
+  EXPECT_EQ(kept(other), 0U);
+  desk.Press("BtExcluir", "yes");
+  EXPECT_EQ(kept(desk), 0U);
+  desk.Page("TabSheet2");
   // What is typed over reaches the balance with the next sum; the balance itself can't be typed.
   desk.Cell("DBGrid1", 2, "Valor_Pag", "130");
   EXPECT_EQ(balances(), "1000.0000 849.5000 879.5000");

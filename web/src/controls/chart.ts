@@ -40,10 +40,12 @@ export class ChartView extends ControlView {
   }
 
   private get series(): Series[] {
-    return this.list("series").map((text) => {
+    const series = this.list("series").map((text) => {
       const [field = "", title = "", kind] = text.split("\t");
       return { field, title, line: kind === "line" };
     });
+    // One without a title has nothing to show.
+    return series.filter((one) => one.title !== "");
   }
 
   override render(): void {
