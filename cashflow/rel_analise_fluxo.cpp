@@ -18,92 +18,35 @@ constexpr int kDiasDaConsulta = 30;
 std::vector<GridColumn> ColunasDeClasse(int dias) {
   std::vector<GridColumn> colunas{{"Classe", "Classe"}, {"Descricao", "Descrição", 30}, {"Conta", "Conta"}};
   for (int dia = 1; dia <= dias; ++dia)
-    colunas.push_back({.field = "Dia" + std::to_string(dia), .title = "", .visible = false});
+    colunas.push_back(
+        {.field = "Dia" + std::to_string(dia), .title = "Dia " + std::to_string(dia), .visible = false});
   colunas.push_back({"Total", "Total"});
   return colunas;
 }
+
+// The columns of the detail rows that tell who and what, from which account, at which bank.
+constexpr const char* kPessoa[] = {"Cliente", "Nome", "CodSit", "Situacao", "Observacao"};
+constexpr const char* kTitulo[] = {"Cliente", "Nome", "CodSit", "Situacao", "Observacao", "Nome_Rep"};
+constexpr const char* kVenda[] = {"Cliente", "Nome", "CodSit", "Situacao", "Nome_Rep"};
+constexpr const char* kCheque[] = {"Conta", "DescConta", "Observacao"};
+constexpr const char* kConta[] = {"Conta", "DescConta", "Observacao", "Banco", "Nome_Banco"};
+constexpr const char* kOficina[] = {"Cliente", "Nome", "Observacao"};
 
 }  // namespace
 
 using T = TfmRelAnaliseFluxo;
 const std::array<T::Tipo, 13> T::kTipos{{
-    {"Valor_Rec",
-     "Valor_Rec",
-     "Valor Receber",
-     true,
-     nullptr,
-     &T::TotRec,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Observacao", "Nome_Rep"}},
-    {"Cheque_Rec",
-     "Cheque_Rec",
-     "Cheque Rec.",
-     true,
-     &T::CbCheRec,
-     &T::TotRecChe,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Observacao"}},
-    {"Valor_Venda",
-     "Valor_Venda",
-     "Valor Venda",
-     true,
-     &T::CbVendas,
-     &T::TotVendas,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Nome_Rep"}},
-    {"Pend_Rec",
-     "Pend_Rec",
-     "Crédito Pendente",
-     true,
-     &T::CbCredPend,
-     &T::TotCreCC,
-     {"Conta", "DescConta", "Observacao", "Banco", "Nome_Banco"}},
-    {"Orca_Rec",
-     "Orca_Rec",
-     "Orça. Receber",
-     true,
-     &T::CbOrcaRec,
-     nullptr,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Observacao"}},
-    {"Valor_Pag",
-     "Valor_Pag",
-     "Valor Pagar",
-     false,
-     nullptr,
-     &T::TotPag,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Observacao"}},
-    {"Cheque_Pag",
-     "Cheque_Pag",
-     "Cheque Pag.",
-     false,
-     &T::CbChePag,
-     &T::TotPagChe,
-     {"Conta", "DescConta", "Observacao"}},
-    {"Valor_Compras",
-     "Valor_Compra",
-     "Valor Compras",
-     false,
-     &T::CbCompras,
-     &T::TotCompras,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Observacao"}},
-    {"Pend_Pag",
-     "Pend_Pag",
-     "Débito Pendente",
-     false,
-     &T::CbDebPend,
-     &T::TotDebCC,
-     {"Conta", "DescConta", "Observacao", "Banco", "Nome_Banco"}},
-    {"Orca_Pag",
-     "Orca_Pag",
-     "Orça. Pagar",
-     false,
-     &T::CbOrcaPag,
-     &T::TotOrcPag,
-     {"Cliente", "Nome", "CodSit", "Situacao", "Observacao"}},
-    {"Prev_Pag",
-     "Prev_pag",
-     "Previsão Pag.",
-     false,
-     &T::CbPrevPag,
-     &T::TotPrevPag,
-     {"Cliente", "Nome", "Observacao"}},
+    {"Valor_Rec", "Valor_Rec", "Valor Receber", true, nullptr, &T::TotRec, kTitulo},
+    {"Cheque_Rec", "Cheque_Rec", "Cheque Rec.", true, &T::CbCheRec, &T::TotRecChe, kPessoa},
+    {"Valor_Venda", "Valor_Venda", "Valor Venda", true, &T::CbVendas, &T::TotVendas, kVenda},
+    {"Pend_Rec", "Pend_Rec", "Crédito Pendente", true, &T::CbCredPend, &T::TotCreCC, kConta},
+    {"Orca_Rec", "Orca_Rec", "Orça. Receber", true, &T::CbOrcaRec, nullptr, kPessoa},
+    {"Valor_Pag", "Valor_Pag", "Valor Pagar", false, nullptr, &T::TotPag, kPessoa},
+    {"Cheque_Pag", "Cheque_Pag", "Cheque Pag.", false, &T::CbChePag, &T::TotPagChe, kCheque},
+    {"Valor_Compras", "Valor_Compra", "Valor Compras", false, &T::CbCompras, &T::TotCompras, kPessoa},
+    {"Pend_Pag", "Pend_Pag", "Débito Pendente", false, &T::CbDebPend, &T::TotDebCC, kConta},
+    {"Orca_Pag", "Orca_Pag", "Orça. Pagar", false, &T::CbOrcaPag, &T::TotOrcPag, kPessoa},
+    {"Prev_Pag", "Prev_pag", "Previsão Pag.", false, &T::CbPrevPag, &T::TotPrevPag, kOficina},
     {"Nota_Entrada", nullptr, "Entrada", true, &T::CbSimula, &T::TotEntrada, {}},
     {"Nota_Saida", nullptr, "Saida", false, &T::CbSimula, &T::TotSaida, {}},
 }};
@@ -134,7 +77,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
       @primary BitBtn29
     } /
     PageControl1 {
-      TabSheet1 { OrvDBGrid1 / @narrow GridMenor }
+      TabSheet1 { OrvDBGrid1 / GridMenor }
       TabSheet2 {
         LbConsulta / LbOcultos / LbMenor / DBGrid1 /
         @sums {
@@ -247,13 +190,13 @@ Value TfmRelAnaliseFluxo::Filtra(std::string_view texto) {
   return "";
 }
 
-// The title of a day of the table of classes, 0 for the first.
+// The title of a day of the table of classes, 0 for the first; "" for one without a column.
 std::string TfmRelAnaliseFluxo::NomeColuna(int64_t n) const {
   const auto& colunas = DBGrid3.Columns();
   const auto primeira = std::find_if(colunas.begin(), colunas.end(), [](const GridColumn& coluna) {
     return coluna.field.find("Dia") != std::string::npos;
   });
-  return n < 0 || n >= colunas.end() - primeira ? "" : primeira[n].title;
+  return n < 0 || n >= colunas.end() - primeira || !primeira[n].visible ? "" : primeira[n].title;
 }
 
 }  // namespace orv

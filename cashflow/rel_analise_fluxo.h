@@ -156,9 +156,9 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   TOrvDBGrid OrvDBGrid1;
   TOrvDBGrid GridMenor;
   TabSheet TabSheet2{*this, "TabSheet2", "Análise"};
-  Label LbMenor{*this, "LbMenor"};
   Aviso LbConsulta{*this, "LbConsulta"};
   Aviso LbOcultos{*this, "LbOcultos"};
+  Label LbMenor{*this, "LbMenor"};
   TOrvDBGrid DBGrid1;
   MoneyEdit TotRec{*this, "TotRec", "Receber"};
   MoneyEdit TotRecChe{*this, "TotRecChe", "Cheque Rec."};
@@ -181,16 +181,16 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   TabSheet TabSheet5{*this, "TabSheet5", "Gráfico"};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Ant&erior"};
   SmallButton SpeedButton4{*this, "SpeedButton4", "Pró&xima"};
+  ComboBox CbCompara1{*this, "CbCompara1", "Comparar com", {"(nenhuma)"}, 0};
+  ComboBox CbCompara2{*this, "CbCompara2", "e com", {"(nenhuma)"}, 0};
+  SmallButton BtAbrir{*this, "BtAbrir", "Abrir simulação"};
+  SmallButton BtExcluir{*this, "BtExcluir", "Excluir simulação"};
+  SmallButton BtGuardar{*this, "BtGuardar", "Guardar simulação"};
+  Aviso LbCompara{*this, "LbCompara"};
   Chart DBChart1{
       *this,     "DBChart1", "Análise de Caixa",
       TbGrafico, "Periodo",  {{"Credito", "Credito"}, {"Debito", "Débito"}, {"Saldo", "Saldo", true}},
       15};
-  ComboBox CbCompara1{*this, "CbCompara1", "Comparar com", {"(nenhuma)"}, 0};
-  ComboBox CbCompara2{*this, "CbCompara2", "e com", {"(nenhuma)"}, 0};
-  SmallButton BtGuardar{*this, "BtGuardar", "Guardar simulação"};
-  SmallButton BtAbrir{*this, "BtAbrir", "Abrir simulação"};
-  SmallButton BtExcluir{*this, "BtExcluir", "Excluir simulação"};
-  Aviso LbCompara{*this, "LbCompara"};
   Chart GrafCompara{
       *this,     "GrafCompara", "Saldos lado a lado",
       TbCompara, "Periodo",     {{"Saldo", "Como está", true}, {"Saldo1", "", true}, {"Saldo2", "", true}},
@@ -210,7 +210,7 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
     CheckBox TfmRelAnaliseFluxo::*caixa;
     MoneyEdit TfmRelAnaliseFluxo::*total;
     // The columns of a detail row that tell of it, beside its own and those of all kinds.
-    std::initializer_list<const char*> colunas;
+    std::span<const char* const> colunas;
   };
   // What is simulated has no detail rows.
   static const std::array<Tipo, 13> kTipos;

@@ -78,9 +78,10 @@ std::vector<Periodos::Semana> LeSemanas(IFuncoes& funcoes, TOrvDatabase& db, con
 }  // namespace
 
 const TfmRelAnaliseFluxo::Tipo* TfmRelAnaliseFluxo::TipoSelecionado() const {
-  const auto tipo = std::find_if(kTipos.begin(), kTipos.end(),
+  const auto fim = kTipos.begin() + kSomados;
+  const auto tipo = std::find_if(kTipos.begin(), fim,
                                  [this](const Tipo& um) { return DBGrid1.SelectedField() == um.campo; });
-  return tipo == kTipos.end() ? nullptr : &*tipo;
+  return tipo == fim ? nullptr : &*tipo;
 }
 
 // --- Periods.
@@ -410,10 +411,9 @@ void TfmRelAnaliseFluxo::PageControl1Change() {
 
 // The rows that make up the figure on which the user stands.
 void TfmRelAnaliseFluxo::MostraDetalhe() {
-  static constexpr std::initializer_list<const char*> kSempre = {"Tipo", "Numero", "Docto", "Emissao",
-                                                                 "Vencto"};
+  static constexpr const char* kSempre[] = {"Tipo", "Numero", "Docto", "Emissao", "Vencto"};
   const Tipo* const tipo = TipoSelecionado();
-  const auto contem = [](std::initializer_list<const char*> nomes, std::string_view nome) {
+  const auto contem = [](std::span<const char* const> nomes, std::string_view nome) {
     return std::find(nomes.begin(), nomes.end(), nome) != nomes.end();
   };
   for (const GridColumn& coluna : DBGrid2.Columns()) {
@@ -569,8 +569,7 @@ void TfmRelAnaliseFluxo::PassaClasses() {
   for (std::size_t k = 0; k < kDias; ++k) {
     const std::string coluna = "Dia" + std::to_string(k + 1);
     const bool conta = k < contam.size();
-    DBGrid3.SetColumnTitle(coluna,
-                           conta ? TbAnaliseClasse.Fields()[contam[k]]->Name().substr(3, 10) : std::string());
+    if (conta) DBGrid3.SetColumnTitle(coluna, TbAnaliseClasse.Fields()[contam[k]]->Name().substr(3, 10));
     DBGrid3.SetColumnVisible(coluna, conta);
   }
   for (TbAnaliseClasse.First(); !TbAnaliseClasse.Eof(); TbAnaliseClasse.Next()) {
