@@ -141,6 +141,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
   PageControl1.OnChange = [this] { PageControl1Change(); };
   TrackBar1.OnChange = [this] { TrackBar1Change(); };
   TbSaldo.AfterPost = [this] { TbSaldoAfterPost(); };
+  TbSaldo.AfterDelete = [this] { TbSaldoAfterPost(); };
   OrvDBGrid1.OnExit = [this] { OrvDBGrid1Exit(); };
   OrvDBGrid1.OnDblClick = [this] { OrvDBGrid1DblClick(); };
   DBGrid1.SetRowsFixed(true);
