@@ -373,8 +373,6 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   Date DiaDaClasse(DiasEfetivos& dias, Date vencimento) const;
 
   std::string fac80_;
-  // False while the sets hold what a gathering left that didn't end.
-  bool inteira_ = true;
   // Balances are changed by the program.
   bool montando_ = false;
   // The first day of the table of classes.

@@ -47,12 +47,10 @@ constexpr const char* kForaP = " AND RECEBER.SITUACAO <> 'P'";
 }  // namespace
 
 void TfmRelAnaliseFluxo::BitBtn29Click() {
-  inteira_ = false;
   LbConsulta.Mostra("A última consulta não terminou: faltam lançamentos.");
   Gather(
       {&TbRelatorio, &TbDetalha, &TbSaldo, &TbClasseData}, [this](Gathering& andamento) { Monta(andamento); },
       Half::Stays);
-  inteira_ = true;
   PageControl1.SetActivePage(TabSheet2);
 }
 
