@@ -127,26 +127,14 @@ void CompletaOrigem(std::span<Value> linha) {
               valor.Brazil(valor == valor.Round2() ? 2 : 4);
 }
 
-void Origens::Anota(Fonte fonte, Value chave, std::string_view empresa) {
-  const auto found = std::find(empresas_.begin(), empresas_.end(), empresa);
-  const auto place = static_cast<uint16_t>(found - empresas_.begin());
-  if (found == empresas_.end()) empresas_.emplace_back(empresa);
-  origens_.push_back({std::move(chave), place, fonte});
-}
-
-void Origens::Limpa() {
-  origens_.clear();
-  empresas_.clear();
-}
-
-DetalheDeOrigem Origens::Detalhe(const IFuncoes& funcoes, std::size_t linha) const {
-  const Origem& origem = origens_.at(linha);
-  const std::string chave = funcoes.Aspas(origem.chave.Text());
-  const std::vector<std::string> partes = Split(origem.chave.Text(), "\t");
+DetalheDeOrigem DetalheDaFonte(const IFuncoes& funcoes, Fonte fonte, std::string_view texto,
+                               std::string_view empresa) {
+  const std::string chave = funcoes.Aspas(texto);
+  const std::vector<std::string> partes = Split(texto, "\t");
   const auto detalhe = [&](const char* titulo, std::string sql) {
-    return DetalheDeOrigem{titulo + partes.at(0), std::move(sql), empresas_.at(origem.empresa)};
+    return DetalheDeOrigem{titulo + partes.at(0), std::move(sql), std::string(empresa)};
   };
-  switch (origem.fonte) {
+  switch (fonte) {
     case Fonte::Receber:
       return detalhe("Título a receber ",
                      Receber("NUMERO = " + chave) + kUniao + BaixasReceber("NUMERO = " + chave));
@@ -177,6 +165,23 @@ DetalheDeOrigem Origens::Detalhe(const IFuncoes& funcoes, std::size_t linha) con
       break;
   }
   return detalhe("Ordem de tecelagem ", Tecelagem(chave));
+}
+
+void Origens::Anota(Fonte fonte, Value chave, std::string_view empresa) {
+  const auto found = std::find(empresas_.begin(), empresas_.end(), empresa);
+  const auto place = static_cast<uint16_t>(found - empresas_.begin());
+  if (found == empresas_.end()) empresas_.emplace_back(empresa);
+  origens_.push_back({std::move(chave), place, fonte});
+}
+
+void Origens::Limpa() {
+  origens_.clear();
+  empresas_.clear();
+}
+
+DetalheDeOrigem Origens::Detalhe(const IFuncoes& funcoes, std::size_t linha) const {
+  const Origem& origem = origens_.at(linha);
+  return DetalheDaFonte(funcoes, origem.fonte, origem.chave.Text(), empresas_.at(origem.empresa));
 }
 
 }  // namespace orv

@@ -37,11 +37,14 @@ struct DetalheDeOrigem {
 extern const std::array<ReportField, 10> kLinhasDeOrigem;
 void CompletaOrigem(std::span<Value> linha);
 
+// What a row of a source is made of, by the key of its table and the company's suffix. Work at a workshop
+// that sews is named by its number, sector and part, parted by tabs.
+DetalheDeOrigem DetalheDaFonte(const IFuncoes& funcoes, Fonte fonte, std::string_view chave,
+                               std::string_view empresa);
+
 // The sources of the rows of a set, noted as the rows are appended.
 class Origens {
  public:
-  // By the key of the source's table and the company's suffix. Work at a workshop that sews is named by its
-  // number, sector and part, parted by tabs.
   void Anota(Fonte fonte, Value chave, std::string_view empresa);
   void Limpa();
   // Of a row, 0 for the first one noted.

@@ -31,6 +31,10 @@ inline std::string EmAbertoPagar(const std::string& de = "PAGTO") {
   return "(" + de + ".VALOR + " + de + ".JUROS - " + de + ".VAL_PAG - " + de + ".VAL_DEV - " + de +
          ".DESCONTO)";
 }
+// The same for who counts what was given back of a payable as open.
+inline std::string EmAbertoPagarComDevolvido(const std::string& de = "PAGTO") {
+  return "(" + de + ".VALOR - " + de + ".DESCONTO + " + de + ".JUROS - " + de + ".VAL_PAG)";
+}
 inline std::string EmAbertoReceber(const std::string& de = "RECEBER") {
   return "(" + de + ".VALOR2 + " + de + ".JUROS - " + de + ".VALOR_PAGO - " + de + ".VAL_DEV - " + de +
          ".DESCONTO)";
