@@ -119,7 +119,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   void BitBtn29Click();
   void BitBtn33Click();
   void CbSaldoClick();
-  void EdtContaExit();
   void OrvDBGrid1KeyDown(KeyPress& key);
 
   // --- The gathering.
