@@ -69,17 +69,17 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
   // The accounts of TbSaldo, one row each.
   static constexpr auto kContas = std::to_array<ReportField>({
       {"Conta", FieldType::String, 13, {"Conta"}},
-      {"Banco", FieldType::String, 3, {"Banco"}},
-      {"NomeBanco", FieldType::String, 30, {"Nome do Banco", 20}},
-      {"Titular", FieldType::String, 50, {"Titular", 26}},
-      {"Anterior", FieldType::Currency, 0, {"Saldo Anterior"}},
-      {"Creditos", FieldType::Currency, 0, {"Créditos"}},
-      {"Debitos", FieldType::Currency, 0, {"Débitos"}},
-      {"Saldo", FieldType::Currency, 0, {"Saldo"}},
-      {"Cheq_Pend", FieldType::Currency, 0, {"Cheq. Pendentes"}},
-      {"Limite", FieldType::Currency, 0, {"Limite"}},
-      {"Menor", FieldType::Currency, 0, {"Menor saldo"}},
+      {"Banco", FieldType::String, 3, {"Banco", 5}},
+      {"NomeBanco", FieldType::String, 30, {"Nome do Banco", 15}},
+      {"Titular", FieldType::String, 50, {"Titular", 16}},
+      {"Anterior", FieldType::Currency, 0, {"Saldo Anterior", 12}},
+      {"Creditos", FieldType::Currency, 0, {"Créditos", 12}},
+      {"Debitos", FieldType::Currency, 0, {"Débitos", 12}},
+      {"Saldo", FieldType::Currency, 0, {"Saldo", 12}},
+      {"Menor", FieldType::Currency, 0, {"Menor saldo", 12}},
       {"Dia", FieldType::Date, 0, {"Em"}},
+      {"Cheq_Pend", FieldType::Currency, 0, {"Cheq. Pend.", 12}},
+      {"Limite", FieldType::Currency, 0, {"Limite", 12}},
   });
   TClientDataSet TbContas{"TbContas"};
   TOrvQuery QryPagar{Tabela.IBDatabase(), "QryPagar"};

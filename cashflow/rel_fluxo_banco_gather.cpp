@@ -208,6 +208,7 @@ void TfmRelFluxoBanco::SomaContas() {
     for (const auto& [operacao, valor] : conta.por_operacao) soma.por_operacao[operacao] += valor;
     for (const auto& [dia, valor] : conta.por_dia) soma.por_dia[dia] += valor;
   }
+  bool cabem = true;
   for (auto& [codigo, conta] : somas) {
     MenorSaldo menor(conta.anterior, consulta_.periodo.de);
     for (const auto& [dia, valor] : conta.por_dia) menor.Soma(dia, valor);
@@ -224,8 +225,11 @@ void TfmRelFluxoBanco::SomaContas() {
     linha["Limite"] = conta.limite;
     linha["Menor"] = menor.Valor();
     linha["Dia"] = menor.Dia();
+    cabem = cabem && conta.anterior.FitsField() && linha["Saldo"].AsCurrency().FitsField();
     TbContas.AppendRow(linha.Values());
   }
+  if (!cabem)
+    ApontaForaDeMedida(User(), Tabela.IBDatabase(), DeTodas(ForaDeMedida(kContaCorrente), "CONTACOR", ""));
 }
 
 // All accounts, with the titles on the days on which they are due.

@@ -23,10 +23,10 @@ class FluxoBancoTest : public FluxoTest {
     EXPECT_EQ(desk.Press("btnConfirma"), "");
   }
   static std::string Opened(Desk& desk, const char* grid, int row, const char* column) {
-    for (const char* page : {"TabSheet1", "TabSheet2", "TabSheet3", "TabSheet4"}) {
-      desk.Page(page);
-      if (desk.Visible(grid)) break;
-    }
+    desk.Page(std::map<std::string, const char*>{{"GridContas", "TabSheet1"},
+                                                 {"DBGrid2", "TabSheet2"},
+                                                 {"GridPagar", "TabSheet3"},
+                                                 {"GridReceber", "TabSheet4"}}[grid]);
     desk.DoubleClick(grid, row, column);
     std::string text = desk.Messages();
     for (const Json& out : desk.Latest()) {
@@ -70,7 +70,6 @@ TEST_F(FluxoBancoTest, AccountsAndTitles) {
   Desk desk(database_, At{"TfmRelFluxoBanco"});
   EXPECT_EQ(desk.Texts({"EdtDataDe", "edtDataAte", "EdtDtCheque", "EdtConta"}),
             "20/11/2026|31/12/2030|31/12/2050|");
-  const std::string before = Tables("CONTACOR_001 CADCONTA_001 PAGTO_001 RECEBER_001 AUDITORIA");
   Gather(desk, {{"EdtDtCheque", "10/01/2027"}, {"CbTotDia", "true"}});
   EXPECT_EQ(desk.Read("TbSaldo", kConta),
             "10250-1|1000|+|40|900|-60|500|S\n10250-1|300.5|-|0|0|-|0|S\n1234567890-12|5|+|0|0|-|0|S\n"
@@ -107,18 +106,12 @@ TEST_F(FluxoBancoTest, AccountsAndTitles) {
   EXPECT_EQ(desk.Column("QryReceber", "NUMERO"), "R2");
   EXPECT_EQ(Opened(desk, "DBGrid2", 2, "Valor"), "Movimento B1: B1");
   EXPECT_FALSE(desk.Visible("BtFora"));
-  EXPECT_EQ(Tables("CONTACOR_001 CADCONTA_001 PAGTO_001 RECEBER_001 AUDITORIA"), before);
 
   desk.Leave("EdtConta", "77", "EdtSit");
   EXPECT_EQ(desk.Refused(), "Conta inválida. > EdtConta");
   EXPECT_EQ(desk.Text("EdtConta"), "");
-  for (const auto& [field, text] :
-       {std::pair{"EdtDataDe", "20/11/2026"}, std::pair{"EdtDtCheque", "20/11/2026"}}) {
-    desk.Set(field, "01/01/2020");
-    desk.Focus("btnConfirma");
-    desk.Focus(field);
-    EXPECT_EQ(desk.Text(field), text);
-  }
+  for (const char* field : {"EdtDtCheque", "EdtDataDe", "edtDataAte"}) desk.Focus(field);
+  EXPECT_EQ(desk.Texts({"EdtDataDe", "edtDataAte", "EdtDtCheque"}), "20/11/2026|20/11/2026|20/11/2026");
 }
 
 TEST_F(FluxoBancoTest, Printed) {
@@ -153,7 +146,7 @@ TEST_F(FluxoBancoSecondSumTest, EveryAccountAndTitleAgrees) {
                     before = "DT_CONT < '10/01/2026' AND PENDENTE IN ('N', 'C')",
                     within = "DT_CONT >= '10/01/2026' AND DT_CONT < '01/01/2027' AND PENDENTE IN ('N', 'C')";
   const std::string tables =
-      "CONTACOR_001 CONTACOR_002 PAGTO_001 PAGTO_002 RECEBER_001 RECEBER_002 AUDITORIA";
+      Sql("SELECT LIST(TRIM(RDB$RELATION_NAME), ' ') FROM RDB$RELATIONS WHERE RDB$SYSTEM_FLAG = 0");
   const std::string untouched = Tables(tables);
   for (const bool all : {false, true}) {
     const auto of = [&](const std::string& table) {

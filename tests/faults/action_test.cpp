@@ -136,6 +136,9 @@ TEST_F(CcTest, AmountsBeyondAllMeasureHinderNoScreen) {
   EXPECT_EQ(desk.End(), "waiting answer");
   desk.Answer("ok");
   desk.Close();
+  desk.Open("TfmRelFluxoBanco");
+  EXPECT_EQ(desk.Press("btnConfirma"), told);
+  desk.Close();
   desk.Open("TfmRelCC");
   desk.Set("RelConta", kConta);
   EXPECT_EQ(desk.Press("BitBtn29"), told);
