@@ -16,7 +16,6 @@
 #include "rules/periodo.h"
 #include "toolkit/client_dataset.h"
 #include "toolkit/query.h"
-#include "toolkit/shared_texts.h"
 
 namespace orv {
 
@@ -71,7 +70,6 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
       {"Conta", FieldType::String, 13, {"Conta"}},
       {"Banco", FieldType::String, 3, {"Banco", 5}},
       {"NomeBanco", FieldType::String, 30, {"Nome do Banco", 15}},
-      {"Titular", FieldType::String, 50, {"Titular", 16}},
       {"Anterior", FieldType::Currency, 0, {"Saldo Anterior", 12}},
       {"Creditos", FieldType::Currency, 0, {"Créditos", 12}},
       {"Debitos", FieldType::Currency, 0, {"Débitos", 12}},
@@ -80,6 +78,7 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
       {"Dia", FieldType::Date, 0, {"Em"}},
       {"Cheq_Pend", FieldType::Currency, 0, {"Cheq. Pend.", 12}},
       {"Limite", FieldType::Currency, 0, {"Limite", 12}},
+      {"Titular", FieldType::String, 50, {"Titular", 24}},
   });
   TClientDataSet TbContas{"TbContas"};
   TOrvQuery QryPagar{Tabela.IBDatabase(), "QryPagar"};
@@ -121,6 +120,12 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
     Currency anterior, limite;
   };
   using Chave = std::pair<std::string, std::string>;  // company, account
+  // Accounts or banks, by company and code.
+  struct Cadastrado {
+    Value nome;
+    Currency limite;
+  };
+  using Cadastro = std::map<Chave, Cadastrado>;
 
   // --- The gathering.
   void btnConfirmaClick();
@@ -130,6 +135,8 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
   void busca_Saldos(Gathering& andamento);
   void BuscaChequesPendentes();
   void BuscaDebitosCreditos();
+  // By a statement of company, code, name and limit.
+  Cadastro LeCadastro(std::string_view sql) const;
   void BuscaMovimentos(Gathering& andamento);
   void AbertoPagar();
   void AbertoReceber();
@@ -160,7 +167,6 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
   // Movements of neither operation, which no column sums.
   Currency sem_operacao_;
   Origens origens_;
-  SharedTexts nomes_;
 };
 
 extern ORV_EXPORT thread_local TfmRelFluxoBanco* fmRelFluxoBanco;

@@ -112,34 +112,52 @@ void TfmRelFluxoBanco::BuscaDebitosCreditos() {
   }
 }
 
+TfmRelFluxoBanco::Cadastro TfmRelFluxoBanco::LeCadastro(std::string_view sql) const {
+  Cadastro lido;
+  ForEach(DeTodas(sql, "CONTACOR", ""), [&](std::span<Value> v) {
+    lido[{v[0].AsString(), v[1].AsString()}] = {std::move(v[2]), v[3].AsCurrency()};
+  });
+  return lido;
+}
+
 void TfmRelFluxoBanco::BuscaMovimentos(Gathering& andamento) {
-  enum Resto : uint8_t { mEmpresa, mLimite, mLancamento };
+  enum Resto : uint8_t { mEmpresa, mLancamento };
+  // Joined to every movement, accounts and banks would take longer to read than the movements.
+  Cadastro contas = LeCadastro("SELECT '{}' AS CODIGO, CONTA, EMPRESA, LIMITE FROM {CADCONTA}"),
+           bancos = LeCadastro("SELECT '{}' AS CODIGO, BANCO, NOME_BANCO, 0 AS LIMITE FROM {CADBAN}");
   const std::string sql =
       "SELECT '{}' AS EMPRESA, CONTACOR.CONTA, CONTACOR.BANCO, CONTACOR.VALOR, CONTACOR.OPERACAO, "
-      "CADCONTA.LIMITE AS LIMITE_CONTA, CADBAN.NOME_BANCO AS NOMEBANCO, CADCONTA.EMPRESA AS TITULAR, "
-      "CONTACOR.LANCAMENTO FROM {CONTACOR} CONTACOR"
-      " LEFT JOIN {CADCONTA} CADCONTA ON CADCONTA.CONTA = CONTACOR.CONTA"
-      " LEFT JOIN {CADBAN} CADBAN ON CADBAN.BANCO = CONTACOR.BANCO WHERE CONTACOR." +
+      "CONTACOR.LANCAMENTO FROM {CONTACOR} CONTACOR WHERE CONTACOR." +
       Antes() + consulta_.conta;
   const Value periodo(consulta_.texto), por_dia(consulta_.por_dia ? "S" : "N"), nada(0.0);
   std::unordered_set<std::string> com_limite;
   DaConta* conta = nullptr;
   Chave anterior;
-  ForEachRow<kSaldo>(DeTodas(sql, "CONTACOR", "ORDER BY 1, 2, 9"), [&](Linha& linha, std::span<Value> v) {
-    for (const auto campo : Linha::Names{"NomeBanco", "Titular"}) nomes_.Share(linha[campo]);
+  std::string banco;
+  Value nome_banco, titular;
+  ForEachRow<kSaldo>(DeTodas(sql, "CONTACOR", "ORDER BY 1, 2, 6"), [&](Linha& linha, std::span<Value> v) {
+    const bool outra =
+        conta == nullptr || linha["Conta"].Text() != anterior.second || v[mEmpresa].Text() != anterior.first;
+    if (outra) {
+      anterior = {v[mEmpresa].AsString(), linha["Conta"].AsString()};
+      conta = &contas_[anterior];
+      titular = contas[anterior].nome;
+    }
+    if (outra || linha["Banco"].Text() != banco) {
+      banco = linha["Banco"].AsString();
+      nome_banco = bancos[{anterior.first, banco}].nome;
+    }
+    linha["NomeBanco"] = nome_banco;
+    linha["Titular"] = titular;
     linha["Cred_BCO"] = linha["Debi_BCO"] = linha["Limite"] = nada;
     linha["Cheq_Pend"] = Value();
     linha["Periodo"] = periodo;
     linha["TotDia"] = por_dia;
-    if (conta == nullptr || linha["Conta"].Text() != anterior.second ||
-        v[mEmpresa].Text() != anterior.first) {
-      anterior = {v[mEmpresa].AsString(), linha["Conta"].AsString()};
-      conta = &contas_[anterior];
+    if (outra) {
       conta->listada = true;
-      conta->banco = linha["Banco"], conta->nome_banco = linha["NomeBanco"],
-      conta->titular = linha["Titular"];
+      conta->banco = linha["Banco"], conta->nome_banco = nome_banco, conta->titular = titular;
       // The limit of an account that several companies have is that of the first.
-      if (com_limite.insert(anterior.second).second) conta->limite = v[mLimite].AsCurrency();
+      if (com_limite.insert(anterior.second).second) conta->limite = contas[anterior].limite;
       linha["Limite"] = conta->limite.ToDouble();
       linha["Cred_BCO"] = conta->por_operacao["+"].ToDouble();
       linha["Debi_BCO"] = conta->por_operacao["-"].ToDouble();
