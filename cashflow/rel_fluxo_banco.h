@@ -138,6 +138,7 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
   // By a statement of company, code, name and limit.
   Cadastro LeCadastro(std::string_view sql) const;
   void BuscaMovimentos(Gathering& andamento);
+  static void PrimeiraDaConta(Linha& linha, DaConta& conta);
   void AbertoPagar();
   void AbertoReceber();
   void SomaContas();

@@ -154,14 +154,9 @@ void TfmRelFluxoBanco::BuscaMovimentos(Gathering& andamento) {
     linha["Periodo"] = periodo;
     linha["TotDia"] = por_dia;
     if (outra) {
-      conta->listada = true;
-      conta->banco = linha["Banco"], conta->nome_banco = nome_banco, conta->titular = titular;
       // The limit of an account that several companies have is that of the first.
       if (com_limite.insert(anterior.second).second) conta->limite = contas[anterior].limite;
-      linha["Limite"] = conta->limite.ToDouble();
-      linha["Cred_BCO"] = conta->por_operacao["+"].ToDouble();
-      linha["Debi_BCO"] = conta->por_operacao["-"].ToDouble();
-      if (conta->pendente) linha["Cheq_Pend"] = conta->pendente->ToDouble();
+      PrimeiraDaConta(linha, *conta);
     }
     const std::string_view operacao = linha["Operacao"].Text();
     const Currency valor = linha["Valor"].AsCurrency();
@@ -176,6 +171,18 @@ void TfmRelFluxoBanco::BuscaMovimentos(Gathering& andamento) {
     origens_.Anota(Fonte::Movimento, std::move(v[mLancamento]), v[mEmpresa].Text());
     andamento.Advance();
   });
+}
+
+// What the account has in all stands on its first row.
+void TfmRelFluxoBanco::PrimeiraDaConta(Linha& linha, DaConta& conta) {
+  conta.listada = true;
+  conta.banco = linha["Banco"];
+  conta.nome_banco = linha["NomeBanco"];
+  conta.titular = linha["Titular"];
+  linha["Limite"] = conta.limite.ToDouble();
+  linha["Cred_BCO"] = conta.por_operacao["+"].ToDouble();
+  linha["Debi_BCO"] = conta.por_operacao["-"].ToDouble();
+  if (conta.pendente) linha["Cheq_Pend"] = conta.pendente->ToDouble();
 }
 
 // --- Titles, each company's own: two that are alike stay two.
