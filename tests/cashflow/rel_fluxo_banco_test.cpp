@@ -28,6 +28,9 @@ class FluxoBancoTest : public FluxoTest {
                                                  {"GridPagar", "TabSheet3"},
                                                  {"GridReceber", "TabSheet4"}}[grid]);
     desk.DoubleClick(grid, row, column);
+    return Detail(desk);
+  }
+  static std::string Detail(Desk& desk) {
     std::string text = desk.Messages();
     for (const Json& out : desk.Latest()) {
       if (!(out["on"] == Json("detail"))) continue;
@@ -95,6 +98,8 @@ TEST_F(FluxoBancoTest, AccountsAndTitles) {
   EXPECT_EQ(Opened(desk, "DBGrid2", 0, "Cheq_Pend"), "Cheques pendentes da conta 10250-1: P1");
   EXPECT_EQ(Opened(desk, "DBGrid2", 3, "Valor"), "Movimento L3: L3");
   EXPECT_EQ(Opened(desk, "GridPagar", 1, "VALOR"), "Título a pagar P2: -");
+  desk.Click("BtFora");
+  EXPECT_EQ(Detail(desk), "Contas sem movimento antes de 01/12/2026, fora da lista: 20418-7");
   EXPECT_EQ(Opened(desk, "GridReceber", 0, "VALOR"), "Título a receber R3: R3");
 
   Gather(desk, {{"CbEmpresa", "true"}, {"EdtConta", "10250-1"}, {"EdtSit", "'1'"}, {"CbTotDia", "false"}});
