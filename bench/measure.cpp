@@ -33,10 +33,13 @@ std::string Number(double number) {
   return text;
 }
 
+Seconds Now() { return {Clock(CLOCK_PROCESS_CPUTIME_ID), Clock(CLOCK_MONOTONIC)}; }
+
 Seconds Measure(const std::function<void()>& work) {
-  const double cpu = Clock(CLOCK_PROCESS_CPUTIME_ID), wall = Clock(CLOCK_MONOTONIC);
+  const Seconds before = Now();
   work();
-  return {Clock(CLOCK_PROCESS_CPUTIME_ID) - cpu, Clock(CLOCK_MONOTONIC) - wall};
+  const Seconds after = Now();
+  return {after.cpu - before.cpu, after.wall - before.wall};
 }
 
 void Best::Take(const Seconds& run) {

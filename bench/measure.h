@@ -19,6 +19,8 @@ struct Seconds {
   double wall = 0;
 };
 
+// What was taken so far.
+Seconds Now();
 Seconds Measure(const std::function<void()>& work);
 
 // The least of several runs, which is the one that other programs disturbed least. The first one counts.

@@ -11,6 +11,7 @@ namespace {
 
 bool recording = false;
 std::vector<Sent> sent;
+std::function<void()> fetched;
 
 void Note(Sent::Kind kind, std::string_view sql, std::span<const Value> values) {
   if (recording) sent.push_back({kind, std::string(sql), {values.begin(), values.end()}});
@@ -27,6 +28,8 @@ std::vector<Sent> StopRecording() {
   recording = false;
   return std::exchange(sent, {});
 }
+
+void WhenFetched(std::function<void()> told) { fetched = std::move(told); }
 
 void SendBare(Attachment& db, const std::vector<Sent>& statements) {
   Nothing nothing;
@@ -58,6 +61,7 @@ void NotedCommit(fb::Core*) __asm__("__wrap_" COMMIT);
 void NotedFetch(fb::Core* core, fb::Prepared& statement, std::span<const Value> values, RowSink& sink) {
   Note(Sent::Kind::Fetch, statement.sql, values);
   RealFetch(core, statement, values, sink);
+  if (fetched) fetched();
 }
 
 int64_t NotedExecute(fb::Core* core, fb::Prepared& statement, std::span<const Value> values, bool count) {

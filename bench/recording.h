@@ -1,6 +1,7 @@
 // Notes the statements that connections of this process run, with their values and the commits between them.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,9 @@ struct Sent {
 // Noting starts with an empty list. Used while no other thread runs a statement.
 void StartRecording();
 std::vector<Sent> StopRecording();
+
+// Called at the end of each fetch; null for nothing.
+void WhenFetched(std::function<void()> told);
 
 // Runs the same statements and commits, and nothing else.
 void SendBare(Attachment& db, const std::vector<Sent>& statements);

@@ -45,8 +45,8 @@ class Peak {
 }  // namespace
 
 StatementScreen::StatementScreen(const std::filesystem::path& house, const char* screen,
-                                 const std::string& company)
-    : log_("/dev/null"), client_(Of(house, company), log_) {
+                                 const std::string& company, Buttons buttons)
+    : log_("/dev/null"), client_(Of(house, company), log_), buttons_(buttons) {
   Do({{"do", "open"}, {"class", screen}});
 }
 
@@ -94,7 +94,7 @@ std::size_t StatementScreen::Texts(const std::vector<const char*>& sets) {
 
 int64_t StatementScreen::Pages() {
   Json id;
-  for (const Json& out : Do({{"do", "click"}, {"control", "BitBtn33"}})) {
+  for (const Json& out : Do({{"do", "click"}, {"control", buttons_.print}})) {
     if (out["on"] == Json("report")) id = out["id"];
   }
   std::string file;

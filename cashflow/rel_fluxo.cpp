@@ -45,8 +45,7 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   Period(EdtDataDe, edtDataAte);
   EdtSaldo.SetVisible(false);
 
-  Lookups({{&EdtConta, &PqConta, {{"EMPRESA", &EdtEmp}}, "", true, nullptr}});
-  EdtConta.OnExit = [this] { EdtContaExit(); };
+  Lookups({{&EdtConta, &PqConta, {{"EMPRESA", &EdtEmp}}, "Conta inválida.", true, nullptr, true}});
   ListField(EdtSit, PqSituacaoRP, "CODIGO", Choice::Adds, SpeedButton1);
   ListField(EdtSitDesc, PqSituacaoRec, "CODIGO", Choice::Adds, SpeedButton2);
   ListField(EdtSitDescPag, PqSituacaoPag, "CODIGO", Choice::Adds, SpeedButton3);
@@ -59,13 +58,6 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   OrvDBGrid1.OnDblClick = [this] { OrvDBGrid1DblClick(); };
   OrvDBGrid1.SetRowsFixed(true);
   OrvDBGrid1.OnKey = [this](KeyPress& key) { OrvDBGrid1KeyDown(key); };
-}
-
-void TfmRelFluxo::EdtContaExit() {
-  if (EdtConta.Empty() || Funcoes.Existe("CADCONTA", {{"CONTA", EdtConta.Text()}})) return;
-  Inform("Conta inválida.");
-  EdtConta.Clear();
-  EdtConta.SetFocus();
 }
 
 void TfmRelFluxo::CbSaldoClick() { EdtSaldo.SetVisible(CbSaldo.Checked()); }

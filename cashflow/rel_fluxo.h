@@ -3,17 +3,15 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
-#include <deque>
 #include <functional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "frame/module.h"
 #include "frame/report_screen.h"
 #include "rules/dias_efetivos.h"
+#include "rules/fonte.h"
 #include "rules/parcelas.h"
 #include "rules/periodo.h"
 #include "rules/titulo.h"
@@ -110,13 +108,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   Button BitBtn5{*this, "BitBtn5", "Fechar"};
 
  private:
-  // Where a row comes from, with the table's key and the company.
-  enum class Fonte : uint8_t { Receber, Pagar, Cheque, Movimento, Pedido, Compra };
-  struct Origem {
-    Value chave;
-    uint16_t empresa;
-    Fonte fonte;
-  };
   using Linha = ReportRow<kRelatorio>;
   // The period, and what a gathering remembers.
   struct Consulta {
@@ -128,7 +119,6 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   void BitBtn29Click();
   void BitBtn33Click();
   void CbSaldoClick();
-  void EdtContaExit();
   void OrvDBGrid1KeyDown(KeyPress& key);
 
   // --- The gathering.
@@ -152,7 +142,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
     Value condicao;
     Currency valor;
     Date base;
-    uint16_t empresa;
+    std::string empresa;
   };
   // Raises ConversionError for a slot of the condition that is no number.
   void Gera_Duplicatas(Consulta& consulta, const Pendente& pendente);
@@ -161,15 +151,13 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   std::string FiltroProgramacao() const;
   std::string FiltroPeriodo(const char* coluna, const Consulta& consulta) const;
   std::string FiltroSituacao(const std::string& tabela, const Edit& desconsiderar) const;
-  std::string FiltroStatus(const std::string& tabela, const CheckBox& orcamentos) const;
 
   // Hands on each row of the statement and the columns beside it, and tells how far the gathering is.
   void Percorre(Consulta& consulta, const char* passo, std::string_view sql, std::string_view tabela,
                 const std::function<void(Linha&, std::span<Value>)>& linha, std::string_view ordem = "");
   static void Zera(Linha& linha);
   // Completes a row and appends it. Its values are moved out.
-  void Anexa(Linha& linha, Origem origem);
-  uint16_t Empresa(std::string_view sufixo);
+  void Anexa(Linha& linha, Fonte fonte, Value chave, std::string_view empresa);
 
   // --- From a figure to where it comes from.
   void DBGrid1DblClick();
@@ -177,8 +165,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
 
   // False while the sets hold what a gathering left that didn't end.
   bool inteira_ = true;
-  std::deque<Origem> origens_;
-  std::vector<std::string> empresas_;
+  Origens origens_;
   // Names that many rows bear.
   SharedTexts nomes_;
 };

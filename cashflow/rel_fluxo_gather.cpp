@@ -1,6 +1,5 @@
 // What the statement reads, and how each source becomes rows.
 #include <algorithm>
-#include <unordered_map>
 
 #include "cashflow/rel_fluxo.h"
 #include "rules/saldo.h"
@@ -33,9 +32,6 @@ constexpr const char* kDeReceber =
     " LEFT JOIN {CADBAN} CADBAN ON CADBAN.BANCO = RECEBER.BANCO"
     " LEFT JOIN {ENTIDADE} CLIENTE ON CLIENTE.CODCLI = RECEBER.CODCLI"
     " LEFT JOIN {SUBGRUPO} SUBGRUPO ON RECEBER.CLASSE = SUBGRUPO.CODIGO";
-constexpr const char* kReceberAberto =
-    " WHERE ((RECEBER.VALOR2 + RECEBER.JUROS) > (RECEBER.VALOR_PAGO + RECEBER.DESCONTO + RECEBER.VAL_DEV))";
-
 Titulo TituloDe(std::span<const Value> v) {
   return {v[rValor].AsCurrency(), v[rJuros].AsCurrency(), v[rDesconto].AsCurrency(), v[rPago].AsCurrency(),
           v[rDevolvido].AsCurrency()};
@@ -69,8 +65,7 @@ void TfmRelFluxo::Monta(Gathering& andamento) {
 void TfmRelFluxo::Cria_Tabela() {
   LayDown(TbRelatorio, kRelatorio);
   LayDown(TbSaldo, kSaldo);
-  origens_.clear();
-  empresas_.clear();
+  origens_.Limpa();
 }
 
 void TfmRelFluxo::Ordena() {
@@ -98,7 +93,7 @@ void TfmRelFluxo::Percorre(Consulta& consulta, const char* passo, std::string_vi
                          });
 }
 
-void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
+void TfmRelFluxo::Anexa(Linha& linha, Fonte fonte, Value chave, std::string_view empresa) {
   linha["Data_ini"] = EdtDataDe.Text();
   linha["data_fim"] = edtDataAte.Text();
   linha["Vlr_Deb"] = Currency();
@@ -111,7 +106,7 @@ void TfmRelFluxo::Anexa(Linha& linha, Origem origem) {
   for (const auto campo : Linha::Names{"Desc_Pessoa", "Nome_Banco", "DescClasse", "Historico"})
     nomes_.Share(linha[campo]);
   TbRelatorio.AppendRow(linha.Values());
-  origens_.push_back(std::move(origem));
+  origens_.Anota(fonte, std::move(chave), empresa);
 }
 
 // The values of the sources are zero where a row has none of its own.
@@ -120,23 +115,12 @@ void TfmRelFluxo::Zera(Linha& linha) {
     linha[campo] = Currency();
 }
 
-uint16_t TfmRelFluxo::Empresa(std::string_view sufixo) {
-  const auto found = std::find(empresas_.begin(), empresas_.end(), sufixo);
-  const auto empresa = static_cast<uint16_t>(found - empresas_.begin());
-  if (found == empresas_.end()) empresas_.emplace_back(sufixo);
-  return empresa;
-}
-
 std::string TfmRelFluxo::FiltroPeriodo(const char* coluna, const Consulta& consulta) const {
   return WhereBetween(coluna, consulta.periodo.de.AddDays(-kDiasAntes), consulta.periodo.ate);
 }
 
 std::string TfmRelFluxo::FiltroSituacao(const std::string& tabela, const Edit& desconsiderar) const {
   return WhereIn(tabela + ".SITUACAO", EdtSit) + WhereIn(tabela + ".SITUACAO", desconsiderar, false);
-}
-
-std::string TfmRelFluxo::FiltroStatus(const std::string& tabela, const CheckBox& orcamentos) const {
-  return " AND " + tabela + (orcamentos.Checked() ? ".STATUS IN ('N','O')" : ".STATUS = 'N'");
 }
 
 std::string TfmRelFluxo::FiltroProgramacao() const {
@@ -148,32 +132,16 @@ std::string TfmRelFluxo::FiltroProgramacao() const {
 // --- Balances.
 
 void TfmRelFluxo::busca_Saldos() {
-  // A sum for each account reads its movements without sorting them.
-  std::string sql =
-      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, (SELECT " + Soma(CreditoOuDebito("CONTACOR")) +
-      " FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = 'N' AND "
-      "CONTACOR.DT_CONT <= " +
-      Funcoes.AspasData(dtSaldo.Date()) +
-      ") AS VALOR FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'";
-  if (!EdtConta.Empty()) sql += " AND CADCONTA.CONTA = " + Funcoes.Aspas(EdtConta.Text());
-
-  struct Conta {
-    Value conta, empresa;
-    Currency valor;
-  };
-  std::vector<Conta> contas;
-  std::unordered_map<std::string, std::size_t> onde;
-  for (auto& row : Tabela.IBDatabase().Rows(ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"))) {
-    if (row[2].IsNull()) continue;
-    const auto [found, added] = onde.try_emplace(row[0].AsString(), contas.size());
-    if (added) contas.push_back({row[0], row[1], Currency()});
-    contas[found->second].valor += SomaDe(row[2]);
-  }
-  if (!std::ranges::all_of(contas, [](const Conta& conta) { return conta.valor.FitsField(); }))
+  const std::string sql =
+      SaldosDasContas("CONTACOR.PENDENTE = 'N' AND CONTACOR.DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()),
+                      EdtConta.Empty() ? "" : " AND CADCONTA.CONTA = " + Funcoes.Aspas(EdtConta.Text()));
+  const auto contas =
+      LeSaldos(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"));
+  if (!std::ranges::all_of(contas, [](const SaldoConta& conta) { return conta.valor.FitsField(); }))
     ApontaForaDeMedida(User(), Tabela.IBDatabase(),
                        ForCompanies(ForaDeMedida(kContaCorrente), "CONTACOR", CbEmp.Checked()));
-  for (const Conta& conta : contas) {
-    Value linha[] = {"S", conta.valor, conta.empresa, conta.conta, Value(), Value()};
+  for (const SaldoConta& conta : contas) {
+    Value linha[] = {"S", conta.valor, conta.titular, conta.conta, Value(), Value()};
     TbSaldo.AppendRow(linha);
   }
 }
@@ -198,8 +166,9 @@ void TfmRelFluxo::Grava_Receber(Consulta& consulta) {
   const std::string sql =
       std::string(kReceber) + "RECEBER.FATURA AS DOCUMENTO, BORDERO.CONTA, BORDERO.DATA, '{}' AS EMPRESA" +
       kDeReceber + " LEFT JOIN {BORDERO} BORDERO ON BORDERO.NUMERO = RECEBER.BORDERO AND BORDERO.TIPO = 'R'" +
-      kReceberAberto + FiltroPeriodo("RECEBER.DT_VENCTO", consulta) + FiltroStatus("RECEBER", CbOrcReceber) +
-      FiltroProgramacao() + FiltroSituacao("RECEBER", EdtSitDesc);
+      " WHERE " + kReceberAberto + FiltroPeriodo("RECEBER.DT_VENCTO", consulta) +
+      StatusDeTitulo("RECEBER", CbOrcReceber.Checked()) + FiltroProgramacao() +
+      FiltroSituacao("RECEBER", EdtSitDesc);
   const bool flutua = CbContBanc.Checked();
   Percorre(consulta, "Títulos a receber", sql, "RECEBER", [&](Linha& linha, std::span<Value> v) {
     const Date vencimento = v[rVencimento].AsDate();
@@ -211,7 +180,7 @@ void TfmRelFluxo::Grava_Receber(Consulta& consulta) {
     linha["Vlr_receb"] = TituloDe(v).EmAberto();
     linha["Operacao"] = "+";
     linha["Historico"] = "";
-    Anexa(linha, {linha["Numero"], Empresa(v[rEmpresa].Text()), Fonte::Receber});
+    Anexa(linha, Fonte::Receber, linha["Numero"], v[rEmpresa].Text());
   });
 }
 
@@ -231,9 +200,8 @@ void TfmRelFluxo::Grava_Pagar(Consulta& consulta) {
           " LEFT JOIN {ENTIDADE} FORNECED ON PAGTO.CODCRE = FORNECED.CODCLI"
           " LEFT JOIN {HISTCP} HISTCP ON PAGTO.HISTORICO = HISTCP.HISTORICO"
           " LEFT JOIN {SUBGRUPO} SUBGRUPO ON PAGTO.NUM_OS = SUBGRUPO.CODIGO"
-          // What was given back doesn't close a payable here, though it lowers what is open.
-          " WHERE ((PAGTO.VALOR + PAGTO.JUROS) > (PAGTO.VAL_PAG + PAGTO.DESCONTO))") +
-      FiltroStatus("PAGTO", CbOrcPagar) + FiltroProgramacao() +
+          " WHERE ") +
+      kPagarAberto + StatusDeTitulo("PAGTO", CbOrcPagar.Checked()) + FiltroProgramacao() +
       FiltroPeriodo(programacao ? "BORDERO.DATA" : "PAGTO.DT_VEN", consulta) +
       FiltroSituacao("PAGTO", EdtSitDescPag);
   Percorre(
@@ -247,7 +215,7 @@ void TfmRelFluxo::Grava_Pagar(Consulta& consulta) {
         linha["DtLanc"] = dia;
         linha["Vlr_pagar"] = titulo.EmAberto();
         linha["Operacao"] = "-";
-        Anexa(linha, {std::move(v[pNumAp]), Empresa(v[pEmpresa].Text()), Fonte::Pagar});
+        Anexa(linha, Fonte::Pagar, std::move(v[pNumAp]), v[pEmpresa].Text());
       },
       rgOrdem.ItemIndex() == 1 ? "ORDER BY 1 " : "");
 }
@@ -279,7 +247,7 @@ void TfmRelFluxo::GravaChequeEmitido(Consulta& consulta) {
     linha["DtLanc"] = dia;
     linha["Vlr_ChequePag"] = v[cValor].AsCurrency();
     linha["Operacao"] = "+";
-    Anexa(linha, {std::move(v[cChave]), Empresa(v[cEmpresa].Text()), Fonte::Cheque});
+    Anexa(linha, Fonte::Cheque, std::move(v[cChave]), v[cEmpresa].Text());
   });
 }
 
@@ -298,8 +266,8 @@ void TfmRelFluxo::GravaChequeRecebido(Consulta& consulta) {
                 " LEFT JOIN {SUBGRUPO} SUBGRUPO ON CONTACOR.GRUPO = SUBGRUPO.CODIGO"
                 " WHERE CONTACOR.PENDENTE = 'S' AND CONTACOR.TIPO_DOC = 'CH'") +
                 FiltroPeriodo("CONTACOR.DT_VENCTO", consulta)
-          : std::string(kReceber) + "'{}' AS EMPRESA, RECEBER.NUMERO AS CHAVE" + kDeReceber + kReceberAberto +
-                FiltroPeriodo("RECEBER.DT_VENCTO", consulta) + " AND RECEBER.STATUS = 'CH'" +
+          : std::string(kReceber) + "'{}' AS EMPRESA, RECEBER.NUMERO AS CHAVE" + kDeReceber + " WHERE " +
+                kReceberAberto + FiltroPeriodo("RECEBER.DT_VENCTO", consulta) + " AND RECEBER.STATUS = 'CH'" +
                 FiltroSituacao("RECEBER", EdtSitDesc);
   Percorre(consulta, "Cheques recebidos", sql, programacao ? "CONTACOR" : "RECEBER",
            [&](Linha& linha, std::span<Value> v) {
@@ -311,8 +279,8 @@ void TfmRelFluxo::GravaChequeRecebido(Consulta& consulta) {
              linha["Lim_Credito"] = linha["Lim_Credito"].AsCurrency();
              linha["Operacao"] = "+";
              linha["Historico"] = "";
-             Anexa(linha, {std::move(v[rChave]), Empresa(v[rEmpresa].Text()),
-                           programacao ? Fonte::Movimento : Fonte::Receber});
+             Anexa(linha, programacao ? Fonte::Movimento : Fonte::Receber, std::move(v[rChave]),
+                   v[rEmpresa].Text());
            });
 }
 
@@ -333,7 +301,7 @@ void TfmRelFluxo::BuscaPedidoPendente(Consulta& consulta) {
     enum Resto : uint8_t { oData, oCondicao, oValor, oDesconto, oEmpresa };
     Gera_Duplicatas(consulta, {Fonte::Pedido, linha, v[oCondicao],
                                ValorPedido(v[oValor].AsFloat(), v[oDesconto].AsFloat()), v[oData].AsDate(),
-                               Empresa(v[oEmpresa].Text())});
+                               std::string(v[oEmpresa].Text())});
   });
 }
 
@@ -352,7 +320,7 @@ void TfmRelFluxo::BuscaCompraPendente(Consulta& consulta) {
     enum Resto : uint8_t { oData, oCondicao, oValor, oEmpresa };
     const Pendente compra{Fonte::Compra,     linha,
                           v[oCondicao],      Currency::FromDouble(v[oValor].AsFloat()),
-                          v[oData].AsDate(), Empresa(v[oEmpresa].Text())};
+                          v[oData].AsDate(), std::string(v[oEmpresa].Text())};
     try {
       Gera_Duplicatas(consulta, compra);
     } catch (const ConversionError&) {
@@ -363,26 +331,23 @@ void TfmRelFluxo::BuscaCompraPendente(Consulta& consulta) {
 }
 
 void TfmRelFluxo::Gera_Duplicatas(Consulta& consulta, const Pendente& pendente) {
-  const bool venda = pendente.fonte == Fonte::Pedido, partes = CBCond.Checked();
+  const bool venda = pendente.fonte == Fonte::Pedido;
   const Value& numero = pendente.linha["Numero"];
-  const CondicaoPagamento condicao(pendente.condicao.Text());
-  const int parcelas = partes ? condicao.Parcelas() : 1;
-  for (int i = 1; i <= parcelas; ++i) {
-    const Date dia = pendente.base.AddDays(partes ? condicao.Dias(i) : 0);
-    const Currency valor = ValorParcela(pendente.valor, parcelas, i);
-    if (!consulta.periodo.Contem(dia)) continue;
+  const auto anexa = [&](const Parcela& parcela) {
+    if (!consulta.periodo.Contem(parcela.dia)) return;
     Linha linha = pendente.linha;
     Zera(linha);
     linha["Vlr_ChequePag"] = Currency();
-    linha[venda ? Linha::Name("Vlr_Venda") : Linha::Name("Vlr_Compra")] = valor;
+    linha[venda ? Linha::Name("Vlr_Venda") : Linha::Name("Vlr_Compra")] = parcela.valor;
     // A purchase is paid on a working day, even one behind the period.
-    linha["DtLanc"] = venda ? dia : consulta.dias.DiaUtil(dia);
-    linha["Numero"] = NumeroParcela(numero.Text(), i);
+    linha["DtLanc"] = venda ? parcela.dia : consulta.dias.DiaUtil(parcela.dia);
+    linha["Numero"] = NumeroParcela(numero.Text(), parcela.ordem);
     linha["Historico"] = (venda ? "PEDIDO PENDENTE Nº " : "ORDEM DE COMPRA Nº ") + std::string(numero.Text());
     linha["Operacao"] = "+";
     linha["Vlr_Cre"] = linha["Lim_Credito"] = linha["Lim_Credito"].AsCurrency();
-    Anexa(linha, {numero, pendente.empresa, pendente.fonte});
-  }
+    Anexa(linha, pendente.fonte, numero, pendente.empresa);
+  };
+  ParaCadaParcela(pendente.valor, pendente.base, pendente.condicao.Text(), CBCond.Checked(), anexa);
 }
 
 }  // namespace orv

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "toolkit/database.h"
@@ -112,6 +113,10 @@ class IFuncoes {
   // A number from the user's own settings, `fallback` when it isn't set.
   virtual int LeConfiguracao(std::string_view key, std::string_view section, std::string_view name,
                              int fallback) = 0;
+  // The user's own texts whose path begins so, by the rest of their paths; "" are those that he took back.
+  virtual std::vector<std::pair<std::string, std::string>> LeTextos(std::string_view beginning) = 0;
+  // Keeps one of them; the caller commits. Raises UserError for a path or a text that is too long.
+  virtual void GravaTexto(std::string_view path, std::string_view text) = 0;
   virtual std::unique_ptr<TImpCheque> ImpCheque() = 0;
 
   // "S" when a movement of this account and history starts pending, else "N".

@@ -8,7 +8,7 @@
 
 #include "frame/module.h"
 #include "frame/screen.h"
-#include "reconciliation/aviso.h"
+#include "frame/aviso.h"
 #include "reconciliation/formats/bank_text.h"
 #include "reconciliation/formats/ofx.h"
 #include "toolkit/client_dataset.h"

@@ -14,10 +14,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "frame/aviso.h"
 #include "frame/module.h"
 #include "frame/screen.h"
 #include "frame/ticks.h"
-#include "reconciliation/aviso.h"
 #include "reconciliation/formats/card_file.h"
 #include "reconciliation/formats/cheque_return.h"
 #include "rules/bloqueio.h"

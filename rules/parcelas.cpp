@@ -39,6 +39,14 @@ std::string NumeroParcela(std::string_view pedido, int parcela) {
   return std::string(pedido) + "/0" + std::to_string(parcela);
 }
 
+void ParaCadaParcela(Currency total, Date base, std::string_view condicao, bool parte,
+                     const std::function<void(const Parcela&)>& parcela) {
+  const CondicaoPagamento dias(condicao);
+  const int parcelas = parte ? dias.Parcelas() : 1;
+  for (int i = 1; i <= parcelas; ++i)
+    parcela({i, base.AddDays(parte ? dias.Dias(i) : 0), ValorParcela(total, parcelas, i)});
+}
+
 Currency ValorPedido(double valor, double per_desc) {
   return Currency::FromDouble(valor) - Currency::FromDouble(valor * (per_desc / 100));
 }

@@ -1,10 +1,12 @@
 // Orders in instalments: the payment condition, each instalment's amount and number.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
 #include "toolkit/currency.h"
+#include "toolkit/date.h"
 
 namespace orv {
 
@@ -35,6 +37,17 @@ Currency ValorParcela(Currency total, int parcelas, int parcela);
 
 // "001234/03"; the zero stands before every number.
 std::string NumeroParcela(std::string_view pedido, int parcela);
+
+// An instalment: 1 for the first, its day before any move, its amount.
+struct Parcela {
+  int ordem;
+  Date dia;
+  Currency valor;
+};
+// Hands on the instalments of a total from a base day on: those of the condition or, where the orders aren't
+// parted, one on that day. Raises ConversionError at a slot that isn't a number.
+void ParaCadaParcela(Currency total, Date base, std::string_view condicao, bool parte,
+                     const std::function<void(const Parcela&)>& parcela);
 
 // An order's amount less its discount in percent.
 Currency ValorPedido(double valor, double per_desc);

@@ -1,5 +1,7 @@
 #include "rules/saldo.h"
 
+#include <unordered_map>
+
 #include "toolkit/text.h"
 
 namespace orv {
@@ -34,6 +36,26 @@ std::string ComSinal(const Livro& livro, std::string_view alias, std::string_vie
 std::string CreditoOuDebito(std::string_view alias) {
   const std::string de = De(alias);
   return "COALESCE(CASE " + de + "OPERACAO WHEN '+' THEN " + de + "VALOR ELSE -" + de + "VALOR END, 0)";
+}
+
+std::string SaldosDasContas(const std::string& movimentos, const std::string& contas) {
+  // A sum for each account reads its movements without sorting them.
+  return "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, CADCONTA.DESCRICAO, (SELECT " +
+         Soma(CreditoOuDebito("CONTACOR")) +
+         " FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND " + movimentos +
+         ") AS VALOR FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'" + contas;
+}
+
+std::vector<SaldoConta> LeSaldos(TOrvDatabase& db, const std::string& sql) {
+  std::vector<SaldoConta> saldos;
+  std::unordered_map<std::string, std::size_t> onde;
+  for (auto& row : db.Rows(sql)) {
+    if (row[3].IsNull()) continue;
+    const auto [found, added] = onde.try_emplace(row[0].AsString(), saldos.size());
+    if (added) saldos.push_back({row[0], row[1], row[2], Currency()});
+    saldos[found->second].valor += SomaDe(row[3]);
+  }
+  return saldos;
 }
 
 const std::array<ReportField, 5> kSaldoPorMes{{{"Ano", FieldType::Integer},

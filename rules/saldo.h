@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/report_set.h"
 #include "rules/soma.h"
@@ -36,6 +37,18 @@ std::string CreditoOuDebito(std::string_view alias);
 
 // The total of a statement's first column, a sum by Soma: it has a row for each company.
 Currency Total(TOrvDatabase& db, const std::string& sql);
+
+// An account of the cash flow and the balance of those of its movements that a condition names.
+struct SaldoConta {
+  Value conta, titular, descricao;
+  Currency valor;
+};
+// A row for each account that has such movements (CONTACOR); what isn't a credit is a debit. With a condition
+// of CADCONTA that begins with " AND ", or "".
+std::string SaldosDasContas(const std::string& movimentos, const std::string& contas = "");
+// The balances of such a statement, made ready for its companies: what several of them have of an account is
+// added up. In the order of the rows.
+std::vector<SaldoConta> LeSaldos(TOrvDatabase& db, const std::string& sql);
 
 // A balance by months, as a drill-down shows it: year, month, count and the sums of credits and of debits.
 extern const std::array<ReportField, 5> kSaldoPorMes;

@@ -262,6 +262,7 @@ void TOrvDBGrid::Describe(Properties& properties) const {
   properties.emplace_back("readOnly", read_only_);
   properties.emplace_back("rowsFixed", rows_fixed_);
   properties.emplace_back("selected", selected_);
+  properties.emplace_back("fontSize", int64_t{font_size_});
   // The display tells of each column that the user reaches, and follows where the program put him.
   properties.emplace_back("watched", Watched());
   properties.emplace_back("placed", placed_);
@@ -366,6 +367,13 @@ int Chart::PageCount() const {
   return static_cast<int>(std::max<int64_t>(1, (points + page_size_ - 1) / page_size_));
 }
 
+void Chart::SetSeriesTitle(std::string_view field, std::string title) {
+  for (ChartSeries& one : series_) {
+    if (SameText(one.field, field)) one.title = std::move(title);
+  }
+  Touch();
+}
+
 void Chart::SetPage(int page) {
   page_ = std::clamp(page, 0, PageCount() - 1);
   Touch();
@@ -375,15 +383,15 @@ void Chart::DescribeFixed(Properties& properties) const {
   properties.emplace_back("set", set_.Name());
   properties.emplace_back("label", label_field_);
   properties.emplace_back("pageSize", int64_t{page_size_});
+}
+
+void Chart::Describe(Properties& properties) const {
+  Control::Describe(properties);
   std::vector<std::string> series;
   for (const ChartSeries& one : series_) {
     series.push_back(Join({one.field, one.title, one.line ? "line" : "bar"}, "\t"));
   }
   properties.emplace_back("series", std::move(series));
-}
-
-void Chart::Describe(Properties& properties) const {
-  Control::Describe(properties);
   properties.emplace_back("page", int64_t{page_});
   properties.emplace_back("pages", int64_t{PageCount()});
 }

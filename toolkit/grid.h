@@ -56,6 +56,8 @@ class TOrvDBGrid : public Control {
   void SetRowsFixed(bool fixed) { rows_fixed_ = fixed, Touch(); }
   // A column of amounts that are all zero isn't shown, for a grid whose rows are gathered at once.
   void SetDropZeros(bool drop) { drop_zeros_ = drop, Touch(); }
+  // Height of the letters in pixels, 0 for that of the page.
+  void SetFontSize(int pixels) { font_size_ = pixels, Touch(); }
   // The columns as they are shown now.
   std::vector<const GridColumn*> ShownColumns() const;
   // The column in which the user stands.
@@ -107,6 +109,7 @@ class TOrvDBGrid : public Control {
   bool read_only_;
   bool rows_fixed_ = false;
   bool drop_zeros_ = false;
+  int font_size_ = 0;
   // Columns without an amount, in the version of the set in which they were looked for.
   mutable std::vector<const GridColumn*> zeros_;
   mutable uint64_t zeros_version_ = ~uint64_t{0};
@@ -190,6 +193,7 @@ class Chart : public Control {
         series_(std::move(series)),
         page_size_(page_size) {}
   DataSet& Set() const { return set_; }
+  void SetSeriesTitle(std::string_view field, std::string title);
   int Page() const { return page_; }
   int PageCount() const;
   // Stays between the first page and the last.

@@ -40,6 +40,7 @@ class MemoryDataSet : public DataSet {
   void SetFilter(std::string_view text);
   const std::string& FilterText() const { return filter_text_; }
   void SetFiltered(bool filtered);
+  bool Filtered() const { return filtered_; }
 
   // Appends a row without events, behind the others, each value as its field holds it; for filling a set in
   // bulk. The values are moved out and must be as many as the fields. The cursor stays. Raises

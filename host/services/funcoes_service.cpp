@@ -214,6 +214,14 @@ bool FuncoesService::ValidaData(std::string_view text) const {
   return !Date::ParseBrazilOr(text, Date()).Empty();
 }
 
+std::vector<std::pair<std::string, std::string>> FuncoesService::LeTextos(std::string_view beginning) {
+  return p_.preferences.List(beginning);
+}
+
+void FuncoesService::GravaTexto(std::string_view path, std::string_view text) {
+  p_.preferences.Set(path, text);
+}
+
 int FuncoesService::LeConfiguracao(std::string_view key, std::string_view section, std::string_view name,
                                    int fallback) {
   return p_.preferences.GetNumber(Preferences::Path(key, section, name), fallback);

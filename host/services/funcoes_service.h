@@ -84,6 +84,8 @@ class FuncoesService : public IFuncoes {
 
   int LeConfiguracao(std::string_view key, std::string_view section, std::string_view name,
                      int fallback) override;
+  std::vector<std::pair<std::string, std::string>> LeTextos(std::string_view beginning) override;
+  void GravaTexto(std::string_view path, std::string_view text) override;
   std::unique_ptr<TImpCheque> ImpCheque() override { return p_.cheque_printer(); }
   std::string LancamentoPendente(std::string_view account, std::string_view history) override;
 

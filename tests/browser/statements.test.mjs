@@ -104,3 +104,39 @@ test("the monthly result is gathered by accrual, followed to its titles and prin
   await keys(page, "Alt+i");
   await readReport("Relatorio de Resultado Mensal - Conta Corrente", "WResultOrcaMes");
 });
+
+test("the cash-flow analysis is simulated, opened, charted and printed", async () => {
+  page = await begin();
+  await openScreen(page, "anális", "Relatório de Análise de Fluxo de Caixa");
+  await keys(page, "Alt+c");
+  await gathered("Períodos");
+  const cell = async (row, column) => (await rows(page, "Períodos"))[row].split("|")[column];
+  const before = await cell(1, 14);
+  await picture(page, "analysis");
+  assert.deepEqual(await findings(page), []);
+  // An amount typed as an exit lowers the balance at once.
+  await keys(page, "Tab");
+  await focusIs(page, "Períodos");
+  await keys(page, "Control+Home", "ArrowDown", "Control+ArrowRight", "ArrowLeft", "1000", "Tab");
+  const cents = (text) => Number(text.replace(/[.,]/g, ""));
+  await until("saldo simulado", async () => cents(await cell(1, 14)) === cents(before) - 100000);
+  // The chart shows it; its figures stand in a table too.
+  await keys(page, "Control+ArrowLeft", "Control+PageDown", "Control+PageDown");
+  await page.locator(".chart-bar").first().waitFor({ state: "attached" });
+  const line = page.getByRole("table", { name: "Análise de Caixa" }).getByRole("row").nth(2);
+  assert.equal((await line.getByRole("cell").last().textContent()).trim(), (cents(before) / 100 - 1000).toLocaleString("pt-BR", { minimumFractionDigits: 2 }));
+  await picture(page, "analysis-chart");
+  assert.deepEqual(await findings(page), []);
+  // A figure opens as its rows, and F4 leads back.
+  await keys(page, "Control+PageUp", "Control+PageUp");
+  await grid(page, "Períodos").getByText("Novembro").click();
+  await keys(page, "ArrowRight", "F4");
+  await gathered("Lançamentos");
+  await page.getByText(/Valor Receber: \d+ lançamentos, /).waitFor();
+  await picture(page, "analysis-detail");
+  await grid(page, "Lançamentos").getByRole("gridcell").first().click();
+  await keys(page, "F4");
+  await gathered("Períodos");
+  await keys(page, "Alt+r");
+  await readReport("Relatório de Análise de Fluxo de Caixa", "WCCAnaliseFluxo");
+});

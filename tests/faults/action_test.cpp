@@ -139,6 +139,9 @@ TEST_F(CcTest, AmountsBeyondAllMeasureHinderNoScreen) {
   desk.Open("TfmRelResultMes");
   EXPECT_EQ(desk.Press("BitBtn29"), told);
   desk.Close();
+  desk.Open("TfmRelFluxoBanco");
+  EXPECT_EQ(desk.Press("btnConfirma"), told);
+  desk.Close();
   desk.Open("TfmRelCC");
   desk.Set("RelConta", kConta);
   EXPECT_EQ(desk.Press("BitBtn29"), told);

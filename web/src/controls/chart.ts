@@ -40,10 +40,12 @@ export class ChartView extends ControlView {
   }
 
   private get series(): Series[] {
-    return this.list("series").map((text) => {
+    const series = this.list("series").map((text) => {
       const [field = "", title = "", kind] = text.split("\t");
       return { field, title, line: kind === "line" };
     });
+    // One without a title has nothing to show.
+    return series.filter((one) => one.title !== "");
   }
 
   override render(): void {
@@ -128,6 +130,7 @@ export class ChartView extends ControlView {
         parts.push(shape);
       });
       if (!one.line) bar += 1;
+      else parts.push(...this.marks(values, this.texts[at]!, x, y));
     });
     parts.push(svg("line", { class: "chart-zero", x1: kLeft, x2: kWidth - 8, y1: y(0), y2: y(0) }));
     const every = Math.max(1, Math.ceil(points / 12));
@@ -140,14 +143,29 @@ export class ChartView extends ControlView {
       text.textContent = shown;
       parts.push(text);
     });
-    const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, role: "img", "aria-label": this.spoken() }, ...parts);
-    this.plot.replaceChildren(drawing);
+    const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, "aria-hidden": "true" }, ...parts);
+    this.plot.replaceChildren(drawing, this.table());
+  }
+
+  // The values at the points of a line, each above its point or, where the line rises from it, below.
+  private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number): SVGElement[] {
+    return values.map((value, i) => {
+      const below = (values[i + 1] ?? value) > value && y(value) < kHeight - kBottom - 20;
+      const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": "middle" });
+      mark.textContent = texts[i]!.replace(/,\d+$/, "");
+      return mark;
+    });
   }
 
   // The figures for who doesn't see the drawing.
-  private spoken(): string {
-    return this.series
-      .map((one, at) => `${one.title}: ${this.labels.map((label, i) => `${label} ${this.texts[at]![i]}`).join("; ")}`)
-      .join(". ");
+  private table(): HTMLElement {
+    const row = (cell: "th" | "td", scope: string, head: string, texts: string[]): HTMLElement =>
+      el("tr", {}, el("th", { scope }, head), ...texts.map((text) => el(cell, cell === "th" ? { scope: "col" } : {}, text)));
+    return el(
+      "table",
+      { class: "unseen", "aria-label": this.caption || "Gráfico" },
+      row("th", "col", "Ponto", this.series.map((one) => one.title)),
+      ...this.labels.map((label, i) => row("td", "row", label, this.texts.map((texts) => texts[i]!))),
+    );
   }
 }

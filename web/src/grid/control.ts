@@ -52,6 +52,7 @@ export class GridControl extends ControlView implements GridOwner {
     this.caption_.hidden = this.caption === "";
     this.grid.label = this.label || "Grade";
     this.grid.scroller.setAttribute("aria-readonly", String(!this.editable));
+    this.grid.letters = this.number("fontSize");
     this.grid.setColumns(this.list("columns").map(readColumn));
     this.element.classList.toggle("is-editable", this.editable);
   }

@@ -21,6 +21,8 @@ export interface GridOwner {
 }
 
 const kRowHeight = 26;
+// The page's letters, in pixels.
+const kLetters = 13;
 
 interface DrawnRow {
   element: HTMLElement;
@@ -38,6 +40,7 @@ export class GridView {
   readonly scroller: HTMLElement;
   readonly blocks = new Blocks();
   readonly scroll = new Scroll(kRowHeight);
+  private scale = 1;
   columns: Column[] = [];
   row = -1;
   column = 0;
@@ -100,6 +103,17 @@ export class GridView {
     window.clearTimeout(this.fetchTimer);
   }
 
+  // The height of the letters in pixels, 0 for the page's own.
+  set letters(pixels: number) {
+    const scale = pixels > 0 ? pixels / kLetters : 1;
+    if (scale === this.scale) return;
+    this.scale = scale;
+    if (pixels > 0) this.scroller.style.setProperty("--grid-letters", `${pixels}px`);
+    else this.scroller.style.removeProperty("--grid-letters");
+    // The columns are as wide as their letters ask.
+    this.told = "";
+  }
+
   set label(text: string) {
     this.scroller.setAttribute("aria-label", text);
   }
@@ -113,7 +127,7 @@ export class GridView {
     this.columns = columns;
     if (this.column >= columns.length) this.column = Math.max(0, columns.length - 1);
     const stored = columns.map((column) => this.owner.storedWidth?.(column) ?? null);
-    this.widths = columns.map((column, at) => stored[at] ?? naturalWidth(column));
+    this.widths = columns.map((column, at) => stored[at] ?? this.natural(column));
     this.sized = stored.map((width) => width !== null);
     this.scroller.setAttribute("aria-colcount", String(columns.length));
     this.head.replaceChildren(...columns.map((column, at) => this.title(column, at)));
@@ -141,13 +155,17 @@ export class GridView {
       grip.addEventListener("dblclick", (event) => {
         event.stopPropagation();
         this.owner.storeWidth?.(column, null);
-        this.widths[at] = naturalWidth(column);
+        this.widths[at] = this.natural(column);
         this.sized[at] = false;
         this.spread();
       });
       cell.append(grip);
     }
     return cell;
+  }
+
+  private natural(column: Column): number {
+    return Math.round(naturalWidth(column) * Math.max(this.scale, 1));
   }
 
   private drag(event: PointerEvent, at: number): void {

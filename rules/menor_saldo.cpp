@@ -1,0 +1,17 @@
+#include "rules/menor_saldo.h"
+
+namespace orv {
+
+void MenorSaldo::Soma(Date dia, Currency valor) {
+  if (dia != ate_ && Baixou()) menor_ = saldo_, dia_ = ate_;
+  ate_ = dia;
+  saldo_ += valor;
+}
+
+void MenorSaldo::Mostra(Label& linha, std::string_view ressalva) const {
+  linha.SetCaption("Menor saldo: " + Valor().Brazil() + " em " + Dia().Brazil() + std::string(ressalva) +
+                   ".");
+  linha.SetColor(Valor() < Currency() ? "error" : "good");
+}
+
+}  // namespace orv
