@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "frame/aviso.h"
 #include "frame/module.h"
 #include "frame/screen.h"
-#include "frame/aviso.h"
 #include "reconciliation/formats/bank_text.h"
 #include "reconciliation/formats/ofx.h"
 #include "toolkit/client_dataset.h"

@@ -47,7 +47,8 @@ class LayoutPart : public Control {
 };
 
 constexpr std::string_view kParts[] = {"bar", "more", "form", "sides", "sums", "actions"};
-constexpr std::string_view kRoles[] = {"primary", "danger", "apart", "nav", "amount", "compact", "narrow", "low"};
+constexpr std::string_view kRoles[] = {"primary", "danger",  "apart",  "nav",
+                                       "amount",  "compact", "narrow", "low"};
 
 bool Among(std::span<const std::string_view> words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
