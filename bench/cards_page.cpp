@@ -7,7 +7,7 @@
 
 #include "bench/house.h"
 #include "bench/measure.h"
-#include "desk/session/door_client.h"
+#include "bench/statement_screen.h"
 #include "frame/module.h"
 #include "toolkit/database.h"
 
@@ -27,48 +27,24 @@ std::string Padded(int64_t number, std::size_t width) {
   return std::string(width - digits.size(), '0') + digits;
 }
 
-class Page {
+class Page : public StatementScreen {
  public:
-  explicit Page(const std::filesystem::path& house) : log_("/dev/null"), client_(Ana(house), log_) {
-    Do({{"do", "open"}, {"class", "TFmConcilia"}});
+  explicit Page(const std::filesystem::path& house) : StatementScreen(house, "TFmConcilia") {
     Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
     Set("cbCartao_Operadora", "2");
     Set("DtCartao_Fim", kDay);
     Set("DtCartao_Ini", kDay);
     Set("RgCartao_Busca", "2");
   }
-  std::vector<Json> Do(Json in) {
-    auto out = client_.Do(std::move(in));
-    for (const Json& one : out) {
-      if (one["on"] == Json("error")) throw UserError(one["text"].String());
-    }
-    return out;
-  }
-  void Set(const char* control, const std::string& value) {
-    Do({{"do", "set"}, {"control", control}, {"value", value}});
-  }
-  // Clicks, takes the day that is offered, lets the accounting pass and reads what is told.
+  // Clicks, lets the accounting pass and reads what is told.
   void Click(const char* button) {
     auto out = Do({{"do", "click"}, {"control", button}});
     while (out.back()["on"] != Json("idle")) {
-      std::string answer = "ok";
-      for (const Json& one : out) {
-        if (one["on"] == Json("confirm")) answer = "yes";
-        if (one["on"] == Json("input")) answer = one["value"].String();
-      }
-      out = Do({{"do", "answer"}, {"value", answer}});
+      const bool confirm =
+          std::any_of(out.begin(), out.end(), [](const Json& one) { return one["on"] == Json("confirm"); });
+      out = Do({{"do", "answer"}, {"value", confirm ? "yes" : "ok"}});
     }
   }
-  int64_t Count(const char* set) {
-    for (const Json& out : Do({{"do", "read"}, {"control", set}, {"from", 0}, {"count", 1}})) {
-      if (out["on"] == Json("state")) return out["screens"].Items().back()["sets"][set]["count"].Integer();
-    }
-    return -1;
-  }
-
- private:
-  Log log_;
-  DoorClient client_;
 };
 
 // Sales of one instalment each with their movements; every proof stands in the files, in another order.
