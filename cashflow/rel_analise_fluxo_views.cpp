@@ -227,7 +227,6 @@ void TfmRelAnaliseFluxo::MostraMenorSaldo() {
   };
   std::unordered_map<std::string, Currency> digitado;
   Currency saldo;
-  Date dia = EdtDataDe.Date();
   for (int64_t i = 0, n = TbRelatorio.DisplayCount(); i < n; ++i) {
     const std::string codigo = TbRelatorio.Cell(i, TbRelatorio["CodPer"]).AsString();
     if (codigo == kSaldoInicial) saldo = TbRelatorio.Cell(i, TbRelatorio["Saldo"]).AsCurrency();
@@ -237,14 +236,12 @@ void TfmRelAnaliseFluxo::MostraMenorSaldo() {
     }
   }
   for (const DiaSomado& um : dias_) digitado[um.codigo] -= do_dia(um);
-  Currency menor = saldo;
+  MenorSaldo menor(saldo, EdtDataDe.Date());
   for (const DiaSomado& um : dias_) {
-    if (um.codigo <= kSaldoInicial) continue;
-    saldo += std::exchange(digitado[um.codigo], Currency()) + do_dia(um);
-    if (saldo < menor) menor = saldo, dia = um.dia;
+    if (um.codigo > kSaldoInicial)
+      menor.Soma(um.dia, std::exchange(digitado[um.codigo], Currency()) + do_dia(um));
   }
-  LbMenor.SetCaption("Menor saldo: " + menor.Brazil() + " em " + dia.Brazil() + ".");
-  LbMenor.SetColor(menor < Currency() ? "error" : "good");
+  orv::MostraMenorSaldo(LbMenor, menor);
 }
 
 void TfmRelAnaliseFluxo::MenorPorConta() {
@@ -254,23 +251,16 @@ void TfmRelAnaliseFluxo::MenorPorConta() {
               &saldo = TbSaldo["Saldo"];
   for (int64_t i = 0, n = TbSaldo.DisplayCount(); i < n; ++i) {
     if (TbSaldo.Cell(i, seleciona).Text() != "S") continue;
-    Currency corrente = TbSaldo.Cell(i, saldo).AsCurrency(), menor = corrente;
-    Date dia = EdtDataDe.Date(), ate = dia;
-    // Of one day all counts together.
-    const auto fecha = [&] {
-      if (corrente < menor) menor = corrente, dia = ate;
-    };
+    MenorSaldo menor(TbSaldo.Cell(i, saldo).AsCurrency(), EdtDataDe.Date());
     const auto achada = por_conta_.find(TbSaldo.Cell(i, conta).AsString());
     if (achada != por_conta_.end()) {
       for (const DiaDaConta& um : achada->second) {
-        if (um.dia != ate) fecha();
-        ate = um.dia;
         if (!ocultos_.contains(kTipos[um.tipo].campo))
-          corrente += kTipos[um.tipo].entrada ? um.valor : -um.valor;
+          menor.Soma(um.dia, kTipos[um.tipo].entrada ? um.valor : -um.valor);
       }
     }
-    fecha();
-    Value linha[] = {TbSaldo.Cell(i, conta), TbSaldo.Cell(i, descricao), TbSaldo.Cell(i, saldo), menor, dia};
+    Value linha[] = {TbSaldo.Cell(i, conta), TbSaldo.Cell(i, descricao), TbSaldo.Cell(i, saldo),
+                     menor.Valor(), menor.Dia()};
     TbMenor.AppendRow(linha);
   }
   TbMenor.First();
