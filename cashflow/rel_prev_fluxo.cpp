@@ -81,7 +81,7 @@ TfmRelPrevFluxo::TfmRelPrevFluxo(Application& application)
     } /
     PageControl1 {
       TabSheet1 { LbConsulta / LbMenor LbAtraso / DBGrid3 / DBGrid5 / GridTotais }
-      TabSheet2 { OrvDBGrid1 / @narrow GridMenor }
+      TabSheet2 { OrvDBGrid1 / GridMenor }
       TabSheet3 { DBGrid2 }
       TabSheet4 { DBGrid4 GridPrev }
     } /

@@ -97,7 +97,7 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
       {"Descricao", FieldType::String, 50, {"Descrição", 30, 0, ColumnRole::Fixed}},
       {"Saldo", FieldType::Currency, 0, {"Saldo_Conc."}},
       {"Limite", FieldType::Currency, 0, {"Limite"}},
-      {"Val_Sit", FieldType::Currency, 0, {"Val_Sit"}},
+      {"Val_Sit", FieldType::Currency, 0, {"Tít. Negociáveis"}},
       {"Pendente", FieldType::Currency, 0, {"Pendente"}},
   });
   TClientDataSet TbConta{"TbConta"};

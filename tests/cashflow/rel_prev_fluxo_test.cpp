@@ -274,5 +274,146 @@ TEST_F(PrevisaoTest, TheDemoAgrees) {
   Compare({"01/12/2026", "10/01/2027", 0, false, false, false, false, "2"});
 }
 
+// A house of few rows; the period begins on a Friday, its columns end on a Sunday.
+class PrevisaoEdgesTest : public PrevisaoTest {
+ protected:
+  PrevisaoEdgesTest() {
+    Clear();
+    Empty("VALOR_MOEDA_001");
+    Run("UPDATE CADCONTA_001 SET IMP_FLUXO = 'N' WHERE CONTA NOT IN ('10250-1', '20418-7')");
+    Run("INSERT INTO CADCONTA_001 (CONTA, IMP_FLUXO, EMPRESA, DIAS_COMP) VALUES ('1234567890-12', 'S', "
+        "'TREZE', "
+        "4)");
+    Usual(Receber{.classe = "1101"});
+    Put(Movimento{.valor = 1000, .operacao = "+"});
+    Put(Movimento{.conta = "1234567890-12", .valor = 5, .operacao = "+", .pendente = "S"});
+    Put(Movimento{.conta = "20418-7", .valor = 40});
+    Put(Bordero{.numero = "7", .conta = "1234567890-12"});
+    Put(Bordero{.numero = "9", .tipo = "P", .conta = "1234567890-12"});
+  }
+  static std::string Cells(Desk& desk, const char* set) {
+    std::string text;
+    for (const Row& row : desk.Read(set)) {
+      text += row.at(row.contains("Classe") ? "Classe" : "Descricao");
+      for (const auto& [field, value] : row)
+        if ((field.starts_with("Val_") || field == "Vencidas") && value != "-" && value != "0")
+          text += " " + field + "=" + value;
+      text += "\n";
+    }
+    return text;
+  }
+  static std::string Opened(Desk& desk, const char* grid, int row, const char* column) {
+    desk.DoubleClick(grid, row, column);
+    std::string text = desk.Messages();
+    for (const Json& out : desk.Latest()) {
+      if (!(out["on"] == Json("detail"))) continue;
+      text += out["title"].String() + ":";
+      for (const Json& line : out["rows"].Items()) {
+        for (const Json& cell : line.Items()) text += cell.IsNull() ? "" : " " + cell.String();
+        text += ";";
+      }
+    }
+    desk.Answer("ok");
+    return text;
+  }
+};
+
+TEST_F(PrevisaoEdgesTest, WhatHasAColumnAndWhatHasNone) {
+  Put(Pagto{.num_ap = "P1", .dt_ven = "12/19/2026"});  // a Saturday: Monday has no column
+  Put(Pagto{.num_ap = "P2", .dt_ven = "12/05/2026", .valor = 170, .lote = "0009"});
+  Put(Pagto{.num_ap = "P3", .dt_ven = "11/02/2026", .valor = 33});
+  Put(Pagto{.num_ap = "A1", .dt_ven = "12/07/2026", .num_os = "2101", .valor = 8, .status = "A"});
+  Put(Pagto{.num_ap = "A2", .dt_ven = "11/02/2026", .num_os = "2101", .valor = 9});
+  Put(Receber{.numero = "R1",
+              .dt_vencto = "11/25/2026",
+              .classe = "9999",
+              .banco = "901",
+              .bordero = "7",
+              .situacao = "ZZ"});
+  Put(Receber{.numero = "R2", .dt_vencto = "11/25/2026", .situacao = nullptr});
+  Put(Receber{.numero = "R3", .dt_vencto = "11/24/2026", .valor2 = 25, .classe = "1102", .situacao = "1"});
+  Put(Receber{.numero = "R4", .dt_vencto = "11/02/2026", .valor2 = 11, .classe = "1102", .situacao = "1"});
+  Put(Pedido{.numero = "77", .dt_fatura = "11/19/2026", .pgto = "000"});
+  Put(PedItem{.numero = "77", .qtde = 1});
+  for (const char* numero : {"1", "2", "3"}) {
+    Put(Compra{.numero = numero, .dt_entrega = "11/25/2026", .condicao = numero[0] == '3' ? "0X0" : "005"});
+    Put(CoItem{.numero = numero, .qtde = 5});
+  }
+  Run("UPDATE PEDIDO_001 SET ENTREGA = '11/20/2026'");
+  Run("UPDATE COMPRA_001 SET MOEDA = '4', PARCELAS = 2 WHERE NUMERO = '1'");
+  Run("UPDATE COMPRA_001 SET MOEDA = '77' WHERE NUMERO = '2'");
+  Run("INSERT INTO VALOR_MOEDA_001 VALUES ('4', '20/11/2026', 5.1)");
+  Run("INSERT INTO VALOR_MOEDA_001 VALUES ('77', '20/11/2026', 0)");
+  Run("INSERT INTO VALOR_MOEDA_001 VALUES ('4', '01/11/2026', 5.5)");
+  Desk desk(database_, "ana", "_001", "2026-11-23");  // a Monday, whose rate is Friday's
+  desk.Open("TfmRelPrevFluxo");
+  EXPECT_EQ(desk.Texts({"DtIni", "DtFin", "dtSaldo", "DtCotacao", "DtAtualIni", "DtAtualFim", "DtSitFim"}),
+            "01/01/1900|01/01/2050|23/11/2026|01/01/1980|23/12/2024|23/11/2026|01/01/2050");
+  for (const char* box : {"CbEmpresa", "CbDataPrev", "CbAtraso"}) desk.Check(box, false);
+  const Fields fields{{"EdtSitDesc", "'1'"}, {"DtCotacao", "01/11/2026"}, {"EdtCodSit", "1"}};
+  EXPECT_EQ(Gather(desk, "20/11/2026", "31/12/2026", fields), "");
+  EXPECT_EQ(Cells(desk, "TbReceber"),
+            "1102 Val_5=25 Vencidas=11\n9999 Val_11=100\nDESC Val_5=-25 Vencidas=-11\nVEN Val_5=10\n");
+  EXPECT_EQ(Cells(desk, "TbPagar"),
+            "3104 Val_18=170 Vencidas=33\n2101 Val_18=-8\nCOM Val_11=106.5 Val_18=76.5\n");
+  EXPECT_EQ(desk.Column("TbPagar", "Cotacao"), "- - 5.5");
+  EXPECT_EQ(desk.Read("TbConta", {"Imprimir", "Conta", "Saldo", "Val_Sit", "Pendente"}),
+            "S|10250-1|1000.0000|-|-\nS|1234567890-12|0.0000|-|5.0000\nS|20418-7|-40.0000|36.0000|-\n");
+  EXPECT_EQ(desk.Read("TbMenor", {"Conta", "Menor", "Dia"}),
+            "10250-1|1000.0000|2026-11-20\n1234567890-12|-70.0000|2026-12-07\n20418-7|-40.0000|2026-11-20\n");
+  EXPECT_EQ(desk.Caption("LbConsulta"),
+            "Compras sem cotação, contadas a 1,00: moeda 77 em 20/11/2026. Compras de fora, pela condição de "
+            "pagamento: 3. Fora da projeção, sem coluna: entradas 0,00, saídas 100,00. Vencidas de classes "
+            "que não estão na projeção: entradas 0,00, saídas 9,00.");
+  EXPECT_EQ(desk.Caption("LbMenor") + desk.Caption("LbAtraso"),
+            "Menor saldo: 692,00 em 07/12/2026.Atraso médio: nenhum cliente mudou.");
+  EXPECT_EQ(Opened(desk, "DBGrid5", 0, "Val_18"),
+            "Classe 3104 em 07/12/2026: 170,00: Título P2 AURORA TECIDOS 002 LTDA 001 2026-12-05 2026-12-07 "
+            "170.0000;");
+  EXPECT_EQ(
+      Opened(desk, "DBGrid3", 2, "Vencidas"),
+      "Vencidas da classe 1102: Título R4 IPE AMARELO MODAS 001 EIRELI 001 2026-11-02 2026-11-02 11.0000;");
+  EXPECT_EQ(Opened(desk, "GridTotais", 1, "Val_5"),
+            "Saldo Final em 24/11/2026: Saldo anterior 927.0000; Classe 1102 VENDA DE CONFECCOES 25.0000; "
+            "Classe DESC DUPLICATAS DESCONTADAS -25.0000; Classe VEN PEDIDO DE VENDAS 10.0000;");
+  desk.Page("TabSheet2");
+  desk.Cell("OrvDBGrid1", 0, "Saldo", "-500");
+  desk.Stand("OrvDBGrid1", 1);
+  EXPECT_EQ(desk.Caption("LbMenor"), "Menor saldo: -808,00 em 07/12/2026.");
+  desk.Page("TabSheet3");
+  EXPECT_EQ(Opened(desk, "DBGrid2", 0, "Desc_6"),
+            "Títulos no banco 901 até 25/11/2026, limite 250.000,00: 2026-11-25 1 100.0000;");
+
+  // A sales order that can't be read ends the gathering.
+  Run("UPDATE PEDIDO_001 SET PGTO = '0A0'");
+  EXPECT_EQ(desk.Press("BitBtn29"), "error: \"0A0\" não é um número inteiro válido.");
+  EXPECT_EQ(desk.Caption("LbConsulta") + desk.Rows("TbReceber") + desk.Rows("TbConta"),
+            "A última consulta não terminou: nada foi projetado.");
+}
+
+TEST_F(PrevisaoEdgesTest, Printed) {
+  Put(Receber{.numero = "R1", .dt_vencto = "11/25/2026"});
+  Put(Receber{.numero = "R2", .dt_vencto = "12/16/2026", .valor2 = 2500, .classe = "1102"});
+  Put(Receber{.numero = "R3", .dt_emissao = "11/16/2026", .dt_vencto = "11/02/2026", .valor2 = 60});
+  Put(Receber{.numero = "O1", .dt_emissao = "12/01/2026", .valor2 = 900, .status = "O"});
+  Put(Pagto{.num_ap = "P1", .dt_ven = "11/30/2026", .valor = 4000});
+  Put(Pagto{.num_ap = "P2", .dt_ven = "12/08/2026", .valor = 330});
+  Desk desk(database_, At{"TfmRelPrevFluxo"});
+  desk.Check("CbDataPrev", false);
+  std::string printed;
+  for (const char* tipo : {"0", "1", "2"}) {
+    EXPECT_EQ(Gather(desk, "20/11/2026", "31/12/2026", {{"RgTipo", tipo}}), "");
+    desk.Page("TabSheet2");
+    if (tipo[0] == '2') desk.Cell("OrvDBGrid1", 1, "Imprimir", "false");
+    std::string one = test::Printed(desk, "BitBtn33");
+    // Above each page stands the time.
+    for (std::size_t at = 0; (at = one.find('\f', at)) != std::string::npos;)
+      one.replace(at, one.find('\n', at) - at, "-----");
+    printed += one;
+  }
+  EXPECT_EQ(printed.find("#ERRO"), std::string::npos);
+  ExpectFile(printed, ORV_FILES "WRelPrevFluxo.txt");
+}
+
 }  // namespace
 }  // namespace orv::test
