@@ -246,7 +246,9 @@ void Forecast(const std::filesystem::path& kept) {
   StatementScreen forecast(house, "TfmRelPrevFluxo", "_002");
   forecast.Set("CbEmpresa", "false");
   forecast.Set("RgTipo", "2");
-  // Neither what is due before the period nor the base grows with it.
+  // Neither what is due before the period nor the base grows with it, nor do the accounts.
+  forecast.Set("DtAtualIni", "01/01/2001");
+  forecast.Set("DtAtualFim", "01/01/2001");
   for (const char* box : {"CbLimDesc", "CbOrcaRec", "CbDataPrev"}) forecast.Set(box, "false");
   double each_of_few = 0;
   for (const int wanted : {10'000, 30'000, 100'000, 300'000}) {

@@ -54,26 +54,26 @@ void TfmRelPrevFluxo::Monta(Gathering& andamento) {
 // --- Accounts.
 
 void TfmRelPrevFluxo::BuscaSaldoContas() {
-  struct Conta {
-    std::vector<Value> linha;
-    bool tem;
-  };
   const auto parte = [](const char* operacao, const char* pendente) {
     return Soma(std::string("CASE WHEN CONTACOR.OPERACAO = '") + operacao + "' AND CONTACOR.PENDENTE = '" +
                 pendente + "' THEN CONTACOR.VALOR END");
   };
   const bool saldos = CbSaldo.Checked();
-  const std::string conta = "CADCONTA.CONTA, CADCONTA.EMPRESA, CADCONTA.LIMITE, CADCONTA.IMP_FLUXO";
-  const std::string de =
-      " FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON CONTACOR.CONTA = CADCONTA.CONTA"
-      " WHERE CADCONTA.IMP_FLUXO = 'S'";
-  // Credits, pending credits and debits, each null where the account has none.
-  const std::string sql = saldos ? "SELECT " + conta + ", " + parte("+", "N") + " AS CREDITOS, " +
-                                       parte("+", "S") + " AS PENDENTES, " + parte("-", "N") + " AS DEBITOS" +
-                                       de + " AND CONTACOR.DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()) +
-                                       " GROUP BY " + conta
-                                 : "SELECT DISTINCT " + conta + de;
+  // Credits, pending credits and debits in one text: so an account's movements are read once, and not sorted.
+  const std::string somas = "(SELECT COALESCE(" + parte("+", "N") + ", '') || ';' || COALESCE(" +
+                            parte("+", "S") + ", '') || ';' || COALESCE(" + parte("-", "N") +
+                            ", '') FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND "
+                            "CONTACOR.DT_CONT <= " +
+                            Funcoes.AspasData(dtSaldo.Date()) + ")";
+  const std::string sql =
+      "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, CADCONTA.LIMITE, CADCONTA.IMP_FLUXO, " +
+      (saldos ? somas : "''") + " AS SOMAS FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'" +
+      (saldos ? "" : " AND EXISTS (SELECT 1 FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA)");
   auto contas = Tabela.IBDatabase().Rows(Funcoes.DBLocal_SQL(sql, "") + "\nORDER BY 1");
+  for (auto& c : contas) {
+    for (const std::string& soma : saldos ? Split(c[4].Text(), ";") : std::vector<std::string>{})
+      c.push_back(soma.empty() ? Value() : Value(soma));
+  }
   const auto anexa = [&](const std::vector<Value>& c, Currency saldo, const Value& pendente) {
     Value linha[] = {c[3], c[0], c[1], saldo, c[2], Value(), pendente};
     TbConta.AppendRow(linha);
@@ -83,13 +83,13 @@ void TfmRelPrevFluxo::BuscaSaldoContas() {
   } else {
     // Accounts with settled credits come first, then those with pending ones, then those with debits.
     bool cabem = true;
-    for (const std::size_t primeira : {4U, 5U, 6U}) {
+    for (const std::size_t primeira : {5U, 6U, 7U}) {
       for (const auto& c : contas) {
-        if (c[primeira].IsNull() || (primeira > 4 && !c[4].IsNull()) || (primeira > 5 && !c[5].IsNull()))
+        if (c[primeira].IsNull() || (primeira > 5 && !c[5].IsNull()) || (primeira > 6 && !c[6].IsNull()))
           continue;
-        const Currency saldo = SomaDe(c[4]) - SomaDe(c[6]);
-        cabem = cabem && saldo.FitsField() && SomaDe(c[5]).FitsField();
-        anexa(c, saldo, c[5].IsNull() ? Value() : Value(SomaDe(c[5])));
+        const Currency saldo = SomaDe(c[5]) - SomaDe(c[7]);
+        cabem = cabem && saldo.FitsField() && SomaDe(c[6]).FitsField();
+        anexa(c, saldo, c[6].IsNull() ? Value() : Value(SomaDe(c[6])));
       }
     }
     if (!cabem)
