@@ -159,7 +159,7 @@ std::size_t TfmRelPrevFluxo::Colunas::De(Date dia) {
 
 void TfmRelPrevFluxo::MontaCabecalho() {
   // Of the terms one column less than of days stays free.
-  constexpr int kMeses = 13, kPrazos = 29, kPasso = 31;
+  constexpr int kMesesAdiante = 13, kPrazos = 29, kPasso = 31;
   const Date de = DtIni.Date();
   switch (RgTipo.ItemIndex()) {
     case 1:
@@ -172,7 +172,7 @@ void TfmRelPrevFluxo::MontaCabecalho() {
               });
       break;
     case 2:
-      for (int i = 0; i < kMeses; ++i) {
+      for (int i = 0; i < kMesesAdiante; ++i) {
         const Date dia = de.AddDays(i * kPasso);
         if (!dia.Empty()) colunas_.Anexa(dia.Brazil().substr(3), {dia.FirstOfMonth(), dia.LastOfMonth()});
       }

@@ -313,8 +313,7 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
   void GridTotaisDblClick();
   void OrvDBGrid1DblClick();
 
-  // False while the sets hold what a gathering left that didn't end.
-  bool inteira_ = true;
+  // Balances are gathered, not typed.
   bool montando_ = false;
   Colunas colunas_;
   std::array<Quadro, 2> quadros_;

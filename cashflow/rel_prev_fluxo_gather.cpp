@@ -16,13 +16,11 @@ std::string Codigo(const Value& codigo) { return std::string(TrimCode(codigo.Tex
 }  // namespace
 
 void TfmRelPrevFluxo::BitBtn29Click() {
-  inteira_ = false;
   LbAtraso.SetCaption("");
   LbConsulta.Mostra("A última consulta não terminou: nada foi projetado.");
   const ScopedValue montando(montando_, true);
   Gather({&TbReceber, &TbPagar, &TbTotais, &TbConta, &TbMenor, &TbDesconto, &TbCond, &TbPrev},
          [this](Gathering& andamento) { Monta(andamento); });
-  inteira_ = true;
 }
 
 void TfmRelPrevFluxo::Monta(Gathering& andamento) {
