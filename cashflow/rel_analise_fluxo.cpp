@@ -55,7 +55,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
     : ReportScreen(application, "TfmRelAnaliseFluxo", "fmRelAnaliseFluxo",
                    "Relatório de Análise de Fluxo de Caixa"),
       OrvDBGrid1(*this, "OrvDBGrid1", TbSaldo, GridColumns(kSaldo), false, "Contas"),
-      GridMenor(*this, "GridMenor", TbMenor, GridColumns(kMenor), true, "Menor saldo de cada conta"),
+      GridMenor(*this, "GridMenor", TbMenor, GridColumns(kMenorSaldo), true, "Menor saldo de cada conta"),
       DBGrid1(*this, "DBGrid1", TbRelatorio, GridColumns(kRelatorio), false, "Períodos"),
       DBGrid2(*this, "DBGrid2", TbDetalha, GridColumns(kDetalha), true, "Lançamentos"),
       DBGrid3(*this, "DBGrid3", TbClasseData, ColunasDeClasse(kDias), true, "Classes por dia") {
@@ -103,7 +103,7 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
   LayDown(TbSaldo, kSaldo);
   LayDown(TbRelatorio, kRelatorio);
   LayDown(TbDetalha, kDetalha);
-  LayDown(TbMenor, kMenor);
+  LayDown(TbMenor, kMenorSaldo);
   static constexpr ReportField kClasse[] = {{"Classe", FieldType::String, 6},
                                             {"Descricao", FieldType::String, 30},
                                             {"Operacao", FieldType::String, 1},

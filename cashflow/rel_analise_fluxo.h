@@ -18,6 +18,7 @@
 #include "frame/report_screen.h"
 #include "rules/dias_efetivos.h"
 #include "rules/fonte.h"
+#include "rules/menor_saldo.h"
 #include "rules/parcelas.h"
 #include "rules/periodo.h"
 #include "toolkit/client_dataset.h"
@@ -133,14 +134,6 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
       {"Nome_Rep", FieldType::String, 30, {"Representante", 20, 26}},
   });
   TClientDataSet TbDetalha{"TbDetalha"};
-  // The lowest balance that each account comes to by what is expected of it, and its day.
-  static constexpr auto kMenor = std::to_array<ReportField>({
-      {"Conta", FieldType::String, 13, {"Conta"}},
-      {"Descricao", FieldType::String, 50, {"Descrição", 30}},
-      {"Saldo", FieldType::Currency, 0, {"Saldo"}},
-      {"Menor", FieldType::Currency, 0, {"Menor saldo"}},
-      {"Dia", FieldType::Date, 0, {"Em"}},
-  });
   TClientDataSet TbMenor{"TbMenor"};
   // Classes by day, of which the table has so many; those that close up leave columns behind.
   static constexpr int kDias = 31;
@@ -263,8 +256,6 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   // The due dates of purchases that have them, by company and number.
   using Vencimentos = std::unordered_map<std::string, std::vector<Date>>;
   Vencimentos LeVencimentos();
-  // Rates by currency and day; 1 for what isn't there, which the page is told.
-  class Cotacoes;
   std::string CondicaoDaCompra(const Compra& compra, const Vencimentos& vencimentos, bool& avisado);
   // Raises ConversionError for a slot of the condition that is no number.
   void Gera_Duplicatas(Consulta& consulta, const Pendente& pendente);

@@ -1,8 +1,7 @@
 // What the analysis expects of money that stands in no title yet: orders, purchases, and work that is
 // outside.
-#include <set>
-
 #include "cashflow/rel_analise_fluxo.h"
+#include "rules/cotacao.h"
 #include "rules/soma.h"
 #include "toolkit/text.h"
 
@@ -69,61 +68,13 @@ void TfmRelAnaliseFluxo::Gera_Duplicatas(Consulta& consulta, const Pendente& pen
 
 // --- Purchases.
 
-// The rates that the purchases of a gathering ask for, from the present company, read at once.
-class TfmRelAnaliseFluxo::Cotacoes {
- public:
-  Cotacoes(IFuncoes& funcoes, TOrvDatabase& db, const std::set<std::pair<std::string, Date>>& pedidas) {
-    if (pedidas.empty()) return;
-    std::set<std::string> moedas, datas;
-    for (const auto& [moeda, data] : pedidas) {
-      moedas.insert(funcoes.Aspas(moeda));
-      datas.insert(data.Brazil());
-    }
-    try {
-      const std::string sql = "SELECT MOEDA, DATA, COALESCE(VALOR,0) AS VALOR FROM " +
-                              funcoes.DBLocal("VALOR_MOEDA", true) + " WHERE MOEDA IN (" +
-                              Join({moedas.begin(), moedas.end()}, ",") + ")" +
-                              (datas.size() == 1 ? " AND DATA = " + funcoes.Aspas(*datas.begin()) : "");
-      for (const auto& linha : db.Rows(sql))
-        taxas_[{linha[0].AsString(), linha[1].AsString()}] = linha[2].AsFloat();
-    } catch (const DatabaseError& error) {
-      // A rate that can't be read is as one that isn't there; a user who gave up is told so.
-      if (error.Why() == DatabaseError::Kind::Cancelled) throw;
-    }
-  }
-  // 1 where none is known that day.
-  double Taxa(const std::string& moeda, Date dia) {
-    const auto achada = taxas_.find({moeda, dia.Brazil()});
-    if (achada != taxas_.end() && achada->second > 0) return achada->second;
-    if (!moeda.empty()) faltam_.insert(moeda + " em " + dia.Brazil());
-    return 1;
-  }
-  // What was asked for and isn't there: a sentence, or "".
-  std::string Faltam() const {
-    constexpr std::size_t kDitas = 4;
-    if (faltam_.empty()) return "";
-    std::vector<std::string> ditas;
-    for (const std::string& falta : faltam_) {
-      if (ditas.size() < kDitas) ditas.push_back(falta);
-    }
-    const std::size_t outras = faltam_.size() - ditas.size();
-    return "Compras sem cotação, contadas a 1,00: moeda " + Join(ditas, ", ") +
-           (outras > 0 ? " e mais " + std::to_string(outras) : "") + ".";
-  }
-
- private:
-  std::map<std::pair<std::string, std::string>, double> taxas_;
-  std::set<std::string> faltam_;
-};
-
 void TfmRelAnaliseFluxo::BuscaCompraPendente(Consulta& consulta) {
   const std::vector<Compra> compras = LeCompras(consulta);
-  // The rate of the day before, Friday's on a Monday.
-  const Date vespera = Today().AddDays(Today().WeekDay() == 1 ? -3 : -1);
+  const Date vespera = VesperaDaCotacao(Today());
   const auto dia_da_taxa = [&](const Compra& compra) {
     return CbMoedaEmiOC.Checked() ? compra.emissao : vespera;
   };
-  std::set<std::pair<std::string, Date>> pedidas;
+  Cotacoes::Pedidas pedidas;
   for (const Compra& compra : compras) {
     if (!compra.moeda.empty()) pedidas.emplace(compra.moeda, dia_da_taxa(compra));
   }

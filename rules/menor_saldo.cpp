@@ -14,4 +14,10 @@ void MenorSaldo::Mostra(Label& linha, std::string_view ressalva) const {
   linha.SetColor(Valor() < Currency() ? "error" : "good");
 }
 
+const std::array<ReportField, 5> kMenorSaldo{{{"Conta", FieldType::String, 15, {"Conta"}},
+                                              {"Descricao", FieldType::String, 50, {"Descrição", 30}},
+                                              {"Saldo", FieldType::Currency, 0, {"Saldo"}},
+                                              {"Menor", FieldType::Currency, 0, {"Menor saldo"}},
+                                              {"Dia", FieldType::Date, 0, {"Em"}}}};
+
 }  // namespace orv

@@ -1,8 +1,10 @@
 // The lowest balance of a run of days, and the day on which it is reached.
 #pragma once
 
+#include <array>
 #include <string_view>
 
+#include "frame/report_set.h"
 #include "toolkit/controls.h"
 #include "toolkit/currency.h"
 #include "toolkit/date.h"
@@ -28,5 +30,8 @@ class MenorSaldo {
   // The day of the lowest, and the latest one.
   Date dia_, ate_;
 };
+
+// An account's balance, the lowest one that it comes to by what is expected of it, and its day.
+extern const std::array<ReportField, 5> kMenorSaldo;
 
 }  // namespace orv

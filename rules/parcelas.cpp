@@ -47,6 +47,13 @@ void ParaCadaParcela(Currency total, Date base, std::string_view condicao, bool 
     parcela({i, base.AddDays(parte ? dias.Dias(i) : 0), ValorParcela(total, parcelas, i)});
 }
 
+void ParaCadaParcelaIgual(Currency total, Date base, std::string_view condicao, int parcelas,
+                          const std::function<void(const Parcela&)>& parcela) {
+  const int dias = CondicaoPagamento(condicao).Dias(1);
+  for (int i = 1; i <= parcelas; ++i)
+    parcela({i, base = base.AddDays(dias), ValorParcela(total, parcelas, i)});
+}
+
 Currency ValorPedido(double valor, double per_desc) {
   return Currency::FromDouble(valor) - Currency::FromDouble(valor * (per_desc / 100));
 }

@@ -48,6 +48,9 @@ struct Parcela {
 // parted, one on that day. Raises ConversionError at a slot that isn't a number.
 void ParaCadaParcela(Currency total, Date base, std::string_view condicao, bool parte,
                      const std::function<void(const Parcela&)>& parcela);
+// So many instalments, each as many days after the one before it as the condition's first slot says.
+void ParaCadaParcelaIgual(Currency total, Date base, std::string_view condicao, int parcelas,
+                          const std::function<void(const Parcela&)>& parcela);
 
 // An order's amount less its discount in percent.
 Currency ValorPedido(double valor, double per_desc);

@@ -274,6 +274,7 @@ class Layout {
     }
     report_.columns.push_back(section.columns);
     report_.headings.push_back(section.heading);
+    report_.new_pages.push_back(section.new_page);
     const auto source = SourceOf(section.set);
     if (!source) {
       Note(section.line, "o conjunto " + section.set + " não existe ou está fechado");
@@ -329,6 +330,7 @@ class Layout {
         (report_.lines.empty() || report_.lines.back().section != number_)) {
       report_.columns.pop_back();
       report_.headings.pop_back();
+      report_.new_pages.pop_back();
     }
   }
 

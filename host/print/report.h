@@ -90,6 +90,8 @@ struct Report {
   // The columns of each section, and what stands above them.
   std::vector<std::vector<ReportColumn>> columns;
   std::vector<std::string> headings;
+  // Whether it begins a page.
+  std::vector<bool> new_pages;
   std::vector<ReportLine> lines;
   std::vector<ReportPicture> pictures;
   std::vector<ReportRows> sets;

@@ -145,7 +145,11 @@ class Reader {
       if (result_.subtitles.size() >= kMostSubtitles) Wrong("há subtítulos demais");
       result_.subtitles.push_back(ReportText::Parse(rest));
     } else if (word == "pagina") {
-      if (rest != "retrato" && rest != "paisagem") Wrong("a página é retrato ou paisagem");
+      if (rest == "nova") {
+        Section().new_page = true;
+        return;
+      }
+      if (rest != "retrato" && rest != "paisagem") Wrong("a página é retrato, paisagem ou nova");
       result_.landscape = rest == "paisagem";
     } else if (word == "folha") {
       result_.sheet_width = Number(rest, kNarrowest, kLargestSheet);

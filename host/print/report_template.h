@@ -144,6 +144,7 @@ struct SheetField {
 struct ReportSection {
   std::string set;
   std::string heading;
+  bool new_page = false;
   std::vector<ReportColumn> columns;
   std::vector<ReportGroup> groups;
   std::vector<ReportInner> inner;

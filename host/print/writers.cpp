@@ -302,6 +302,7 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
     };
     const bool alone = PicturesAlone(report, section);
     if (alone && picture == 0) continue;
+    if (report.new_pages[section] && !pages.back().empty()) pages.emplace_back();
     room_for(pictured() ? picture + 2 : 5);
     if (!pages.back().empty()) put({Kind::Blank, 0});
     if (!report.headings[section].empty()) put({Kind::Heading, section});
@@ -347,7 +348,9 @@ std::string ReportHtml(const Report& report) {
   html += SheetsHtml(report);
   std::size_t line = 0, picture = 0;
   for (std::size_t section = 0; report.sheet_width == 0 && section < report.columns.size(); ++section) {
-    if (!report.headings[section].empty()) html += "<h2>" + EscapedHtml(report.headings[section]) + "</h2>\n";
+    if (!report.headings[section].empty() || report.new_pages[section])
+      html += "<h2" + Classes(kPlain, report.new_pages[section] ? "np" : "") + ">" +
+              EscapedHtml(report.headings[section]) + "</h2>\n";
     for (; picture < report.pictures.size() && report.pictures[picture].section == section; ++picture)
       HtmlPicture(report.pictures[picture], report.landscape, html);
     if (!PicturesAlone(report, section)) HtmlTable(report, section, line, html);
