@@ -36,10 +36,6 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
   DateEdit DtFin{*this, "DtFin", "Até"};
   RadioGroup RgTipo{*this, "RgTipo", "Tipo", {"Dia", "Semana", "Mês"}, 0};
   DateEdit dtSaldo{*this, "dtSaldo", "Saldo Até"};
-  DateEdit DtCotacao{*this, "DtCotacao", "Cotação"};
-  GroupBox GbBase{*this, "GbBase", "Período Base"};
-  DateEdit DtAtualIni{*this, "DtAtualIni", "De"};
-  DateEdit DtAtualFim{*this, "DtAtualFim", "Até"};
   GroupBox GbConsiderar{*this, "GbConsiderar", "Considerar"};
   CheckBox CbSaldo{*this, "CbSaldo", "Saldo Inicial", true};
   CheckBox CbVencRec{*this, "CbVencRec", "Vencidas Receber", true};
@@ -52,6 +48,15 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
   CheckBox CbEmpresa{*this, "CbEmpresa", "Todas Empresas", true};
   CheckBox CbDataPrev{*this, "CbDataPrev", "Data Prev. Recebimento", true};
   CheckBox CbLimDesc{*this, "CbLimDesc", "Limites de Desconto", true};
+  GroupBox GbBase{*this, "GbBase", "Período Base"};
+  DateEdit DtAtualIni{*this, "DtAtualIni", "De"};
+  DateEdit DtAtualFim{*this, "DtAtualFim", "Até"};
+  DateEdit DtCotacao{*this, "DtCotacao", "Cotação"};
+  GroupBox GbDuplicatas{*this, "GbDuplicatas", "Duplicatas por Situação"};
+  Edit EdtCodSit{*this, "EdtCodSit", "Situação", 2};
+  TPesquisa PqSituacao{*this, "PqSituacao", Situacoes()};
+  DateEdit DtSitIni{*this, "DtSitIni", "De"};
+  DateEdit DtSitFim{*this, "DtSitFim", "Até"};
   GroupBox GbListas{*this, "GbListas", "Situações e Classes"};
   Edit EdtSitDesc{*this, "EdtSitDesc", "Descontar"};
   TPesquisa PqSit{*this, "PqSit", Situacoes()};
@@ -59,11 +64,6 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
   Edit EdtClasse{*this, "EdtClasse", "Clas. Compra"};
   TPesquisa PqClasse{*this, "PqClasse", Classes()};
   SmallButton SpeedButton1{*this, "SpeedButton1", "Limpar"};
-  GroupBox GbDuplicatas{*this, "GbDuplicatas", "Duplicatas por Situação"};
-  Edit EdtCodSit{*this, "EdtCodSit", "Situação", 2};
-  TPesquisa PqSituacao{*this, "PqSituacao", Situacoes()};
-  DateEdit DtSitIni{*this, "DtSitIni", "De"};
-  DateEdit DtSitFim{*this, "DtSitFim", "Até"};
   Button BitBtn29{*this, "BitBtn29", "&Consultar"};
 
   // Laid down anew by each gathering. The first three have a field for each column beside those that are
@@ -123,9 +123,9 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
 
   PageControl PageControl1{*this, "PageControl1", 0};
   TabSheet TabSheet1{*this, "TabSheet1", "Projeção"};
+  Aviso LbConsulta{*this, "LbConsulta"};
   Label LbMenor{*this, "LbMenor"};
   Label LbAtraso{*this, "LbAtraso"};
-  Aviso LbConsulta{*this, "LbConsulta"};
   TOrvDBGrid DBGrid3;
   TOrvDBGrid DBGrid5;
   TOrvDBGrid GridTotais;
