@@ -44,7 +44,8 @@ export async function startRealDesk(prepare = () => {}, scale = 1) {
   const folder = mkdtempSync(join(tmpdir(), "orvcc-"));
   const database = join(folder, "demo.fdb");
   const run = (args, input = "") => execFileSync(kProgram, [...args, "--database", database], { input, encoding: "utf8" });
-  run(["init", "--demo", "--scale", String(scale)]);
+  // Of one day, whatever day it is: what the tests look for stands in the company's last weeks.
+  run(["init", "--demo", "--scale", String(scale), "--date", "2026-11-23"]);
   run(["user", "add", "ana", "--admin"], "cafe com acucar\n");
   run(["user", "add", "leo"], "pao de queijo 7\n");
   run(["user", "grant", "leo", "TfmCC", "E"]);
