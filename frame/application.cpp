@@ -46,6 +46,30 @@ void Application::BringToFront(Screen& screen) {
   std::rotate(found, found + 1, shown_.end());
 }
 
+Screen& Application::Open(std::string_view screen_class) {
+  if (Top() != nullptr && Top()->Kind() == ScreenKind::Dialog)
+    throw UserError("Feche primeiro a janela \"" + Top()->Caption() + "\".");
+  for (Screen* screen : shown_) {
+    if (screen->Closed() || !SameText(screen->ClassName(), screen_class)) continue;
+    BringToFront(*screen);
+    return *screen;
+  }
+  Screen& screen = CreateScreen(screen_class);
+  Show(screen);
+  return screen;
+}
+
+Screen& Application::OpenFilled(std::string_view screen_class, const FieldTexts& fields,
+                                std::string_view button) {
+  Screen& screen = Open(screen_class);
+  Fill(screen, fields);
+  Control* press = screen.Find(button);
+  if (press != nullptr && press->Usable() && press->Shown() &&
+      (!press->CanFocus() || screen.SetFocus(*press)))
+    press->UserClick();
+  return screen;
+}
+
 Screen* Application::FindComponent(std::string_view name) const {
   for (auto it = owned_.rbegin(); it != owned_.rend(); ++it) {
     if (SameText((*it)->Name(), name)) return it->get();

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/fill.h"
 #include "frame/services.h"
 #include "toolkit/date.h"
 #include "toolkit/user.h"
@@ -71,6 +72,12 @@ class Application {
   void Show(Screen& screen);
   // Puts a shown child screen in front of the others.
   void BringToFront(Screen& screen);
+  // Shows a child screen of a class, the open one where there is one. Raises UserError as CreateScreen does,
+  // and while a dialog stands over it.
+  Screen& Open(std::string_view screen_class);
+  // The same, then fills its fields (frame/fill.h) and presses `button`, "" for none: the way from a figure
+  // to the screen that it comes from. What the user sees is told by that screen.
+  Screen& OpenFilled(std::string_view screen_class, const FieldTexts& fields, std::string_view button);
 
   // The open screens, the lowest first, the one that the user works at last.
   const std::vector<Screen*>& Shown() const { return shown_; }

@@ -181,19 +181,13 @@ bool Session::Reach(Control& control) { return control.Owner().SetFocus(control)
 
 void Session::Open(const Json& in) {
   const std::string name = in["class"].String();
-  if (Screen* top = application_->Top(); top != nullptr && top->Kind() == ScreenKind::Dialog) {
+  if (const Screen* top = application_->Top(); top != nullptr && top->Kind() == ScreenKind::Dialog) {
     throw RequestError("Feche primeiro a janela \"" + top->Caption() + "\".");
   }
   const auto info = ClassRegistry::Instance().Find(name);
   if (!info || !application_->MayOpen(info->class_name))
     throw RequestError("A tela \"" + name + "\" não está disponível.");
-  for (Screen* screen : application_->Shown()) {
-    if (SameText(screen->ClassName(), name)) {
-      application_->BringToFront(*screen);
-      return;
-    }
-  }
-  application_->Show(application_->CreateScreen(name));
+  application_->Open(name);
 }
 
 void Session::Key(const Json& in) {
