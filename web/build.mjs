@@ -4,6 +4,7 @@ import { cpSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } f
 import { dirname, join } from "node:path";
 import { fileURLToPath } from "node:url";
 import { gzipSync } from "node:zlib";
+import { parse } from "marked";
 
 const here = dirname(fileURLToPath(import.meta.url));
 
@@ -44,8 +45,15 @@ if (process.argv.includes("--tests")) {
     charset: "utf8",
     logLevel: "warning",
   });
+  const help = join(here, "..", "docs", "ajuda");
+  mkdirSync(join(out, "ajuda"));
+  for (const name of readdirSync(help).filter((one) => one.endsWith(".md"))) {
+    writeFileSync(join(out, "ajuda", name.replace(/\.md$/, ".html")), parse(readFileSync(join(help, name), "utf8")));
+  }
   // The desk sends what stands compressed beside a file to browsers that take it.
-  for (const name of readdirSync(out).filter((one) => /\.(html|js|css|svg)$/.test(one))) {
-    writeFileSync(join(out, `${name}.gz`), gzipSync(readFileSync(join(out, name)), { level: 9 }));
+  for (const folder of [out, join(out, "ajuda")]) {
+    for (const name of readdirSync(folder).filter((one) => /\.(html|js|css|svg)$/.test(one))) {
+      writeFileSync(join(folder, `${name}.gz`), gzipSync(readFileSync(join(folder, name)), { level: 9 }));
+    }
   }
 }

@@ -1,5 +1,7 @@
 // What holds for every screen that is registered.
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <set>
 
 #include "frame/registry.h"
@@ -221,6 +223,53 @@ TEST_F(ScreensTest, TabWalksInOrder) {
         screen.FocusNext();
       }
     }
+  });
+}
+
+// What stands between two marks of a text, as often as they come.
+std::set<std::string> Marked(const std::string& text, const std::string& mark) {
+  std::set<std::string> found;
+  const auto parts = Split(text, mark);
+  for (std::size_t i = 1; i < parts.size(); i += 2) found.emplace(parts[i]);
+  return found;
+}
+
+std::string HelpText(const std::string& name) {
+  std::ifstream in(std::string(ORV_HELP) + name + ".md");
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// Every screen has a text; what it prints bold stands on the screen, and its keys are keys of the desk.
+TEST_F(ScreensTest, TheHelpNamesEveryScreenAndOnlyWhatIsThere) {
+  const std::set<std::string> keys = Marked(HelpText("teclas"), "`");
+  ASSERT_GT(keys.size(), 10U);
+  std::set<std::string> screens;
+  for (const char* page : {"inicio", "primeiro-lancamento"})
+    for (const std::string& key : Marked(HelpText(page), "`"))
+      EXPECT_TRUE(keys.contains(key) || Lower(key) == key) << page << ": " << key;
+  ForEach([&](const ScreenInfo& info, Screen&) { screens.insert(info.caption); });
+  ForEach([&](const ScreenInfo& info, Screen& screen) {
+    const std::string text = HelpText(info.class_name);
+    EXPECT_TRUE(text.starts_with("# " + info.caption + "\n"));
+    std::set<std::string> there = screens;
+    const auto add = [&](const std::string& caption) { there.emplace(Trim(ReplaceAll(caption, "&", ""))); };
+    for (const Control* control : screen.Controls()) {
+      add(control->Caption());
+      if (const auto* list = dynamic_cast<const ListControl*>(control)) {
+        for (const std::string& item : list->Items()) add(item);
+      }
+    }
+    for (const std::string& name : Marked(text, "**")) EXPECT_TRUE(there.contains(name)) << name;
+    for (const std::string& key : Marked(text, "`")) EXPECT_TRUE(keys.contains(key)) << key;
+  });
+  // The walk through a first posting waits for what the screen has.
+  const std::string walk = HelpText("primeiro-lancamento");
+  ForEach([&](const ScreenInfo& info, Screen& screen) {
+    if (walk.find("tela " + info.class_name + " ") == std::string::npos) return;
+    for (const std::string& step : Split(walk, "<!-- campo "))
+      if (const auto end = step.find(" -->"); end != std::string::npos && step.front() != '#') {
+        EXPECT_NE(dynamic_cast<Edit*>(screen.Find(step.substr(0, end))), nullptr) << step;
+      }
   });
 }
 

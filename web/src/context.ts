@@ -1,4 +1,5 @@
 // What a control and a grid may ask of the desk's page.
+import type { HelpOf } from "./dialogs/help.ts";
 import type { ControlView } from "./controls/control.ts";
 import type { In } from "./protocol.ts";
 import type { Item } from "./queue.ts";
@@ -25,7 +26,7 @@ export interface DeskContext {
   readonly holding: boolean;
   readonly today: Day;
   // Shows the keys of a screen.
-  help(screen: { caption: string; keysShown: { key: string; caption: string }[] }): void;
+  help(of: HelpOf): void;
   // What the user has set for his own display.
   remember(key: string, value: string | null): void;
   remembered(key: string): string | null;

@@ -4,13 +4,15 @@ import { me as askMe, setPreference, upload } from "./api.ts";
 import { Boxes, type BoxesUser } from "./boxes.ts";
 import type { DeskContext } from "./context.ts";
 import type { ControlView } from "./controls/control.ts";
+import { TextView } from "./controls/text.ts";
 import { AccountDialog } from "./dialogs/account.ts";
 import type { Dialog } from "./dialogs/dialog.ts";
-import { HelpDialog } from "./dialogs/help.ts";
+import { HelpDialog, type HelpOf } from "./dialogs/help.ts";
 import { ErrorDialog } from "./dialogs/message.ts";
 import { Door, type DoorUser, type Link } from "./door.ts";
 import { Drafts } from "./drafts.ts";
 import { Frame, type FrameUser } from "./frame.ts";
+import { Guide } from "./guide.ts";
 import type { Press } from "./keys.ts";
 import { kAccount } from "./menu.ts";
 import type { ChangeOut, In, Me, MenuEntry, Out, StateOut } from "./protocol.ts";
@@ -19,6 +21,10 @@ import { ScreenView } from "./screen.ts";
 import { TakeUp, type TakeUpUser } from "./takeup.ts";
 import { fromNeutral, localToday, type Day } from "./text/date.ts";
 import { Typing, type TypingUser } from "./typing.ts";
+
+// Kept once the user was walked through a posting, or didn't want to be.
+const kGuide = "guia";
+const kGuided = "TfmCC";
 
 export interface DeskOptions {
   // The session to come back to, null for a new one.
@@ -32,6 +38,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   private frame: Frame;
   private drafts: Drafts;
   private takeUp: TakeUp;
+  private guide = new Guide(() => {
+    this.remember(kGuide, "1");
+    this.settle();
+  });
   private door: Door;
   private boxes: Boxes;
   private typing: Typing;
@@ -49,7 +59,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   ) {
     this.drafts = new Drafts(`orv-drafts:${me.user}:${me.company}`, sessionStorage);
     this.takeUp = new TakeUp(this.drafts, this);
-    this.frame = new Frame(me, this, this.takeUp.element);
+    this.frame = new Frame(me, this, [this.takeUp.element, this.guide.element]);
     root.replaceChildren(this.frame.element);
     const { signal } = this.abort;
     this.boxes = new Boxes(root, this);
@@ -118,8 +128,15 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   get today(): Day {
     return (this.me.today !== undefined ? fromNeutral(this.me.today) : null) ?? localToday();
   }
-  help(screen: { caption: string; keysShown: { key: string; caption: string }[] }): void {
-    const box: HelpDialog = new HelpDialog(screen.caption, screen.keysShown, () => this.boxes.close(box));
+  help(of: HelpOf): void {
+    const close = (): void => this.boxes.close(box);
+    const box: HelpDialog = new HelpDialog(of, {
+      close,
+      walk: () => {
+        close();
+        this.walk();
+      },
+    });
     this.boxes.show(box);
   }
   remember(key: string, value: string | null): void {
@@ -256,6 +273,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
         break;
       case "note":
         this.frame.toast(out.kind, out.text);
+        if (out.kind === "stored") this.guide.stored(this.top?.screenClass ?? "");
         break;
       case "state":
         this.stateRead(out);
@@ -292,6 +310,8 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
         this.failed("A sessão anterior terminou enquanto não havia conexão. O que não estava confirmado não foi gravado.");
       }
     }
+    const first = !this.greeted && this.options.session === null && this.remembered(kGuide) === null;
+    if (first && this.me.menu.some((entry) => entry.class === kGuided)) void this.guide.begin();
     this.greeted = true;
     this.session = session;
     for (const screen of this.screens) screen.destroy();
@@ -319,11 +339,28 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.ready();
   }
 
+  private walk(): void {
+    void this.guide.begin().then(() => this.lookAhead());
+  }
+  // What the guide of a first posting sees.
+  private lookAhead(): void {
+    const top = this.top;
+    this.guide.look({
+      screenClass: top?.screenClass ?? "",
+      badge: top?.badge ?? "",
+      filled: (control) => {
+        const field = top?.find(control);
+        return field instanceof TextView && field !== top?.focused && field.input.value !== "";
+      },
+    });
+  }
+
   // The desk has answered: the focus goes where it says, and keys that waited go on.
   private ready(): void {
     this.mark();
     if (this.door.queue.holding) return;
     this.settle();
+    this.lookAhead();
     this.typing.flush();
   }
 
@@ -460,6 +497,15 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     if (ctrl && alt && key.toLowerCase() === "m") {
       if (this.top?.dialog) return true;
       this.frame.toggleMenu();
+      return true;
+    }
+    if (key === "F1" && this.top === undefined) {
+      this.help({ name: "inicio", caption: "Início", keysShown: [] });
+      return true;
+    }
+    if (ctrl && alt && key.toLowerCase() === "g") {
+      if (this.guide.walking) this.guide.end();
+      else this.walk();
       return true;
     }
     if (ctrl && alt && key.toLowerCase() === "r") {

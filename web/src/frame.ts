@@ -35,7 +35,7 @@ export class Frame {
   constructor(
     me: Me,
     private user: FrameUser,
-    offers: HTMLElement,
+    offers: HTMLElement[],
   ) {
     this.home = new MenuBoard(me.menu, (entry) => user.open(entry), () => {});
     this.homeBox = el(
@@ -83,7 +83,7 @@ export class Frame {
     );
     this.status = el("div", { class: "link-status", role: "status", hidden: true });
     this.main = el("main", { class: "desk" }, this.homeBox);
-    this.element = el("div", { class: "frame" }, top, this.status, offers, this.main, this.overBox, this.toasts);
+    this.element = el("div", { class: "frame" }, top, this.status, ...offers, this.main, this.overBox, this.toasts);
   }
 
   // --- The menu over the screens.

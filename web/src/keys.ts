@@ -36,7 +36,8 @@ export function isModifier(key: string): boolean {
 
 // Keys that stay with the browser: its own shortcuts, zoom, reload, developer tools, cut and paste.
 export function belongsToBrowser(press: Press): boolean {
-  if (/^F([1-3]|[5-9]|1[0-2])$/.test(press.key)) return press.key !== "F2";
+  if (press.key === "F10") return !press.shift;
+  if (/^F(3|[5-9]|1[12])$/.test(press.key)) return true;
   if (press.ctrl && press.alt) return false;
   if (press.ctrl) return !["Enter", "Tab", "Delete", "Insert", "Home", "End", "PageUp", "PageDown", "ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight", " ", "F4"].includes(press.key);
   return press.alt && ["ArrowLeft", "ArrowRight", "Home", "F4"].includes(press.key);

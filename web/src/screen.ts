@@ -401,7 +401,7 @@ export class ScreenView implements ScreenContext {
       return true;
     }
     if (key === "F1") {
-      this.desk.help(this);
+      this.desk.help({ name: this.screenClass, caption: this.caption, keysShown: this.keysShown });
       return true;
     }
     if (alt && !ctrl && [...key].length === 1) return this.access(plain(key));
