@@ -118,7 +118,7 @@ export class GridControl extends ControlView implements GridOwner {
     if (otherwise) this.grid.choose([]);
     const count = this.arranged ? this.number("viewCount") : this.state.count;
     this.grid.renew(this.versionOf(this.state.version), count);
-    this.find.show(this.text("find"), count, this.state.count);
+    this.find.show(this.text("find"), count, this.state.count, this.state.row >= 0 && this.number("viewRow", -1) < 0);
     if (this.moves === 0) this.follow();
   }
 

@@ -64,14 +64,15 @@ export class GridFind {
     this.input.select();
   }
 
-  // What the desk looks for now, how many rows it found, of how many.
-  show(text: string, found: number, all: number): void {
+  // What the desk looks for now, how many rows it found, of how many; `without` the current one.
+  show(text: string, found: number, all: number, without: boolean): void {
     if (text !== "" && !this.shown) {
       this.element.hidden = false;
       this.input.value = text;
     }
     this.asked = text;
-    this.count.textContent = text === "" ? "" : `${showCount(found)} de ${showCount(all)}`;
+    const more = without ? ", sem a linha atual" : "";
+    this.count.textContent = text === "" ? "" : `${showCount(found)} de ${showCount(all)}${more}`;
   }
 
   private ask(then?: () => void): void {
