@@ -235,7 +235,10 @@ std::vector<std::pair<std::string, Currency>> GridView::Sums(const std::vector<R
   std::vector<std::pair<std::string, Currency>> sums;
   for (const GridColumn* column : grid_.ShownColumns()) {
     const Field* field = set.FindField(column->field);
-    if (field == nullptr || field->Type() != FieldType::Currency || !column->checked.empty()) continue;
+    // A number of two decimals is an amount, one of more a rate or a price.
+    const bool amount = field != nullptr && (field->Type() == FieldType::Currency ||
+                                             (field->Type() == FieldType::Float && column->decimals == 2));
+    if (!amount || !column->checked.empty()) continue;
     Currency sum;
     for (const auto& [from, to] : ranges) {
       for (int64_t place = from; place <= to; ++place) sum += set.Cell(RowAt(place), *field).AsCurrency();

@@ -18,6 +18,7 @@ struct TbTitulos : TClientDataSet {
   Field Data{*this, "Data", FieldType::Date};
   Field Tipo{*this, "Tipo", FieldType::String, 1};
   Field Marca{*this, "Marca", FieldType::String, 1};
+  Field Parte{*this, "Parte", FieldType::Float};
 };
 
 class TfmTitulos : public Child, SheetSink {
@@ -52,7 +53,8 @@ class TfmTitulos : public Child, SheetSink {
                     {"Valor", "Valor; R$"},
                     {"Data", "Data"},
                     {"Tipo", "Tipo"},
-                    {"Marca", "Marca", 0, false, true, "S", "N"}},
+                    {"Marca", "Marca", 0, false, true, "S", "N"},
+                    {"Parte", "Parte"}},
                    false};
   Button BtMuda{*this, "BtMuda", "&Muda"};
   Button BtLe{*this, "BtLe", "&Lê"};
@@ -60,7 +62,8 @@ class TfmTitulos : public Child, SheetSink {
 
  private:
   void Add(const char* name, Value amount, Value day, const char* kind, const char* mark) {
-    std::array<Value, 5> row{Value(name), std::move(amount), std::move(day), Value(kind), Value(mark)};
+    std::array<Value, 6> row{Value(name), std::move(amount), std::move(day),
+                             Value(kind), Value(mark),       Value(0.1)};
     Titulos.AppendRow(row);
   }
   bool Row(const SheetRow& row) override {
@@ -138,12 +141,12 @@ TEST_F(GridViewTest, OrdersAndNarrowsAndLeavesTheSetAlone) {
   EXPECT_EQ(View(R"("sort":"Valor","find":"1","columns":["Valor"])"), "[0,2]");
   EXPECT_EQ(desk_.Property("Grade", "viewRow"), Json(-1));
   EXPECT_EQ(desk_.Property("Grade", "viewCount"), Json(2));
-  EXPECT_EQ(Read(R"(,"from":1,"count":1)")["cells"].Text(), R"([["abacate","1.234,50","","P","N"]])");
+  EXPECT_EQ(Read(R"(,"from":1,"count":1)")["cells"].Text(), R"([["abacate","1.234,50","","P","N","0,10"]])");
   desk_.Do({{"do", "read"}, {"control", "Grade"}, {"from", 3}, {"count", 1}});
   EXPECT_NE(desk_.Latest().front().Text().find("=1+1"), std::string::npos);
   // Exact sums of places of the view.
   EXPECT_EQ(Read(R"(,"count":0,"sums":[[0,1]])")["sums"].Text(),
-            R"({"count":2,"columns":{"Valor":"1.244,50"}})");
+            R"({"count":2,"columns":{"Valor":"1.244,50","Parte":"0,20"}})");
 
   const char* refused[] = {R"({"do":"view","control":"Grade","sort":"Outra"})",
                            R"({"do":"view","control":"Grade","find":"a","columns":["Outra"]})",
@@ -194,7 +197,7 @@ TEST_F(GridViewTest, FollowsTheSetAndKeepsTheRowInEditInItsPlace) {
 
 TEST_F(GridViewTest, IsWrittenAsItIsShownAndNoTextIsAFormula) {
   View(R"("sort":"Valor","descending":true,"find":"a")");
-  const std::string csv = Exported(R"("format":"csv")");
+  const std::string csv = Exported(R"("format":"csv","columns":["Nome","VALOR","Data","Tipo","Marca"])");
   EXPECT_EQ(std::filesystem::path(csv).filename().string().substr(0, 26), "titulos_a_vista_2026_11_20");
   std::ifstream in(csv, std::ios::binary);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
