@@ -36,7 +36,6 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
     DBGrid1 @narrow OrvDBGrid1 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
-  DBGrid1.SetDropZeros(true);
   AddSet(TbRelatorio);
   AddSet(TbSaldo);
   AbreTabelas({"TbCadConta", "TbSituacao"});

@@ -54,7 +54,6 @@ TfmRelContCheq::TfmRelContCheq(Application& application)
     DBGrid1 /
     @actions { Btnimprimir BitBtn1 BitBtn2 @apart BtnSaida }
   )");
-  DBGrid1.SetDropZeros(true);
   AddSet(QryRelatorio);
   AbreTabelas({"TbEntidade", "tbRepresentante", "tbBanco"});
   LayDown(QryRelatorio, kRelatorio);

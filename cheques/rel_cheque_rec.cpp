@@ -85,7 +85,6 @@ TfmRelChequeRec::TfmRelChequeRec(Application& application)
     DBGrid1 /
     @actions { Btnimprimir @apart BtnSaida }
   )");
-  DBGrid1.SetDropZeros(true);
   DBGrid1.FindColumn("ORIGEM")->words = {{kEmitido, "Cadastro", "muted"}, {kRecebido, "A receber", ""}};
   DBGrid1.FindColumn("TIPO_DOC")->words = kTipos;
   DBGrid1.FindColumn("STATUS")->words = {{"CH", "Cheque", "muted"}, {"CD", "Devolvido", "error"}};

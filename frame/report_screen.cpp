@@ -101,6 +101,11 @@ void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
   for (TClientDataSet* set : sets) {
     if (set->Active()) set->First();
   }
+  // What was gathered at once shows no column without a figure.
+  for (Control* control : Controls()) {
+    auto* grid = dynamic_cast<TOrvDBGrid*>(control);
+    if (grid != nullptr && grid->ReadOnly()) grid->SetDropZeros(true);
+  }
 }
 
 void ReportScreen::ForEach(std::string_view sql, const std::function<void(std::span<Value>)>& row) const {

@@ -52,7 +52,7 @@ class ReportScreen : public Child {
   // whole one, unless the screen says that they stay.
   enum class Half : uint8_t { Empties, Stays };
   // Does the work under the busy mark while the displays of the sets hold still; in the end the sets stand on
-  // their first rows.
+  // their first rows, and the grids that take no typing leave out columns of zeros.
   void Gather(std::initializer_list<TClientDataSet*> sets, const std::function<void(Gathering&)>& work,
               Half half = Half::Empties);
   // Runs a statement and hands on each row, whose values may be moved out. Nothing is kept.

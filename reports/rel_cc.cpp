@@ -33,7 +33,6 @@ TfmRelCC::TfmRelCC(Application& application)
     DBGrid1 / @compact DBGrid2 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
-  DBGrid1.SetDropZeros(true);
   AddSet(TbRelatorio);
   AddSet(TbFinan);
   AbreTabelas({"tbSubgrupo", "tbBanco", "tbCadConta", "tbContaCor", "tbHistorico"});

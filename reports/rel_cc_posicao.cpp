@@ -42,7 +42,6 @@ TFmRelCCPosicao::TFmRelCCPosicao(Application& application)
     } /
     @actions { BtnImprimir @apart BitBtn5 }
   )");
-  for (TOrvDBGrid* grade : {&DBGrid1, &DBGrid2, &DBGrid3}) grade->SetDropZeros(true);
   AddSet(TbReceber);
   AddSet(TbPagar);
   AddSet(TbPosicao);

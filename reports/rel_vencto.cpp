@@ -46,7 +46,6 @@ TfmRelVencto::TfmRelVencto(Application& application)
     DBGrid1 / @low DBGrid2 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
-  DBGrid2.SetDropZeros(true);
   AddSet(TbRelatorio);
   AddSet(TbFinan);
   AbreTabelas({"tbCadConta", "tbContaCor", "tbHistorico"});

@@ -46,7 +46,6 @@ TFmRelCCMes::TFmRelCCMes(Application& application)
     @actions { BtnImprimir @apart BitBtn5 }
   )");
   for (TClientDataSet* set : {&TbRel, &TbGrupo, &TbVencto, &TbEmi, &TbMeses, &TbGrupos}) AddSet(*set);
-  DBGrid2.SetDropZeros(true);
   DBGrid2.FindColumn("Tipo")->words = {{"R", "Receber"}, {"P", "Pagar"}};
   CriaTabela();
   EdtAno.SetText(std::to_string(Today().Year()));

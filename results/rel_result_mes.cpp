@@ -30,7 +30,6 @@ TfmRelResultMes::TfmRelResultMes(Application& application)
     PageControl1 { TabSheet1 { DBGrid1 } TabSheet2 { Grafico / DBGrid2 } } /
     @actions { BitBtn33 PopupMenu1 { Detalhamento1 } @apart BitBtn5 }
   )");
-  DBGrid1.SetDropZeros(true);
   DBGrid1.FindColumn("TpConta")->words = {{"T", "Título", ""}, {"A", "Analítica", "muted"}};
   AddSet(TbRelatorio);
   AddSet(TbGrafico);

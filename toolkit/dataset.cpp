@@ -74,7 +74,7 @@ void Field::Set(Value value) {
   if (!owner_.Editing()) throw UserError("A tabela \"" + owner_.Name() + "\" não está em edição.");
   owner_.SetCurrentValue(index_, Convert(std::move(value)));
   if (!owner_.preparing_) owner_.touched_ = true;
-  owner_.Changed();
+  owner_.Moved();
   // By value: a handler may put another in its place, or drop its field.
   if (const auto change = OnChange) change();
 }
@@ -137,7 +137,7 @@ void DataSet::ClearRunTimeFields() {
 void DataSet::SetState(DataSetState state) {
   if (state == state_) return;
   state_ = state;
-  Changed();
+  Moved();
 }
 
 void DataSet::CheckActive() const {
@@ -163,7 +163,7 @@ void DataSet::LeaveRow() {
 }
 
 void DataSet::Scrolled() {
-  Changed();
+  Moved();
   AfterScroll();
 }
 
@@ -305,5 +305,17 @@ void DataSet::EnableControls() {
 }
 
 void DataSet::Prepare(int64_t, int64_t) {}
+
+void DataSet::Walk(std::span<const Field* const> fields, const EachRow& each) {
+  std::vector<Value> values(fields.size());
+  std::vector<const Value*> cells;
+  for (const Value& value : values) cells.push_back(&value);
+  const int64_t inserted = state_ == DataSetState::Insert ? DisplayRow() : RecordCount();
+  for (int64_t row = 0, count = RecordCount(); row < count; ++row) {
+    for (std::size_t at = 0; at < fields.size(); ++at)
+      values[at] = Cell(row < inserted ? row : row + 1, *fields[at]);
+    each(cells);
+  }
+}
 
 }  // namespace orv

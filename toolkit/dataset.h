@@ -194,6 +194,9 @@ class DataSet {
   bool ControlsDisabled() const { return disabled_ > 0; }
   // Counts every change that a display of the set could show: rows, values, order, filter.
   uint64_t Version() const { return version_; }
+  // Counts the changes of the rows themselves: which they are, their stored values, their order. Neither the
+  // cursor nor the row in edit changes it.
+  uint64_t RowsVersion() const { return version_ - moves_; }
 
   // --- What a display reads without moving the cursor.
   // Cell of a row, 0 for the first shown, in the range [0, DisplayCount()). The row in edit as it stands.
@@ -204,6 +207,10 @@ class DataSet {
   virtual int64_t DisplayRow() = 0;
   // Tells that rows [from, from + count) are about to be read with `Cell`.
   virtual void Prepare(int64_t from, int64_t count);
+  // Hands on these fields' values of each row in turn, as they are stored, without a row in insertion. The
+  // set doesn't change meanwhile, and what is handed on lasts for the call.
+  using EachRow = std::function<void(std::span<const Value* const>)>;
+  virtual void Walk(std::span<const Field* const> fields, const EachRow& each);
 
   // A free number for the owner's use.
   int Tag = 0;
@@ -241,6 +248,8 @@ class DataSet {
   void ClearRunTimeFields();
 
   void Changed() { ++version_; }
+  // The cursor, the state or the row in edit is another.
+  void Moved() { ++version_, ++moves_; }
   void SetState(DataSetState state);
   void SetEnds(bool bof, bool eof) { bof_ = bof, eof_ = eof; }
   // Fires AfterScroll after the cursor reached another row.
@@ -268,6 +277,7 @@ class DataSet {
   bool preparing_ = false;
   int disabled_ = 0;
   uint64_t version_ = 0;
+  uint64_t moves_ = 0;
 };
 
 // Keeps the sets' displays still for a block.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "toolkit/grid_view.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -58,6 +59,16 @@ std::string ShownText(const Field& field, const Value& value, int decimals) {
 
 // --- TOrvDBGrid.
 
+TOrvDBGrid::TOrvDBGrid(Form& form, std::string name, DataSet& set, std::vector<GridColumn> columns,
+                       bool read_only, std::string caption)
+    : Control(form, std::move(name), std::move(caption)),
+      set_(set),
+      columns_(std::move(columns)),
+      read_only_(read_only),
+      view_(std::make_unique<GridView>(*this)) {}
+
+TOrvDBGrid::~TOrvDBGrid() = default;
+
 GridColumn* TOrvDBGrid::FindColumn(std::string_view field) {
   for (GridColumn& column : columns_) {
     if (SameText(column.field, field)) return &column;
@@ -106,27 +117,40 @@ std::string TOrvDBGrid::CellText(int64_t row, const GridColumn& column) const {
   return column.checked.empty() ? ShownText(*field, value, column.decimals) : value.AsString();
 }
 
-bool TOrvDBGrid::AllZero(const GridColumn& column) const {
-  const Field* field = set_.FindField(column.field);
-  if (field == nullptr || (field->Type() != FieldType::Currency && field->Type() != FieldType::Float))
-    return false;
-  for (int64_t row = 0, count = set_.DisplayCount(); row < count; ++row) {
-    const Value value = set_.Cell(row, *field);
-    if (!value.IsNull() && value.AsFloat() != 0) return false;
+std::string TOrvDBGrid::ReadText(const GridColumn& column, const Field& field, const Value& value) {
+  if (!column.checked.empty()) return value.AsString() == column.checked ? "Sim" : "Não";
+  std::string text = ShownText(field, value, column.decimals);
+  for (const CodeWord& code : column.words) {
+    if (code.code == text) return code.word;
   }
-  return true;
+  return text;
+}
+
+void TOrvDBGrid::FindZeros() const {
+  zeros_version_ = set_.RowsVersion();
+  zeros_.clear();
+  // Of no rows nothing is known.
+  if (!drop_zeros_ || !set_.Active() || set_.RecordCount() == 0) return;
+  std::vector<const Field*> fields;
+  for (const GridColumn& column : columns_) {
+    const Field* field = set_.FindField(column.field);
+    if (field == nullptr || (field->Type() != FieldType::Currency && field->Type() != FieldType::Float))
+      continue;
+    zeros_.push_back(&column);
+    fields.push_back(field);
+  }
+  std::vector<bool> filled(fields.size());
+  set_.Walk(fields, [&](std::span<const Value* const> cells) {
+    for (std::size_t at = 0; at < cells.size(); ++at) {
+      if (!filled[at] && !cells[at]->IsNull() && cells[at]->AsFloat() != 0) filled[at] = true;
+    }
+  });
+  std::size_t at = 0;
+  std::erase_if(zeros_, [&](const GridColumn*) { return filled[at++]; });
 }
 
 std::vector<const GridColumn*> TOrvDBGrid::ShownColumns() const {
-  if (zeros_version_ != set_.Version()) {
-    zeros_version_ = set_.Version();
-    zeros_.clear();
-    // Of no rows nothing is known.
-    const bool look = drop_zeros_ && set_.Active() && set_.DisplayCount() > 0;
-    for (const GridColumn& column : columns_) {
-      if (look && AllZero(column)) zeros_.push_back(&column);
-    }
-  }
+  if (zeros_version_ != set_.RowsVersion()) FindZeros();
   std::vector<const GridColumn*> shown;
   for (const GridColumn& column : columns_) {
     if (column.visible && std::find(zeros_.begin(), zeros_.end(), &column) == zeros_.end())
@@ -256,6 +280,22 @@ void TOrvDBGrid::UserKeyAt(int64_t row, KeyPress& key) {
   if (placed == placed_) Select(NextColumn());
 }
 
+void TOrvDBGrid::UserView(std::string_view sort, bool descending, std::string_view find,
+                          const std::vector<std::string>& among) {
+  // As long as anybody types to find a row.
+  constexpr std::size_t kLongest = 100;
+  if (CharCount(find) > kLongest) throw UserError("O texto a procurar é longo demais.");
+  std::vector<std::string> fields;
+  for (const std::string& one : among) fields.push_back(Column(one).field);
+  std::string by = sort.empty() ? "" : Column(sort).field;
+  if (set_.Editing()) {
+    LeaveCell();
+    set_.PostIfEditing();
+  }
+  view_->Arrange(std::move(by), descending, std::string(find), std::move(fields));
+  Touch();
+}
+
 void TOrvDBGrid::Describe(Properties& properties) const {
   Control::Describe(properties);
   properties.emplace_back("set", set_.Name());
@@ -266,6 +306,17 @@ void TOrvDBGrid::Describe(Properties& properties) const {
   // The display tells of each column that the user reaches, and follows where the program put him.
   properties.emplace_back("watched", Watched());
   properties.emplace_back("placed", placed_);
+  // The click on a title is the screen's own.
+  properties.emplace_back("titles", OnTitleClick != nullptr);
+  // How the display orders and narrows the rows: another number for another arrangement, 0 for the set's own;
+  // how many rows are left; the place of the current one, -1 where it isn't among them.
+  properties.emplace_back("sort", view_->Sort());
+  properties.emplace_back("descending", view_->Descending());
+  properties.emplace_back("find", view_->Find());
+  properties.emplace_back("view", view_->Number());
+  properties.emplace_back("viewCount", view_->Active() ? view_->Count() : int64_t{0});
+  properties.emplace_back("viewRow",
+                          view_->Active() && set_.Active() ? view_->PlaceOf(set_.DisplayRow()) : int64_t{-1});
   // One text a column, its parts parted by tabs: field, title, width, kind, read-only, decimals, check
   // values, then code, word and tone of each code that has a word.
   std::vector<std::string> columns;

@@ -1,6 +1,7 @@
 // Controls bound to data sets: the grid, inputs over a field of the current row, and the chart.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,14 +35,13 @@ struct GridColumn {
   std::vector<CodeWord> words = {};
 };
 
+class GridView;
+
 class TOrvDBGrid : public Control {
  public:
   TOrvDBGrid(Form& form, std::string name, DataSet& set, std::vector<GridColumn> columns,
-             bool read_only = true, std::string caption = "")
-      : Control(form, std::move(name), std::move(caption)),
-        set_(set),
-        columns_(std::move(columns)),
-        read_only_(read_only) {}
+             bool read_only = true, std::string caption = "");
+  ~TOrvDBGrid() override;
 
   DataSet& Set() const { return set_; }
   const std::vector<GridColumn>& Columns() const { return columns_; }
@@ -55,7 +55,7 @@ class TOrvDBGrid : public Control {
   bool RowsFixed() const { return rows_fixed_; }
   void SetRowsFixed(bool fixed) { rows_fixed_ = fixed, Touch(); }
   // A column of amounts that are all zero isn't shown, for a grid whose rows are gathered at once.
-  void SetDropZeros(bool drop) { drop_zeros_ = drop, Touch(); }
+  void SetDropZeros(bool drop) { drop_zeros_ = drop, zeros_version_ = ~uint64_t{0}, Touch(); }
   // Height of the letters in pixels, 0 for that of the page.
   void SetFontSize(int pixels) { font_size_ = pixels, Touch(); }
   // The columns as they are shown now.
@@ -67,6 +67,10 @@ class TOrvDBGrid : public Control {
 
   // A cell as a display shows it: text in the Brazilian form, or the stored value of a check-box column.
   std::string CellText(int64_t row, const GridColumn& column) const;
+  // A value of the column as a person reads it: also a code and a tick are words.
+  static std::string ReadText(const GridColumn& column, const Field& field, const Value& value);
+  // The rows as this display orders and narrows them.
+  GridView& View() const { return *view_; }
 
   // --- What the user does. Raises UserError for what can't be done.
   // Reaches a row, and a column of it where one is named.
@@ -77,6 +81,11 @@ class TOrvDBGrid : public Control {
   void UserDblClick(int64_t row, std::string_view column);
   void UserTitle(std::string_view column);
   void UserKeyAt(int64_t row, KeyPress& key);
+  // Orders the display by a column that is shown, "" for as the set stands, and leaves what holds the words
+  // of `find` in the texts of `among`, or of all columns shown. A row in edit is posted first. Neither the
+  // set nor its current row is touched otherwise.
+  void UserView(std::string_view sort, bool descending, std::string_view find,
+                const std::vector<std::string>& among);
 
   std::string_view Kind() const override { return "grid"; }
   bool TakesFocus() const override { return true; }
@@ -94,8 +103,8 @@ class TOrvDBGrid : public Control {
 
  private:
   void CheckRow(int64_t row) const;
-  bool AllZero(const GridColumn& column) const;
   const GridColumn& Column(std::string_view field) const;
+  void FindZeros() const;
   void Select(std::string_view column);
   // Somebody hears of the columns that the user reaches and leaves.
   bool Watched() const { return OnColExit != nullptr || OnColEnter != nullptr; }
@@ -110,9 +119,10 @@ class TOrvDBGrid : public Control {
   bool rows_fixed_ = false;
   bool drop_zeros_ = false;
   int font_size_ = 0;
-  // Columns without an amount, in the version of the set in which they were looked for.
+  // Columns without an amount, in the version of the rows in which they were looked for.
   mutable std::vector<const GridColumn*> zeros_;
   mutable uint64_t zeros_version_ = ~uint64_t{0};
+  const std::unique_ptr<GridView> view_;
   std::string selected_;
   // The user stands in a cell of that column, which he hasn't left yet.
   bool inside_ = false;

@@ -1,7 +1,6 @@
 #include "toolkit/memory_dataset.h"
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
 #include "toolkit/text.h"
@@ -10,32 +9,6 @@ namespace orv {
 namespace {
 
 const Value kNull;
-
-// A number that orders like the value as far as it goes: a smaller value never has a larger one.
-uint64_t SortPrefix(const Value& value) {
-  switch (value.Kind()) {
-    case ValueKind::Null:
-      return 0;
-    case ValueKind::Text: {
-      uint64_t prefix = 0;
-      const std::string_view text = value.Text();
-      for (std::size_t i = 0; i < 8; ++i)
-        prefix = prefix << 8 | (i < text.size() ? static_cast<uint8_t>(text[i]) : 0);
-      return prefix >> 1 | uint64_t{1} << 63;
-    }
-    case ValueKind::Date:
-    case ValueKind::DateTime:
-      return (static_cast<uint64_t>(value.AsDateTime().Seconds()) ^ uint64_t{1} << 63) >> 1 | uint64_t{1}
-                                                                                                  << 63;
-    default: {
-      // The bits of a float order like the numbers once the negative ones are turned round. Adding zero makes
-      // one zero of the two.
-      const auto bits = std::bit_cast<uint64_t>(value.AsFloat() + 0.0);
-      const uint64_t ordered = bits >> 63 != 0 ? ~bits : bits | uint64_t{1} << 63;
-      return ordered >> 1 | uint64_t{1} << 63;
-    }
-  }
-}
 
 }  // namespace
 
@@ -478,11 +451,8 @@ void MemoryDataSet::Refilter(std::shared_ptr<const Filter> filter) {
     StandOn(0);
   }
   SetEnds(IsEmpty(), IsEmpty());
-  if (stays) {
-    Changed();
-  } else {
-    Scrolled();
-  }
+  Changed();
+  if (!stays) Scrolled();
 }
 
 // --- Display.
@@ -496,6 +466,16 @@ Value MemoryDataSet::Cell(int64_t row, const Field& field) {
   if (State() == DataSetState::Insert && row > insert_at_) --row;
   if (row < 0 || row >= RecordCount()) return {};
   return store_.Cells(View().At(static_cast<std::size_t>(row)))[field.Index()];
+}
+
+void MemoryDataSet::Walk(std::span<const Field* const> fields, const EachRow& each) {
+  std::vector<const Value*> cells(fields.size());
+  RowSequence::Walk rows(View());
+  for (RowId row = rows.Next(); row != kNoRow; row = rows.Next()) {
+    const Value* const all = store_.Cells(row);
+    for (std::size_t at = 0; at < fields.size(); ++at) cells[at] = &all[fields[at]->Index()];
+    each(cells);
+  }
 }
 
 }  // namespace orv

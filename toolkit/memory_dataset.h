@@ -29,6 +29,7 @@ class MemoryDataSet : public DataSet {
   Value Cell(int64_t row, const Field& field) override;
   int64_t DisplayCount() override;
   int64_t DisplayRow() override;
+  void Walk(std::span<const Field* const> fields, const EachRow& each) override;
 
   // --- Order. Rows stand ascending by these fields, and rows that agree in them as they were added; "" is
   // the order in which they were added. The cursor stays on its row. Raises UserError for an unknown field.

@@ -121,23 +121,27 @@ bool SameText(std::string_view a, std::string_view b) {
 }
 
 std::string Fold(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  AppendFolded(text, out);
+  return out;
+}
+
+void AppendFolded(std::string_view text, std::string& out) {
   // Base letters of U+00E0 to U+00FE.
   static constexpr std::string_view kBase = "aaaaaaaceeeeiiiidnooooo/ouuuuyty";
-  const std::string lower = Lower(text);
-  std::string out;
-  out.reserve(lower.size());
-  for (std::size_t i = 0; i < lower.size(); ++i) {
-    if (lower[i] == '\xC3' && i + 1 < lower.size()) {
-      const auto second = static_cast<unsigned char>(lower[i + 1]);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\xC3' && i + 1 < text.size()) {
+      auto second = static_cast<unsigned char>(text[i + 1]);
+      if (LatinUpper(second)) second += 0x20;
       if (second >= 0xA0 && second < 0xBF) {
         out += kBase[second - 0xA0];
         ++i;
         continue;
       }
     }
-    out += lower[i];
+    out += LowerAscii(text[i]);
   }
-  return out;
 }
 
 std::string_view TrimCode(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }

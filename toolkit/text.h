@@ -29,6 +29,7 @@ bool SameText(std::string_view a, std::string_view b);
 
 // Lower case without accents: what a search types for what a list shows.
 std::string Fold(std::string_view text);
+void AppendFolded(std::string_view text, std::string& out);
 
 std::string_view Trim(std::string_view text);
 // Without trailing blanks, which the database takes for nothing where it compares codes.

@@ -1,6 +1,7 @@
 #include "toolkit/value.h"
 
 #include <atomic>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <new>
@@ -267,6 +268,31 @@ std::string FloatText(double number) {
   char buffer[400];
   const auto end = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed).ptr;
   return std::string(buffer, end);
+}
+
+uint64_t SortPrefix(const Value& value) {
+  switch (value.Kind()) {
+    case ValueKind::Null:
+      return 0;
+    case ValueKind::Text: {
+      uint64_t prefix = 0;
+      const std::string_view text = value.Text();
+      for (std::size_t i = 0; i < 8; ++i)
+        prefix = prefix << 8 | (i < text.size() ? static_cast<uint8_t>(text[i]) : 0);
+      return prefix >> 1 | uint64_t{1} << 63;
+    }
+    case ValueKind::Date:
+    case ValueKind::DateTime:
+      return (static_cast<uint64_t>(value.AsDateTime().Seconds()) ^ uint64_t{1} << 63) >> 1 | uint64_t{1}
+                                                                                                  << 63;
+    default: {
+      // The bits of a float order like the numbers once the negative ones are turned round. Adding zero makes
+      // one zero of the two.
+      const auto bits = std::bit_cast<uint64_t>(value.AsFloat() + 0.0);
+      const uint64_t ordered = bits >> 63 != 0 ? ~bits : bits | uint64_t{1} << 63;
+      return ordered >> 1 | uint64_t{1} << 63;
+    }
+  }
 }
 
 double ParseFloat(std::string_view text) {

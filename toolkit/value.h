@@ -122,6 +122,9 @@ static_assert(sizeof(Value) == 16);
 
 std::strong_ordering Compare(const Value& a, const Value& b);
 
+// A number that orders like the value as far as it goes: a smaller value never has a larger one.
+uint64_t SortPrefix(const Value& value);
+
 // A float with a decimal point and no exponent, the shortest text that reads back the same.
 std::string FloatText(double number);
 // "1234.56" or "-3" to a float. Raises ConversionError.

@@ -30,6 +30,8 @@
 
 namespace orv {
 
+class TOrvDBGrid;
+
 struct SessionOptions {
   std::string database;
   std::string user;
@@ -159,6 +161,18 @@ class Session : private UserInterface, private ApplicationObserver {
   Json ControlNode(const Control& control) const;
   Json State(const Json& in) const;
   static Json Rows(DataSet& set, int64_t from, int64_t count);
+  // The rows [first, last) of a window of so many rows, all with a negative count.
+  static std::pair<int64_t, int64_t> Clamped(int64_t from, int64_t count, int64_t all);
+  // The same of a set, made ready to be read.
+  static std::pair<int64_t, int64_t> RowsAsked(DataSet& set, int64_t from, int64_t count);
+
+  // --- Grids as their display arranges them (session_grid.cpp).
+  TOrvDBGrid& GridIn(const Json& in) const;
+  void Arrange(const Json& in);
+  // Adds the texts of a window of rows and what else was asked for with it.
+  static void AddWindow(Json& out, const TOrvDBGrid& grid, const Json& in, int64_t from, int64_t count);
+  static Json Sums(const TOrvDBGrid& grid, const Json& ranges);
+  void Export(const Json& in);
 
   // --- What screens ask (session_user.cpp).
   Answer Message(MessageKind kind, std::string_view title, std::string_view text, Answer initial) override;
@@ -178,6 +192,8 @@ class Session : private UserInterface, private ApplicationObserver {
   // --- Reports (session_report.cpp).
   void LaunchReport(const ReportLaunch& launch) override;
   void RenderReport(const Json& in);
+  // The file into which the report was written.
+  std::filesystem::path Written(const Report& report, const std::string& format);
 
   // Sends a question and waits until `answer` takes an object as its answer; other objects are refused.
   void Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer);

@@ -143,6 +143,10 @@ void Session::Act(const Json& in) {
   } else if (verb == "row" || verb == "cell" || verb == "append" || verb == "delete" || verb == "dblclick" ||
              verb == "title") {
     GridAction(verb, in);
+  } else if (verb == "view") {
+    Arrange(in);
+  } else if (verb == "export") {
+    Export(in);
   } else if (verb == "answer") {
     // A cancel that arrived when the gathering had just ended.
     if (!(in["value"] == Json("cancel"))) throw RequestError("Nada espera uma resposta.");
@@ -233,22 +237,20 @@ void Session::Key(const Json& in) {
 }
 
 void Session::GridAction(const std::string& verb, const Json& in) {
-  Control& control = Reachable(in);
-  auto* grid = dynamic_cast<TOrvDBGrid*>(&control);
-  if (grid == nullptr) throw RequestError("O controle " + control.Name() + " não é uma grade.");
-  if (!Reach(control)) return;
+  TOrvDBGrid& grid = GridIn(in);
+  if (!Reach(grid)) return;
   if (verb == "row") {
-    grid->UserRow(in["row"].Integer(), Name(in, "column"));
+    grid.UserRow(in["row"].Integer(), Name(in, "column"));
   } else if (verb == "cell") {
-    grid->UserCell(in["row"].Integer(), in["column"].String(), Typed(in["value"]));
+    grid.UserCell(in["row"].Integer(), in["column"].String(), Typed(in["value"]));
   } else if (verb == "append") {
-    grid->UserAppend();
+    grid.UserAppend();
   } else if (verb == "delete") {
-    grid->UserDelete(in["row"].Integer());
+    grid.UserDelete(in["row"].Integer());
   } else if (verb == "dblclick") {
-    grid->UserDblClick(in["row"].Integer(), Name(in, "column"));
+    grid.UserDblClick(in["row"].Integer(), Name(in, "column"));
   } else {
-    grid->UserTitle(in["column"].String());
+    grid.UserTitle(in["column"].String());
   }
 }
 

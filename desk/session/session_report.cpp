@@ -97,6 +97,13 @@ void Session::RenderReport(const Json& in) {
   if (std::find(found->formats.begin(), found->formats.end(), format) == found->formats.end()) {
     throw RequestError("O relatório não tem o formato \"" + format + "\".");
   }
+  Send({{"on", "report"},
+        {"id", found->id},
+        {"format", format},
+        {"file", Written(found->report, format).string()}});
+}
+
+std::filesystem::path Session::Written(const Report& report, const std::string& format) {
   const std::filesystem::path& folder = options_.scratch;
   std::error_code error;
   std::filesystem::create_directories(folder, error);
@@ -105,16 +112,16 @@ void Session::RenderReport(const Json& in) {
     throw UserError("A pasta dos relatórios não pode ser usada.");
   }
   const std::filesystem::path file =
-      folder / (FileName(found->report.identifier) + "-" + RandomHex(64) + "." + format);
+      folder / (FileName(report.identifier) + "-" + RandomHex(64) + "." + format);
   try {
-    WriteReport(found->report, format, file);
+    WriteReport(report, format, file);
   } catch (...) {
     std::filesystem::remove(file, error);
     throw;
   }
   std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
                                error);
-  Send({{"on", "report"}, {"id", found->id}, {"format", format}, {"file", file.string()}});
+  return file;
 }
 
 }  // namespace orv

@@ -26,15 +26,6 @@ Properties AllProperties(const Control& control) {
   return properties;
 }
 
-// The rows [first, last) of a window that was asked for, made ready to be read.
-std::pair<int64_t, int64_t> RowsAsked(DataSet& set, int64_t from, int64_t count) {
-  const int64_t all = set.Active() ? set.DisplayCount() : 0;
-  const int64_t first = std::clamp<int64_t>(from, 0, all);
-  const int64_t last = count < 0 || count > all - first ? all : first + count;
-  if (last > first) set.Prepare(first, last - first);
-  return {first, last};
-}
-
 std::string FocusName(const Form& form) { return form.Focus() == nullptr ? "" : form.Focus()->Name(); }
 
 }  // namespace
@@ -127,6 +118,17 @@ void Session::CollectScreen(Screen& screen, Shown& shown) {
   Send(change);
 }
 
+std::pair<int64_t, int64_t> Session::Clamped(int64_t from, int64_t count, int64_t all) {
+  const int64_t first = std::clamp<int64_t>(from, 0, all);
+  return {first, count < 0 || count > all - first ? all : first + count};
+}
+
+std::pair<int64_t, int64_t> Session::RowsAsked(DataSet& set, int64_t from, int64_t count) {
+  const auto [first, last] = Clamped(from, count, set.Active() ? set.DisplayCount() : 0);
+  if (last > first) set.Prepare(first, last - first);
+  return {first, last};
+}
+
 Json Session::Rows(DataSet& set, int64_t from, int64_t count) {
   Json::Array fields;
   for (const Field* field : set.Fields()) fields.emplace_back(field->Name());
@@ -163,19 +165,8 @@ Json Session::State(const Json& in) const {
       for (const auto& [name, value] : AllProperties(*control)) properties.Set(name, PropertyJson(value));
       controls.emplace_back(control->Name(), std::move(properties));
       // The window of rows that a grid shows, as it shows them.
-      if (const auto* grid = dynamic_cast<const TOrvDBGrid*>(control); grid != nullptr && !only.empty()) {
-        Json::Array cells;
-        DataSet& set = grid->Set();
-        const std::vector<const GridColumn*> shown = grid->ShownColumns();
-        const auto [first, last] = RowsAsked(set, from, count);
-        for (int64_t row = first; row < last; ++row) {
-          Json::Array texts;
-          for (const GridColumn* column : shown) texts.emplace_back(grid->CellText(row, *column));
-          cells.emplace_back(std::move(texts));
-        }
-        controls.back().second.Set("cells", std::move(cells));
-        controls.back().second.Set("version", set.Version());
-      }
+      if (const auto* grid = dynamic_cast<const TOrvDBGrid*>(control); grid != nullptr && !only.empty())
+        AddWindow(controls.back().second, *grid, in, from, count);
     }
     Json::Object sets;
     for (DataSet* set : screen->Sets()) {

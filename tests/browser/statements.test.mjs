@@ -140,3 +140,72 @@ test("the cash-flow analysis is simulated, opened, charted and printed", async (
   await keys(page, "Alt+r");
   await readReport("Relatório de Análise de Fluxo de Caixa", "WCCAnaliseFluxo");
 });
+
+test("a grid is searched, sorted, added up, arranged and taken away, by keyboard alone", async () => {
+  page = await begin();
+  await openScreen(page, "lançamentos", "Relatório de Lançamentos");
+  await keys(page, "10250-1", "Alt+c");
+  await gathered("Lançamentos");
+  const whole = await count("Lançamentos");
+  const head = (name) => grid(page, "Lançamentos").getByRole("columnheader", { name, exact: true });
+  const cells = async (at) => (await rows(page, "Lançamentos")).map((row) => row.split("|")[at]);
+  await keys(page, "Tab");
+  await focusIs(page, "Lançamentos");
+  await keys(page, "Control+f");
+  await focusIs(page, "Procurar na grade");
+  await keys(page, "folha pagámento 12/2024");
+  const found = page.locator(".grid-find-count").first();
+  await until("achadas", async () => /^\d+ de /.test(await found.textContent()));
+  assert.ok((await count("Lançamentos")) < whole / 10);
+  assert.deepEqual(await findings(page), []);
+  // On to the rows, which are ordered by their amounts, the greatest first.
+  await keys(page, "Enter");
+  await focusIs(page, "Lançamentos");
+  await until("só as achadas", async () => (await rows(page, "Lançamentos")).every((row) => /FOLHA DE PAGAMENTO/.test(row) && row.includes("12/2024")));
+  await keys(page, ...Array.from({ length: 7 }, () => "ArrowRight"), "Alt+ArrowUp", "Alt+ArrowUp");
+  await until("ordenada", async () => (await head("Valor").getAttribute("aria-sort")) === "descending");
+  const amounts = async () => (await cells(7)).map((text) => Math.round(Number(text.replaceAll(".", "").replace(",", ".")) * 100));
+  await until("decrescente", async () => (await amounts()).every((amount, at, all) => at === 0 || amount <= all[at - 1]));
+  await keys(page, "Home", "Shift+ArrowDown", "Shift+ArrowDown");
+  const sum = (await amounts()).slice(0, 3).reduce((a, b) => a + b) / 100;
+  const shown = sum.toLocaleString("pt-BR", { minimumFractionDigits: 2 });
+  await page.getByText(`Valor: ${shown}`).waitFor();
+  await page.getByText("3 linhas escolhidas").waitFor();
+  await picture(page, "grid-sums");
+  // The row on which the desk stands is the one that is seen.
+  const number = (await cells(3))[2];
+  await keys(page, "Escape", "Enter");
+  await page.getByRole("dialog").getByText(number).first().waitFor();
+  await keys(page, "Escape");
+  await page.getByRole("dialog").waitFor({ state: "detached" });
+  await focusIs(page, "Lançamentos");
+
+  // The second column goes, the first one changes places; the file has what is seen.
+  await keys(page, "Control+g");
+  const box = page.getByRole("dialog", { name: "Colunas: Lançamentos" });
+  await box.waitFor();
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "ArrowDown", " ", "ArrowUp", "Control+ArrowDown", "Control+ArrowDown");
+  await picture(page, "grid-columns");
+  const download = page.waitForEvent("download");
+  await keys(page, "c");
+  const file = await download;
+  assert.equal(file.suggestedFilename(), "relatorio_de_lancamentos_2026_11_20.csv");
+  const lines = readFileSync(await file.path(), "utf8").trimEnd().split("\r\n");
+  assert.match(lines[0], /^\uFEFFVencimento;Lançamento;Número;/);
+  assert.equal(lines.length - 1, await count("Lançamentos"));
+  await box.waitFor({ state: "detached" });
+  await page.getByText("foi entregue ao navegador").waitFor();
+  await head("Contabilização").waitFor({ state: "detached" });
+
+  // It is so on the next day too, until it is restored; the search is over with Escape.
+  await focusIs(page, "Lançamentos");
+  await page.reload();
+  await head("Vencimento").waitFor();
+  assert.equal(await head("Contabilização").count(), 0);
+  await keys(page, "Control+g", "Alt+r", "Escape");
+  await head("Contabilização").waitFor();
+  await keys(page, "Escape");
+  await until("todas", async () => (await count("Lançamentos")) === whole);
+  assert.equal(await page.getByRole("textbox", { name: "Procurar na grade" }).count(), 0);
+});

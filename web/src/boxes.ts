@@ -6,7 +6,7 @@ import { FileDialog } from "./dialogs/file.ts";
 import { LookupDialog } from "./dialogs/lookup.ts";
 import { InputDialog, MessageDialog } from "./dialogs/message.ts";
 import { ProgressDialog } from "./dialogs/progress.ts";
-import { ReportDialog } from "./dialogs/report.ts";
+import { deliver, ReportDialog } from "./dialogs/report.ts";
 import { ConfirmDialog, DetailDialog } from "./dialogs/tables.ts";
 import type { In, Out, Question, SetRows } from "./protocol.ts";
 
@@ -27,6 +27,8 @@ export interface BoxesUser {
   upload(file: File, signal: AbortSignal): ReturnType<typeof upload>;
   // Ends the long action that is under way.
   stop(): void;
+  // Something went well.
+  told(text: string): void;
   // Asks for a report's file; `done` tells whether it was answered.
   render(report: number | string, format: string, done: (answered: boolean) => void): void;
 }
@@ -104,6 +106,9 @@ export class Boxes {
   report(out: Extract<Out, { on: "report" }>): void {
     const known = this.own.find((box): box is ReportDialog => box instanceof ReportDialog && box.id === out.id);
     if (out.address !== undefined) {
+      const url = new URL(out.address, location.href);
+      // The file of a grid belongs to no report.
+      if (out.id === 0 && url.origin === location.origin) this.user.told(deliver(url));
       known?.ready(out.address, out.format ?? "");
       return;
     }

@@ -1,6 +1,7 @@
 // What a control and a grid may ask of the desk's page.
 import type { HelpOf } from "./dialogs/help.ts";
 import type { ControlView } from "./controls/control.ts";
+import type { Dialog } from "./dialogs/dialog.ts";
 import type { In } from "./protocol.ts";
 import type { Item } from "./queue.ts";
 import type { Day } from "./text/date.ts";
@@ -8,10 +9,10 @@ import type { Day } from "./text/date.ts";
 export interface DeskContext {
   // Sends for the screen; keys typed after it wait for its answer unless `hold` is false.
   send(object: In, options?: Partial<Item>): void;
-  // A window of rows; the answer comes to the screen.
-  read(control: string, from: number, count: number): void;
-  // The same before anything that is typed after it; `done` once the rows are at hand.
-  readFirst(control: string, from: number, count: number, done: () => void): void;
+  // A window of rows, with what else is asked; the answer comes to the screen.
+  read(control: string, from: number, count: number, asked?: Record<string, unknown>): void;
+  // The same before anything that is typed after it; `done` in the end, told whether it was answered.
+  readFirst(control: string, from: number, count: number, asked: Record<string, unknown>, done: (answered: boolean) => void): void;
   has(key: string): boolean;
   // Runs what a pointer did: now, or in its place behind the keys that were typed before, if its screen is
   // still on top then.
@@ -27,6 +28,8 @@ export interface DeskContext {
   readonly today: Day;
   // Shows the keys of a screen.
   help(of: HelpOf): void;
+  // Shows a box of the page's own.
+  box(make: (close: () => void) => Dialog): void;
   // What the user has set for his own display.
   remember(key: string, value: string | null): void;
   remembered(key: string): string | null;

@@ -95,16 +95,13 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     if (object.do === "set" || object.do === "check") this.typed(this.top?.find(String(object["control"])));
     this.mark();
   }
-  read(control: string, from: number, count: number): void {
-    this.door.push({ object: { do: "read", control, from, count }, purpose: "read", hold: false, key: `read:${control}` });
+  read(control: string, from: number, count: number, asked: Record<string, unknown> = {}): void {
+    const key = `read:${control}${"sums" in asked ? ":sums" : ""}`;
+    this.door.push({ object: { do: "read", control, from, count, ...asked }, purpose: "read", hold: false, key });
   }
-  readFirst(control: string, from: number, count: number, done: () => void): void {
-    this.door.push({
-      object: { do: "read", control, from, count },
-      purpose: "read",
-      hold: true,
-      done: (outcome) => outcome === "answered" && done(),
-    });
+  readFirst(control: string, from: number, count: number, asked: Record<string, unknown>, done: (answered: boolean) => void): void {
+    const object = { do: "read", control, from, count, ...asked };
+    this.door.push({ object, purpose: "read", hold: true, done: (outcome) => done(outcome === "answered") });
   }
   has(key: string): boolean {
     return this.door.queue.has(key);
@@ -129,14 +126,16 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     return (this.me.today !== undefined ? fromNeutral(this.me.today) : null) ?? localToday();
   }
   help(of: HelpOf): void {
-    const close = (): void => this.boxes.close(box);
-    const box: HelpDialog = new HelpDialog(of, {
-      close,
-      walk: () => {
+    this.box((close) => {
+      const walk = (): void => {
         close();
         this.walk();
-      },
+      };
+      return new HelpDialog(of, { close, walk });
     });
+  }
+  box(make: (close: () => void) => Dialog): void {
+    const box: Dialog = make(() => this.boxes.close(box));
     this.boxes.show(box);
   }
   remember(key: string, value: string | null): void {
@@ -439,6 +438,9 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   stop(): void {
     // The answer has no place in the queue: it ends what is under way.
     this.door.urgent({ do: "answer", value: "cancel" });
+  }
+  told(text: string): void {
+    this.frame.toast("stored", text);
   }
   render(id: number | string, format: string, done: (answered: boolean) => void): void {
     this.send({ do: "report", id, format }, { done: (outcome) => done(outcome === "answered") });

@@ -132,6 +132,16 @@ export interface SetRows {
   rows: (string | null)[][];
 }
 
+// A window of a grid, and the sums of rows that were asked for with it. `rows` are the numbers in the set where
+// the window is of the view.
+export interface GridRows {
+  cells?: string[][];
+  rows?: number[];
+  version?: number;
+  view?: number;
+  sums?: { count: number; columns: Record<string, string> };
+}
+
 export interface StateOut {
   on: "state";
   screens: {
@@ -139,7 +149,7 @@ export interface StateOut {
     class: string;
     caption: string;
     focus: string;
-    controls: Record<string, { cells?: string[][]; version?: number } & Record<string, unknown>>;
+    controls: Record<string, GridRows & Record<string, unknown>>;
     sets: Record<string, SetRows>;
   }[];
 }

@@ -132,9 +132,9 @@ export class Typing {
     const top = this.user.top;
     if (this.user.menuOpen || top === undefined) return;
     if ((event.target as Element).closest?.(".top, .offers") !== null) return;
-    const all = press.ctrl && press.key.toLowerCase() === "a" && document.activeElement?.getAttribute("role") === "grid";
-    if (belongsToBrowser(press) && !all) return;
     const focused = top.focused;
+    const own = focused?.canFocus && focused.element.contains(document.activeElement) && focused.takes(press);
+    if (belongsToBrowser(press) && !own) return;
     // A key held down goes through fields and rows, and presses nothing a second time.
     if (event.repeat && focused instanceof ButtonView && (press.key === "Enter" || press.key === " ")) {
       event.preventDefault();

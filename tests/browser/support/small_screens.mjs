@@ -233,7 +233,7 @@ const kLedgerColumns = [
 
 function ledgerGrid(screen, name, set, editable) {
   screen.sets[set.name] = set;
-  screen.add(name, "grid", "", { set: set.name, readOnly: !editable, rowsFixed: true, selected: "", columns: kLedgerColumns });
+  screen.add(name, "grid", "", { set: set.name, readOnly: !editable, rowsFixed: true, selected: "", titles: true, columns: kLedgerColumns });
   screen.controls[name].handlers = {
     grid: async (object) => {
       if (object.row !== undefined && set.count > 0) set.row = object.row;

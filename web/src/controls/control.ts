@@ -110,6 +110,10 @@ export abstract class ControlView {
   press(_press: Press): boolean {
     return false;
   }
+  // A key of the browser's own that the control keeps to itself.
+  takes(_press: Press): boolean {
+    return false;
+  }
   // What is typed and not sent yet goes out.
   commit(): void {}
   // What is typed and not sent yet is given up. True when there was something.

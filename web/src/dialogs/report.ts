@@ -7,6 +7,13 @@ const kCaptions: Record<string, string> = { pdf: "&PDF", txt: "&Texto", csv: "&C
 // The forms that the pane itself shows, the best first.
 const kShown = ["html", "txt"];
 
+// Hands a file of the desk's to the browser; what is to be told of it.
+export function deliver(url: URL): string {
+  const link = el("a", { href: url.pathname, download: url.pathname.split("/").pop() ?? "" });
+  link.click();
+  return `O arquivo ${link.download} foi entregue ao navegador.`;
+}
+
 export class ReportDialog extends Dialog {
   private frame = el("iframe", { class: "report-frame", title: "Relatório", sandbox: "allow-same-origin allow-modals", tabindex: "0" });
   private status = el("p", { class: "report-status", role: "status" }, "Preparando o relatório…");
@@ -60,10 +67,8 @@ export class ReportDialog extends Dialog {
       if (document.activeElement === null || this.box.contains(document.activeElement)) this.print.focus();
       return;
     }
-    const link = el("a", { href: url.pathname, download: url.pathname.split("/").pop() ?? "" });
-    link.click();
     this.status.hidden = false;
-    this.status.textContent = `O arquivo ${link.download} foi entregue ao navegador.`;
+    this.status.textContent = deliver(url);
   }
 
   // What was asked for couldn't be made.

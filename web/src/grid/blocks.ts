@@ -2,21 +2,23 @@
 // arrives, but counts as missing.
 
 interface Block {
-  version: number;
+  version: number | string;
   rows: string[][];
+  // The rows' numbers in their set, where they stand otherwise than in it.
+  numbers: number[] | undefined;
 }
 
 export const kBlock = 100;
 const kKept = 60;
 
 export class Blocks {
-  version = -1;
+  version: number | string = -1;
   count = 0;
   // In order of use, the latest last.
   private blocks = new Map<number, Block>();
 
   // The set behind has changed.
-  renew(version: number, count: number): void {
+  renew(version: number | string, count: number): void {
     this.version = version;
     this.count = count;
     for (const at of [...this.blocks.keys()]) {
@@ -30,6 +32,12 @@ export class Blocks {
 
   row(index: number): string[] | undefined {
     return index < this.count ? this.blocks.get(Math.floor(index / kBlock))?.rows[index % kBlock] : undefined;
+  }
+
+  // The number in the set of a row at hand.
+  number(index: number): number | undefined {
+    const block = index < this.count ? this.blocks.get(Math.floor(index / kBlock)) : undefined;
+    return block?.numbers?.[index % kBlock];
   }
 
   fresh(index: number): boolean {
@@ -47,10 +55,10 @@ export class Blocks {
   }
 
   // False for rows of a version that has passed.
-  store(version: number, at: number, rows: string[][]): boolean {
+  store(version: number | string, at: number, rows: string[][], numbers?: number[]): boolean {
     if (version !== this.version) return false;
     this.blocks.delete(at);
-    this.blocks.set(at, { version, rows });
+    this.blocks.set(at, { version, rows, numbers });
     for (const old of this.blocks.keys()) {
       if (this.blocks.size <= kKept) break;
       this.blocks.delete(old);

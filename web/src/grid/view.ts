@@ -3,6 +3,7 @@
 import { el, uniqueId } from "../dom.ts";
 import { showCount } from "../text/money.ts";
 import { Blocks, kBlock } from "./blocks.ts";
+import { holds, joined, type Range } from "./chosen.ts";
 import { fittedWidths, kNarrowest, naturalWidth, type Column } from "./columns.ts";
 import { Scroll } from "./scroll.ts";
 
@@ -12,13 +13,18 @@ export interface GridOwner {
   pressedCell(row: number, column: number, event: MouseEvent): void;
   doublePressed(row: number, column: number): void;
   titlePressed?(column: number): void;
+  titleMenu?(event: MouseEvent, column: number): void;
   contextMenu?(event: MouseEvent, row: number, column: number): void;
   // The width that the user gave a column, in pixels; null for none.
   storedWidth?(column: Column): number | null;
   storeWidth?(column: Column, width: number | null): void;
   // A row marked in a list of several choices.
   marked?(row: number): boolean;
+  // Other rows are chosen.
+  chose?(ranges: Range[]): void;
 }
+
+export type Sorted = "ascending" | "descending" | "none";
 
 const kRowHeight = 26;
 // The page's letters, in pixels.
@@ -44,8 +50,11 @@ export class GridView {
   columns: Column[] = [];
   row = -1;
   column = 0;
-  // The other end of a selection of rows, -1 without one.
+  // The other end of a stretch of chosen rows, -1 without one, and those that were chosen apart from it.
   anchor = -1;
+  kept: Range[] = [];
+  // The column by which the rows are ordered.
+  private sort: { field: string; sorted: Sorted } = { field: "", sorted: "none" };
   // As the columns would be, which of them the user has sized, and as they are shown in the room there is.
   private widths: number[] = [];
   private sized: boolean[] = [];
@@ -58,6 +67,9 @@ export class GridView {
   private rows: HTMLElement;
   private empty: HTMLElement;
   private status: HTMLElement;
+  private sums = el("div", { class: "grid-sums", role: "status" });
+  // Beside the count of the rows.
+  readonly foot: HTMLElement;
   private drawn: DrawnRow[] = [];
   private id = uniqueId("grid");
   private frame = 0;
@@ -81,7 +93,8 @@ export class GridView {
       el("div", { class: "grid-headgroup", role: "rowgroup" }, this.head),
       this.spacer,
     );
-    this.element = el("div", { class: "grid" }, this.scroller, this.empty, this.status);
+    this.foot = el("div", { class: "grid-foot" }, this.sums, this.status);
+    this.element = el("div", { class: "grid" }, this.scroller, this.empty, this.foot);
     this.scroller.addEventListener("scroll", () => this.scrolled(), { passive: true });
     this.scroller.addEventListener("wheel", (event) => this.wheel(event), { passive: false });
     this.port.addEventListener("mousedown", (event) => this.pointer(event));
@@ -121,7 +134,7 @@ export class GridView {
   // --- Columns.
 
   setColumns(columns: Column[]): void {
-    const told = JSON.stringify(columns.map((column) => ({ ...column, words: [...(column.words ?? [])] })));
+    const told = this.look(columns);
     if (told === this.told) return;
     this.told = told;
     this.columns = columns;
@@ -131,6 +144,7 @@ export class GridView {
     this.sized = stored.map((width) => width !== null);
     this.scroller.setAttribute("aria-colcount", String(columns.length));
     this.head.replaceChildren(...columns.map((column, at) => this.title(column, at)));
+    this.markTitles();
     this.rows.replaceChildren();
     this.drawn = [];
     this.blocks.clear();
@@ -139,6 +153,24 @@ export class GridView {
   }
 
   private told = "[]";
+  // The columns with the widths that the user gave them.
+  private look(columns: Column[]): string {
+    return JSON.stringify(columns.map((column) => ({ ...column, words: [...(column.words ?? [])], own: this.owner.storedWidth?.(column) })));
+  }
+
+  setSort(field: string, sorted: Sorted): void {
+    this.sort = { field, sorted };
+    this.markTitles();
+  }
+  private markTitles(): void {
+    this.columns.forEach(({ field }, at) => {
+      const sorted = field === this.sort.field ? this.sort.sorted : "none";
+      const title = this.head.children[at];
+      if (sorted === "none") title?.removeAttribute("aria-sort");
+      else title?.setAttribute("aria-sort", sorted);
+    });
+  }
+
   private title(column: Column, at: number): HTMLElement {
     const text = el("span", { class: "grid-title-text" }, column.title);
     const cell = el(
@@ -148,6 +180,7 @@ export class GridView {
     );
     cell.addEventListener("mousedown", (event) => event.preventDefault());
     cell.addEventListener("click", () => this.owner.titlePressed?.(at));
+    cell.addEventListener("contextmenu", (event) => this.owner.titleMenu?.(event, at));
     if (this.owner.storeWidth !== undefined) {
       const grip = el("span", { class: "grid-grip", "aria-hidden": "true" });
       grip.addEventListener("pointerdown", (event) => this.drag(event, at));
@@ -155,6 +188,7 @@ export class GridView {
       grip.addEventListener("dblclick", (event) => {
         event.stopPropagation();
         this.owner.storeWidth?.(column, null);
+        this.told = this.look(this.columns);
         this.widths[at] = this.natural(column);
         this.sized[at] = false;
         this.spread();
@@ -186,11 +220,18 @@ export class GridView {
       grip.removeEventListener("pointermove", move);
       grip.removeEventListener("pointerup", end);
       grip.removeEventListener("pointercancel", end);
-      if (this.widths[at] !== width) this.owner.storeWidth?.(this.columns[at]!, this.widths[at]!);
+      if (this.widths[at] === width) return;
+      this.owner.storeWidth?.(this.columns[at]!, this.widths[at]!);
+      this.told = this.look(this.columns);
     };
     grip.addEventListener("pointermove", move);
     grip.addEventListener("pointerup", end);
     grip.addEventListener("pointercancel", end);
+  }
+
+  // As wide as it is shown.
+  widthOf(column: number): number {
+    return this.shown[column] ?? 0;
   }
 
   private spread(): void {
@@ -203,8 +244,9 @@ export class GridView {
 
   // --- Rows.
 
-  renew(version: number, count: number): void {
+  renew(version: number | string, count: number): void {
     if (version === this.blocks.version && count === this.blocks.count) return;
+    if (count !== this.blocks.count) this.kept = [];
     this.blocks.renew(version, count);
     this.scroll.count = count;
     this.scroller.setAttribute("aria-rowcount", String(count + 1));
@@ -215,8 +257,8 @@ export class GridView {
     this.draw();
   }
 
-  store(version: number, block: number, rows: string[][]): void {
-    if (this.blocks.store(version, block, rows)) this.draw();
+  store(version: number | string, block: number, rows: string[][], numbers?: number[]): void {
+    if (this.blocks.store(version, block, rows, numbers)) this.draw();
   }
 
   // Makes a row current for the eye, and brings it into sight.
@@ -302,11 +344,11 @@ export class GridView {
       if (at >= 0 && at < wanted && order[at] === undefined) order[at] = one;
       else free.push(one);
     }
-    const [from, to] = this.selection;
+    const chosen = this.chosen.length > 0 ? this.chosen : [this.selection];
     for (let at = 0; at < wanted; ++at) {
       const one = order[at] ?? free.pop()!;
       const row = first + at;
-      this.write(one, row, from, to);
+      this.write(one, row, holds(chosen, row));
       if (one.place !== row - base) {
         one.place = row - base;
         one.element.style.top = `${one.place * kRowHeight}px`;
@@ -331,7 +373,31 @@ export class GridView {
     return [Math.min(this.anchor, this.row), Math.max(this.anchor, this.row)];
   }
 
+  // The rows that the user has chosen, nothing where he only stands in one.
+  get chosen(): Range[] {
+    return joined(this.anchor < 0 ? this.kept : [...this.kept, this.selection]);
+  }
+  choose(ranges: Range[]): void {
+    this.kept = ranges;
+    this.anchor = -1;
+    this.draw();
+  }
+
+  // What the chosen rows add up to, "" for nothing.
+  set added(text: string) {
+    if (this.sums.textContent !== text) this.sums.textContent = text;
+    this.sums.title = text;
+    this.element.classList.toggle("has-sums", text !== "");
+  }
+
+  private chosenTold = "-1|";
   private describe(): void {
+    const chosen = this.chosen;
+    const now = `${this.blocks.version}|${chosen.join("|")}`;
+    if (now !== this.chosenTold) {
+      this.chosenTold = now;
+      this.owner.chose?.(chosen);
+    }
     if (this.row >= 0 && this.row >= this.scroll.first && this.row <= this.scroll.last && this.columns.length > 0) {
       this.scroller.setAttribute("aria-activedescendant", this.cellId(this.row, this.column));
     } else {
@@ -355,10 +421,10 @@ export class GridView {
     return { element, cells, texts: cells.map(() => null), row: -1, place: -1, cell: -1 };
   }
 
-  private write(one: DrawnRow, row: number, from: number, to: number): void {
+  private write(one: DrawnRow, row: number, among: boolean): void {
     const values = this.blocks.row(row);
     const current = row === this.row;
-    const chosen = this.owner.marked?.(row) ?? (row >= from && row <= to);
+    const chosen = this.owner.marked?.(row) ?? among;
     if (one.row !== row) {
       one.row = row;
       one.element.setAttribute("aria-rowindex", String(row + 2));
@@ -448,6 +514,12 @@ export class GridView {
   private plainCell(column: Column, text: string): string {
     if (column.kind === "check") return text === column.checked ? "Sim" : "Não";
     return (column.words?.get(text)?.word ?? text).replace(/[\t\r\n]+/g, " ");
+  }
+
+  // "" where it isn't at hand.
+  cellText(row: number, column: number): string {
+    const text = this.blocks.row(row)?.[column];
+    return text === undefined ? "" : this.plainCell(this.columns[column]!, text);
   }
 
   get titles(): string {
