@@ -20,10 +20,12 @@ void TfmRelAnaliseFluxo::OrvDBGrid1DblClick() {
   const Date ate = CbSaldoDoDia.Checked() ? Today() : EdtDataDe.Date();
   const std::string sql =
       SaldoPorMes("DT_CONT", Creditos(kContaCorrente), "CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END",
-                  " FROM {CONTACOR} CONTACOR WHERE " + std::string(kBaixado) +
-                      " AND CONTA = " + Funcoes.Aspas(conta) + " AND DT_CONT <= " + Funcoes.AspasData(ate));
-  ShowDetail("Saldo da conta " + conta, ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2"),
-             kSaldoPorMes, CompletaMes);
+                  " FROM " + SaldosAte(kContaCorrente, "DT_CONT", ate, Today()) + " WHERE " + kBaixado +
+                      " AND CONTA = " + Funcoes.Aspas(conta));
+  ShowDetail(
+      "Saldo da conta " + conta,
+      LinhasDeSaldo(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2")),
+      kSaldoPorMes, CompletaMes);
 }
 
 // The rows of a class on a day, or on all days of the table.

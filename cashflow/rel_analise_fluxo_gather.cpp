@@ -107,8 +107,7 @@ void TfmRelAnaliseFluxo::Busca_Saldos() {
   const ScopedValue montando(montando_, true);
   const Date ate = CbSaldoDoDia.Checked() ? Today() : EdtDataDe.Date();
   // What is reconciled counts as what is settled.
-  const std::string sql =
-      SaldosDasContas("CONTACOR.PENDENTE IN ('N','C') AND CONTACOR.DT_CONT <= " + Funcoes.AspasData(ate));
+  const std::string sql = SaldosDasContas(kBaixado, ate, Today());
   const auto saldos =
       LeSaldos(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"));
   std::unordered_set<std::string> com_saldo;

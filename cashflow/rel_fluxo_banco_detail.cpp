@@ -27,10 +27,13 @@ bool TfmRelFluxoBanco::AbreDaConta(const std::string& coluna, const std::string&
   const std::string da_conta = " AND CONTA = " + Funcoes.Aspas(conta);
   if (coluna == "Anterior") {
     // Too many movements to list one by one: they are shown month by month.
-    const std::string sql = SaldoPorMes("DT_CONT", Creditos(kContaCorrente), Debitos(kContaCorrente),
-                                        " FROM {CONTACOR} CONTACOR WHERE " + Antes() + da_conta);
+    const std::string sql = SaldoPorMes(
+        "DT_CONT", Creditos(kContaCorrente), Debitos(kContaCorrente),
+        " FROM " + SaldosAte(kContaCorrente, "DT_CONT", consulta_.periodo.de.AddDays(-1), Today()) +
+            " WHERE PENDENTE <> 'S'" + da_conta);
     ShowDetail("Saldo da conta " + conta + " antes de " + consulta_.periodo.de.Brazil(),
-               das_empresas(sql, "ORDER BY 1, 2"), kSaldoPorMes, CompletaMes);
+               LinhasDeSaldo(Tabela.IBDatabase(), das_empresas(sql, "ORDER BY 1, 2")), kSaldoPorMes,
+               CompletaMes);
     return true;
   }
   const auto movimentos = [&](const std::string& titulo, const std::string& condicao) {

@@ -77,14 +77,15 @@ void TfmRelFluxoBanco::busca_Saldos(Gathering& andamento) {
 }
 
 void TfmRelFluxoBanco::BuscaChequesPendentes() {
-  const std::string sql = "SELECT '{}' AS EMPRESA, CONTA, OPERACAO, " + Soma("VALOR") +
-                          " AS VALOR FROM {CONTACOR} CONTACOR WHERE " + Pendentes() + consulta_.conta +
-                          " GROUP BY OPERACAO, CONTA";
-  ForEach(DeTodas(sql, "CONTACOR", "ORDER BY 1, 2"), [this](std::span<Value> v) {
+  const std::string sql = "SELECT '{}' AS EMPRESA, CONTA, OPERACAO, " + Soma("VALOR") + " AS VALOR FROM " +
+                          SaldosAte(kContaCorrente, "DT_CONT", consulta_.cheque, Today()) + " WHERE " +
+                          kPendente + consulta_.conta +
+                          " GROUP BY OPERACAO, CONTA HAVING SUM(QUANTIDADE) <> 0";
+  for (const auto& v : LinhasDeSaldo(Tabela.IBDatabase(), DeTodas(sql, "CONTACOR", "ORDER BY 1, 2"))) {
     auto& pendente = contas_[{v[0].AsString(), v[1].AsString()}].pendente;
     const Currency valor = SomaDe(v[3]);
     pendente = pendente.value_or(Currency()) + (v[2].Text() == "-" ? -valor : valor);
-  });
+  }
   for (const auto& [chave, conta] : contas_) {
     Value linha[] = {chave.second, conta.pendente->ToDouble()};
     TbChequePendente.AppendRow(linha);

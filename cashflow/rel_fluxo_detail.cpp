@@ -16,10 +16,12 @@ void TfmRelFluxo::OrvDBGrid1DblClick() {
   const std::string conta = TbSaldo["Conta"].AsString();
   const std::string sql =
       SaldoPorMes("DT_CONT", Creditos(kContaCorrente), "CASE WHEN OPERACAO = '+' THEN 0 ELSE VALOR END",
-                  " FROM {CONTACOR} CONTACOR WHERE PENDENTE = 'N' AND CONTA = " + Funcoes.Aspas(conta) +
-                      " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()));
-  ShowDetail("Saldo da conta " + conta, ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2"),
-             kSaldoPorMes, CompletaMes);
+                  " FROM " + SaldosAte(kContaCorrente, "DT_CONT", dtSaldo.Date(), Today()) +
+                      " WHERE PENDENTE = 'N' AND CONTA = " + Funcoes.Aspas(conta));
+  ShowDetail(
+      "Saldo da conta " + conta,
+      LinhasDeSaldo(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1, 2")),
+      kSaldoPorMes, CompletaMes);
 }
 
 }  // namespace orv

@@ -133,7 +133,7 @@ std::string TfmRelFluxo::FiltroProgramacao() const {
 
 void TfmRelFluxo::busca_Saldos() {
   const std::string sql =
-      SaldosDasContas("CONTACOR.PENDENTE = 'N' AND CONTACOR.DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()),
+      SaldosDasContas("CONTACOR.PENDENTE = 'N'", dtSaldo.Date(), Today(),
                       EdtConta.Empty() ? "" : " AND CADCONTA.CONTA = " + Funcoes.Aspas(EdtConta.Text()));
   const auto contas =
       LeSaldos(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbEmp.Checked(), "ORDER BY 1"));

@@ -188,11 +188,12 @@ void TfmRelPrevFluxo::OrvDBGrid1DblClick() {
   const std::string conta = TbConta["Conta"].AsString();
   const std::string sql =
       SaldoPorMes("DT_CONT", Creditos(kContaCorrente), pendente ? "0" : Debitos(kContaCorrente),
-                  " FROM {CONTACOR} CONTACOR WHERE CONTA = " + Funcoes.Aspas(conta) +
-                      (pendente ? " AND OPERACAO = '+' AND PENDENTE = 'S'" : " AND PENDENTE = 'N'") +
-                      " AND DT_CONT <= " + Funcoes.AspasData(dtSaldo.Date()));
+                  " FROM " + SaldosAte(kContaCorrente, "DT_CONT", dtSaldo.Date(), Today()) +
+                      " WHERE CONTA = " + Funcoes.Aspas(conta) +
+                      (pendente ? " AND OPERACAO = '+' AND PENDENTE = 'S'" : " AND PENDENTE = 'N'"));
   ShowDetail((pendente ? "Créditos pendentes da conta " : "Saldo da conta ") + conta,
-             ForCompanies(sql, "CONTACOR", false, "ORDER BY 1, 2"), kSaldoPorMes, CompletaMes);
+             LinhasDeSaldo(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", false, "ORDER BY 1, 2")),
+             kSaldoPorMes, CompletaMes);
 }
 
 }  // namespace orv

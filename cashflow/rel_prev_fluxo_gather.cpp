@@ -53,21 +53,20 @@ void TfmRelPrevFluxo::Monta(Gathering& andamento) {
 
 void TfmRelPrevFluxo::BuscaSaldoContas() {
   const auto parte = [](const char* operacao, const char* pendente) {
-    return Soma(std::string("CASE WHEN CONTACOR.OPERACAO = '") + operacao + "' AND CONTACOR.PENDENTE = '" +
-                pendente + "' THEN CONTACOR.VALOR END");
+    return "COALESCE(" +
+           SomaSe(std::string("OPERACAO = '") + operacao + "' AND PENDENTE = '" + pendente + "'") + ", '')";
   };
   const bool saldos = CbSaldo.Checked();
-  // Credits, pending credits and debits in one text: so an account's movements are read once, and not sorted.
-  const std::string somas = "(SELECT COALESCE(" + parte("+", "N") + ", '') || ';' || COALESCE(" +
-                            parte("+", "S") + ", '') || ';' || COALESCE(" + parte("-", "N") +
-                            ", '') FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND "
-                            "CONTACOR.DT_CONT <= " +
-                            Funcoes.AspasData(dtSaldo.Date()) + ")";
+  // Credits, pending credits and debits in one text: so an account is read once.
+  const std::string somas = "(SELECT " + parte("+", "N") + " || ';' || " + parte("+", "S") + " || ';' || " +
+                            parte("-", "N") + " FROM " +
+                            SaldosAte(kContaCorrente, "DT_CONT", dtSaldo.Date(), Today()) +
+                            " WHERE CONTACOR.CONTA = CADCONTA.CONTA)";
   const std::string sql =
       "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, CADCONTA.LIMITE, CADCONTA.IMP_FLUXO, " +
       (saldos ? somas : "''") + " AS SOMAS FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'" +
       (saldos ? "" : " AND EXISTS (SELECT 1 FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA)");
-  auto contas = Tabela.IBDatabase().Rows(Funcoes.DBLocal_SQL(sql, "") + "\nORDER BY 1");
+  auto contas = LinhasDeSaldo(Tabela.IBDatabase(), Funcoes.DBLocal_SQL(sql, "") + "\nORDER BY 1");
   for (auto& c : contas) {
     for (const std::string& soma : saldos ? Split(c[4].Text(), ";") : std::vector<std::string>{})
       c.push_back(soma.empty() ? Value() : Value(soma));

@@ -167,4 +167,17 @@ void ReportScreen::ShowDetail(std::string_view title, std::string_view sql,
   Funcoes.TelaDetalhamento(title, rows);
 }
 
+void ReportScreen::ShowDetail(std::string_view title, std::vector<std::vector<Value>> rows,
+                              std::span<const ReportField> fields,
+                              const std::function<void(std::span<Value>)>& complete) {
+  TClientDataSet shown("Detalhe");
+  LayDown(shown, fields);
+  for (std::vector<Value>& row : rows) {
+    complete(row);
+    shown.AppendRow(std::span(row).first(fields.size()));
+  }
+  shown.First();
+  Funcoes.TelaDetalhamento(title, shown);
+}
+
 }  // namespace orv

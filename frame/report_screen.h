@@ -71,6 +71,9 @@ class ReportScreen : public Child {
   // The same, each row completed before it is shown; what stands behind the fields serves that alone.
   void ShowDetail(std::string_view title, std::string_view sql, std::span<const ReportField> fields,
                   const std::function<void(std::span<Value>)>& complete);
+  // The same of rows that were read already.
+  void ShowDetail(std::string_view title, std::vector<std::vector<Value>> rows,
+                  std::span<const ReportField> fields, const std::function<void(std::span<Value>)>& complete);
 
  private:
   void ReadRows(std::string_view sql, std::span<const ReportField> fields, std::span<Value> row,

@@ -20,7 +20,7 @@ enum class ColumnRole : uint8_t { Plain, Fixed, Tick };
 
 // How the set's grid shows a field; without a title it doesn't. `place` orders the columns, 1 for the first,
 // where they stand otherwise than the fields.
-struct ReportColumn {
+struct FieldColumn {
   const char* title = nullptr;
   int width = 0;
   int place = 0;
@@ -31,7 +31,7 @@ struct ReportField {
   const char* name;
   FieldType type;
   int size = 0;
-  ReportColumn column = {};
+  FieldColumn column = {};
 };
 
 // Closes the set and creates it anew with these fields, in their order, without an order of its rows.

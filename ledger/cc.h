@@ -335,7 +335,10 @@ class ORV_EXPORT TfmCC : public Child {
   // match nothing.
   std::string SqlConsulta() const;
   void ConsultaContas();
-  Currency ValorConta(const std::string& condicao);
+  // Where the balances up to today are read, and after it.
+  std::string AteHoje() const;
+  std::string AposHoje() const;
+  Currency ValorConta(const std::string& saldos, const std::string& condicao);
   // A statement over the ledger as it is kept: by each company, or by one for all.
   std::string SqlDoMovimento(const std::string& sql);
 

@@ -20,12 +20,6 @@ constexpr const char* kColunas =
     "LANCAMENTO, DOCTO, BANCO, CONTA, DT_CONT, DT_LAN, DT_VENCTO, VALOR, OPERACAO, PENDENTE, OBSERVACAO, "
     "HISTORICO, GRUPO, LANC_CON, TIPO_DOC, TIPO";
 
-// The settled balance, what is pending, what is yet to come: conditions on a movement, up to today or after
-// it.
-std::string Baixado(const std::string& hoje) { return std::string(kBaixado) + " AND DT_CONT <= " + hoje; }
-std::string Pendente(const std::string& hoje) { return std::string(kPendente) + " AND DT_CONT <= " + hoje; }
-std::string Previsto(const std::string& hoje) { return "DT_CONT > " + hoje; }
-
 // Takes the movements found, adds them up and lays them down in the order of the inquiry. A movement is one
 // only where its account is in `contas`, and its class is described by `classes`: looked up in memory, they
 // cost next to nothing beside a join.
@@ -179,15 +173,20 @@ std::string TfmCC::SqlDoMovimento(const std::string& sql) {
   return uma ? Funcoes.DBLocal_SQL(sql, "") : Funcoes.UnionTodasEmpresas(sql, "", true);
 }
 
-Currency TfmCC::ValorConta(const std::string& condicao) {
-  return Total(Tabela.IBDatabase(),
-               SqlDoMovimento("SELECT " + Soma(ComSinal(kContaCorrente)) + " FROM {CONTACOR} WHERE " +
-                              Igual("CONTA", Tabela.TbCadConta()["CONTA"].AsString()) + " AND " + condicao));
+// The settled balance and what is pending, up to today, and what is yet to come.
+Currency TfmCC::ValorConta(const std::string& saldos, const std::string& condicao) {
+  return TotalDeSaldo(
+      Tabela.IBDatabase(),
+      SqlDoMovimento("SELECT " + Soma(ComSinal(kContaCorrente, "", condicao)) + " FROM " + saldos +
+                     " WHERE " + Igual("CONTA", Tabela.TbCadConta()["CONTA"].AsString())));
 }
 
-Currency TfmCC::ValorSaldoConta() { return ValorConta(Baixado(Funcoes.AspasData(Today()))); }
-Currency TfmCC::ValorPendenteConta() { return ValorConta(Pendente(Funcoes.AspasData(Today()))); }
-Currency TfmCC::ValorPrevisaoConta() { return ValorConta(Previsto(Funcoes.AspasData(Today()))); }
+std::string TfmCC::AteHoje() const { return SaldosAte(kContaCorrente, "DT_CONT", Today(), Today()); }
+std::string TfmCC::AposHoje() const { return SaldosApos(kContaCorrente, "DT_CONT", Today(), Today()); }
+
+Currency TfmCC::ValorSaldoConta() { return ValorConta(AteHoje(), kBaixado); }
+Currency TfmCC::ValorPendenteConta() { return ValorConta(AteHoje(), kPendente); }
+Currency TfmCC::ValorPrevisaoConta() { return ValorConta(AposHoje(), ""); }
 
 void TfmCC::BitBtn8Click() {
   {
@@ -200,19 +199,16 @@ void TfmCC::BitBtn8Click() {
 }
 
 void TfmCC::ConsultaContas() {
-  // The three values of all accounts in one pass over their movements, account by account as the index of
-  // the movements leads.
-  const std::string hoje = Funcoes.AspasData(Today());
-  const auto soma = [&](const std::string& condicao) {
-    return ", " + Soma(ComSinal(kContaCorrente, "CONTACOR", condicao));
+  const auto soma = [&](const std::string& saldos, const char* condicao) {
+    return ", (SELECT " + Soma(ComSinal(kContaCorrente, "", condicao)) + " FROM " + saldos +
+           " WHERE CONTACOR.CONTA = CADCONTA.CONTA)";
   };
-  const std::string sql = "SELECT CADCONTA.CONTA" + soma(Baixado(hoje)) + soma(Pendente(hoje)) +
-                          soma(Previsto(hoje)) + " FROM " + Funcoes.DBLocal("CADCONTA", true) +
-                          " CADCONTA LEFT JOIN {CONTACOR} CONTACOR ON CONTACOR.CONTA = CADCONTA.CONTA WHERE "
-                          "CADCONTA.IMP_FLUXO = 'S' GROUP BY CADCONTA.CONTA";
+  const std::string sql = "SELECT CADCONTA.CONTA" + soma(AteHoje(), kBaixado) + soma(AteHoje(), kPendente) +
+                          soma(AposHoje(), "") + " FROM " + Funcoes.DBLocal("CADCONTA", true) +
+                          " CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'";
   std::unordered_map<std::string, std::array<Currency, 3>> valores;
   bool cabem = true;
-  for (const auto& linha : Tabela.IBDatabase().Rows(SqlDoMovimento(sql))) {
+  for (const auto& linha : LinhasDeSaldo(Tabela.IBDatabase(), SqlDoMovimento(sql))) {
     auto& da_conta = valores[linha[0].AsString()];
     for (std::size_t i = 0; i < da_conta.size(); ++i) {
       da_conta[i] += SomaDe(linha[i + 1]);

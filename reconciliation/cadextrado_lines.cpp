@@ -64,11 +64,9 @@ void TFmCadExtrato::EdtContaChange() {
 
 Currency TFmCadExtrato::SaldoExtrato(const std::string& conta) {
   if (conta.empty()) return {};
-  const auto linha =
-      Tabela.IBDatabase()
-          .Rows("SELECT " + Soma(Creditos(kExtrato)) + ", " + Soma(Debitos(kExtrato)) + " FROM " +
-                Funcoes.DBLocal("EXTRATO", true) + " WHERE " + Igual("CONTA", conta))
-          .front();
+  const std::string sql = "SELECT " + Soma(Creditos(kExtrato)) + ", " + Soma(Debitos(kExtrato)) + " FROM " +
+                          SaldosDeSempre(kExtrato) + " WHERE " + Igual("CONTA", conta);
+  const auto linha = LinhasDeSaldo(Tabela.IBDatabase(), Funcoes.DBLocal_SQL(sql, "")).front();
   const Currency creditos = SomaDe(linha[0]), debitos = SomaDe(linha[1]);
   if (!creditos.FitsField() || !debitos.FitsField())
     ApontaForaDeMedida(User(), Tabela.IBDatabase(), Funcoes.DBLocal_SQL(ForaDeMedida(kExtrato), ""));

@@ -63,15 +63,15 @@ class Movimentos : public Linhas {
 }  // namespace
 
 void TFmConcilia::EdtContaChange() {
-  // Beside the balances, what else the statement tells of the account.
+  // What tells the account only where it has movements.
   const auto saldos = [&](const Livro& livro, const char* conciliado, const char* mais, const std::string& de,
                           MoneyEdit& saldo, MoneyEdit& saldo_conciliado) {
-    auto linha = Tabela.IBDatabase()
-                     .Rows("SELECT " + Soma(Creditos(livro, "M")) + ", " + Soma(Debitos(livro, "M")) + ", " +
-                           Soma(ComSinal(livro, "M", conciliado)) + mais + " FROM " +
-                           Funcoes.DBLocal(livro.tabela, true) + " M" + de + " WHERE M.DT_CONT <= " +
-                           Funcoes.AspasData(DtFinal.Date()) + " AND " + Igual("M.CONTA", EdtConta.Text()))
-                     .front();
+    const std::string tabela = livro.tabela;
+    const std::string sql = "SELECT " + Soma(Creditos(livro, tabela)) + ", " + Soma(Debitos(livro, tabela)) +
+                            ", " + Soma(ComSinal(livro, tabela, conciliado)) + ", SUM(QUANTIDADE)" + mais +
+                            " FROM " + SaldosAte(livro, "DT_CONT", DtFinal.Date(), Today()) + de + " WHERE " +
+                            Igual(tabela + ".CONTA", EdtConta.Text());
+    auto linha = LinhasDeSaldo(Tabela.IBDatabase(), Funcoes.DBLocal_SQL(sql, "")).front();
     const Currency creditos = SomaDe(linha[0]), debitos = SomaDe(linha[1]);
     saldo.SetAmount(creditos - debitos);
     saldo_conciliado.SetAmount(SomaDe(linha[2]));
@@ -79,12 +79,12 @@ void TFmConcilia::EdtContaChange() {
       ApontaForaDeMedida(User(), Tabela.IBDatabase(), Funcoes.DBLocal_SQL(ForaDeMedida(livro), ""));
     return linha;
   };
-  const auto conta = saldos(kContaCorrente, "M.PENDENTE = 'N'", ", MIN(C.DESCRICAO), MIN(C.BANCO)",
-                            " JOIN " + Funcoes.DBLocal("CADCONTA", true) + " C ON C.CONTA = M.CONTA",
-                            EdtSaldoMov, EdtSaldoMovCon);
-  EdtDescConta.SetText(conta[3].AsString());
-  EdtCodBan.SetText(conta[4].AsString());
-  saldos(kExtrato, "M.CONCILIADO = 'S'", "", "", EdtSaldoExt, EdtSaldoExtCon);
+  const auto conta = saldos(kContaCorrente, "PENDENTE = 'N'", ", MIN(C.DESCRICAO), MIN(C.BANCO)",
+                            " JOIN {CADCONTA} C ON C.CONTA = CONTACOR.CONTA", EdtSaldoMov, EdtSaldoMovCon);
+  const bool tem = conta[3].AsInteger() != 0;
+  EdtDescConta.SetText(tem ? conta[4].AsString() : "");
+  EdtCodBan.SetText(tem ? conta[5].AsString() : "");
+  saldos(kExtrato, "CONCILIADO = 'S'", "", "", EdtSaldoExt, EdtSaldoExtCon);
 }
 
 void TFmConcilia::BitBtn1Click() {

@@ -131,6 +131,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
     Periodo periodo;
     std::string filtro;         // of the balance and of the movements, with its leading AND
     std::string filtro_linhas;  // of the movements only
+    bool por_saldos = false;    // the kept sums know what `filtro` asks for
   };
   // Some days of the period whose movements are brought together, and the companies that have any.
   struct Janela {
@@ -153,6 +154,8 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   void Monta_Rel(Gathering& gathering);
   Consulta LeFiltros() const;
   std::string Indice() const;
+  // What stands before the period, from FROM on.
+  std::string Anteriores() const;
   Currency SaldoAnterior() const;
   std::vector<Janela> Janelas(int64_t& linhas);
   void BuscaPessoas(const Janela& janela, Anexos& anexos) const;

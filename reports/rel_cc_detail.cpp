@@ -37,13 +37,11 @@ void TfmRelCC::MostraLancamento(const std::string& lancamento, uint16_t empresa)
 
 // A balance is too many movements to list one by one.
 void TfmRelCC::MostraSaldoAnterior() {
-  const std::string sql = SaldoPorMes(
-      consulta_.data, Creditos(kContaCorrente, "CONTACOR"), Debitos(kContaCorrente, "CONTACOR"),
-      " FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON (CONTACOR.CONTA = CADCONTA.CONTA) "
-      "WHERE 1 = 1 " +
-          consulta_.filtro + " AND " + consulta_.data + " < " + Funcoes.AspasData(consulta_.periodo.de));
+  const std::string sql = SaldoPorMes(consulta_.data, Creditos(kContaCorrente, "CONTACOR"),
+                                      Debitos(kContaCorrente, "CONTACOR"), Anteriores());
   ShowDetail("Saldo anterior da conta " + TbRelatorio["Conta"].AsString(),
-             PorEmpresa(sql, "CONTACOR", "ORDER BY 1, 2"), kSaldoPorMes, CompletaMes);
+             LinhasDeSaldo(Tabela.IBDatabase(), PorEmpresa(sql, "CONTACOR", "ORDER BY 1, 2")), kSaldoPorMes,
+             CompletaMes);
 }
 
 }  // namespace orv

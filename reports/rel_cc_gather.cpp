@@ -49,9 +49,11 @@ TfmRelCC::Consulta TfmRelCC::LeFiltros() const {
   consulta.periodo = {EdtDataDe.Date(), edtDataAte.Date()};
   consulta.filtro = Where("CONTACOR.CONTA", "=", RelConta);
   if (consulta.tipo != Tipo::PorConta) consulta.filtro += " AND CADCONTA.IMP_FLUXO = 'S'";
-  consulta.filtro +=
-      Where("CONTACOR.GRUPO", ">=", EdtClasseIni) + Where("CONTACOR.GRUPO", "<=", EdtClasseFim);
-  consulta.filtro += Where("CONTACOR.HISTORICO", "=", EdtHistHistorico);
+  const std::string alem = Where("CONTACOR.GRUPO", ">=", EdtClasseIni) +
+                           Where("CONTACOR.GRUPO", "<=", EdtClasseFim) +
+                           Where("CONTACOR.HISTORICO", "=", EdtHistHistorico);
+  consulta.filtro += alem;
+  consulta.por_saldos = alem.empty();
   if (RgBusca.ItemIndex() == 1) consulta.filtro += " AND CONTACOR.PENDENTE <> 'S'";
   consulta.filtro_linhas = Where("CADCONTA.BANCO", "=", RelCodBan) + Where("CONTACOR.DOCTO", "=", EdtDocto);
   return consulta;
@@ -124,10 +126,16 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
 }
 
 Currency TfmRelCC::SaldoAnterior() const {
-  const std::string sql = "SELECT " + Soma(ComSinal(kContaCorrente, "CONTACOR")) + kMovimentos +
-                          " WHERE 1 = 1 " + consulta_.filtro + " AND " + consulta_.data + " < " +
-                          Funcoes.AspasData(consulta_.periodo.de);
-  return Total(Tabela.IBDatabase(), PorEmpresa(sql, "CONTACOR")).Round2();
+  const std::string sql = "SELECT " + Soma(ComSinal(kContaCorrente, "CONTACOR")) + Anteriores();
+  return TotalDeSaldo(Tabela.IBDatabase(), PorEmpresa(sql, "CONTACOR")).Round2();
+}
+
+std::string TfmRelCC::Anteriores() const {
+  const Date ate = consulta_.periodo.de.AddDays(-1);
+  return " FROM {CADCONTA} CADCONTA INNER JOIN " +
+         (consulta_.por_saldos ? SaldosAte(kContaCorrente, consulta_.data, ate, Today())
+                               : MovimentosAte(kContaCorrente, consulta_.data, ate)) +
+         " ON (CONTACOR.CONTA = CADCONTA.CONTA) WHERE 1 = 1 " + consulta_.filtro;
 }
 
 std::vector<TfmRelCC::Janela> TfmRelCC::Janelas(int64_t& linhas) {

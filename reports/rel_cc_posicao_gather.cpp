@@ -300,7 +300,7 @@ void TFmRelCCPosicao::MostraTitulo(const Lado& lado, const TOrvDBGrid& grade, TC
 
 // A position is too many titles to list one by one.
 void TFmRelCCPosicao::MostraSaldo(const Lado& lado) {
-  const std::string sql = SaldoPorMes("S.DIA", "S.ABERTO", "S.BAIXADO", LinhasDoSaldo(lado));
+  const std::string sql = SaldoPorMes("S.DIA", "S.ABERTO", "S.BAIXADO", LinhasDoSaldo(lado), "1");
   ShowDetail("Posição " + std::string(lado.nome) + " antes de " + consulta_.periodo.de.Brazil(),
              PorEmpresa(sql, lado.titulos, "ORDER BY 1, 2"), kMesesDoSaldo, CompletaMes);
 }

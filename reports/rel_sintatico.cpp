@@ -126,20 +126,15 @@ std::string TfmRelSintatico::PorEmpresa(const std::string& sql, const char* orde
 
 void TfmRelSintatico::busca_Saldos() {
   const auto& [de, ate] = consulta_.periodo;
-  // Each account's movements are read once, in the order of their days: those before the period and those
-  // within. Where the period ends before it begins nothing lies within, and the end counts for itself.
-  const bool seguem = de <= ate;
-  const auto somas = [&](const std::string& dias) {
-    return "(SELECT COALESCE(" + Soma(Creditos(kContaCorrente, "CONTACOR")) + ", '') || ';' || COALESCE(" +
-           Soma(Debitos(kContaCorrente, "CONTACOR")) +
-           ", '') FROM {CONTACOR} CONTACOR WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = "
-           "'N'" +
-           dias + ")";
+  const auto somas = [&](Date dia) {
+    const auto lado = [](const char* operacao) {
+      return "COALESCE(" + SomaSe(std::string("OPERACAO = '") + operacao + "'") + ", '')";
+    };
+    return "(SELECT " + lado("+") + " || ';' || " + lado("-") + " FROM " +
+           SaldosAte(kContaCorrente, "DT_CONT", dia, Today()) +
+           " WHERE CONTACOR.CONTA = CADCONTA.CONTA AND CONTACOR.PENDENTE = 'N')";
   };
-  const std::string antes = " AND CONTACOR.DT_CONT < " + Funcoes.AspasData(de);
-  std::string sql = "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, " + somas(antes) + ", " +
-                    somas(seguem ? WhereBetween("CONTACOR.DT_CONT", de, ate)
-                                 : " AND CONTACOR.DT_CONT <= " + Funcoes.AspasData(ate)) +
+  std::string sql = "SELECT CADCONTA.CONTA, CADCONTA.EMPRESA, " + somas(de.AddDays(-1)) + ", " + somas(ate) +
                     " FROM {CADCONTA} CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'" + consulta_.conta;
   if (!cbContas.Checked()) {
     sql += " AND EXISTS (SELECT 1 FROM {CONTACOR} CONT WHERE CONT.CONTA = CADCONTA.CONTA" +
@@ -161,18 +156,17 @@ void TfmRelSintatico::busca_Saldos() {
     std::array<Lado, 2> inicio, fim;
   };
   std::vector<Conta> contas;
-  ForEach(PorEmpresa(sql, "ORDER BY 1, 2"), [&](std::span<Value> linha) {
+  for (const auto& linha : LinhasDeSaldo(Tabela.IBDatabase(), PorEmpresa(sql, "ORDER BY 1, 2"))) {
     // Companies may have accounts of one number: those of one holder are shown as one.
     if (contas.empty() || contas.back().conta != linha[0] || contas.back().empresa != linha[1])
       contas.push_back({linha[0], linha[1], {}, {}});
     Conta& conta = contas.back();
-    const std::vector<std::string> inicio = Split(linha[2].Text(), ";"), dentro = Split(linha[3].Text(), ";");
+    const std::vector<std::string> inicio = Split(linha[2].Text(), ";"), fim = Split(linha[3].Text(), ";");
     for (const std::size_t lado : {0, 1}) {
       conta.inicio[lado].Junta(inicio[lado]);
-      if (seguem) conta.fim[lado].Junta(inicio[lado]);
-      conta.fim[lado].Junta(dentro[lado]);
+      conta.fim[lado].Junta(fim[lado]);
     }
-  });
+  }
 
   const auto anexa = [](TClientDataSet& set, const Conta& conta, const std::array<Lado, 2>& lados) {
     for (const std::size_t lado : {0, 1}) {
@@ -334,12 +328,13 @@ void TfmRelSintatico::DBGrid1DblClick() {
   const std::string conta = TbContas["Conta"].AsString();
   const std::string sql =
       SaldoPorMes("DT_CONT", Creditos(kContaCorrente), Debitos(kContaCorrente),
-                  " FROM {CONTACOR} CONTACOR WHERE PENDENTE = 'N' AND " + Igual("CONTA", conta) +
+                  " FROM " + SaldosAte(kContaCorrente, "DT_CONT", consulta_.periodo.ate, Today()) +
+                      " WHERE PENDENTE = 'N' AND " + Igual("CONTA", conta) +
                       " AND EXISTS (SELECT 1 FROM {CADCONTA} C WHERE C.CONTA = CONTACOR.CONTA AND "
                       "COALESCE(C.EMPRESA, '') = " +
-                      Funcoes.Aspas(TbContas["Empresa"].AsString()) +
-                      ") AND DT_CONT <= " + Funcoes.AspasData(consulta_.periodo.ate));
-  ShowDetail("Saldo da conta " + conta, PorEmpresa(sql, "ORDER BY 1, 2"), kSaldoPorMes, CompletaMes);
+                      Funcoes.Aspas(TbContas["Empresa"].AsString()) + ")");
+  ShowDetail("Saldo da conta " + conta, LinhasDeSaldo(Tabela.IBDatabase(), PorEmpresa(sql, "ORDER BY 1, 2")),
+             kSaldoPorMes, CompletaMes);
 }
 
 void TfmRelSintatico::DBGrid2DblClick() {

@@ -103,7 +103,8 @@ void TfmRelVencto::DBGrid1DblClick() {
   // A balance is too many movements to list one by one.
   const std::string sql = SaldoPorMes(Coluna(), Creditos(kContaCorrente, "CONTACOR"),
                                       Debitos(kContaCorrente, "CONTACOR"), Anteriores());
-  ShowDetail("Saldo anterior a " + consulta_.de, ForCompanies(sql, "CONTACOR", false, "ORDER BY 1, 2"),
+  ShowDetail("Saldo anterior a " + consulta_.de,
+             LinhasDeSaldo(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", false, "ORDER BY 1, 2")),
              kSaldoPorMes, CompletaMes);
 }
 

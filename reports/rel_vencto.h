@@ -112,7 +112,8 @@ class ORV_EXPORT TfmRelVencto : public ReportScreen {
     std::string de, ate;  // as typed
     // Conditions with their leading AND: the opening balance doesn't know of the text.
     std::string filtro, filtro_texto;
-    std::string texto;  // in words
+    bool por_saldos = false;  // the kept sums know what `filtro` asks for
+    std::string texto;        // in words
   };
   // Movements under one heading, in the order of a day.
   struct Secao {

@@ -26,8 +26,10 @@ TfmRelVencto::Consulta TfmRelVencto::LeFiltros() const {
   consulta.de = EdtDataDe.Text();
   consulta.ate = edtDataAte.Text();
   consulta.periodo = {Date::ParseBrazil(consulta.de), Date::ParseBrazil(consulta.ate)};
-  consulta.filtro = WhereIn("CONTACOR.GRUPO", EdtClasse) + WhereIn("CONTACOR.CONTA", EdtConta) +
-                    Where("CONTACOR.HISTORICO", "=", EdtHistHistorico);
+  const std::string alem =
+      WhereIn("CONTACOR.GRUPO", EdtClasse) + Where("CONTACOR.HISTORICO", "=", EdtHistHistorico);
+  consulta.filtro = WhereIn("CONTACOR.CONTA", EdtConta) + alem;
+  consulta.por_saldos = alem.empty();
   if (!EdtObs.Empty())
     consulta.filtro_texto = " AND CONTACOR.OBSERVACAO LIKE " + Funcoes.Aspas("%" + EdtObs.Text() + "%");
 
@@ -152,13 +154,16 @@ std::string TfmRelVencto::Depois(const char* coluna) const {
 // --- The balance before the first section.
 
 std::string TfmRelVencto::Anteriores() const {
-  return std::string(" FROM {CONTACOR} CONTACOR WHERE CONTACOR.PENDENTE <> 'S' AND ") + Coluna() + " < " +
-         Funcoes.AspasData(consulta_.periodo.de) + consulta_.filtro;
+  const Date ate = consulta_.periodo.de.AddDays(-1);
+  return " FROM " +
+         (consulta_.por_saldos ? SaldosAte(kContaCorrente, Coluna(), ate, Today())
+                               : MovimentosAte(kContaCorrente, Coluna(), ate)) +
+         " WHERE CONTACOR.PENDENTE <> 'S'" + consulta_.filtro;
 }
 
 Currency TfmRelVencto::SaldoAnterior() const {
   const std::string sql = "SELECT " + Soma(ComSinal(kContaCorrente, "CONTACOR")) + Anteriores();
-  return Total(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", false)).Round2();
+  return TotalDeSaldo(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", false)).Round2();
 }
 
 // --- The titles.

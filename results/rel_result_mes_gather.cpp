@@ -50,11 +50,11 @@ void TfmRelResultMes::Monta(Gathering& andamento) {
 
 Currency TfmRelResultMes::BuscaSaldoContas() {
   const std::string sql = "SELECT " + Soma(CreditoOuDebito("CONTACOR")) +
-                          " FROM {CADCONTA} CADCONTA INNER JOIN {CONTACOR} CONTACOR ON (CONTACOR.CONTA = "
-                          "CADCONTA.CONTA) WHERE CADCONTA.IMP_FLUXO = 'S' AND CONTACOR.PENDENTE = 'N' AND "
-                          "CONTACOR.DT_CONT <= " +
-                          Funcoes.AspasData(EdtDataDe.Date());
-  return Total(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbTodasEmp.Checked())).Round2();
+                          " FROM {CADCONTA} CADCONTA INNER JOIN " +
+                          SaldosAte(kContaCorrente, "DT_CONT", EdtDataDe.Date(), Today()) +
+                          " ON (CONTACOR.CONTA = CADCONTA.CONTA) WHERE CADCONTA.IMP_FLUXO = 'S' AND "
+                          "CONTACOR.PENDENTE = 'N'";
+  return TotalDeSaldo(Tabela.IBDatabase(), ForCompanies(sql, "CONTACOR", CbTodasEmp.Checked())).Round2();
 }
 
 // --- What the statements have in common.

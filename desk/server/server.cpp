@@ -14,6 +14,10 @@ namespace {
 constexpr std::chrono::seconds kSweepEvery{5};
 // How soon a desk sees what was changed elsewhere in users and rights; an action looks for itself.
 constexpr std::chrono::seconds kWatchEvery{2};
+// How often the desk looks whether it can fold sums, how long nobody has worked then, and when it no longer
+// waits for that.
+constexpr std::chrono::seconds kFoldEvery{60}, kQuiet{20};
+constexpr std::chrono::minutes kFoldAtLast{30};
 constexpr std::size_t kMostJobs = 256;
 
 }  // namespace
@@ -29,6 +33,7 @@ Server::Parts::Parts(ServerOptions options, Log& log)
       network_(NetworkOptions(), *this),
       checks_(options_.data / "devices.key", Poster()),
       jobs_(1, kMostJobs, Poster()),
+      folds_(1, 1, Poster()),
       sessions_({options_.grace, options_.windows, options_.messages_a_second},
                 {[this](const Login& login) { return OptionsOf(login); },
                  [this](const std::string& login) { logins_.Touch(login, options_.now()); },
@@ -43,6 +48,7 @@ Server::Parts::Parts(ServerOptions options, Log& log)
   network_.Post([this] {
     Tick();
     Watch();
+    Fold();
   });
   log_.Write("serving", {{"address", Address()}});
 }
@@ -162,6 +168,17 @@ void Server::Parts::Watched(const std::vector<Login>& before, std::map<std::stri
     }
   }
   standings_ = std::move(standings);
+}
+
+void Server::Parts::Fold() {
+  const auto again = [this] { network_.After(kFoldEvery, [this] { Fold(); }); };
+  const Instant now = options_.now();
+  const std::vector<Login> logins = logins_.All();
+  const bool quiet = std::ranges::all_of(logins, [&](const Login& one) { return now - one.used >= kQuiet; });
+  if (!quiet && now - folded_ < kFoldAtLast) return again();
+  folded_ = now;
+  const bool taken = folds_.Do([this] { return database_.FoldSums(), true; }, [again](auto) { again(); });
+  if (!taken) again();
 }
 
 Json Server::Parts::Control(const Json& question) {

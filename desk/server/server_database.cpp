@@ -2,6 +2,7 @@
 
 #include "frame/registry.h"
 #include "host/data/attachment.h"
+#include "host/schema/balances.h"
 #include "host/schema/schema.h"
 #include "host/services/audit.h"
 #include "host/services/preferences.h"
@@ -81,6 +82,13 @@ std::optional<std::string> ServerDatabase::ChangePassword(const std::string& use
   login.Add(seal);
   db->CommitRetaining();
   return seal;
+}
+
+void ServerDatabase::FoldSums() {
+  const auto db = Attachment::Open(database_);
+  orv::FoldSums(*db);
+  for (const std::string& suffix : CompanySuffixes(*db))
+    for (const KeptSums& kept : AllKeptSums()) db->Scalar("SELECT COUNT(*) FROM " + (kept.sums + suffix));
 }
 
 Json ServerDatabase::Companies() {

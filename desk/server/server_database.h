@@ -42,6 +42,9 @@ class ServerDatabase {
   std::optional<std::string> ChangePassword(const std::string& user, const std::string& company,
                                             const std::string& address, const std::string& present,
                                             const std::string& fresh, LoginSeal& login);
+  // Folds the sums that the database keeps (host/schema/balances.h), and leaves nothing of it for others to
+  // clear away.
+  void FoldSums();
   // [{"suffix", "name"}]
   Json Companies();
   // The user, the company and the screens that the user may open. Nothing for a user who is active no more.

@@ -56,6 +56,8 @@ class Server::Parts : private HttpHandler {
   // `before` are the logins that were there when the database was asked: it may not have known the password
   // of a later one yet.
   void Watched(const std::vector<Login>& before, std::map<std::string, Standing> standings);
+  // Folds the kept sums now and then, when nobody is at work.
+  void Fold();
   Json Control(const Json& question);
   Json Answer(const Json& question);
 
@@ -119,10 +121,12 @@ class Server::Parts : private HttpHandler {
   HttpResponse companies_;
   Instant companies_until_{};
   bool stopping_ = false;
+  // When the sums were folded last.
+  Instant folded_{};
   HttpServer network_;
   // What works for the network goes before it.
   PasswordChecks checks_;
-  Workers jobs_;
+  Workers jobs_, folds_;
   ServerSessions sessions_;
   std::unique_ptr<ServerControl> control_;
   std::thread thread_;

@@ -93,6 +93,7 @@ void Attachment::InsertRows(const std::string& table, const std::vector<std::str
 }
 
 void Attachment::ExecuteDdl(std::string_view sql) { core_->ExecuteDdl(sql); }
+void Attachment::StartSnapshot() { core_->StartSnapshot(); }
 void Attachment::CommitRetaining() { core_->Commit(); }
 void Attachment::Rollback() { core_->Rollback(); }
 bool Attachment::HasPendingWrites() const { return core_->Pending(); }

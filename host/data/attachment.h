@@ -43,6 +43,9 @@ class Attachment : public TOrvDatabase {
   // forgotten.
   void ExecuteDdl(std::string_view sql);
 
+  // Until the next commit or rollback all statements see the database as it is now, beside what they write
+  // themselves; a row that another one has changed since can't be changed. Nothing may be uncommitted.
+  void StartSnapshot();
   void CommitRetaining() override;
   // Undoes everything since the last commit.
   void Rollback();

@@ -15,6 +15,7 @@ constexpr unsigned kDialect = 3;
 constexpr std::chrono::milliseconds kConflictPause{50};
 constexpr unsigned char kTransaction[] = {isc_tpb_version3, isc_tpb_write, isc_tpb_read_committed,
                                           isc_tpb_rec_version, isc_tpb_nowait};
+constexpr unsigned char kSnapshot[] = {isc_tpb_version3, isc_tpb_write, isc_tpb_concurrency, isc_tpb_nowait};
 constexpr unsigned char kReader[] = {isc_tpb_version3, isc_tpb_read, isc_tpb_read_committed,
                                      isc_tpb_rec_version, isc_tpb_nowait};
 
@@ -163,13 +164,21 @@ Core::~Core() {
   }
 }
 
-void Core::Start() {
+void Core::Start() { Start(kTransaction); }
+
+void Core::Start(std::span<const unsigned char> kind) {
   if (transaction_) return;
   RequireFile();
   Call call;
-  transaction_ = attachment_->startTransaction(call(), sizeof kTransaction, kTransaction);
+  transaction_ = attachment_->startTransaction(call(), static_cast<unsigned>(kind.size()), kind.data());
   if (call.Failed()) transaction_ = nullptr;
   Check(call);
+}
+
+void Core::StartSnapshot() {
+  ORV_ASSERT(!pending_ && open_cursors_ == 0);
+  End(true);
+  Start(kSnapshot);
 }
 
 Firebird::ITransaction* Core::Reader() {

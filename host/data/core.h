@@ -82,6 +82,7 @@ class Core {
   int64_t Execute(Prepared& statement, std::span<const Value> values, bool count = true);
   void ExecuteDdl(std::string_view sql);
 
+  void StartSnapshot();
   void Commit();
   void Rollback();
   void BeginAction();
@@ -107,6 +108,7 @@ class Core {
   };
 
   void Start();
+  void Start(std::span<const unsigned char> kind);
   // Where a statement that only reads runs: in the transaction that has writes, once there is one.
   Firebird::ITransaction* Reader();
   void EndReader();

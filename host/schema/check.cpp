@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/data/attachment.h"
+#include "host/schema/balances.h"
 #include "host/schema/check_rules.h"
 #include "host/schema/sharing.h"
 #include "host/schema/tables.h"
@@ -197,6 +198,33 @@ void CheckNumbers(Attachment& db, const Sharing& sharing, const std::string& com
                ", mas já existe o número " + greatest.AsString() + ".");
 }
 
+void FetchSums(Attachment& db, const std::string& sql, const char* table, FirstRows& found, Report& report) {
+  try {
+    db.Fetch(sql, found);
+  } catch (const DatabaseError& error) {
+    // An amount beyond all bounds can be one too many for the engine's sum.
+    if (error.Why() != DatabaseError::Kind::Constraint) throw;
+    report.Add("os valores de " + std::string(table) + " são grandes demais para somar.");
+  }
+}
+
+// The sums that the database keeps are what the rows come to.
+void CheckSums(Attachment& db, const Statements& statements, const std::string& company, Report& report) {
+  for (const KeptSums& kept : AllKeptSums()) {
+    if (!statements.Keeps(kept.table)) continue;
+    FirstRows found;
+    FetchSums(db, SumsMissingSql(kept, company), kept.table, found, report);
+    report.Add(found.rows, [&](const Row& row) {
+      const std::vector<std::string> parts = Split(row[5].Text(), " ");
+      const Currency missing = Currency::ParseNeutral(parts[0]) + Currency::ParseNeutral(parts[1]);
+      const std::string month = row[2].IsNull() ? "sem data" : row[2].AsDate().Brazil().substr(3);
+      return "saldos guardados de " + std::string(kept.table) + ": os da conta \"" + row[0].AsString() +
+             "\", " + month + ", diferem em " + missing.Brazil() + " (registros: " + row[6].AsString() +
+             "). Execute \"orvcc upgrade\".";
+    });
+  }
+}
+
 // Each change of the house leaves a line, the first user's making too.
 void CheckAudit(Attachment& db, std::vector<std::string>& lines) {
   if (!db.Scalar("SELECT FIRST 1 1 FROM AUDITORIA").IsNull()) return;
@@ -210,6 +238,9 @@ void CheckAudit(Attachment& db, std::vector<std::string>& lines) {
 }  // namespace
 
 std::vector<std::string> CheckData(Attachment& db) {
+  // What others commit meanwhile contradicts nothing.
+  const bool alone = !db.HasPendingWrites();
+  if (alone) db.StartSnapshot();
   std::vector<std::string> lines;
   CheckAudit(db, lines);
   const Sharing sharing(db);
@@ -221,19 +252,15 @@ std::vector<std::string> CheckData(Attachment& db) {
     for (const Rule& rule : Rules()) {
       if (!statements.Keeps(rule.table)) continue;
       FirstRows found;
-      try {
-        db.Fetch(statements.Of(rule.sql), found);
-      } catch (const DatabaseError& error) {
-        // An amount beyond all bounds can be one too many for the engine's sum.
-        if (error.Why() != DatabaseError::Kind::Constraint) throw;
-        report.Add("os valores de " + std::string(rule.table) + " são grandes demais para somar.");
-      }
+      FetchSums(db, statements.Of(rule.sql), rule.table, found, report);
       report.Add(found.rows, [&](const Row& row) { return Fill(rule.line, row); });
     }
+    CheckSums(db, statements, company, report);
     // Documents are typed by hand as well: anything can stand there.
     for (const SequenceDef& kind : Sequences())
       if (kind.column != "DOCTO") CheckNumbers(db, sharing, company, kind, report);
   }
+  if (alone) db.Rollback();
   return lines;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/data/attachment.h"
+#include "host/schema/balances.h"
 #include "host/schema/ddl.h"
 #include "host/schema/demo_company.h"
 #include "host/schema/schema.h"
@@ -166,12 +167,14 @@ const std::array<std::array<const char*, 2>, 9> kCompanies = {{
     {"Transportes Horizonte Ltda", "Campo Alto"},
 }};
 
-// An index that stands while a table fills costs many times what making it afterwards does.
-void SetIndexes(Attachment& db, const std::string& emp_pat, const char* state) {
+// An index that stands while a table fills costs many times what making it afterwards does, and so do sums.
+void SetIndexesAndSums(Attachment& db, const std::string& emp_pat, const char* state) {
   std::vector<std::string> ddl;
   for (const TableDef& table : CompanyTables())
     for (std::size_t i = 0; i < table.indexes.size(); ++i)
       ddl.push_back("ALTER INDEX " + IndexName(table, emp_pat, i) + " " + state);
+  for (const KeptSums& kept : AllKeptSums())
+    ddl.push_back("ALTER TRIGGER " + SumTriggerName(kept, emp_pat) + " " + state);
   RunDdl(db, ddl);
   db.CommitRetaining();
 }
@@ -205,12 +208,13 @@ void MakeDemo(Attachment& db, const DemoOptions& options) {
   CreateSchema(db, companies);
   for (int i = 0; i < options.companies; ++i) {
     const Company& company = companies[static_cast<std::size_t>(i)];
-    SetIndexes(db, company.emp_pat, "INACTIVE");
+    SetIndexesAndSums(db, company.emp_pat, "INACTIVE");
     demo::Company(db, company, i, options.scale * (i == 0 ? demo::kWholeUnits : 1), options.date).Make();
     db.CommitRetaining();
-    SetIndexes(db, company.emp_pat, "ACTIVE");
+    SetIndexesAndSums(db, company.emp_pat, "ACTIVE");
     MeasureKeys(db, company.emp_pat);
   }
+  MendSums(db);
 }
 
 }  // namespace orv

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/data/attachment.h"
+#include "host/schema/balances.h"
 #include "host/schema/ddl.h"
 #include "host/schema/functions.h"
 #include "host/schema/sharing.h"
@@ -51,6 +52,12 @@ void SetVersion(Attachment& db, int version) {
   db.Execute("UPDATE VERSAO_ESQUEMA SET VERSAO = " + std::to_string(version));
 }
 
+void BeginFolds(Attachment& db) {
+  db.Execute(
+      "INSERT INTO SALDO_DOBRA (VEZES) SELECT 0 FROM RDB$DATABASE WHERE NOT EXISTS (SELECT 1 FROM "
+      "SALDO_DOBRA)");
+}
+
 void CheckCompany(const Company& company) {
   const std::string& pat = company.emp_pat;
   const auto digit = [](char c) { return c >= '0' && c <= '9'; };
@@ -67,6 +74,7 @@ void MakeCompany(Attachment& db, const Company& company) {
   for (const TableDef& table : CompanyTables()) Append(ddl, table, company.emp_pat);
   for (const SequenceDef& s : Sequences())
     ddl.push_back("CREATE SEQUENCE " + SequenceName(s.table, s.column, company.emp_pat));
+  for (std::string& sql : SumTriggersSql(company.emp_pat)) ddl.push_back(std::move(sql));
   RunDdl(db, ddl);
   db.Execute("INSERT INTO EMPRESA (EMP_PAT, EMP_NOME, EMP_SEP_DUPLI, EMP_LOGO, EMP_CIDADE) VALUES (" +
              Quote(company.emp_pat) + ", " + Quote(company.name) + ", '/', '', " + Quote(company.city) + ")");
@@ -111,6 +119,24 @@ void FillKinds(Attachment& db) {
   RunDdl(db, ddl);
 }
 
+// The sums of movements and of lines of statements. Whoever was stopped halfway begins anew.
+void KeepSums(Attachment& db) {
+  std::vector<std::string> ddl;
+  const auto make = [&](std::string_view table, const std::string& company) {
+    if (!HasTable(db, std::string(table) + company)) Append(ddl, *FindTable(table), company);
+  };
+  make("SALDO_DOBRA", "");
+  for (const std::string& company : CompanySuffixes(db)) {
+    for (const KeptSums& kept : AllKeptSums()) make(kept.sums, company);
+    for (std::string& sql : SumTriggersSql(company)) ddl.push_back(std::move(sql));
+  }
+  RunDdl(db, ddl);
+  db.CommitRetaining();
+  BeginFolds(db);
+  db.CommitRetaining();
+  MendSums(db);
+}
+
 // Brings a database from the version before `version` to it.
 struct Step {
   int version;
@@ -133,6 +159,7 @@ const Step kSteps[] = {
      }},
     {4, JoinNumbers},
     {5, FillKinds},
+    {6, KeepSums},
 };
 
 }  // namespace
@@ -151,6 +178,7 @@ void CreateSchema(Attachment& db, const std::vector<Company>& companies) {
     for (const Parameter& p : kParameters)
       db.Execute("INSERT INTO PARAMETRO (EMP_PAT, GRUPO, NUMERO, VALOR) VALUES ('', " + Quote(p.group) +
                  ", " + std::to_string(p.number) + ", " + Quote(p.value) + ")");
+    BeginFolds(db);
   });
   for (const Company& company : companies) AddCompany(db, company);
   // The version comes last: a database that was left halfway has none.
@@ -185,6 +213,8 @@ void UpgradeSchema(Attachment& db) {
     });
   }
   Whole(db, [&] { RunDdl(db, FunctionSql()); });
+  if (version == kSchemaVersion) MendSums(db);
+  FoldSums(db);
 }
 
 void RequireCurrentSchema(Attachment& db) {

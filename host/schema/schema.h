@@ -10,7 +10,7 @@ namespace orv {
 class Attachment;
 
 // The version that this program works on.
-constexpr int kSchemaVersion = 5;
+constexpr int kSchemaVersion = 6;
 
 struct Company {
   std::string emp_pat;  // "_" and three digits
@@ -29,8 +29,9 @@ void AddCompany(Attachment& db, const Company& company);
 // 0 for a database without a schema.
 int SchemaVersion(Attachment& db);
 
-// Runs the steps from the database's version to the present one, committing each; nothing when there are
-// none. Raises UserError for a database without a schema or one that is newer than the program.
+// Runs the steps from the database's version to the present one, committing each; where there are none, only
+// mends the sums that the database keeps (balances.h). Raises UserError for a database without a schema or
+// one that is newer than the program.
 void UpgradeSchema(Attachment& db);
 
 // Raises UserError, telling the user what to do, unless the versions agree.

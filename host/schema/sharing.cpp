@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/schema/balances.h"
+
 namespace orv {
 namespace {
 
@@ -22,6 +24,12 @@ Sharing::Sharing(TOrvDatabase& db) {
     if (owner.empty() && !companies_.empty()) owner = companies_.front();
     tables_.push_back(table);
     owners_.emplace(table, std::move(owner));
+  }
+  // Sums stand where the rows stand that they are of.
+  for (const KeptSums& kept : AllKeptSums()) {
+    owners_.erase(kept.sums);
+    if (const auto owner = owners_.find(kept.table); owner != owners_.end())
+      owners_.emplace(kept.sums, owner->second);
   }
 }
 

@@ -18,6 +18,9 @@ std::vector<TableDef> HostTables() {
       // One row.
       {"VERSAO_ESQUEMA", {Integer("VERSAO")}, {}, {}},
 
+      // One row: how often the sums that the database keeps were folded (balances.h).
+      {"SALDO_DOBRA", {Integer("VEZES")}, {}, {}},
+
       // LOGIN_BUSCA is the login in lower case, so that no two users differ in case only.
       {"USUARIO",
        {Text("LOGIN", 40), Text("LOGIN_BUSCA", 40), Text("NOME", 80), Text("SENHA", 128),

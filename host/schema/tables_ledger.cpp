@@ -22,6 +22,13 @@ std::vector<TableDef> LedgerTables() {
         {{"PENDENTE", "DT_VENCTO"}},
         {{"LANC_CON"}}}},
 
+      // What the movements come to, kept by the database itself (balances.h).
+      {"SALDO_CONTA",
+       {Account("CONTA"), Text("DATA", 1), Day("MES"), Text("PENDENTE", 1), Text("OPERACAO", 1),
+        Money("VALOR"), Integer("QUANTIDADE", "0")},
+       {},
+       {{{"DATA", "CONTA", "MES"}}}},
+
       // Besides accounts of the chart, CONTA_C and CONTA_D take bank accounts and codes of entities.
       {"CONTABIL",
        {Movement("LANCAMENTO"), Text("DOCTO", 12), Text("DOCTO2", 12), Text("CONTA_C", 13),

@@ -1,5 +1,6 @@
 // The actions of the ledger and of the cheques that change more than one row: all or nothing at every step,
 // killed or not, and one of two users.
+#include "host/schema/balances.h"
 #include "tests/faults/actions.h"
 #include "tests/ledger/cc_desk.h"
 
@@ -60,7 +61,8 @@ class ActionsTest : public Actions<CcTest> {
            Sql("SELECT COUNT(*) FROM CHEQUE_DUP_001") + "/" + Sql("SELECT COUNT(*) FROM PAGTO1_001") + "/" +
            Sql("SELECT COUNT(*), SUM(VAL_PAG) FROM PAGTO_001") + "/" +
            Sql("SELECT COUNT(*), SUM(VALOR_RAT) FROM CENTRO_RATEIO_001") + "/" +
-           Sql("SELECT COUNT(*) FROM AUDITORIA");
+           Sql("SELECT COUNT(*) FROM AUDITORIA") + "/" +
+           Sql(SumsMissingSql(AllKeptSums().front(), "_001"));
   }
 
   std::string Kept(const Action& action, Desk& desk) override {
