@@ -26,6 +26,8 @@ export interface DeskContext {
   readonly today: Day;
   // Shows the keys of a screen.
   help(screen: { caption: string; keysShown: { key: string; caption: string }[] }): void;
+  // Brings the kept filters of the screen in front.
+  filters(): void;
   // What the user has set for his own display.
   remember(key: string, value: string | null): void;
   remembered(key: string): string | null;

@@ -10,6 +10,7 @@ const kCommon: [string, string][] = [
   ["Ctrl+Page Down", "Próxima página da tela"],
   ["Alt+Page Down", "Próxima tela aberta"],
   ["Ctrl+Alt+M", "Menu de telas"],
+  ["Ctrl+Alt+F", "Relatórios favoritos: um algarismo imprime o daquele lugar"],
 ];
 
 export class HelpDialog extends Dialog {
