@@ -147,7 +147,7 @@ std::vector<std::string> ToldFilters(const Form& form, const FieldTexts& filters
   };
   const auto changed = [&](const Control& control) {
     const std::string said = TextOf(filters, control);
-    return IsDate(control) ? !said.empty() : said != TextOf(began, control);
+    return said != TextOf(began, control);
   };
   std::string last;
   for (std::size_t at = 0; at < bar->fields.size(); ++at) {
@@ -155,7 +155,7 @@ std::vector<std::string> ToldFilters(const Form& form, const FieldTexts& filters
     const Control* box = BoxOf(one);
     if (at + 1 < bar->fields.size() && IsFrom(one, *bar->fields[at + 1])) {
       const Control& other = *bar->fields[++at];
-      if (!changed(one) && !changed(other)) continue;
+      if (!IsDate(one) && !changed(one) && !changed(other)) continue;
       const std::string from = text(one), to = text(other);
       const std::string caption = box != nullptr ? PlainCaption(*box) : IsDate(one) ? "Período" : last;
       if (from.empty() && to.empty()) continue;

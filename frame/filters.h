@@ -34,7 +34,7 @@ FieldTexts WithRelativeDays(const Form& form, FieldTexts filters, Date today);
 // The other way round, as the days are today.
 FieldTexts WithDays(const Form& form, FieldTexts filters, Date today);
 
-// As a person reads them, each with its caption: "Período: 01/11/2026 a 30/11/2026", "Conta: 001-X". Dates
+// As a person reads them, each with its caption: "Período: 01/11/2026 a 30/11/2026", "Conta: 001-X". Periods
 // always, all others where they aren't what the screen began with. Relative days by their names.
 std::vector<std::string> ToldFilters(const Form& form, const FieldTexts& filters, const FieldTexts& began);
 

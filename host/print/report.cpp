@@ -303,6 +303,8 @@ class Layout {
 
     std::vector<Value> keys(section.groups.size());
     std::vector<std::size_t> sizes(section.groups.size());
+    // The lines at which the groups began.
+    std::vector<std::size_t> begins(section.groups.size(), report_.lines.size());
     for (int64_t row = 0; row < count; ++row) {
       Stand(*source, row, count);
       std::size_t changed = row == 0 ? 0 : section.groups.size();
@@ -316,13 +318,16 @@ class Layout {
         const std::size_t before = report_.lines.size();
         Close(changed, sizes);
         sources_[*source].row = row;
-        gap_ = report_.lines.size() > before || HasHead(section, changed);
+        // One line alone needs no room around it.
+        gap_ = (report_.lines.size() > before || HasHead(section, changed)) &&
+               report_.lines.size() > begins[changed] + 1;
       }
       std::swap(keys, fresh_keys_);
       fresh_keys_.clear();
       for (std::size_t at = 0; at < section.groups.size(); ++at) {
         ++sizes[at];
         if (at < changed) continue;
+        begins[at] = report_.lines.size();
         // The first group stands on the first page anyway.
         new_page_ = new_page_ || (row > 0 && section.groups[at].new_page);
         Bands(BandKind::GroupHead, 0, at);
@@ -646,6 +651,10 @@ class Layout {
                : !source.heading.empty() ? source.heading
                : source.walked           ? report_.title
                                          : set.Name();
+    const std::string name = kept.set;
+    for (int number = 2; std::ranges::find(report_.sets, kept.set, &ReportRows::set) != report_.sets.end();
+         ++number)
+      kept.set = name + " " + std::to_string(number);
     const int64_t count = set.DisplayCount();
     for (const auto& [place, look] : source.looks) {
       const auto at = std::ranges::find(shown, place % all.size());

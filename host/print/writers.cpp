@@ -213,12 +213,16 @@ bool IsAmount(std::string_view text) {
 
 std::string CsvCell(const Value& value, int decimals = 2) {
   std::string text = value.AsString();
-  // Of a number that is no amount no place is lost.
   if (value.Kind() == ValueKind::Currency || value.Kind() == ValueKind::Float) {
+    // Of a number that is no amount no place is lost.
+    constexpr std::size_t kMost = 8;
     const auto places = static_cast<std::size_t>(decimals);
-    text = FormatValue(value, "0." + std::string(places, '0') +
-                                  std::string(value.Kind() == ValueKind::Float ? 8 - places : 0, '#'));
-    std::replace(text.begin(), text.end(), '.', ',');
+    const std::size_t most = value.Kind() == ValueKind::Float ? kMost : places;
+    text = FormatValue(value, "0." + std::string(most, '0'));
+    // One beyond all measure has none.
+    for (std::size_t more = most; more > places && text.ends_with('0') && text.find(',') != std::string::npos;
+         --more)
+      text.pop_back();
   }
   if (value.IsText() && text.size() > 1 && text.find_first_of("=+-@\t\r\n") == 0 && !IsAmount(text)) {
     text.insert(text.begin(), '\'');

@@ -470,8 +470,8 @@ rodape
   EXPECT_NE(html.find("<td class=\"a n\">B</td>"), std::string::npos) << html;
   ASSERT_EQ(report.sets.size(), 3U);
   const ReportRows &outer = report.sets[0], &inner = report.sets[2];
-  EXPECT_EQ(outer.looks.at(0 * 4 + 1), kMuted | kMark) << "the field that the cell names, of its row";
-  EXPECT_EQ(outer.looks.at(1 * 4 + 1), kAlert);
+  EXPECT_EQ(outer.looks.at(0 * 2 + 0), kMuted | kMark) << "the field that the cell names, of its row";
+  EXPECT_EQ(outer.looks.at(1 * 2 + 0), kAlert);
   EXPECT_EQ(inner.looks.size(), 3U) << "of the rows that are printed";
   EXPECT_TRUE(report.sets[1].looks.empty());
   EXPECT_EQ(Written(report, "xlsx").substr(0, 2), "PK");
