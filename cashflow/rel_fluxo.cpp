@@ -33,11 +33,12 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
       }
       @primary BitBtn29
     } /
-    DBGrid1 @narrow OrvDBGrid1 /
+    @picture { GrafDia } / DBGrid1 @narrow OrvDBGrid1 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
   AddSet(TbRelatorio);
   AddSet(TbSaldo);
+  AddSet(GrafDia.Rows);
   AbreTabelas({"TbCadConta", "TbSituacao"});
   dtSaldo.SetDate(Today());
   Cria_Tabela();
@@ -55,6 +56,10 @@ TfmRelFluxo::TfmRelFluxo(Application& application)
   BitBtn5.OnClick = [this] { Close(); };
   DBGrid1.OnDblClick = [this] { DBGrid1DblClick(); };
   OrvDBGrid1.OnDblClick = [this] { OrvDBGrid1DblClick(); };
+  // Which accounts count is chosen beside the rows.
+  TbSaldo.AfterPost = [this] {
+    if (inteira_) MostraGrafico();
+  };
   OrvDBGrid1.SetRowsFixed(true);
   OrvDBGrid1.OnKey = [this](KeyPress& key) { OrvDBGrid1KeyDown(key); };
 }

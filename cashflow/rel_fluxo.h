@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "frame/daily_chart.h"
 #include "frame/module.h"
 #include "frame/report_screen.h"
 #include "rules/dias_efetivos.h"
@@ -102,6 +103,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
       {"ValReceb_Bancos", FieldType::Float},
   });
   TClientDataSet TbSaldo{"TbSaldo"};
+  DailyChart GrafDia{*this, "GrafDia", "Entradas, saídas e saldo previsto"};
   TOrvDBGrid DBGrid1;
   TOrvDBGrid OrvDBGrid1;
   Button BitBtn33{*this, "BitBtn33", "Imprimir"};
@@ -124,6 +126,7 @@ class ORV_EXPORT TfmRelFluxo : public ReportScreen {
   // --- The gathering.
   void Monta(Gathering& andamento);
   void Cria_Tabela();
+  void MostraGrafico();
   void busca_Saldos();
   void Grava_Receber(Consulta& consulta);
   void Grava_Pagar(Consulta& consulta);

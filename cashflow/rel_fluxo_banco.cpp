@@ -36,7 +36,7 @@ TfmRelFluxoBanco::TfmRelFluxoBanco(Application& application)
       @more { EdtSit PqSituacao SpeedButton CbEmpresa CbTotDia }
       @primary btnConfirma
     } /
-    LbMenor / LbConsulta /
+    LbMenor / LbConsulta / @picture { GrafContas } /
     PageControl1 {
       TabSheet1 { GridContas }
       TabSheet2 { DBGrid2 }

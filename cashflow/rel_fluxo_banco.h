@@ -86,6 +86,9 @@ class ORV_EXPORT TfmRelFluxoBanco : public ReportScreen {
 
   Label LbMenor{*this, "LbMenor"};
   Aviso LbConsulta{*this, "LbConsulta"};
+  Chart GrafContas{*this,    "GrafContas", "Saldo no fim do período e menor saldo de cada conta",
+                   TbContas, "Conta",      {{"Saldo", "Saldo", false}, {"Menor", "Menor saldo", false}},
+                   60};
   PageControl PageControl1{*this, "PageControl1", 0};
   TabSheet TabSheet1{*this, "TabSheet1", "Contas"};
   TOrvDBGrid GridContas;

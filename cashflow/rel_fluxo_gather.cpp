@@ -59,12 +59,24 @@ void TfmRelFluxo::Monta(Gathering& andamento) {
   }
   if (CbCheque.Checked()) Grava_Cheque(consulta);
   if (!Funcoes.ListaSQL(edtBanco.Text()).empty()) BuscaSaldoAbertoBancos();
+  MostraGrafico();
   Ordena();
+}
+
+// From the balance that the report begins with.
+void TfmRelFluxo::MostraGrafico() {
+  Currency inicial = CbSaldo.Checked() ? EdtSaldo.Amount() : Currency();
+  for (int64_t linha = 0; !CbSaldo.Checked() && linha < TbSaldo.DisplayCount(); ++linha) {
+    const auto celula = [&](const char* campo) { return TbSaldo.Cell(linha, *TbSaldo.FindField(campo)); };
+    if (celula("Sel").Text() == "S") inicial += Currency::FromDouble(celula("Valor").AsFloat());
+  }
+  GrafDia.Show(inicial);
 }
 
 void TfmRelFluxo::Cria_Tabela() {
   LayDown(TbRelatorio, kRelatorio);
   LayDown(TbSaldo, kSaldo);
+  GrafDia.Clear();
   origens_.Limpa();
 }
 
@@ -105,6 +117,13 @@ void TfmRelFluxo::Anexa(Linha& linha, Fonte fonte, Value chave, std::string_view
   }
   for (const auto campo : Linha::Names{"Desc_Pessoa", "Nome_Banco", "DescClasse", "Historico"})
     nomes_.Share(linha[campo]);
+  const auto soma = [&](std::initializer_list<Linha::Name> campos) {
+    Currency total;
+    for (const auto campo : campos) total += linha[campo].AsCurrency();
+    return total;
+  };
+  GrafDia.Add(linha["DtLanc"].AsDate(), soma({"Vlr_receb", "Vlr_ChequeRec", "Vlr_Venda"}),
+              soma({"Vlr_pagar", "Vlr_ChequePag", "Vlr_Compra"}));
   TbRelatorio.AppendRow(linha.Values());
   origens_.Anota(fonte, std::move(chave), empresa);
 }

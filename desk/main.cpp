@@ -178,6 +178,28 @@ int Run(int argc, char** argv) {
   command->add_option("--data", drive.data, "Pasta dos arquivos dos usuários");
   command->callback([&] { status = RunDrive(drive); });
 
+  FavouriteReport report;
+  command = app.add_subcommand(
+      "report",
+      "Grava um relatório favorito. Termina com 0, ou 1: falhou, 2: nome ou formato desconhecido, 3: sem "
+      "linhas, 4: o arquivo não pôde ser gravado, 5: sem permissão para a tela");
+  Database(command, report.door.database);
+  CLI::Option* name = command->add_option("nome", report.name, "Nome do favorito");
+  command->add_option("--user", report.door.user, "Usuário")->required();
+  command->add_option("--company", report.door.company, "Empresa")->capture_default_str();
+  command->add_option("--today", report.door.today,
+                      "O dia de hoje da mesa, aaaa-mm-dd, do qual contam os períodos relativos");
+  command->add_option("--data", report.door.data, "Pasta dos arquivos dos usuários");
+  command->add_option("--format", report.format, "pdf, html, txt, csv ou xlsx")->capture_default_str();
+  CLI::Option* out = command->add_option("--out", report.out, "Arquivo; um que existe não é substituído");
+  CLI::Option* list = command->add_flag("--list", report.list, "Lista os favoritos do usuário e os de todos");
+  name->needs(out);
+  out->needs(name)->excludes(list);
+  command->callback([&] {
+    if (!report.list && report.name.empty()) throw CLI::RequiredError("nome");
+    status = RunReport(report);
+  });
+
   Serve serve;
   std::string session;
   AddServeCommands(app, serve, session);

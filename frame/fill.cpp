@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/filters.h"
 #include "toolkit/control.h"
 #include "toolkit/error.h"
 #include "toolkit/form.h"
@@ -18,7 +19,8 @@ std::vector<std::string> Fill(Form& form, const FieldTexts& fields) {
   for (Control* control : form.Controls()) {
     const auto field = std::find_if(fields.begin(), fields.end(),
                                     [&](const auto& one) { return SameText(one.first, control->Name()); });
-    if (field == fields.end()) continue;
+    // What already says so isn't touched.
+    if (field == fields.end() || FieldText(*control) == field->second) continue;
     try {
       if (control->CanFocus() && form.SetFocus(*control)) {
         control->UserSet(field->second);

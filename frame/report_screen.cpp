@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "frame/filters.h"
+
 namespace orv {
 namespace {
 
@@ -87,6 +89,7 @@ void Gathering::Tell() const { user_.Progress(of_ > 0 ? std::min(done_, of_) : d
 
 void ReportScreen::Gather(std::initializer_list<TClientDataSet*> sets,
                           const std::function<void(Gathering&)>& work, Half half) {
+  asked_ = ReadFilters(*this);
   const BusyMark busy(Funcoes, *this);
   const ControlsHold hold({sets.begin(), sets.end()});
   Gathering gathering(User());

@@ -35,6 +35,10 @@ class ReportScreen : public Child {
  public:
   using Child::Child;
 
+  // The filters (frame/filters.h) as they stood when the latest gathering began; nothing before the first
+  // one.
+  const FieldTexts& Asked() const { return asked_; }
+
  protected:
   // --- Fields.
   // A period, open on all days at first; then entering the first date takes today and entering the last one
@@ -78,6 +82,8 @@ class ReportScreen : public Child {
  private:
   void ReadRows(std::string_view sql, std::span<const ReportField> fields, std::span<Value> row,
                 const std::function<void(std::span<Value>)>& others) const;
+
+  FieldTexts asked_;
 };
 
 }  // namespace orv

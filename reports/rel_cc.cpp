@@ -30,11 +30,12 @@ TfmRelCC::TfmRelCC(Application& application)
       }
       @primary BitBtn29
     } /
-    DBGrid1 / @compact DBGrid2 /
+    @picture { GrafDia } / DBGrid1 / @compact DBGrid2 /
     @actions { BitBtn33 @apart BitBtn5 }
   )");
   AddSet(TbRelatorio);
   AddSet(TbFinan);
+  AddSet(GrafDia.Rows);
   AbreTabelas({"tbSubgrupo", "tbBanco", "tbCadConta", "tbContaCor", "tbHistorico"});
   LayDown(TbRelatorio, kRelatorio);
   LayDown(TbFinan, kFinan);

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "frame/daily_chart.h"
 #include "frame/module.h"
 #include "frame/report_screen.h"
 #include "rules/periodo.h"
@@ -115,6 +116,7 @@ class ORV_EXPORT TfmRelCC : public ReportScreen {
   });
   TClientDataSet TbFinan{"TbFinan"};
 
+  DailyChart GrafDia{*this, "GrafDia", "Movimento e saldo"};
   TOrvDBGrid DBGrid1;
   TOrvDBGrid DBGrid2;
   Button BitBtn33{*this, "BitBtn33", "&Imprimir"};

@@ -86,6 +86,7 @@ std::string TfmRelCC::Movimentos(const Periodo& dias, std::string_view mais) con
 }
 
 void TfmRelCC::Monta_Rel(Gathering& gathering) {
+  GrafDia.Clear();
   TbFinan.EmptyDataSet();
   TbFinan.SetIndexFieldNames("");
   LayDown(TbRelatorio, kRelatorio);
@@ -120,6 +121,7 @@ void TfmRelCC::Monta_Rel(Gathering& gathering) {
     ApontaForaDeMedida(User(), Tabela.IBDatabase(), PorEmpresa(ForaDeMedida(kContaCorrente), "CONTACOR"));
   }
 
+  GrafDia.Show(inicial);
   gathering.Stage("Ordem das linhas");
   TbRelatorio.SetIndexFieldNames(Indice());
   TbFinan.SetIndexFieldNames("Nome;Numero");
@@ -222,6 +224,9 @@ void TfmRelCC::Anexa(Linha& linha, uint16_t empresa, Anexos& anexos, Currency in
   const std::string_view operacao = linha["Operacao"].Text();
   if (operacao == "+") saldo += valor;
   if (operacao == "-") saldo -= valor;
+  static constexpr Linha::Name kDia[] = {"DtLanc", "DtCont", "DtVencto"};
+  GrafDia.Add(linha[kDia[Opcao(RgData)]].AsDate(), operacao == "+" ? valor : Currency(),
+              operacao == "-" ? valor : Currency());
   const std::string lancamento(linha["Lancamento"].Text());
   const std::string tipo(linha["Tipo"].Text());
 

@@ -46,7 +46,7 @@ class LayoutPart : public Control {
   const std::string kind_;
 };
 
-constexpr std::string_view kParts[] = {"bar", "more", "form", "sides", "sums", "actions"};
+constexpr std::string_view kParts[] = {"bar", "more", "picture", "form", "sides", "sums", "actions"};
 constexpr std::string_view kRoles[] = {"primary", "danger",  "apart",  "nav",
                                        "amount",  "compact", "narrow", "low"};
 

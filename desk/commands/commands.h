@@ -30,6 +30,16 @@ struct Drive {
 // The exit status: 0 when every line was understood.
 int RunDrive(const Drive& options);
 
+// How a favourite report ended, as the exit status says it.
+enum class ReportStatus { Made = 0, Failed = 1, Unknown = 2, NoRows = 3, NoFile = 4, NoRight = 5 };
+struct FavouriteReport {
+  Drive door;
+  std::string name, format = "pdf", out;
+  bool list = false;
+};
+// Makes it and writes it to a file that isn't there yet, whole or not at all; with `list` prints their names.
+int RunReport(const FavouriteReport& options);
+
 struct Serve {
   std::string database, listen = "127.0.0.1:8080", data, certificate, key, log, web, address, proxy, today;
   int idle = 30, absolute = 12, grace = 10;     // minutes, hours, minutes

@@ -1,5 +1,6 @@
 #include "desk/session/session.h"
 
+#include "frame/filters.h"
 #include "frame/screen.h"
 #include "host/schema/schema.h"
 
@@ -211,6 +212,7 @@ void Session::ScreenShown(Screen& screen) {
   shown = Shown{};
   shown.id = next_id_++;
   shown.rights = RightsOn(standing_, screen.ClassName());
+  shown.began = ReadFilters(screen);
   SendScreen(screen, shown);
 }
 

@@ -24,6 +24,7 @@
 #include "frame/application.h"
 #include "host/data/attachment.h"
 #include "host/print/report.h"
+#include "host/services/kept_filters.h"
 #include "host/services/session_services.h"
 #include "host/services/users.h"
 #include "toolkit/control.h"
@@ -102,6 +103,7 @@ class Session : private UserInterface, private ApplicationObserver {
     std::map<const DataSet*, std::string> sets;  // what was told of them, as text
     std::string focus;
     std::string badge;
+    FieldTexts began;     // the filters with which it opened
     std::string rights;   // what the user may do on it, as of the latest action
     bool behind = false;  // looking at it was cut short: all of it is looked at again
   };
@@ -192,8 +194,29 @@ class Session : private UserInterface, private ApplicationObserver {
   // --- Reports (session_report.cpp).
   void LaunchReport(const ReportLaunch& launch) override;
   void RenderReport(const Json& in);
-  // The file into which the report was written.
-  std::filesystem::path Written(const Report& report, const std::string& format);
+  // The file into which the report was written, under that name and what makes it the only one; of "csv" one
+  // of its tables.
+  std::filesystem::path Written(const Report& report, const std::string& name, const std::string& format,
+                                std::size_t table = 0);
+  // A title as part of a file's name, in plain letters and figures: whoever writes templates makes titles.
+  static std::string FileText(std::string_view title);
+
+  // --- Kept filters and favourite reports (session_filters.cpp).
+  void FiltersAct(const Json& in);
+  void FavouritesAct(const Json& in);
+  void SendFilters(const Screen& screen, Json::Array left = {});
+  void SendFavourites();
+  void RunFavourite(const Json& in);
+  // The class of a screen and the button of its bar, under which its filters are kept; raises RequestError
+  // where there is no such bar.
+  static std::string BarName(const Screen& screen);
+  // Sets them, and goes to the button that asks. The captions of those that couldn't be set.
+  Json::Array GiveFilters(Screen& screen, const FieldTexts& filters);
+  // A screen that was opened from the menu begins with the latest filters, where its user wants that; which
+  // are kept as he asks for rows.
+  void BeginWithLatest(Screen& screen);
+  void KeepLatest(const Json& in);
+  KeptFilters Kept();
 
   // Sends a question and waits until `answer` takes an object as its answer; other objects are refused.
   void Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer);
@@ -231,9 +254,14 @@ class Session : private UserInterface, private ApplicationObserver {
     int64_t id = 0;
     std::vector<std::string> formats;
     Report report;
+    std::string file;     // its name, without what makes it the only one
+    Favourite favourite;  // how it is made again; without `print` where it can't be
   };
   std::deque<Launched> reports_;
   int64_t last_report_ = 0;
+  // What the user has pressed in this action, and on which screen.
+  const Screen* pressed_on_ = nullptr;
+  std::string pressed_;
   // The screen that the display takes to be on top; another one is told.
   int64_t front_ = 0;
   // What the latest action left was put in order; false where that failed, and the next one does it first.

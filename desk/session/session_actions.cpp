@@ -30,7 +30,10 @@ void Session::Handle(const Json& in) {
     if (!in_order_) services_->AfterAction();
     in_order_ = true;
     RequireStanding();
+    pressed_on_ = application_->Top();
+    pressed_ = in["control"].IsString() ? in["control"].String() : "";
     Act(in);
+    KeepLatest(in);
     ReleaseClosed();
     if (Screen* top = application_->Top()) top->RepairFocus();
   });
@@ -156,6 +159,10 @@ void Session::Act(const Json& in) {
     throw RequestError("Nenhum arquivo foi pedido.");
   } else if (verb == "report") {
     RenderReport(in);
+  } else if (verb == "filters") {
+    FiltersAct(in);
+  } else if (verb == "favourites") {
+    FavouritesAct(in);
   } else {
     throw RequestError("O pedido \"" + verb + "\" não existe.");
   }
@@ -191,7 +198,10 @@ void Session::Open(const Json& in) {
   const auto info = ClassRegistry::Instance().Find(name);
   if (!info || !application_->MayOpen(info->class_name))
     throw RequestError("A tela \"" + name + "\" não está disponível.");
-  application_->Open(name);
+  const auto is_open = [&](const Screen* one) { return SameText(one->ClassName(), name) && !one->Closed(); };
+  const bool there = std::ranges::any_of(application_->Shown(), is_open);
+  Screen& screen = application_->Open(name);
+  if (!there) BeginWithLatest(screen);
 }
 
 void Session::Key(const Json& in) {

@@ -125,6 +125,7 @@ void Session::Export(const Json& in) {
     fields.push_back(&set.FieldByName(column->field));
     table.fields.push_back(column->title);
     table.types.push_back(fields.back()->Type());
+    table.decimals.push_back(column->decimals);
   }
   table.rows.reserve(static_cast<std::size_t>(count));
   for (int64_t place = 0; place < count; ++place) {
@@ -137,10 +138,12 @@ void Session::Export(const Json& in) {
   Report report;
   report.title = caption;
   report.when = options_.clock.Now();
-  report.identifier = std::string(CutChars(Fold(caption), 45)) + "_" + report.when.Day().Neutral();
   report.sets.push_back(std::move(table));
   // No report that was launched: its file alone is told.
-  Send({{"on", "report"}, {"id", 0}, {"format", format}, {"file", Written(report, format).string()}});
+  Send({{"on", "report"},
+        {"id", 0},
+        {"format", format},
+        {"file", Written(report, FileText(caption) + "_" + report.when.Day().Neutral(), format).string()}});
 }
 
 }  // namespace orv

@@ -3,8 +3,11 @@
 
 #include "desk/random.h"
 #include "desk/session/session.h"
+#include "frame/filters.h"
+#include "frame/report_screen.h"
 #include "host/print/writers.h"
 #include "toolkit/controls.h"
+#include "toolkit/grid.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -35,17 +38,50 @@ std::optional<ReportAnswer> Answered(const Form& screen, std::string_view name) 
   return ReportAnswer{0, [value = *held](std::span<const Value>) { return value; }};
 }
 
-// An identifier is made with texts of the database; a file's name is not.
-std::string FileName(const std::string& identifier) {
-  std::string name(CutChars(identifier, 60));
-  for (char& c : name) {
-    const bool plain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-    if (!plain) c = '_';
+std::string FileName(std::string name, const std::optional<std::pair<Date, Date>>& period) {
+  if (name.empty()) name = "relatorio";
+  if (period) {
+    for (const Date day : {period->first, period->second}) name += "_" + ReplaceAll(day.Neutral(), "-", "");
   }
   return name;
 }
 
+// What stands over a control: its own caption, else that of the page or box around it.
+std::string CaptionOver(const Control& control) {
+  const Control* at = &control;
+  while (at != nullptr && at->Caption().empty()) at = at->Parent();
+  return at == nullptr ? "" : ReplaceAll(at->Caption(), "&", "");
+}
+
+// As the screen's grids show it.
+SetCaptions CaptionsOf(const Form& screen, const DataSet& set) {
+  SetCaptions captions;
+  for (const Control* control : screen.Controls()) {
+    const auto* grid = dynamic_cast<const TOrvDBGrid*>(control);
+    if (grid == nullptr || &grid->Set() != &set) continue;
+    if (captions.name.empty()) captions.name = CaptionOver(*grid);
+    for (const GridColumn& column : grid->Columns()) {
+      if (column.visible) captions.columns.push_back({column.field, column.title, column.decimals});
+    }
+  }
+  return captions;
+}
+
 }  // namespace
+
+std::string Session::FileText(std::string_view title) {
+  std::string name;
+  for (const char c : Fold(CutChars(title, 60))) {
+    const bool plain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z');
+    if (plain) {
+      name += c;
+    } else if (!name.empty() && name.back() != '_') {
+      name += '_';
+    }
+  }
+  while (name.ends_with('_')) name.pop_back();
+  return name;
+}
 
 void Session::LaunchReport(const ReportLaunch& launch) {
   const Form& screen = *launch.screen;
@@ -59,7 +95,28 @@ void Session::LaunchReport(const ReportLaunch& launch) {
   input.set = [&](std::string_view name) { return screen.FindSet(name); };
   input.answer = [&](std::string_view name) { return Answered(screen, name); };
 
-  Launched launched{++last_report_, {}, LayOut(form, input)};
+  input.captions = [&](const DataSet& set) { return CaptionsOf(screen, set); };
+  const auto* reporting = dynamic_cast<const ReportScreen*>(&screen);
+  const FieldTexts asked =
+      reporting != nullptr && !reporting->Asked().empty() ? reporting->Asked() : ReadFilters(screen);
+  const auto* shown_screen = dynamic_cast<const Screen*>(&screen);
+  const auto shown = shown_.find(shown_screen);
+  const FieldTexts began = shown == shown_.end() ? FieldTexts() : shown->second.began;
+  input.filters = ToldFilters(screen, asked, began);
+
+  Launched launched{++last_report_, {}, LayOut(form, input), "", {}};
+  launched.file = FileName(FileText(launched.report.title), PeriodOf(screen, asked, began));
+  if (const auto bar = FilterBarOf(screen); bar && shown_screen != nullptr && shown_screen == pressed_on_ &&
+                                            shown_screen->Kind() == ScreenKind::Child) {
+    launched.favourite = {"",
+                          false,
+                          shown_screen->ClassName(),
+                          bar->query->Name(),
+                          pressed_,
+                          launch.identifier,
+                          launched.report.title,
+                          WithRelativeDays(screen, asked, application_->Today())};
+  }
   if (launch.graphic) launched.formats = {"html", "pdf"};
   if (launch.text) launched.formats.emplace_back("txt");
   launched.formats.insert(launched.formats.end(), {"csv", "xlsx"});
@@ -79,11 +136,16 @@ void Session::LaunchReport(const ReportLaunch& launch) {
 
   const Launched& last = reports_.back();
   Json::Array formats(last.formats.begin(), last.formats.end());
+  Json::Array tables;
+  for (const ReportRows& table : last.report.sets) tables.emplace_back(table.set);
   Send({{"on", "report"},
         {"id", last.id},
         {"identifier", launch.identifier},
         {"title", last.report.title},
-        {"formats", std::move(formats)}});
+        {"formats", std::move(formats)},
+        {"tables", std::move(tables)},
+        {"rows", last.report.walked},
+        {"favourite", !last.favourite.print.empty()}});
   if (!missing.empty()) {
     Message(MessageKind::Warning, screen.Caption(), "O relatório saiu incompleto:" + missing, Answer::Ok);
   }
@@ -97,13 +159,17 @@ void Session::RenderReport(const Json& in) {
   if (std::find(found->formats.begin(), found->formats.end(), format) == found->formats.end()) {
     throw RequestError("O relatório não tem o formato \"" + format + "\".");
   }
-  Send({{"on", "report"},
-        {"id", found->id},
-        {"format", format},
-        {"file", Written(found->report, format).string()}});
+  const auto table = static_cast<std::size_t>(in["table"].IsNull() ? 0 : in["table"].Integer());
+  if (format == "csv" && table >= std::max<std::size_t>(found->report.sets.size(), 1))
+    throw RequestError("O relatório não tem essa tabela.");
+  const std::string part =
+      format == "csv" && found->report.sets.size() > 1 ? "_" + FileText(found->report.sets[table].set) : "";
+  const std::filesystem::path file = Written(found->report, found->file + part, format, table);
+  Send({{"on", "report"}, {"id", found->id}, {"format", format}, {"file", file.string()}});
 }
 
-std::filesystem::path Session::Written(const Report& report, const std::string& format) {
+std::filesystem::path Session::Written(const Report& report, const std::string& name,
+                                       const std::string& format, std::size_t table) {
   const std::filesystem::path& folder = options_.scratch;
   std::error_code error;
   std::filesystem::create_directories(folder, error);
@@ -111,10 +177,9 @@ std::filesystem::path Session::Written(const Report& report, const std::string& 
   if (std::filesystem::is_symlink(folder, error) || !std::filesystem::is_directory(folder, error)) {
     throw UserError("A pasta dos relatórios não pode ser usada.");
   }
-  const std::filesystem::path file =
-      folder / (FileName(report.identifier) + "-" + RandomHex(64) + "." + format);
+  const std::filesystem::path file = folder / (name + "-" + RandomHex(64) + "." + format);
   try {
-    WriteReport(report, format, file);
+    WriteReport(report, format, file, table);
   } catch (...) {
     std::filesystem::remove(file, error);
     throw;

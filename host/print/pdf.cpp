@@ -105,6 +105,21 @@ class Font {
     return width;
   }
 
+  // The text as far as the width holds it, cut with "…".
+  std::string Cut(std::string_view text, double width) {
+    if (Width(text) <= width + 0.01) return std::string(text);
+    double left = width - Width("…");
+    std::string cut;
+    bool full = false;
+    Each(text, [&](std::string_view character, const Glyph& glyph) {
+      left -= glyph.advance;
+      full = full || left < 0;
+      if (!full) cut += character;
+    });
+    cut.erase(cut.find_last_not_of(' ') + 1);
+    return cut + "…";
+  }
+
   // Shows as much of the text as the width holds.
   void Show(cairo_t* context, std::string_view text, double x, double y, double width) {
     glyphs_.clear();
@@ -217,11 +232,12 @@ class Pdf {
 
  private:
   void Lines() {
-    const double head = kHead + 11 * static_cast<double>(report_.subtitles.size());
+    WrapFilters();
+    const double head = kHead + 11 * static_cast<double>(report_.subtitles.size() + filters_.size());
     const auto fits =
         std::max<std::size_t>(static_cast<std::size_t>((height_ - 2 * kMargin - head) / step_), 10);
     picture_ = std::min(static_cast<std::size_t>(kPicture / step_), fits - 4);
-    const auto pages = Pages(report_, fits, picture_);
+    const auto pages = Pages(report_, fits, picture_, true);
     for (std::size_t page = 0; page < pages.size(); ++page) {
       Head(page + 1, pages.size());
       double y = kMargin + head + size_;
@@ -314,7 +330,7 @@ class Pdf {
       if (wanted < width) x += align == Align::Right ? width - wanted : (width - wanted) / 2;
       width = std::max(width, wanted);
     }
-    font.Show(context_.get(), text, x, y, width);
+    font.Show(context_.get(), font.Cut(text, width), x, y, width);
   }
 
   void Head(std::size_t page, std::size_t pages) {
@@ -329,7 +345,23 @@ class Pdf {
     double y = kMargin + 24;
     for (const std::string& subtitle : report_.subtitles)
       Text(plain_, subtitle, kMargin, y += 11, whole, Align::Left);
+    Pen(kMuted);
+    for (const std::string& line : filters_) Text(plain_, line, kMargin, y += 11, whole, Align::Left);
+    Pen();
     Rule(y + 6, 0.8);
+  }
+
+  // As many of them on a line as fit.
+  void WrapFilters() {
+    for (const std::string& filter : report_.filters) {
+      const bool fits =
+          !filters_.empty() && plain_.Width(filters_.back() + "    " + filter) <= width_ - 2 * kMargin;
+      if (fits) {
+        filters_.back() += "    " + filter;
+      } else {
+        filters_.push_back(filter);
+      }
+    }
   }
 
   void Line(const PageLine& line, double y) {
@@ -341,7 +373,7 @@ class Pdf {
       case PageLine::Kind::Titles:
         Pen();
         for (std::size_t at = 0; at < report_.columns[line.index].size(); ++at) {
-          const ReportColumn& column = report_.columns[line.index][at];
+          const PrintColumn& column = report_.columns[line.index][at];
           const double x = X(line.index, at);
           const double room = X(line.index, at + 1) - x - size_ * 0.4;
           const bool cut = bold_.Width(column.title) > room;
@@ -429,6 +461,7 @@ class Pdf {
   const Report& report_;
   double width_, height_, size_, step_;
   std::size_t picture_ = 0;  // lines of one
+  std::vector<std::string> filters_;
   Font plain_, bold_, large_, small_;
   std::unique_ptr<cairo_surface_t, Destroy<cairo_surface_destroy>> surface_;
   std::unique_ptr<cairo_t, Destroy<cairo_destroy>> context_;

@@ -24,7 +24,11 @@ constexpr std::string_view kAmount = "#,##0.00";
 struct Source {
   DataSet* set = nullptr;
   int64_t row = 0;
-  std::unordered_map<std::size_t, uint8_t> looks;  // as ReportRows keeps them
+  std::unordered_map<std::size_t, uint8_t> looks{};  // as ReportRows keeps them
+  // The titles of the report's columns in which its fields stand alone.
+  std::unordered_map<const Field*, std::string> titles{};
+  std::string heading{};  // of the section
+  bool walked = false;
 };
 
 struct HashOfValue {
@@ -70,7 +74,11 @@ class Layout {
       if (!walked) SumBeforehand(at);
     }
     for (const ReportText& subtitle : form_.subtitles) report_.subtitles.push_back(Print(subtitle, 0));
+    for (const std::string& filter : input_.filters) {
+      if (!Told(filter)) report_.filters.push_back(filter);
+    }
     for (const ReportSection& section : form_.sections) Walk(section);
+    std::stable_partition(sources_.begin(), sources_.end(), [](const Source& one) { return one.walked; });
     for (Source& source : sources_) Keep(source);
     return std::move(report_);
   }
@@ -91,7 +99,7 @@ class Layout {
     }
     DataSet* set = input_.set ? input_.set(name) : nullptr;
     if (set == nullptr || !set->Active()) return std::nullopt;
-    sources_.push_back({set, 0, {}});
+    sources_.push_back({set, 0});
     return sources_.size() - 1;
   }
 
@@ -283,13 +291,20 @@ class Layout {
     level_source_.assign(1, *source);
     inner_.clear();
     for (const ReportInner& one : section.inner) inner_.push_back(IndexOf(one));
+    for (std::size_t level = 0; level < level_source_.size(); ++level) {
+      if (level == 0 || inner_[level - 1].source) NoteTitles(section, level);
+    }
     if (section.chart) BeginPictures(*section.chart);
     const int64_t count = sources_[*source].set->DisplayCount();
+    report_.walked += count;
+    gap_ = false;
     if (count > 0) Stand(*source, 0, count);
     Bands(BandKind::Head);
 
     std::vector<Value> keys(section.groups.size());
     std::vector<std::size_t> sizes(section.groups.size());
+    // The lines at which the groups began.
+    std::vector<std::size_t> begins(section.groups.size(), report_.lines.size());
     for (int64_t row = 0; row < count; ++row) {
       Stand(*source, row, count);
       std::size_t changed = row == 0 ? 0 : section.groups.size();
@@ -300,14 +315,19 @@ class Layout {
       }
       if (row > 0 && changed < section.groups.size()) {
         sources_[*source].row = row - 1;
+        const std::size_t before = report_.lines.size();
         Close(changed, sizes);
         sources_[*source].row = row;
+        // One line alone needs no room around it.
+        gap_ = (report_.lines.size() > before || HasHead(section, changed)) &&
+               report_.lines.size() > begins[changed] + 1;
       }
       std::swap(keys, fresh_keys_);
       fresh_keys_.clear();
       for (std::size_t at = 0; at < section.groups.size(); ++at) {
         ++sizes[at];
         if (at < changed) continue;
+        begins[at] = report_.lines.size();
         // The first group stands on the first page anyway.
         new_page_ = new_page_ || (row > 0 && section.groups[at].new_page);
         Bands(BandKind::GroupHead, 0, at);
@@ -332,6 +352,13 @@ class Layout {
       report_.headings.pop_back();
       report_.new_pages.pop_back();
     }
+  }
+
+  // Whether a group from this one inwards is led by lines.
+  static bool HasHead(const ReportSection& section, std::size_t outermost) {
+    return std::ranges::any_of(section.bands, [&](const Band& band) {
+      return band.kind == BandKind::GroupHead && band.group >= outermost;
+    });
   }
 
   // The feet of the groups from the innermost to `outermost`, whose sums and sizes begin anew.
@@ -441,6 +468,7 @@ class Layout {
                            std::exchange(new_page_, false),
                            kind == BandKind::Head || kind == BandKind::GroupHead,
                            kind == BandKind::Foot || kind == BandKind::GroupFoot,
+                           std::exchange(gap_, false) && kind != BandKind::Foot,
                            {}};
         printed.cells.reserve(cells.size());
         for (const BandCell& cell : cells) {
@@ -507,7 +535,7 @@ class Layout {
     const bool drawn = points_.labels.size() < kMostPoints;
     if (!table && !drawn) return;
     std::string label = Print(chart.label, chart.line);
-    ReportLine line{number_, kPlain, false, false, false, {{label, 0, 1, kPlain}}};
+    ReportLine line{number_, kPlain, false, false, false, false, {{label, 0, 1, kPlain}}};
     for (std::size_t at = 0; at < chart.series.size(); ++at) {
       const auto value = Work(chart.series[at].formula, chart.line);
       const bool blank = value && Key(*value).IsNull();
@@ -554,22 +582,91 @@ class Layout {
     }
   }
 
+  // A subtitle says it already: each of its words with a figure stands there, dates also in two figures.
+  bool Told(const std::string& filter) const {
+    const std::size_t colon = filter.find(": ");
+    const std::string said = colon == std::string::npos ? filter : filter.substr(colon + 2);
+    const auto stands = [&](const std::string& text) {
+      const bool date = text.size() == 10 && text[2] == '/' && text[5] == '/';
+      return std::ranges::any_of(report_.subtitles, [&](const std::string& subtitle) {
+        return subtitle.find(text) != std::string::npos ||
+               (date && subtitle.find(text.substr(0, 6) + text.substr(8)) != std::string::npos);
+      });
+    };
+    std::vector<std::string> words = Split(said, " ");
+    std::erase_if(
+        words, [](const std::string& word) { return word.find_first_of("0123456789") == std::string::npos; });
+    return !words.empty() && std::ranges::all_of(words, stands);
+  }
+
+  // Which fields of a level's set stand in which columns of the report.
+  void NoteTitles(const ReportSection& section, std::size_t level) {
+    Source& source = sources_[level_source_[level]];
+    source.walked = true;
+    source.heading = section.heading;
+    for (const Band& band : section.bands) {
+      if (band.kind != BandKind::Detail || band.level != level) continue;
+      for (const BandLine& line : band.lines) {
+        for (const BandCell& cell : line.cells) {
+          const auto& pieces = cell.text.Pieces();
+          if (pieces.empty() || !pieces[0].text.empty() || !pieces[0].formula) continue;
+          const auto& meanings = MeaningsOf(*pieces[0].formula);
+          if (meanings.size() != 1 || meanings[0].kind != Meaning::Kind::Field ||
+              meanings[0].index != level_source_[level])
+            continue;
+          sources_[level_source_[level]].titles.try_emplace(meanings[0].field,
+                                                            section.columns[cell.column].title);
+        }
+      }
+    }
+  }
+
+  // As a table under the captions that a person knows: those of the screen's grid in their order, then those
+  // of the report. What has neither is of the program's own; a set of nothing else stands as it is.
   void Keep(Source& source) {
     DataSet& set = *source.set;
+    const SetCaptions captions = input_.captions ? input_.captions(set) : SetCaptions{};
+    const auto& all = set.Fields();
+    std::vector<std::size_t> shown;
     ReportRows kept;
-    kept.looks = std::move(source.looks);
-    kept.set = set.Name();
-    for (const Field* field : set.Fields()) {
-      kept.fields.push_back(field->Name());
+    const auto show = [&](const Field* field, const std::string& title, int decimals) {
+      const auto at = static_cast<std::size_t>(std::find(all.begin(), all.end(), field) - all.begin());
+      if (at == all.size() || title.empty() || std::ranges::find(shown, at) != shown.end()) return;
+      shown.push_back(at);
+      kept.fields.push_back(title);
+      kept.decimals.push_back(decimals);
       kept.types.push_back(field->Type());
+    };
+    for (const auto& [field, title, decimals] : captions.columns) show(set.FindField(field), title, decimals);
+    for (const Field* field : all) {
+      const auto title = source.titles.find(field);
+      if (title != source.titles.end() && std::ranges::find(kept.fields, title->second) == kept.fields.end())
+        show(field, title->second, 2);
     }
+    if (shown.empty() && !source.walked) return;
+    if (shown.empty()) {
+      for (const Field* field : all) show(field, field->Name(), 2);
+    }
+    kept.set = !captions.name.empty()    ? captions.name
+               : !source.heading.empty() ? source.heading
+               : source.walked           ? report_.title
+                                         : set.Name();
+    const std::string name = kept.set;
+    for (int number = 2; std::ranges::find(report_.sets, kept.set, &ReportRows::set) != report_.sets.end();
+         ++number)
+      kept.set = name + " " + std::to_string(number);
     const int64_t count = set.DisplayCount();
+    for (const auto& [place, look] : source.looks) {
+      const auto at = std::ranges::find(shown, place % all.size());
+      if (at != shown.end())
+        kept.looks[place / all.size() * shown.size() + static_cast<std::size_t>(at - shown.begin())] = look;
+    }
     kept.rows.reserve(static_cast<std::size_t>(count));
     for (int64_t row = 0; row < count; ++row) {
       if (row % kAhead == 0) set.Prepare(row, std::min(kAhead, count - row));
       std::vector<Value> values;
       values.reserve(kept.fields.size());
-      for (const Field* field : set.Fields()) values.push_back(set.Cell(row, *field));
+      for (const std::size_t at : shown) values.push_back(set.Cell(row, *all[at]));
       kept.rows.push_back(std::move(values));
     }
     report_.sets.push_back(std::move(kept));
@@ -592,6 +689,7 @@ class Layout {
   ReportPicture points_;
   std::vector<Value> fresh_keys_;
   bool new_page_ = false;
+  bool gap_ = false;
 };
 
 }  // namespace

@@ -14,6 +14,16 @@
 
 namespace orv {
 
+// A set's table as a person knows it.
+struct SetCaptions {
+  struct Column {
+    std::string field, title;
+    int decimals = 2;
+  };
+  std::string name;             // "" for a set that no grid shows
+  std::vector<Column> columns;  // in their order
+};
+
 struct ReportInput {
   std::string company;
   std::string user;
@@ -22,6 +32,10 @@ struct ReportInput {
   std::function<DataSet*(std::string_view)> set;
   // What the screen answers to a name that the report doesn't know.
   std::function<std::optional<ReportAnswer>(std::string_view)> answer;
+  // How the screen shows a set.
+  std::function<SetCaptions(const DataSet&)> captions;
+  // What the user asked for, each with its caption: "Conta: 001-X".
+  std::vector<std::string> filters;
 };
 
 struct ReportCell {
@@ -37,14 +51,16 @@ struct ReportLine {
   bool new_page = false;  // begins one
   bool lead = false;      // tells what the next line belongs to
   bool sum = false;       // adds up what stands before it
+  bool gap = false;       // begins a group, apart from the one before
   std::vector<ReportCell> cells;
 };
 
-// The rows of a data set as they were, for a spreadsheet.
+// The rows of a data set as they were, as a table for a spreadsheet: its name, the titles of its columns.
 struct ReportRows {
   std::string set;
   std::vector<std::string> fields;
   std::vector<FieldType> types;
+  std::vector<int> decimals{};  // of each column at least, empty for two
   std::vector<std::vector<Value>> rows;
   // The looks of cells other than plain, by row * fields + field.
   std::unordered_map<std::size_t, uint8_t> looks;
@@ -83,18 +99,23 @@ struct Report {
   std::string identifier, title, company, user;
   DateTime when;
   std::vector<std::string> subtitles;
+  // What the user asked for and the subtitles don't say.
+  std::vector<std::string> filters;
   bool landscape = false;
   // Of a form, in millimetres; 0 of a report in lines.
   double sheet_width = 0, sheet_height = 0;
   std::vector<ReportSheet> sheets;
   // The columns of each section, and what stands above them.
-  std::vector<std::vector<ReportColumn>> columns;
+  std::vector<std::vector<PrintColumn>> columns;
   std::vector<std::string> headings;
   // Whether it begins a page.
   std::vector<bool> new_pages;
   std::vector<ReportLine> lines;
   std::vector<ReportPicture> pictures;
+  // One a table; those of the sections first, in their order.
   std::vector<ReportRows> sets;
+  // Rows that the sections walked.
+  int64_t walked = 0;
   // What couldn't be read or worked out, each once.
   std::vector<std::string> notes;
 

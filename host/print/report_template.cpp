@@ -275,7 +275,7 @@ class Reader {
 
   // coluna LARGURA [esquerda|centro|direita] TÍTULO
   void ReadColumn(std::string_view rest) {
-    ReportColumn column;
+    PrintColumn column;
     const std::string width = TakeWord(rest);
     const auto read = std::from_chars(width.data(), width.data() + width.size(), column.width);
     if (read.ec != std::errc() || read.ptr != width.data() + width.size() || column.width < 1 ||

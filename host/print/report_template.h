@@ -54,7 +54,7 @@ class ReportText {
   std::vector<Piece> pieces_;
 };
 
-struct ReportColumn {
+struct PrintColumn {
   std::string title;
   int width = 10;  // in characters
   Align align = Align::Left;
@@ -145,7 +145,7 @@ struct ReportSection {
   std::string set;
   std::string heading;
   bool new_page = false;
-  std::vector<ReportColumn> columns;
+  std::vector<PrintColumn> columns;
   std::vector<ReportGroup> groups;
   std::vector<ReportInner> inner;
   std::optional<ReportChart> chart;

@@ -4,11 +4,15 @@
 
 namespace orv {
 
-void WriteReport(const Report& report, std::string_view format, const std::filesystem::path& file) {
+void WriteReport(const Report& report, std::string_view format, const std::filesystem::path& file,
+                 std::size_t table) {
   if (format == "pdf") return WriteReportPdf(report, file);
-  if (format == "xlsx") return WriteReportXlsx(report, file);
+  if (format == "xlsx") return WriteXlsx(report.sets, report.when, file);
   std::ofstream out(file, std::ios::binary);
-  out << (format == "html" ? ReportHtml(report) : format == "txt" ? ReportText66(report) : ReportCsv(report));
+  out << (format == "html"             ? ReportHtml(report)
+          : format == "txt"            ? ReportText66(report)
+          : table < report.sets.size() ? TableCsv(report.sets[table])
+                                       : "");
   out.close();
   if (!out) throw UserError("O relatório não pôde ser gravado. Verifique o espaço em disco.");
 }

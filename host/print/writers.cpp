@@ -32,6 +32,8 @@ td { padding: 3px 6px; vertical-align: top; overflow-wrap: break-word; border-bo
 .m td, td.m { color: #51616c; } .w td, td.w { color: #7a4a00; } .a td, td.a { color: #9b1c1c; }
 .s td, td.s { background: #eef2f4; } .h td, td.h { background: #fdf0c8; }
 .r td, td.r { border-top: 1px solid #51616c; }
+.g td { height: 6px; border-bottom: 0; }
+.filters { color: #51616c; } .filters span { display: inline-block; margin-right: 18px; overflow-wrap: anywhere; }
 figure { margin: 0 0 12px; } svg { display: block; font-family: system-ui, sans-serif; }
 figure svg { width: 100%; height: auto; }
 .sheet { border: 1px solid #c6d0d6; margin: 0 0 12px; max-width: 100%; height: auto; }
@@ -45,6 +47,7 @@ figure svg { width: 100%; height: auto; }
   thead { display: table-header-group; }
   tr { break-inside: avoid; }
   .np { break-before: page; }
+  .g, .k { break-after: avoid; } .f { break-before: avoid; } h2 { break-after: avoid; }
   .sheet { border: 0; max-width: none; break-inside: avoid; }
 }
 )css";
@@ -129,20 +132,26 @@ void HtmlPicture(const ReportPicture& picture, bool landscape, std::string& html
 void HtmlTable(const Report& report, std::size_t section, std::size_t& line, std::string& html) {
   const auto& columns = report.columns[section];
   int whole = 0;
-  for (const ReportColumn& column : columns) whole += column.width;
+  for (const PrintColumn& column : columns) whole += column.width;
   html += "<table><colgroup>";
-  for (const ReportColumn& column : columns) {
+  for (const PrintColumn& column : columns) {
     html += "<col width=\"" + std::to_string(column.width * 100 / std::max(whole, 1)) + "%\">";
   }
   html += "</colgroup><thead><tr>";
-  for (const ReportColumn& column : columns) {
+  for (const PrintColumn& column : columns) {
     html += "<th scope=\"col\"" + Classes(kPlain, AlignClass(column.align)) + ">" +
             EscapedHtml(column.title) + "</th>";
   }
   html += "</tr></thead><tbody>\n";
   for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
     const ReportLine& one = report.lines[line];
-    html += "<tr" + Classes(one.style, one.new_page ? "np" : "") + ">";
+    if (one.gap && !one.new_page)
+      html += "<tr class=\"g\" aria-hidden=\"true\"><td colspan=\"" + std::to_string(columns.size()) +
+              "\"></td></tr>\n";
+    std::string around = one.new_page ? "np" : "";
+    for (const auto& [on, name] : {std::pair(one.lead, "k"), std::pair(one.sum, "f")})
+      if (on) around += (around.empty() ? "" : " ") + std::string(name);
+    html += "<tr" + Classes(one.style, around) + ">";
     std::size_t at = 0;
     const auto blank = [&](std::size_t to) {
       if (to > at)
@@ -183,7 +192,7 @@ std::string TrimmedRight(std::string line) {
   return line;
 }
 
-std::string TextCells(const ReportLine& line, const std::vector<ReportColumn>& columns,
+std::string TextCells(const ReportLine& line, const std::vector<PrintColumn>& columns,
                       const std::vector<std::size_t>& places) {
   std::string text;
   for (const ReportCell& cell : line.cells) {
@@ -202,13 +211,19 @@ bool IsAmount(std::string_view text) {
   return text.find_first_not_of("0123456789.,", 1) == std::string_view::npos;
 }
 
-std::string CsvCell(const Value& value) {
-  std::string text =
-      value.Kind() == ValueKind::Currency || value.Kind() == ValueKind::Float
-          ? ReplaceAll(FormatValue(value, value.Kind() == ValueKind::Float ? "0.00######" : "0.0000"), ".",
-                       ",")
-          : value.AsString();
-  if (value.Kind() == ValueKind::Currency && text.ends_with("00")) text.resize(text.size() - 2);
+std::string CsvCell(const Value& value, int decimals = 2) {
+  std::string text = value.AsString();
+  if (value.Kind() == ValueKind::Currency || value.Kind() == ValueKind::Float) {
+    // Of a number that is no amount no place is lost.
+    constexpr std::size_t kMost = 8;
+    const auto places = static_cast<std::size_t>(decimals);
+    const std::size_t most = value.Kind() == ValueKind::Float ? kMost : places;
+    text = FormatValue(value, "0." + std::string(most, '0'));
+    // One beyond all measure has none.
+    for (std::size_t more = most; more > places && text.ends_with('0') && text.find(',') != std::string::npos;
+         --more)
+      text.pop_back();
+  }
   if (value.IsText() && text.size() > 1 && text.find_first_of("=+-@\t\r\n") == 0 && !IsAmount(text)) {
     text.insert(text.begin(), '\'');
   }
@@ -252,9 +267,9 @@ std::string FixedText(double number) {
   return {text.data(), end};
 }
 
-std::vector<std::size_t> ColumnPlaces(const std::vector<ReportColumn>& columns) {
+std::vector<std::size_t> ColumnPlaces(const std::vector<PrintColumn>& columns) {
   std::vector<std::size_t> places{0};
-  for (const ReportColumn& column : columns)
+  for (const PrintColumn& column : columns)
     places.push_back(places.back() + static_cast<std::size_t>(column.width) + 1);
   return places;
 }
@@ -276,8 +291,8 @@ bool PicturesAlone(const Report& report, std::size_t section) {
   return std::ranges::any_of(report.pictures, of) && std::ranges::none_of(report.lines, of);
 }
 
-std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page,
-                                         std::size_t picture) {
+std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines_a_page, std::size_t picture,
+                                         bool gaps) {
   using Kind = PageLine::Kind;
   std::vector<std::vector<PageLine>> pages(1);
   const auto put = [&](PageLine line) { pages.back().push_back(line); };
@@ -315,7 +330,9 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
     if (line < report.lines.size() && report.lines[line].section == section) room_for(2);
     put({Kind::Titles, section});
     for (; line < report.lines.size() && report.lines[line].section == section; ++line) {
-      const bool full = pages.back().size() >= lines_a_page;
+      const bool gap = gaps && report.lines[line].gap && pages.back().back().kind == Kind::Line;
+      // A blank line is followed by more than a head on its page.
+      const bool full = pages.back().size() + (gap ? 3 : 0) >= lines_a_page;
       if (full || report.lines[line].new_page) {
         const std::size_t back = full && !report.lines[line].new_page ? carried(line) : 0;
         pages.back().resize(pages.back().size() - back);
@@ -323,6 +340,7 @@ std::vector<std::vector<PageLine>> Pages(const Report& report, std::size_t lines
         put({Kind::Titles, section});
         for (std::size_t at = line - back; at < line; ++at) put({Kind::Line, at});
       }
+      if (gap && pages.back().back().kind == Kind::Line) put({Kind::Blank, 0});
       put({Kind::Line, line});
     }
   }
@@ -342,6 +360,11 @@ std::string ReportHtml(const Report& report) {
                      "</style></head>\n<body" + Classes(kPlain, report.landscape ? "lying" : "") +
                      "><header><div><h1>" + EscapedHtml(report.title) + "</h1>";
   for (const std::string& subtitle : report.subtitles) html += "<p>" + EscapedHtml(subtitle) + "</p>";
+  if (!report.filters.empty()) {
+    html += "<p class=\"filters\">";
+    for (const std::string& filter : report.filters) html += "<span>" + EscapedHtml(filter) + "</span> ";
+    html += "</p>";
+  }
   html += "</div><div class=\"right\"><p>" + EscapedHtml(report.company) + "</p><p>" +
           FormatValue(Value(report.when), "dd/mm/yyyy hh:nn") + "</p><p>" + EscapedHtml(report.user) +
           "</p></div></header>\n";
@@ -418,21 +441,15 @@ std::string ReportText66(const Report& report) {
   return text;
 }
 
-std::string ReportCsv(const Report& report) {
+std::string TableCsv(const ReportRows& table) {
   std::string csv = "\xEF\xBB\xBF";
-  for (const ReportRows& set : report.sets) {
-    if (&set != report.sets.data()) csv += "\r\n";
-    for (std::size_t at = 0; at < set.fields.size(); ++at)
-      csv += (at > 0 ? ";" : "") + CsvCell(Value(set.fields[at]));
+  const auto line = [&](auto cell) {
+    for (std::size_t at = 0; at < table.fields.size(); ++at) csv += (at > 0 ? ";" : "") + cell(at);
     csv += "\r\n";
-    for (const auto& row : set.rows) {
-      for (std::size_t at = 0; at < row.size(); ++at) {
-        if (at > 0) csv += ';';
-        csv += CsvCell(row[at]);
-      }
-      csv += "\r\n";
-    }
-  }
+  };
+  line([&](std::size_t at) { return CsvCell(Value(table.fields[at])); });
+  for (const auto& row : table.rows)
+    line([&](std::size_t at) { return CsvCell(row[at], table.decimals.empty() ? 2 : table.decimals[at]); });
   return csv;
 }
 

@@ -1,6 +1,8 @@
 #include <xlsxwriter.h>
 
+#include <algorithm>
 #include <map>
+#include <set>
 
 #include "host/print/writers.h"
 #include "toolkit/text.h"
@@ -39,13 +41,39 @@ class Book {
   lxw_workbook* book_ = nullptr;
 };
 
-// A sheet's name has 31 characters and none of these.
-std::string SheetName(const std::string& set, std::size_t number) {
-  std::string name(CutChars(set, 25));
+// A sheet's name has 31 characters, none of these, and is the book's only one.
+std::string SheetName(const std::string& set, std::set<std::string, std::less<>>& taken) {
+  std::string name(CutChars(set.empty() ? "Tabela" : set, 25));
   for (char& c : name) {
     if (std::string_view("[]:*?/\\'").find(c) != std::string_view::npos) c = '_';
   }
-  return number == 0 ? name : name + " " + std::to_string(number + 1);
+  std::string sheet = name;
+  for (int number = 2; !taken.insert(Lower(sheet)).second; ++number)
+    sheet = name + " " + std::to_string(number);
+  return sheet;
+}
+
+// In characters: for its title and for what it holds.
+double WidthOf(const ReportRows& table, std::size_t column) {
+  constexpr std::size_t kLeast = 8, kMost = 50, kLooked = 500;
+  std::size_t width = std::max(kLeast, CharCount(table.fields[column]));
+  for (std::size_t row = 0; row < std::min(table.rows.size(), kLooked); ++row) {
+    const Value& value = table.rows[row][column];
+    switch (value.Kind()) {
+      case ValueKind::Null:
+        break;
+      case ValueKind::Date:
+        width = std::max<std::size_t>(width, 10);
+        break;
+      case ValueKind::Currency:
+      case ValueKind::Float:
+        width = std::max<std::size_t>(width, 14);
+        break;
+      default:
+        width = std::max(width, CharCount(value.AsString()));
+    }
+  }
+  return static_cast<double>(std::min(width, kMost)) + 1;
 }
 
 // The formats of cells by what they hold and how they look, made when they are first asked for.
@@ -54,8 +82,8 @@ class Formats {
   explicit Formats(lxw_workbook* book) : book_(book) {}
 
   // Null for a cell as any other.
-  lxw_format* Of(ValueKind kind, uint8_t style) {
-    const char* text = NumberFormat(kind);
+  lxw_format* Of(ValueKind kind, uint8_t style, int decimals = 2) {
+    const char* text = NumberFormat(kind, decimals);
     if (text == nullptr && style == kPlain) return nullptr;
     lxw_format*& format = formats_[{text, style}];
     if (format != nullptr) return format;
@@ -73,12 +101,11 @@ class Formats {
   }
 
  private:
-  static const char* NumberFormat(ValueKind kind) {
+  static const char* NumberFormat(ValueKind kind, int decimals) {
     switch (kind) {
       case ValueKind::Float:
-        return "#,##0.00######";
       case ValueKind::Currency:
-        return "#,##0.00";
+        return decimals > 2 ? "#,##0.00##" : "#,##0.00";
       case ValueKind::Date:
         return "dd/mm/yyyy";
       case ValueKind::DateTime:
@@ -133,30 +160,34 @@ void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& v
 
 }  // namespace
 
-void WriteReportXlsx(const Report& report, const std::filesystem::path& file) {
-  Book book(file.string(), report.when);
+void WriteXlsx(std::span<const ReportRows> tables, DateTime made, const std::filesystem::path& file) {
+  Book book(file.string(), made);
   Formats formats(book.Get());
-  for (const ReportRows& set : report.sets) {
+  std::set<std::string, std::less<>> taken;
+  for (const ReportRows& table : tables) {
+    const std::size_t columns = table.fields.size();
     std::size_t from = 0;
-    std::size_t number = 0;
     do {
-      lxw_worksheet* sheet = workbook_add_worksheet(book.Get(), SheetName(set.set, number++).c_str());
+      lxw_worksheet* sheet = workbook_add_worksheet(book.Get(), SheetName(table.set, taken).c_str());
       if (sheet == nullptr) throw UserError("A planilha não pôde ser criada.");
       worksheet_freeze_panes(sheet, 1, 0);
-      for (std::size_t at = 0; at < set.fields.size(); ++at) {
-        worksheet_write_string(sheet, 0, static_cast<lxw_col_t>(at), set.fields[at].c_str(),
+      for (std::size_t at = 0; at < columns; ++at) {
+        const auto column = static_cast<lxw_col_t>(at);
+        worksheet_set_column(sheet, column, column, WidthOf(table, at), nullptr);
+        worksheet_write_string(sheet, 0, column, table.fields[at].c_str(),
                                formats.Of(ValueKind::Text, kBold));
       }
-      const std::size_t end = std::min(set.rows.size(), from + kMostRows);
+      const std::size_t end = std::min(table.rows.size(), from + kMostRows);
       for (lxw_row_t row = 1; from < end; ++from, ++row) {
-        for (std::size_t at = 0; at < set.rows[from].size(); ++at) {
-          const Value& value = set.rows[from][at];
-          const auto look = set.looks.find(from * set.fields.size() + at);
+        for (std::size_t at = 0; at < columns; ++at) {
+          const Value& value = table.rows[from][at];
+          const auto look = table.looks.find(from * columns + at);
           Write(sheet, row, static_cast<lxw_col_t>(at), value,
-                formats.Of(value.Kind(), look == set.looks.end() ? uint8_t{kPlain} : look->second));
+                formats.Of(value.Kind(), look == table.looks.end() ? uint8_t{kPlain} : look->second,
+                           table.decimals.empty() ? 2 : table.decimals[at]));
         }
       }
-    } while (from < set.rows.size());
+    } while (from < table.rows.size());
   }
   book.Close();
 }

@@ -50,4 +50,12 @@ void Preferences::Set(std::string_view path, std::string_view value) {
               ") MATCHING (LOGIN_BUSCA, CHAVE)");
 }
 
+bool Preferences::Remove(std::string_view beginning) {
+  const std::string where = " WHERE LOGIN_BUSCA = " + SqlLiteral(Lower(login_)) +
+                            " AND CHAVE STARTING WITH " + SqlLiteral(beginning);
+  if (db_.Scalar("SELECT FIRST 1 CHAVE FROM PREFERENCIA" + where).IsNull()) return false;
+  db_.Execute("DELETE FROM PREFERENCIA" + where);
+  return true;
+}
+
 }  // namespace orv

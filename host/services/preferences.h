@@ -1,4 +1,4 @@
-// What a user set for himself, by the path of its name.
+// What a user set for himself, by the path of its name; under no login what all of them have.
 #pragma once
 
 #include <string>
@@ -22,6 +22,9 @@ class Preferences {
   int GetNumber(std::string_view path, int fallback);
   // The caller commits. Raises UserError for a path or a value that is too long.
   void Set(std::string_view path, std::string_view value);
+
+  // Takes back what was set under a path's beginning; the caller commits. False when there was nothing.
+  bool Remove(std::string_view beginning);
 
   // The path of a setting in a section of a key: "Venda/Parametros/PortaImpCheque".
   static std::string Path(std::string_view key, std::string_view section, std::string_view name);

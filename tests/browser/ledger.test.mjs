@@ -156,7 +156,7 @@ test("the balances are read beside the screen, printed and taken away", async ()
   await page.evaluate(() => (document.querySelector(".report-frame").contentWindow.print = () => (window.printed = true)));
   await keys(page, "Enter");
   await until("impresso", () => page.evaluate(() => window.printed === true));
-  for (const [key, name, begins] of [["p", "WCCSaldoConta.pdf", "%PDF-"], ["c", "WCCSaldoConta.csv", "\ufeff"], ["e", "WCCSaldoConta.xlsx", "PK"]]) {
+  for (const [key, name, begins] of [["p", "saldos_das_contas_correntes.pdf", "%PDF-"], ["c", "saldos_das_contas_correntes.csv", "\ufeff"], ["e", "saldos_das_contas_correntes.xlsx", "PK"]]) {
     const download = page.waitForEvent("download");
     await keys(page, `Alt+${key}`);
     const file = await download;

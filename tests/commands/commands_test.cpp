@@ -85,6 +85,7 @@ TEST_F(CommandsTest, HelpIsInPortuguese) {
       {"backup"},
       {"restore"},
       {"audit"},
+      {"report"},
   };
   for (Words words : commands) {
     words.push_back("--help");
@@ -381,6 +382,66 @@ TEST_F(CommandsTest, UpgradeBringsAnOlderOneUp) {
   EXPECT_NE(Bad({"upgrade"}).find("Atualize o programa."), std::string::npos);
   EXPECT_NE(Bad({"upgrade", "--database", (folder_.Path() / "no.fdb").string()}).find("não existe"),
             std::string::npos);
+}
+
+TEST_F(CommandsTest, FavouriteReportsAreWrittenWhole) {
+  const std::string made = Drive(
+      "{\"do\":\"open\",\"class\":\"TfmRelCC\"}\n"
+      "{\"do\":\"set\",\"control\":\"RelConta\",\"value\":\"10250-1\"}\n"
+      "{\"do\":\"set\",\"control\":\"EdtDataDe\",\"value\":\"01/11/2026\"}\n"
+      "{\"do\":\"set\",\"control\":\"edtDataAte\",\"value\":\"30/11/2026\"}\n"
+      "{\"do\":\"click\",\"control\":\"BitBtn29\"}\n{\"do\":\"click\",\"control\":\"BitBtn33\"}\n"
+      "{\"do\":\"favourites\",\"act\":\"save\",\"report\":1,\"name\":\"Mês\",\"shared\":true}\n");
+  ASSERT_EQ(made, "");
+  const auto report = [&](Words more, const std::string& user = "ana", const char* today = kToday) {
+    Words words{"report", "--user", user, "--today", today, "--data", Files()};
+    words.insert(words.end(), more.begin(), more.end());
+    return Run(words);
+  };
+  EXPECT_EQ(report({"--list"}).out.substr(0, 5), "Mês\t");
+  const fs::path folder = folder_.Path() / "out";
+  fs::create_directory(folder);
+  const auto to = [&](const char* name) { return (folder / name).string(); };
+  const std::pair<const char*, const char*> forms[] = {{"pdf", "%PDF-"},
+                                                       {"html", "<!doctype"},
+                                                       {"csv", "\xEF\xBB\xBFLan"},
+                                                       {"xlsx", "PK"},
+                                                       {"txt", "Empresa"}};
+  for (const auto& [format, begins] : forms) {
+    const Finished finished = report({"mês", "--format", format, "--out", to(format)});
+    EXPECT_EQ(finished.status, 0) << finished.err;
+    std::ifstream in(to(format), std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(in), {});
+    EXPECT_TRUE(bytes.starts_with(begins) || format == std::string("txt")) << bytes.substr(0, 40);
+    EXPECT_GT(bytes.size(), 1000U) << format;
+  }
+  // The days are those of the day of the run.
+  EXPECT_NE(report({"Mês", "--format", "html", "--out", to("outubro")}, "ana", "2026-10-15").status, 1);
+  std::ifstream in(to("outubro"));
+  EXPECT_NE(std::string(std::istreambuf_iterator<char>(in), {}).find("31/10/2026"), std::string::npos);
+
+  struct Case {
+    Words words;
+    int status;
+    const char* text;
+    const char *user = "ana", *today = kToday;
+  };
+  const Case cases[] = {
+      {{"Nenhum", "--out", to("x")}, 2, "Não há relatório favorito com o nome \"Nenhum\"."},
+      {{"Mês", "--format", "doc", "--out", to("x")}, 2, "O formato \"doc\" não existe."},
+      {{"Mês", "--out", to("x")}, 3, "não tem linhas", "ana", "2031-05-05"},
+      {{"Mês", "--out", to("pdf")}, 4, "já existe e não é substituído"},
+      {{"Mês", "--out", to("nada/x")}, 4, "não existe"},
+      {{"Mês", "--out", to("x")}, 5, "O usuário leo não pode abrir a tela", "leo"},
+  };
+  const auto before = std::distance(fs::directory_iterator(folder), {});
+  for (const Case& one : cases) {
+    const Finished finished = report(one.words, one.user, one.today);
+    EXPECT_EQ(finished.status, one.status) << finished.err;
+    EXPECT_NE(finished.err.find(one.text), std::string::npos) << finished.err;
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), before) << one.text;
+  }
+  EXPECT_EQ(Run({"report", "--user", "ana"}).err.substr(0, 19), "orvcc: Falta nome.\n");
 }
 
 TEST_F(CommandsTest, BackupComesBackWhole) {

@@ -116,6 +116,87 @@ TEST_F(ReportTest, IsIncompleteRatherThanMissing) {
   }
 }
 
+// What came of an act on kept filters: names with what they say, or what the desk told.
+std::string Kept(const std::vector<Json>& answer) {
+  std::string text;
+  for (const Json& out : answer) {
+    if (out["on"] == Json("error")) return out["text"].String();
+    if (out["on"] != Json("filters")) continue;
+    for (const Json& one : out["list"].Items()) {
+      text += one["name"].String() + (one["shared"].Bool() ? "*" : "") + ":";
+      for (const Json& told : one["told"].Items()) text += " " + told.String() + ";";
+      text += "\n";
+    }
+    for (const Json& left : out["left"].Items()) text += "left " + left.String() + "\n";
+  }
+  return text;
+}
+
+TEST_F(ReportTest, FiltersAndFavouritesFollowTheDay) {
+  Run("INSERT INTO DIREITO (LOGIN_BUSCA, CLASSE, TIPOS) VALUES ('leo', 'TfmRelVencto', '*')");
+  const auto filters = [](Desk& desk, const char* act, const char* name, bool shared = false) {
+    return Kept(
+        desk.Do({{"do", "filters"}, {"act", act}, {"name", name}, {"shared", shared}, {"value", true}}));
+  };
+  EXPECT_EQ(filters(desk_, "save", "x"), "A tela não tem filtros para guardar.");
+  desk_.Open("TfmRelVencto");
+  desk_.Set({{"EdtDataDe", "01/11/2026"}, {"edtDataAte", "30/11/2026"}, {"RgData", "Contabilização"}});
+  desk_.Check("CbPend", false);
+  const std::string told = " Período: este mês; Considerar Data: Contabilização; Buscar Pendentes: não;\n";
+  EXPECT_EQ(filters(desk_, "save", "Meu"), "Meu:" + told);
+  EXPECT_EQ(filters(desk_, "save", "Todos", true), "Meu:" + told + "Todos*:" + told);
+  for (const char* wrong : {"", "a/b", "12345678901234567890123456789012345678901"})
+    EXPECT_NE(filters(desk_, "save", wrong).find(" nome"), std::string::npos) << wrong;
+  // Longer than a value may be.
+  desk_.Set("EdtClasse", std::string(5000, '9'));
+  EXPECT_NE(filters(desk_, "save", "Longo").find(std::string(5000, '9')), std::string::npos);
+  filters(desk_, "delete", "Longo");
+  desk_.Set("EdtClasse", "");
+
+  desk_.Click("BitBtn29");
+  desk_.Set("EdtObs", "depois da consulta");
+  const auto launched = desk_.Click("BitBtn33");
+  const Json report = Told();
+  ASSERT_TRUE(report["favourite"].Bool()) << desk_.Messages();
+  // The head tells what was asked for, not what stands there since.
+  const std::string html = Written(report["id"], "html");
+  EXPECT_NE(html.find("<span>Considerar Data: Contabilização</span>"), std::string::npos);
+  EXPECT_EQ(html.find("depois da consulta"), std::string::npos);
+  EXPECT_EQ(Written(report["id"], "csv").substr(3, 10), "Situação");
+  EXPECT_NE(Told()["file"].String().find("_20261101_20261130_lancamentos-"), std::string::npos)
+      << Told()["file"].String();
+  desk_.Do({{"do", "favourites"},
+            {"act", "save"},
+            {"name", "Do mês"},
+            {"report", report["id"]},
+            {"shared", true}});
+
+  Desk leo(database_, "leo", "_001", "2027-02-10");
+  leo.Open("TfmRelVencto");
+  EXPECT_EQ(leo.Text("EdtDataDe"), "01/01/1980") << "a screen begins as it always did";
+  EXPECT_EQ(filters(leo, "use", "todos", true), "Todos*:" + told);
+  EXPECT_EQ(leo.Texts({"EdtDataDe", "edtDataAte"}), "01/02/2027|28/02/2027");
+  EXPECT_FALSE(leo.Property("CbPend", "checked").Bool());
+  EXPECT_EQ(leo.FocusName(), "BitBtn29");
+  for (const char* act : {"save", "delete"})
+    EXPECT_EQ(filters(leo, act, "Todos", true).substr(0, 20), "Só um administrador");
+  EXPECT_EQ(filters(leo, "use", "Meu"), "Não há filtros com o nome \"Meu\".");
+  filters(leo, "latest", "");
+  leo.Click("BitBtn29");
+  leo.Close();
+  leo.Open("TfmRelVencto");
+  EXPECT_EQ(leo.Text("edtDataAte"), "28/02/2027") << "the latest ones, as he wants it";
+  leo.Close();
+  const auto run = [&](const char* name) {
+    leo.Do({{"do", "favourites"}, {"act", "run"}, {"name", name}});
+    return leo.Messages();
+  };
+  EXPECT_EQ(run("do MÊS"), "");
+  EXPECT_EQ(leo.Top(), "TfmRelVencto");
+  EXPECT_EQ(leo.Texts({"EdtDataDe", "edtDataAte"}), "01/02/2027|28/02/2027");
+  EXPECT_EQ(run("Nenhum"), "error: Não há relatório favorito com o nome \"Nenhum\".");
+}
+
 TEST_F(ReportTest, IsWrittenNowhereElse) {
   const Json told = Launch("Amostra");
   std::filesystem::create_directories(folder_.Path() / "sessoes");

@@ -8,6 +8,7 @@
 #include "host/print/format.h"
 #include "host/print/writers.h"
 #include "toolkit/client_dataset.h"
+#include "toolkit/text.h"
 
 namespace orv::test {
 namespace {
@@ -269,12 +270,9 @@ TEST_F(PrintTest, HostileValuesStayTexts) {
   const std::string html = ReportHtml(report);
   EXPECT_EQ(html.find("<script"), std::string::npos);
   EXPECT_NE(html.find("&lt;script&gt;alert(1)&lt;/script&gt; &quot;&amp;&#39;"), std::string::npos);
-  const std::string csv = ReportCsv(report);
-  EXPECT_NE(csv.find("20/11/2026;'=CMD|'/c calc'!A0;-1,00;"), std::string::npos) << csv;
-  EXPECT_NE(csv.find("\"<script>alert(1)</script>\n\"\"&'\";1,00;0,125"), std::string::npos) << csv;
-  EXPECT_NE(csv.find("\r\n20/11/2026;-;1,00;"), std::string::npos) << csv;
-  EXPECT_NE(csv.find(";-1.234,56;1,00;"), std::string::npos) << csv;
-  EXPECT_NE(csv.find(";'-1+1;1,00;"), std::string::npos) << csv;
+  EXPECT_EQ(TableCsv(report.sets.at(0)),
+            "\xEF\xBB\xBFNome;Valor\r\n\"<script>alert(1)</script>\n\"\"&'\";1,00\r\n"
+            "'=CMD|'/c calc'!A0;-1,00\r\n-;1,00\r\n-1.234,56;1,00\r\n'-1+1;1,00\r\n");
   EXPECT_NE(ReportText66(report).find(" ###"), std::string::npos) << "an amount is never cut";
   EXPECT_EQ(Written(report, "xlsx").substr(0, 2), "PK");
   EXPECT_THROW(FindTemplate("../../etc/passwd", folder_.string()), UserError);
@@ -309,15 +307,45 @@ TEST_F(PrintTest, SumsAndHeadsStandWithTheirLines) {
       "rodape\n| Fim | |\n");
   std::size_t lines = 0;
   for (const std::size_t fits : {12U, 13U, 14U, 15U, 16U}) {
-    lines = 0;
-    for (const auto& page : Pages(report, fits)) {
-      EXPECT_LE(page.size(), fits);
-      for (std::size_t at = 1; at < page.size(); ++at) EXPECT_EQ(page[at].index, lines++);
-      EXPECT_FALSE(report.lines[page[1].index].sum) << fits;
-      EXPECT_FALSE(report.lines[page.back().index].lead) << fits;
+    for (const bool apart : {false, true}) {
+      lines = 0;
+      for (const auto& page : Pages(report, fits, 0, apart)) {
+        EXPECT_LE(page.size(), fits);
+        for (std::size_t at = 1; at < page.size(); ++at) {
+          const bool blank = page[at].kind == PageLine::Kind::Blank;
+          if (!blank) {
+            EXPECT_EQ(page[at].index, lines++);
+          }
+          const bool head = !blank && at > 1 && report.lines[page[at].index].lead;
+          EXPECT_EQ(head && apart, page[at - 1].kind == PageLine::Kind::Blank) << fits;
+        }
+        EXPECT_FALSE(report.lines[page[1].index].sum) << fits;
+        EXPECT_EQ(page.back().kind, PageLine::Kind::Line);
+        EXPECT_FALSE(report.lines[page.back().index].lead) << fits;
+      }
+      EXPECT_EQ(lines, 501U);
     }
-    EXPECT_EQ(lines, 501U);
   }
+}
+
+TEST_F(PrintTest, TablesAndFiltersAreThoseThatAPersonKnows) {
+  rows_.Add(20, "A", 123456, 0.1255);
+  accounts_.Add("S", 2);
+  input_.captions = [this](const DataSet& set) {
+    return &set == &rows_ ? SetCaptions{"Lançamentos", {{"Taxa", "Taxa %", 4}, {"Dia", "Dia", 2}}}
+                          : SetCaptions{};
+  };
+  input_.filters = {"Período: 01/11/2026 a 30/11/2026", "Conta: 001-X", "Situação: Pendente"};
+  const Report report = Make(
+      "subtitulo De 01/11/26 até 30/11/26\nvalor vSel de TbSaldo = TbSaldo.Valor\ndados TbRelatorio\n"
+      "coluna 20 Cliente\ncoluna 9 direita Valor\ndetalhe\n| [TbRelatorio.Nome] | [TbRelatorio.Valor] |\n");
+  // What is summed beforehand is the program's own; the days stand in the subtitle.
+  ASSERT_EQ(report.sets.size(), 1U);
+  EXPECT_EQ(report.sets[0].set, "Lançamentos");
+  EXPECT_EQ(TableCsv(report.sets[0]),
+            "\xEF\xBB\xBFTaxa %;Dia;Cliente;Valor\r\n0,1255;20/11/2026;A;1234,56\r\n");
+  EXPECT_EQ(Join(report.filters, "|"), "Conta: 001-X|Situação: Pendente");
+  EXPECT_NE(ReportHtml(report).find("<span>Conta: 001-X</span>"), std::string::npos);
 }
 
 TEST_F(PrintTest, TheScreenAnswersWhatTheReportDoesNotKnow) {
@@ -442,8 +470,8 @@ rodape
   EXPECT_NE(html.find("<td class=\"a n\">B</td>"), std::string::npos) << html;
   ASSERT_EQ(report.sets.size(), 3U);
   const ReportRows &outer = report.sets[0], &inner = report.sets[2];
-  EXPECT_EQ(outer.looks.at(0 * 4 + 1), kMuted | kMark) << "the field that the cell names, of its row";
-  EXPECT_EQ(outer.looks.at(1 * 4 + 1), kAlert);
+  EXPECT_EQ(outer.looks.at(0 * 2 + 0), kMuted | kMark) << "the field that the cell names, of its row";
+  EXPECT_EQ(outer.looks.at(1 * 2 + 0), kAlert);
   EXPECT_EQ(inner.looks.size(), 3U) << "of the rows that are printed";
   EXPECT_TRUE(report.sets[1].looks.empty());
   EXPECT_EQ(Written(report, "xlsx").substr(0, 2), "PK");

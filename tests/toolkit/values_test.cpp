@@ -10,6 +10,7 @@
 #include "toolkit/database.h"
 #include "toolkit/date.h"
 #include "toolkit/error.h"
+#include "toolkit/relative_period.h"
 #include "toolkit/shared_texts.h"
 #include "toolkit/text.h"
 #include "toolkit/value.h"
@@ -66,6 +67,22 @@ TEST(CurrencyTest, TakesWhatIsTypedOrSaysHowToWriteIt) {
     EXPECT_EQ(made, part.at(2)) << line;
   }
   EXPECT_GT(count, 30);
+}
+
+// The page's own tests read the same cases.
+TEST(RelativePeriodTest, HasItsDays) {
+  std::ifstream cases(ORV_FILES "periods.txt");
+  int count = 0;
+  for (std::string line; std::getline(cases, line); ++count) {
+    const auto part = Split(line, " ");
+    const Date today = Date::ParseNeutral(part.at(0));
+    const RelativePeriod* period = FindRelativePeriod(part.at(1));
+    ASSERT_NE(period, nullptr) << line;
+    const auto [from, to] = period->days(today);
+    EXPECT_EQ(from.Neutral() + " " + to.Neutral(), part.at(2) + " " + part.at(3)) << line;
+    EXPECT_EQ(RelativePeriodOf(from, to, today), period) << line;
+  }
+  EXPECT_GT(count, 8);
 }
 
 TEST(CurrencyTest, WritesAndRoundsHalfAwayFromZero) {

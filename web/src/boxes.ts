@@ -4,11 +4,13 @@ import type { upload } from "./api.ts";
 import type { Dialog } from "./dialogs/dialog.ts";
 import { FileDialog } from "./dialogs/file.ts";
 import { LookupDialog } from "./dialogs/lookup.ts";
+import { FavouritesDialog, KeepFavouriteDialog } from "./dialogs/favourites.ts";
+import { FiltersDialog } from "./dialogs/filters.ts";
 import { InputDialog, MessageDialog } from "./dialogs/message.ts";
 import { ProgressDialog } from "./dialogs/progress.ts";
 import { deliver, ReportDialog } from "./dialogs/report.ts";
 import { ConfirmDialog, DetailDialog } from "./dialogs/tables.ts";
-import type { In, Out, Question, SetRows } from "./protocol.ts";
+import type { FavouritesOut, FiltersOut, In, Out, Question, SetRows } from "./protocol.ts";
 
 export interface BoxesUser {
   // What stands under the boxes, from bottom to top.
@@ -30,7 +32,8 @@ export interface BoxesUser {
   // Something went well.
   told(text: string): void;
   // Asks for a report's file; `done` tells whether it was answered.
-  render(report: number | string, format: string, done: (answered: boolean) => void): void;
+  render(report: number | string, format: string, table: number, done: (answered: boolean) => void): void;
+  send(object: In): void;
 }
 
 export class Boxes {
@@ -115,11 +118,50 @@ export class Boxes {
     if (known !== undefined) return;
     const box: ReportDialog = new ReportDialog(
       out,
-      (format) => this.user.render(out.id, format, (answered) => answered || box.refused()),
+      (format, table) => this.user.render(out.id, format, table, (answered) => answered || box.refused()),
+      () => this.keepFavourite(out.id, out.title ?? ""),
       () => this.close(box),
     );
     this.show(box);
     box.begin();
+  }
+
+  // --- Kept filters and favourite reports.
+
+  // `used`: the filters stand on the screen now.
+  filters(out: FiltersOut, caption: string, used: boolean): void {
+    const known = this.own.find((box): box is FiltersDialog => box instanceof FiltersDialog);
+    if (known === undefined) {
+      if (used) return;
+      const box: FiltersDialog = new FiltersDialog(out, caption, (object) => this.user.send(object), () => this.close(box));
+      this.show(box);
+    } else if (used) {
+      this.close(known);
+    } else {
+      known.show(out);
+    }
+  }
+
+  favourites(out: FavouritesOut): void {
+    const known = this.own.find((box): box is FavouritesDialog => box instanceof FavouritesDialog);
+    if (known !== undefined) {
+      known.show(out);
+      return;
+    }
+    const box: FavouritesDialog = new FavouritesDialog(out, (object) => this.user.send(object), () => this.close(box));
+    this.show(box);
+  }
+
+  private keepFavourite(report: number | string, title: string): void {
+    const box: KeepFavouriteDialog = new KeepFavouriteDialog(
+      title,
+      (name, shared) => {
+        this.close(box);
+        this.user.send({ do: "favourites", act: "save", report, name, shared });
+      },
+      () => this.close(box),
+    );
+    this.show(box);
   }
 
   // --- The desk's question.

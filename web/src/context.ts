@@ -30,6 +30,8 @@ export interface DeskContext {
   help(of: HelpOf): void;
   // Shows a box of the page's own.
   box(make: (close: () => void) => Dialog): void;
+  // Brings the kept filters of the screen in front.
+  filters(): void;
   // What the user has set for his own display.
   remember(key: string, value: string | null): void;
   remembered(key: string): string | null;

@@ -138,6 +138,15 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     const box: Dialog = make(() => this.boxes.close(box));
     this.boxes.show(box);
   }
+  filters(): void {
+    this.act(() => this.send({ do: "filters" }));
+  }
+  favourites(): void {
+    this.typing.later(() => {
+      this.top?.commit();
+      this.send({ do: "favourites" });
+    });
+  }
   remember(key: string, value: string | null): void {
     if (value === null) this.options.preferences.delete(key);
     else this.options.preferences.set(key, value);
@@ -260,6 +269,15 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
       case "report":
         this.boxes.report(out);
         break;
+      case "filters": {
+        if (out.left.length > 0) this.frame.toast("warning", `Não foram preenchidos: ${out.left.join(", ")}.`);
+        this.boxes.filters(out, this.top?.caption ?? "", this.asking("use"));
+        break;
+      }
+      case "favourites":
+        if (this.asking("save")) this.frame.toast("stored", "Relatório guardado como favorito. Ctrl+Alt+F mostra os favoritos.");
+        else this.boxes.favourites(out);
+        break;
       case "progress":
         this.boxes.showProgress(out);
         break;
@@ -296,6 +314,11 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     const { object, press } = this.door.queue.current ?? {};
     const opened = screen.change(out, object?.do === "choose");
     if (opened && press && object?.["screen"] === screen.id) screen.began(String(object["control"]));
+  }
+
+  // What is answered just now is this act.
+  private asking(act: string): boolean {
+    return this.door.queue.current?.object["act"] === act;
   }
 
   private session = "";
@@ -442,8 +465,8 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   told(text: string): void {
     this.frame.toast("stored", text);
   }
-  render(id: number | string, format: string, done: (answered: boolean) => void): void {
-    this.send({ do: "report", id, format }, { done: (outcome) => done(outcome === "answered") });
+  render(id: number | string, format: string, table: number, done: (answered: boolean) => void): void {
+    this.send({ do: "report", id, format, table }, { done: (outcome) => done(outcome === "answered") });
   }
 
   private failed(text: string): void {
@@ -508,6 +531,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     if (ctrl && alt && key.toLowerCase() === "g") {
       if (this.guide.walking) this.guide.end();
       else this.walk();
+      return true;
+    }
+    if (ctrl && alt && key.toLowerCase() === "f") {
+      if (!this.top?.dialog) this.favourites();
       return true;
     }
     if (ctrl && alt && key.toLowerCase() === "r") {

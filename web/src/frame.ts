@@ -9,6 +9,7 @@ export interface FrameUser {
   raise(id: number): void;
   close(id: number): void;
   leave(): void;
+  favourites(): void;
   menuClosed(): void;
 }
 
@@ -57,6 +58,8 @@ export class Frame {
       el("span", {}, "Telas"),
     );
     this.menuButton.addEventListener("click", () => this.toggleMenu());
+    const favourites = el("button", { type: "button", class: "top-button", "aria-keyshortcuts": "Control+Alt+F", title: "Relatórios favoritos (Ctrl+Alt+F)" }, icon("star"), el("span", { class: "wide-only" }, "Favoritos"));
+    favourites.addEventListener("click", () => user.favourites());
     this.overBox.addEventListener("focusout", (event) => {
       const to = event.relatedTarget;
       if (to === this.menuButton) return;
@@ -71,6 +74,7 @@ export class Frame {
       { class: "top" },
       el("div", { class: "brand", "aria-label": "orvCC", role: "img" }, el("span", { class: "brand-mark" }), el("span", {}, "orv"), el("strong", {}, "CC")),
       this.menuButton,
+      favourites,
       this.tabs,
       el(
         "div",

@@ -112,7 +112,7 @@ export function spans(row: Unit[]): number[] {
   return asked;
 }
 
-const kParts = new Set(["bar", "more", "form", "sides", "sums", "actions"]);
+const kParts = new Set(["bar", "more", "picture", "form", "sides", "sums", "actions"]);
 
 // A part of the screen between it and its controls.
 export function isPart(node: TreeNode): boolean {
@@ -126,6 +126,8 @@ export function roleOf(node: TreeNode): string {
 // What is better for every pixel of height: lists of rows and what holds them.
 export function isTall(node: TreeNode): boolean {
   if (node.kind === "grid" || node.kind === "chart") return true;
+  // Folded away until it is asked for.
+  if (node.kind === "picture") return false;
   return (node.layout ?? []).some((row) => row.some(isTall));
 }
 

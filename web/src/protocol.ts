@@ -111,9 +111,46 @@ export interface ReportOut {
   identifier?: string;
   title?: string;
   formats?: string[];
+  // The tables that it can be taken away as.
+  tables?: string[];
+  // It can be made again from its screen.
+  favourite?: boolean;
   // Of an answer to a form that was asked for.
   format?: string;
   address?: string;
+}
+
+// The filters that are kept for the bar of a screen.
+export interface KeptFilter {
+  name: string;
+  shared: boolean;
+  told: string[];
+}
+export interface FiltersOut {
+  on: "filters";
+  screen: number;
+  list: KeptFilter[];
+  // What the bar says now; whether some of its days move with today.
+  now: string[];
+  moves: boolean;
+  // The screen begins with the latest ones.
+  latest: boolean;
+  mayShare: boolean;
+  // Captions of the fields that didn't take what was kept.
+  left: string[];
+}
+
+export interface Favourite {
+  name: string;
+  shared: boolean;
+  screen: string;
+  title: string;
+  mayOpen: boolean;
+}
+export interface FavouritesOut {
+  on: "favourites";
+  list: Favourite[];
+  mayShare: boolean;
 }
 
 export interface ProgressOut {
@@ -164,6 +201,8 @@ export type Out =
   | { on: "closed"; screen: number }
   | Question
   | ReportOut
+  | FiltersOut
+  | FavouritesOut
   | ProgressOut
   | { on: "busy"; value: boolean }
   | NoteOut

@@ -1,8 +1,8 @@
 // A screen, drawn from its tree: its controls, its focus, its keys.
-import { el, icon, uniqueId } from "./dom.ts";
+import { el, icon, uniqueId, writeCaption } from "./dom.ts";
 import { insertInto, pressInto, type Press } from "./keys.ts";
 import { isActions, isDescription, isPart, isTall, roleOf, spans, units, type Unit } from "./layout.ts";
-import { plain, readCaption } from "./text/caption.ts";
+import { plain, readCaption, withKey } from "./text/caption.ts";
 import { ButtonView, LookupButtonView, MenuItemView, MenuView } from "./controls/button.ts";
 import { RadioView } from "./controls/choice.ts";
 import { PagesView, PageView, PanelView } from "./controls/container.ts";
@@ -32,6 +32,10 @@ export class ScreenView implements ScreenContext {
   private byName = new Map<string, ControlView>();
   private close: HTMLButtonElement | null = null;
   private folds: Fold[] = [];
+  // What brings the kept filters, one a bar, and the letter that does.
+  private filterButtons: HTMLButtonElement[] = [];
+  private filtersKey = "";
+  private pictures: Fold[] = [];
 
   constructor(
     readonly desk: DeskContext,
@@ -46,6 +50,7 @@ export class ScreenView implements ScreenContext {
     this.badge = out.badge ?? "";
     const body = el("div", { class: "screen-body rows" });
     this.drawRows(body, out.tree.layout);
+    this.placePictures(body);
     this.lendCaptions();
     this.lendKeys();
     if (this.dialog) {
@@ -134,12 +139,16 @@ export class ScreenView implements ScreenContext {
       case "more":
         this.drawFold(rows, element);
         break;
+      case "picture":
+        this.drawPicture(rows, element);
+        break;
       case "bar":
       case "sums":
       case "actions":
         element.classList.add("row");
         if (node.kind === "actions") element.classList.add("row-actions", "row-last");
         for (const unit of rows.flatMap(units)) element.append(this.drawUnit(unit));
+        if (node.kind === "bar" && rows.flat().some((one) => roleOf(one) === "primary")) this.drawFilters(element);
         break;
       default:
         element.classList.add("rows");
@@ -150,7 +159,7 @@ export class ScreenView implements ScreenContext {
 
   private drawFold(rows: TreeNode[][], into: HTMLElement): void {
     const key = `${this.screenClass}.fold${this.folds.length}`;
-    const fold = new Fold(this.desk.remembered(key) === "1", (open) => {
+    const fold = new Fold(this.desk.remembered(key) === "1", ["Mais filtros", "Menos filtros", "filter"], (open) => {
       this.desk.remember(key, open ? "1" : null);
       this.hideEmptyRows();
       // Who is in what goes out of sight comes to what follows it.
@@ -162,6 +171,33 @@ export class ScreenView implements ScreenContext {
     this.drawRows(fold.body, rows);
     fold.take(this.controls.slice(from));
     into.append(fold.button, fold.body);
+  }
+
+  // A chart that is asked for by a button among the screen's actions, so that closed it takes no room.
+  private drawPicture(rows: TreeNode[][], into: HTMLElement): void {
+    const key = `${this.screenClass}.chart`;
+    const fold = new Fold(this.desk.remembered(key) === "1", ["Gráfico", "Fechar gráfico", "chart"], (open) => this.desk.remember(key, open ? "1" : null));
+    this.folds.push(fold);
+    this.pictures.push(fold);
+    this.drawRows(fold.body, rows);
+    into.append(fold.body);
+  }
+  private placePictures(body: HTMLElement): void {
+    const actions = [...body.querySelectorAll<HTMLElement>(".part-actions")].pop();
+    for (const fold of this.pictures) {
+      if (actions === undefined) fold.body.before(fold.button);
+      else actions.insertBefore(fold.button, actions.querySelector(":scope > .role-apart"));
+    }
+  }
+
+  // Filters under names, behind a button at the end of the bar.
+  private drawFilters(bar: HTMLElement): void {
+    if (this.dialog) return;
+    const button = el("button", { type: "button", class: "button filters-button", tabindex: "-1", "aria-haspopup": "dialog" });
+    button.addEventListener("mousedown", (event) => event.preventDefault());
+    button.addEventListener("click", () => this.desk.filters());
+    bar.append(button);
+    this.filterButtons.push(button);
   }
 
   private drawUnit(unit: Unit): HTMLElement {
@@ -238,9 +274,16 @@ export class ScreenView implements ScreenContext {
       button.render();
     }
     for (const fold of this.folds) {
-      fold.key = free("Mais filtros", new Set());
+      fold.key = free(fold.captions[0], new Set());
       taken.add(fold.key);
       fold.render();
+    }
+    if (this.filterButtons.length === 0) return;
+    this.filtersKey = free("Filtros guardados", new Set());
+    for (const button of this.filterButtons) {
+      writeCaption(button, `${withKey("Filtros", this.filtersKey)} ▾`);
+      button.title = "Filtros guardados";
+      if (this.filtersKey !== "") button.setAttribute("aria-keyshortcuts", `Alt+${this.filtersKey.toUpperCase()}`);
     }
   }
 
@@ -445,9 +488,15 @@ export class ScreenView implements ScreenContext {
 
   // What can be pressed now, and by which letter.
   get keysShown(): { key: string; caption: string }[] {
-    return this.controls
+    const buttons = this.controls
       .filter((control) => control instanceof ButtonView && control.visible && control.enabled && control.accessKey !== "")
-      .map((control) => ({ key: `Alt+${control.accessKey.toUpperCase()}`, caption: control.caption }));
+      .map((control) => ({ key: control.accessKey, caption: control.caption }));
+    const folds = this.folds.filter((fold) => fold.button.offsetParent !== null).map((fold) => ({ key: fold.key, caption: fold.captions[fold.open ? 1 : 0] }));
+    const filters = this.filtersShown ? [{ key: this.filtersKey, caption: "Filtros guardados: guardar, usar, excluir" }] : [];
+    return [...buttons, ...folds, ...filters].filter(({ key }) => key !== "").map(({ key, caption }) => ({ key: `Alt+${key.toUpperCase()}`, caption }));
+  }
+  private get filtersShown(): boolean {
+    return this.filterButtons.some((button) => button.offsetParent !== null);
   }
 
   private turnPage(forward: boolean): boolean {
@@ -463,6 +512,11 @@ export class ScreenView implements ScreenContext {
       fold.set(!fold.open);
       const first = fold.open ? fold.first : undefined;
       if (first !== undefined) this.userFocus(first);
+      return true;
+    }
+    if (key === this.filtersKey && this.filtersShown) {
+      this.commit();
+      this.desk.filters();
       return true;
     }
     const at = this.controls.findIndex((control) => control.name === this.focusName);

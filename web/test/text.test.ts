@@ -2,9 +2,10 @@ import { strict as assert } from "node:assert";
 import { readFileSync } from "node:fs";
 import { test } from "node:test";
 import { readCaption } from "../src/text/caption.ts";
-import { completeDate, showDate } from "../src/text/date.ts";
+import { completeDate, fromNeutral, showDate } from "../src/text/date.ts";
 import { fit } from "../src/text/match.ts";
 import { addAmounts, isAmount, readAmount, showAmount, showCount } from "../src/text/money.ts";
+import { periods } from "../src/text/periods.ts";
 import { acceptOf } from "../src/dialogs/file.ts";
 import { shownCell } from "../src/dialogs/cells.ts";
 import { scale } from "../src/controls/chart_scale.ts";
@@ -31,6 +32,15 @@ test("a date is completed from what was typed", () => {
   // What is no date stays as it was typed, for the desk to refuse.
   for (const typed of ["30", "31/4", "29/02/2027", "0", "123", "5/13", "32/01/2027", "abc", "1/2/3/4"]) {
     assert.equal(completeDate(typed, today), typed);
+  }
+});
+
+test("relative periods have the days that the desk gives them", () => {
+  // The desk's own tests read the same cases.
+  for (const line of readFileSync("../tests/toolkit/files/periods.txt", "utf8").trimEnd().split("\n")) {
+    const [today = "", code, ...days] = line.split(" ");
+    const period = periods(fromNeutral(today)!).find((one) => one.code === code);
+    assert.deepEqual(period?.days, days.map(fromNeutral), line);
   }
 });
 

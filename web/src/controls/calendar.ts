@@ -1,6 +1,7 @@
 // The calendar of a date field, with the usual periods where the field is an end of one.
 import { el, icon } from "../dom.ts";
 import { addDays, brazil, monthDays, weekday, type Day } from "../text/date.ts";
+import { monthOf, periods } from "../text/periods.ts";
 
 export interface CalendarUser {
   today: Day;
@@ -16,30 +17,6 @@ export interface CalendarUser {
 
 const kMonths = ["Janeiro", "Fevereiro", "Março", "Abril", "Maio", "Junho", "Julho", "Agosto", "Setembro", "Outubro", "Novembro", "Dezembro"];
 const kWeek = ["dom", "seg", "ter", "qua", "qui", "sex", "sáb"];
-
-function monthOf(day: Day, months: number): Day {
-  const count = day.year * 12 + day.month - 1 + months;
-  return { year: Math.floor(count / 12), month: (count % 12) + 1, day: 1 };
-}
-
-function whole(first: Day, months: number): [Day, Day] {
-  return [first, addDays(monthOf(first, months), -1)];
-}
-
-// The periods that are asked for most.
-function periods(today: Day): [string, [Day, Day]][] {
-  const month = { ...today, day: 1 };
-  const year = { year: today.year, month: 1, day: 1 };
-  return [
-    ["Hoje", [today, today]],
-    ["Últimos 7 dias", [addDays(today, -6), today]],
-    ["Este mês", whole(month, 1)],
-    ["Mês passado", whole(monthOf(today, -1), 1)],
-    ["Próximos 30 dias", [today, addDays(today, 29)]],
-    ["Este ano", whole(year, 12)],
-    ["Ano passado", whole({ ...year, year: today.year - 1 }, 12)],
-  ];
-}
 
 export class Calendar {
   private readonly element: HTMLElement;
@@ -63,7 +40,7 @@ export class Calendar {
     this.element = el("div", { class: "popup calendar", role: "dialog", "aria-label": "Calendário" }, month);
     if (user.period) {
       const list = el("div", { class: "calendar-periods" });
-      for (const [name, [from, to]] of periods(user.today)) {
+      for (const { name, days: [from, to] } of periods(user.today)) {
         const button = el("button", { type: "button", class: "menu-item" }, name);
         button.addEventListener("click", () => this.end(() => user.choosePeriod(from, to)));
         list.append(button);

@@ -18,6 +18,8 @@ const kHeight = 300;
 const kLeft = 96;
 const kBottom = 44;
 const kTop = 12;
+// Of more points than these only some values stand on the line.
+const kMarked = 15;
 
 export class ChartView extends ControlView {
   readonly element: HTMLElement;
@@ -54,7 +56,7 @@ export class ChartView extends ControlView {
     const pages = this.number("pages", 1);
     this.legend.replaceChildren(
       ...this.series.map((one, at) =>
-        el("span", { class: "chart-key" }, el("span", { class: `chart-swatch series-${at % 4} ${one.line ? "is-line" : ""}` }), one.title),
+        el("span", { class: "chart-key" }, el("span", { class: `chart-swatch series-${at % 4} ${one.line ? "is-line" : this.series.slice(0, at).filter((other) => !other.line).length % 2 === 1 ? "is-hatched" : ""}` }), one.title),
       ),
       ...(pages > 1 ? [el("span", { class: "chart-page" }, `Página ${this.number("page") + 1} de ${pages}`)] : []),
     );
@@ -95,7 +97,9 @@ export class ChartView extends ControlView {
     const y = (value: number): number => kTop + ((high - value) / (high - low)) * (kHeight - kTop - kBottom);
     const slot = (kWidth - kLeft - 8) / points;
     const x = (at: number): number => kLeft + slot * (at + 0.5);
-    const parts: SVGElement[] = [];
+    const hatch = uniqueId("hatch");
+    const lines = svg("path", { class: "chart-hatch", d: "M0 6 6 0M-1.500 1.500 1.500 -1.500M4.500 7.500 7.500 4.500" });
+    const parts: SVGElement[] = [svg("defs", {}, svg("pattern", { id: hatch, width: 6, height: 6, patternUnits: "userSpaceOnUse" }, lines))];
     for (const tick of ticks) {
       parts.push(svg("line", { class: "chart-line", x1: kLeft, x2: kWidth - 8, y1: y(tick), y2: y(tick) }));
       const text = svg("text", { class: "chart-text", x: kLeft - 8, y: y(tick) + 4, "text-anchor": "end" });
@@ -128,6 +132,12 @@ export class ChartView extends ControlView {
               title,
             );
         parts.push(shape);
+        if (one.line || bar % 2 === 0) return;
+        const over = shape.cloneNode(false) as SVGElement;
+        over.removeAttribute("class");
+        over.setAttribute("fill", `url(#${hatch})`);
+        over.setAttribute("pointer-events", "none");
+        parts.push(over);
       });
       if (!one.line) bar += 1;
       else parts.push(...this.marks(values, this.texts[at]!, x, y));
@@ -144,12 +154,16 @@ export class ChartView extends ControlView {
       parts.push(text);
     });
     const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, "aria-hidden": "true" }, ...parts);
-    this.plot.replaceChildren(drawing, this.table());
+    // Beside a report's rows the figures stand for all to read.
+    const beside = this.element.closest(".part-picture") !== null;
+    const table = this.table(beside ? "chart-table" : "unseen");
+    this.plot.replaceChildren(drawing, beside ? el("div", { class: "chart-figures", role: "region", "aria-label": "Números do gráfico", tabindex: "0" }, table) : table);
   }
 
   // The values at the points of a line, each above its point or, where the line rises from it, below.
   private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number): SVGElement[] {
-    return values.map((value, i) => {
+    const told = new Set(values.length <= kMarked ? values.keys() : [0, values.length - 1, values.indexOf(Math.min(...values))]);
+    return values.map((value, i) => [value, i] as const).filter(([, i]) => told.has(i)).map(([value, i]) => {
       const below = (values[i + 1] ?? value) > value && y(value) < kHeight - kBottom - 20;
       const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": "middle" });
       mark.textContent = texts[i]!.replace(/,\d+$/, "");
@@ -158,12 +172,12 @@ export class ChartView extends ControlView {
   }
 
   // The figures for who doesn't see the drawing.
-  private table(): HTMLElement {
+  private table(look: string): HTMLElement {
     const row = (cell: "th" | "td", scope: string, head: string, texts: string[]): HTMLElement =>
       el("tr", {}, el("th", { scope }, head), ...texts.map((text) => el(cell, cell === "th" ? { scope: "col" } : {}, text)));
     return el(
       "table",
-      { class: "unseen", "aria-label": this.caption || "Gráfico" },
+      { class: look, "aria-label": this.caption || "Gráfico" },
       row("th", "col", "Ponto", this.series.map((one) => one.title)),
       ...this.labels.map((label, i) => row("td", "row", label, this.texts.map((texts) => texts[i]!))),
     );

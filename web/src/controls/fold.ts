@@ -1,4 +1,4 @@
-// Filters that are seldom set, behind a button that tells how many of them are.
+// What is out of sight until it is asked for. Of filters that are seldom set the button tells how many are.
 import { el, icon, uniqueId, writeCaption } from "../dom.ts";
 import { withKey } from "../text/caption.ts";
 import type { ControlView } from "./control.ts";
@@ -21,11 +21,13 @@ export class Fold {
 
   constructor(
     open: boolean,
+    // While it is closed, while it is open, and its sign.
+    readonly captions: [string, string, string],
     private readonly toggled: (open: boolean) => void,
   ) {
     const id = uniqueId("more");
     this.body = el("div", { class: "rows fold", id, hidden: !open });
-    this.button = el("button", { type: "button", class: "button fold-button", tabindex: "-1", "aria-expanded": String(open), "aria-controls": id }, icon("filter"), this.label, this.count);
+    this.button = el("button", { type: "button", class: "button fold-button", tabindex: "-1", "aria-expanded": String(open), "aria-controls": id }, icon(captions[2]), this.label, this.count);
     this.button.addEventListener("mousedown", (event) => event.preventDefault());
     this.button.addEventListener("click", () => this.set(!this.open));
     this.render();
@@ -55,7 +57,7 @@ export class Fold {
   }
 
   render(): void {
-    writeCaption(this.label, withKey(this.open ? "Menos filtros" : "Mais filtros", this.key));
+    writeCaption(this.label, withKey(this.captions[this.open ? 1 : 0], this.key));
     if (this.key !== "") this.button.setAttribute("aria-keyshortcuts", `Alt+${this.key.toUpperCase()}`);
     const set = [...this.inside].filter(([control, value]) => control.takesFocus && valueOf(control) !== value).length;
     this.count.textContent = set === 0 ? "" : String(set);

@@ -22,7 +22,8 @@ export class ReportDialog extends Dialog {
 
   constructor(
     private out: ReportOut,
-    private render: (format: string) => void,
+    private render: (format: string, table: number) => void,
+    keep: () => void,
     close: () => void,
   ) {
     super({ title: out.title ?? "Relatório", className: "dialog-report", cancel: close });
@@ -34,20 +35,25 @@ export class ReportDialog extends Dialog {
     this.print.disabled = true;
     for (const format of formats) {
       const caption = kCaptions[format];
-      if (caption !== undefined) this.addButton({ caption, run: () => this.ask(format) });
+      if (caption === undefined) continue;
+      // A file has one table.
+      const tables = format === "csv" ? (out.tables ?? []) : [];
+      if (tables.length < 2) this.addButton({ caption, run: () => this.ask(format) });
+      else tables.forEach((name, table) => this.addButton({ caption: table === 0 ? `${caption}: ${name}` : `CSV: ${name}`, run: () => this.ask(format, table) }));
     }
+    if (out.favourite === true) this.addButton({ caption: "&Guardar como favorito…", run: keep });
     this.addButton({ caption: "&Fechar", run: close });
   }
 
   // Asks for what the pane shows; once it stands on the page.
   begin(): void {
-    if (this.shown !== "") this.render(this.shown);
+    if (this.shown !== "") this.render(this.shown, 0);
   }
 
-  private ask(format: string): void {
+  private ask(format: string, table = 0): void {
     this.status.hidden = false;
     this.status.textContent = "Preparando o arquivo…";
-    this.render(format);
+    this.render(format, table);
   }
 
   get id(): number | string {
