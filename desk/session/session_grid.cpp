@@ -82,8 +82,9 @@ Json Session::Sums(const TOrvDBGrid& grid, const Json& ranges) {
   int64_t next = 0;
   int64_t count = 0;
   for (const Json& range : ranges.Items()) {
-    const int64_t from = range.Items().at(0).Integer();
-    const int64_t to = range.Items().at(1).Integer();
+    if (range.Items().size() != 2) throw RequestError("As linhas se escolhem de uma a outra.");
+    const int64_t from = range.Items()[0].Integer();
+    const int64_t to = range.Items()[1].Integer();
     if (from < next || to < from || to >= all || chosen.size() == kMostRanges)
       throw RequestError("As linhas escolhidas não existem mais.");
     chosen.emplace_back(from, to);

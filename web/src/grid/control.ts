@@ -3,11 +3,10 @@
 import { el, icon } from "../dom.ts";
 import { insertInto, isCharacter, type Press } from "../keys.ts";
 import { completeDate, brazil } from "../text/date.ts";
-import { isAmount } from "../text/money.ts";
+import { isAmount, showCount } from "../text/money.ts";
 import { ControlView, type ScreenContext } from "../controls/control.ts";
 import type { Properties, SetState, StateOut, TreeNode } from "../protocol.ts";
 import { ColumnsDialog } from "../dialogs/columns.ts";
-import { showCount } from "../text/money.ts";
 import { kBlock } from "./blocks.ts";
 import { countOf, holds, joined, without, type Range } from "./chosen.ts";
 import { kNarrowest, readColumn, type Column } from "./columns.ts";
@@ -85,8 +84,7 @@ export class GridControl extends ControlView implements GridOwner {
     this.grid.scroller.setAttribute("aria-readonly", String(!this.editable));
     this.grid.letters = this.number("fontSize");
     this.lay();
-    const sorted = this.flag("descending") ? "descending" : "ascending";
-    this.grid.setSort(this.text("sort"), sorted);
+    this.grid.setSort(this.sorted.field, this.sorted.sorted);
     this.element.classList.toggle("is-editable", this.editable);
   }
 
@@ -169,7 +167,9 @@ export class GridControl extends ControlView implements GridOwner {
     });
   }
   private numberOf(place: number): number | undefined {
-    return this.arranged ? this.grid.blocks.number(place) : place;
+    if (!this.arranged) return place;
+    // A row that has just been added is known before its block.
+    return place === this.number("viewRow", -1) ? this.state.row : this.grid.blocks.number(place);
   }
 
   // --- Order, search, sums.
@@ -494,8 +494,10 @@ export class GridControl extends ControlView implements GridOwner {
     }
     if (key === "Escape") {
       if (this.editable && (this.state.state === "edit" || this.state.state === "insert")) this.cellKey(key);
-      else if (this.grid.chosen.length > 0) this.grid.choose([]);
-      else if (this.find.shown) this.find.close();
+      else if (this.grid.chosen.length > 0) {
+        this.sticky = false;
+        this.grid.choose([]);
+      } else if (this.find.shown) this.find.close();
       else return false;
       return true;
     }
