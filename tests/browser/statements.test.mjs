@@ -121,6 +121,7 @@ test("the forecast is narrowed, gathered, followed to its source, corrected and 
   assert.deepEqual(await findings(page), []);
   const last = async () => (await rows(page, "Saldos"))[1].split("|")[1];
   const before = await last();
+  const entries = await rows(page, "Entradas");
   // What of a class is overdue.
   await keys(page, "Tab");
   await focusIs(page, "Entradas");
@@ -139,6 +140,8 @@ test("the forecast is narrowed, gathered, followed to its source, corrected and 
   await keys(page, "Control+PageUp");
   const cents = (text) => Number(text.replace(/[.,]/g, ""));
   await until("saldo digitado", async () => cents(await last()) === cents(before) + 123456);
+  // What was out of sight shows the rows that it showed.
+  assert.deepEqual(await rows(page, "Entradas"), entries);
   await keys(page, "Alt+i");
   await readReport("Relatório de Projeção de Fluxo", "WRelPrevFluxo");
 });
