@@ -213,12 +213,12 @@ export class GridView {
     if (this.anchor >= count) this.anchor = -1;
     this.bar = this.scroll.moveTo(this.scroll.top);
     this.draw();
-    // Without waiting for the frame.
+    // Asked for without waiting for the frame.
     this.askMissing();
   }
 
   store(version: number, block: number, rows: string[][]): void {
-    if (this.blocks.store(version, block, rows)) this.draw();
+    if (this.blocks.store(version, block, rows)) this.drawNow();
   }
 
   // Makes a row current for the eye, and brings it into sight.
