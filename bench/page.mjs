@@ -1,5 +1,5 @@
 // The page in the system's Chromium: how soon a screen is drawn, what is sent for it, how the grid keeps up.
-import { launch, logIn, openPage, openScreen, dist, until } from "../tests/browser/support/browser.mjs";
+import { enter as enterReal, focusIs, grid, keys, launch, logIn, openPage, openScreen, dist, until } from "../tests/browser/support/browser.mjs";
 import { startRealDesk } from "../tests/browser/support/real_desk.mjs";
 import { startSmallDesk } from "../tests/browser/support/small_desk.mjs";
 
@@ -54,6 +54,65 @@ async function pageBytes(browser, url) {
   await page.getByRole("button", { name: "Incluir" }).waitFor();
   await context.close();
   return bytes;
+}
+
+// Milliseconds from a key to the frame in which a condition of the page holds that didn't before.
+async function drawnAfter(page, key, there, ...told) {
+  await page.evaluate(
+    ([key, there, ...told]) => {
+      const holds = new Function("told", `return ${there}`);
+      window.drawn = new Promise((resolve, reject) => {
+        setTimeout(() => reject(new Error("never drawn")), 10_000);
+        let pressed = 0;
+        const look = () => (pressed > 0 && holds(told) ? requestAnimationFrame((now) => resolve(now - pressed)) : requestAnimationFrame(look));
+        const heard = (event) => {
+          if (event.key !== key || pressed > 0) return;
+          pressed = event.timeStamp;
+          requestAnimationFrame(look);
+        };
+        document.addEventListener("keydown", heard, { capture: true });
+      });
+    },
+    [key.split("+").pop(), there, ...told],
+  );
+  await page.keyboard.press(key);
+  return page.evaluate(() => window.drawn);
+}
+
+// Milliseconds from the Tab that ends a simulated amount to its balances, and from the key of the tab to the
+// chart, over 400 days of the analysis.
+async function simulated(browser, desk) {
+  const page = await enterReal(browser, desk);
+  await openScreen(page, "anális", "Relatório de Análise de Fluxo de Caixa");
+  await page.getByRole("radio", { name: "Diária" }).click();
+  await page.getByRole("button", { name: "Mais filtros" }).click();
+  await page.getByRole("checkbox", { name: "Considerar Dias S/ Mov." }).click();
+  await page.getByRole("button", { name: "Menos filtros" }).click();
+  await page.getByRole("textbox", { name: "Até", exact: true }).click();
+  await keys(page, "24122027", "Tab", "Alt+c");
+  const periods = grid(page, "Períodos");
+  await until("400 períodos", async () => Number(await periods.getAttribute("aria-rowcount")) >= 400);
+  await keys(page, "Tab");
+  await focusIs(page, "Períodos");
+  await keys(page, "Control+Home", "ArrowDown", "Control+ArrowRight", "ArrowLeft");
+  const balance = () => periods.locator('.grid-row[aria-rowindex="5"] > :last-child').textContent();
+  const kBalances = `[...document.querySelectorAll('.screen:not([hidden]) .grid-row:not(.is-loading)[aria-rowindex="5"] > :last-child')].some((cell) => cell.offsetParent !== null && cell.textContent !== told[0])`;
+  const kChart = `[...document.querySelectorAll(".screen:not([hidden]) .chart-bar")].some((bar) => bar.getBoundingClientRect().height > 0)`;
+  const times = { balances: Infinity, chart: Infinity };
+  for (let i = 0; i < 8 * kRuns; ++i) {
+    await keys(page, String(1000 + i));
+    times.balances = Math.min(times.balances, await drawnAfter(page, "Tab", kBalances, await balance()));
+    await keys(page, "ArrowLeft");
+  }
+  // From a tab whose own way is told by a column that has no detail.
+  await keys(page, "Control+ArrowLeft");
+  for (let i = 0; i < kRuns; ++i) {
+    await page.getByRole("tab", { name: "Detalhamento" }).click();
+    await page.getByRole("tab", { name: "Detalhamento", selected: true }).waitFor();
+    times.chart = Math.min(times.chart, await drawnAfter(page, "Control+PageDown", kChart));
+  }
+  await page.context().close();
+  return times;
 }
 
 async function enter(browser, desk) {
@@ -124,6 +183,9 @@ const small = await startSmallDesk(dist);
 try {
   print("the ledger drawn after the click", await least(() => drawLedger(browser, real.url)), 300, "ms");
   print("the whole page as it is sent", (await pageBytes(browser, real.url)) / 1024, 150, "KB");
+  const { balances, chart } = await simulated(browser, real);
+  print("a simulated amount's balances, 400 periods", balances, 50, "ms");
+  print("the chart of 400 periods", chart, 50, "ms");
   print("300 arrow keys down the grid, 30 ms away", await least(() => arrows(browser, small)), 2.5, "s");
   print("heap after a walk over a million rows, ratio", await heapGrowth(browser, small), 1.2, "");
 } finally {

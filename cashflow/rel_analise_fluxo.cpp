@@ -129,10 +129,9 @@ TfmRelAnaliseFluxo::TfmRelAnaliseFluxo(Application& application)
   ListField(edtBanco, pqBanco, "BANCO", Choice::Adds, btnClearBancos);
   for (const Tipo& tipo : kTipos) {
     if (tipo.caixa != nullptr) (this->*tipo.caixa).OnChange = [this, &tipo] { ClicaTipo(tipo); };
-    if (tipo.total == nullptr) continue;
-    (this->*tipo.total).SetReadOnly(true);
-    (this->*tipo.total).SetAmount(Currency());
+    if (tipo.total != nullptr) (this->*tipo.total).SetReadOnly(true);
   }
+  ZeraTotais();
   CbClasse.OnChange = [this] { CbClasseClick(); };
   BitBtn29.OnClick = [this] { BitBtn29Click(); };
   BitBtn33.OnClick = [this] { BitBtn33Click(); };

@@ -315,6 +315,7 @@ class ORV_EXPORT TfmRelAnaliseFluxo : public ReportScreen {
   void OrvDBGrid1Exit();
   void ClicaTipo(const Tipo& tipo);
   void ZeraTipo(const Tipo& tipo);
+  void ZeraTotais();
   // The kinds that were hidden with what they took along: "Cheque Rec. 10,00, Valor Venda 5,00".
   std::string Ocultos() const;
   std::string OcultosQueContam();

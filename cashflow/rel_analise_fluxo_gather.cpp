@@ -48,6 +48,11 @@ constexpr const char* kForaP = " AND RECEBER.SITUACAO <> 'P'";
 
 void TfmRelAnaliseFluxo::BitBtn29Click() {
   LbConsulta.Mostra("A última consulta não terminou: faltam lançamentos.");
+  // What stays of a gathering that doesn't end has no sums, and none of an earlier one stand beside it.
+  LbMenor.SetCaption("");
+  TbMenor.EmptyDataSet();
+  TbClasseData.EmptyDataSet();
+  ZeraTotais();
   Gather(
       {&TbRelatorio, &TbDetalha, &TbSaldo, &TbClasseData}, [this](Gathering& andamento) { Monta(andamento); },
       Half::Stays);
@@ -81,7 +86,6 @@ void TfmRelAnaliseFluxo::Monta(Gathering& andamento) {
   TbDetalha.SetIndexFieldNames("Vencto");
   TbRelatorio.SetIndexFieldNames("CodPer");
   Gera_Analise(andamento);
-  TbClasseData.EmptyDataSet();
   if (CbClasse.Checked()) GeraAnaliseClasseMes(andamento);
   if (CbTodosDias.Checked()) AdicionaDiasSemMov();
   CalculaSaldo();

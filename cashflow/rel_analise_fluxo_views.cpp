@@ -338,6 +338,12 @@ void TfmRelAnaliseFluxo::ZeraTipo(const Tipo& tipo) {
   }
 }
 
+void TfmRelAnaliseFluxo::ZeraTotais() {
+  for (const Tipo& tipo : kTipos) {
+    if (tipo.total != nullptr) (this->*tipo.total).SetAmount(Currency());
+  }
+}
+
 std::string TfmRelAnaliseFluxo::Ocultos() const {
   std::vector<std::string> ditos;
   for (const Tipo& tipo : kTipos) {

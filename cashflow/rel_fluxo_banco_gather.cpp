@@ -12,13 +12,17 @@
 namespace orv {
 
 void TfmRelFluxoBanco::btnConfirmaClick() {
-  QryPagar.Close();
-  QryReceber.Close();
   LbMenor.SetCaption("");
   BtFora.SetVisible(false);
   LbConsulta.Mostra("A última consulta não terminou. Confirme de novo.");
-  Gather({&TbSaldo, &TbChequePendente, &tbDebitosCreditos, &TbContas},
-         [this](Gathering& andamento) { Monta(andamento); });
+  try {
+    Gather({&TbSaldo, &TbChequePendente, &tbDebitosCreditos, &TbContas},
+           [this](Gathering& andamento) { Monta(andamento); });
+  } catch (...) {
+    QryPagar.Close();
+    QryReceber.Close();
+    throw;
+  }
 }
 
 void TfmRelFluxoBanco::Monta(Gathering& andamento) {

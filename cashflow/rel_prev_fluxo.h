@@ -6,10 +6,12 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "frame/aviso.h"
@@ -257,15 +259,22 @@ class ORV_EXPORT TfmRelPrevFluxo : public ReportScreen {
   };
   std::vector<Compra> LeCompras(Consulta& consulta);
 
-  // The steps of the revenue forecast. Past invoicing is `total`.
+  // The steps of the revenue forecast. Past invoicing, and its parts company by company: by the days to the
+  // due date, where it has one, and by the day of the month.
+  struct Faturado {
+    Currency total;
+    std::map<std::pair<std::optional<int>, std::string>, Currency> por_prazo;
+    std::map<std::pair<int, std::string>, Currency> por_dia;
+  };
   struct Orcamento {
     int mes, ano;
     Currency valor;
   };
   std::string FiltroBase() const;
-  void DistribuiPorPrazo(Currency total);
-  // The shares of the days of the month; null where nothing was invoiced.
-  const Classe* DistribuiPorDia(Currency total);
+  Faturado LeFaturado();
+  void DistribuiPorPrazo(const Faturado& faturado);
+  // The shares of the days of the month.
+  const Classe& DistribuiPorDia(const Faturado& faturado);
   std::vector<Orcamento> LeOrcamentos();
   void PreveEmissoes(const std::vector<Orcamento>& orcamentos, const Classe& percentuais);
   void PreveRecebimentos(Consulta& consulta);

@@ -16,7 +16,7 @@ std::string Codigo(const Value& codigo) { return std::string(TrimCode(codigo.Tex
 }  // namespace
 
 void TfmRelPrevFluxo::BitBtn29Click() {
-  LbAtraso.SetCaption("");
+  for (Label* linha : {&LbAtraso, &LbMenor}) linha->SetCaption("");
   LbConsulta.Mostra("A última consulta não terminou: nada foi projetado.");
   const ScopedValue montando(montando_, true);
   Gather({&TbReceber, &TbPagar, &TbTotais, &TbConta, &TbMenor, &TbDesconto, &TbCond, &TbPrev},

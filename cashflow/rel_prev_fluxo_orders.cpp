@@ -1,4 +1,6 @@
 // What the forecast expects of orders, of purchases, and of invoices that aren't written yet.
+#include <tuple>
+
 #include "cashflow/rel_prev_fluxo.h"
 #include "rules/parcelas.h"
 #include "rules/saldo.h"
@@ -129,63 +131,69 @@ std::string TfmRelPrevFluxo::FiltroBase() const {
 
 void TfmRelPrevFluxo::GeraPercentualFaturamento(Consulta& consulta) {
   consulta.andamento.Stage("Previsão de receita");
-  const Currency total = Total(
-      Tabela.IBDatabase(),
-      ForCompanies("SELECT " + Soma("RECEBER.VALOR2") + " AS VALOR" + FiltroBase(), "", CbEmpresa.Checked()));
+  const Faturado faturado = LeFaturado();
   // Without invoicing there is nothing to learn from.
-  if (total.IsZero()) return;
-  DistribuiPorPrazo(total);
-  const Classe* const percentuais = DistribuiPorDia(total);
-  if (percentuais == nullptr) return;
-  PreveEmissoes(LeOrcamentos(), *percentuais);
+  if (faturado.total.IsZero()) return;
+  DistribuiPorPrazo(faturado);
+  PreveEmissoes(LeOrcamentos(), DistribuiPorDia(faturado));
   PreveRecebimentos(consulta);
 }
 
-void TfmRelPrevFluxo::DistribuiPorPrazo(Currency total) {
-  const std::string prazo = "RECEBER.DT_VENCTO - RECEBER.DT_EMISSAO";
-  ForEach(ForCompanies("SELECT " + Soma("RECEBER.VALOR2") + " AS VALOR, (" + prazo + ") AS DIA" +
-                           FiltroBase() + " GROUP BY " + prazo,
-                       "", CbEmpresa.Checked(), "ORDER BY 2"),
-          [&](std::span<Value> v) {
-            Value linha[] = {v[1], SomaDe(v[0]).ToDouble() * 100 / total.ToDouble(), total};
-            TbCond.AppendRow(linha);
-          });
+// The base may be all that a company ever invoiced: it is read once for its total and both of its shares.
+TfmRelPrevFluxo::Faturado TfmRelPrevFluxo::LeFaturado() {
+  Faturado faturado;
+  const std::string sql = "SELECT RECEBER.DT_EMISSAO, RECEBER.DT_VENCTO, '{}' AS EMPRESA, " +
+                          Soma("RECEBER.VALOR2") + " AS VALOR" + FiltroBase() +
+                          " GROUP BY RECEBER.DT_EMISSAO, RECEBER.DT_VENCTO";
+  ForEach(ForCompanies(sql, "", CbEmpresa.Checked()), [&](std::span<Value> v) {
+    const Date emissao = v[0].AsDate();
+    const std::string empresa = v[2].AsString();
+    const Currency valor = SomaDe(v[3]);
+    std::optional<int> prazo;
+    if (!v[1].IsNull()) prazo = v[1].AsDate() - emissao;
+    faturado.total += valor;
+    faturado.por_prazo[{prazo, empresa}] += valor;
+    faturado.por_dia[{emissao.Day(), empresa}] += valor;
+  });
+  return faturado;
 }
 
-const TfmRelPrevFluxo::Classe* TfmRelPrevFluxo::DistribuiPorDia(Currency total) {
-  const std::string dia = "UDF_DAY(RECEBER.DT_EMISSAO)";
-  bool algum = false;
-  ForEach(ForCompanies("SELECT " + Soma("RECEBER.VALOR2") + " AS VALOR, " + dia + " AS DIA" + FiltroBase() +
-                           " GROUP BY " + dia,
-                       "", CbEmpresa.Checked(), "ORDER BY 2"),
-          [&](std::span<Value> v) {
-            const std::size_t linha =
-                Linha(kRecebe, "EMI", [](Classe& nova) { nova.descricao = "PERCENTUAL DE EMISSOES."; });
-            Classe& emissoes = quadros_[kRecebe].linhas[linha];
-            const auto d = static_cast<std::size_t>(v[1].AsInteger()) - 1;
-            emissoes.valores[d] =
-                (emissoes.valores[d] + Currency::FromDouble(SomaDe(v[0]).ToDouble() * 100 / total.ToDouble()))
-                    .Round2();
-            emissoes.tem.set(d);
-            algum = true;
-          });
-  return algum ? &quadros_[kRecebe].linhas[quadros_[kRecebe].onde.at("EMI")] : nullptr;
+void TfmRelPrevFluxo::DistribuiPorPrazo(const Faturado& faturado) {
+  for (const auto& [prazo, valor] : faturado.por_prazo) {
+    Value linha[] = {prazo.first ? Value(*prazo.first) : Value(),
+                     valor.ToDouble() * 100 / faturado.total.ToDouble(), faturado.total};
+    TbCond.AppendRow(linha);
+  }
 }
 
+const TfmRelPrevFluxo::Classe& TfmRelPrevFluxo::DistribuiPorDia(const Faturado& faturado) {
+  const std::size_t linha =
+      Linha(kRecebe, "EMI", [](Classe& nova) { nova.descricao = "PERCENTUAL DE EMISSOES."; });
+  Classe& emissoes = quadros_[kRecebe].linhas[linha];
+  for (const auto& [dia, valor] : faturado.por_dia) {
+    const auto d = static_cast<std::size_t>(dia.first) - 1;
+    emissoes.valores[d] =
+        (emissoes.valores[d] + Currency::FromDouble(valor.ToDouble() * 100 / faturado.total.ToDouble()))
+            .Round2();
+    emissoes.tem.set(d);
+  }
+  return emissoes;
+}
+
+// By the day in the database: its functions of month and year cost more than the rows.
 std::vector<TfmRelPrevFluxo::Orcamento> TfmRelPrevFluxo::LeOrcamentos() {
-  const std::string mes = "UDF_MONTH(RECEBER.DT_EMISSAO), UDF_YEAR(RECEBER.DT_EMISSAO)";
+  std::map<std::tuple<int, int, std::string>, Currency> meses;
+  ForEach(ForCompanies("SELECT RECEBER.DT_EMISSAO, '{}' AS EMPRESA, " + Soma("RECEBER.VALOR2") +
+                           " AS VALOR FROM {RECEBER} RECEBER WHERE RECEBER.STATUS = 'O' AND "
+                           "RECEBER.SITUACAO <> 'P' GROUP BY RECEBER.DT_EMISSAO",
+                       "", CbEmpresa.Checked()),
+          [&](std::span<Value> v) {
+            if (v[0].IsNull()) return;
+            const Date dia = v[0].AsDate();
+            meses[{dia.Year(), dia.Month(), v[1].AsString()}] += SomaDe(v[2]);
+          });
   std::vector<Orcamento> orcamentos;
-  ForEach(
-      ForCompanies("SELECT " + Soma("RECEBER.VALOR2") +
-                       " AS VALOR, UDF_MONTH(RECEBER.DT_EMISSAO) AS MES, UDF_YEAR(RECEBER.DT_EMISSAO) AS "
-                       "ANO FROM {RECEBER} RECEBER WHERE RECEBER.STATUS = 'O' AND RECEBER.SITUACAO <> 'P' "
-                       "AND RECEBER.DT_EMISSAO IS NOT NULL GROUP BY " +
-                       mes,
-                   "", CbEmpresa.Checked(), "ORDER BY 3, 2"),
-      [&](std::span<Value> v) {
-        orcamentos.push_back(
-            {static_cast<int>(v[1].AsInteger()), static_cast<int>(v[2].AsInteger()), SomaDe(v[0])});
-      });
+  for (const auto& [mes, valor] : meses) orcamentos.push_back({std::get<1>(mes), std::get<0>(mes), valor});
   return orcamentos;
 }
 

@@ -105,6 +105,47 @@ test("the monthly result is gathered by accrual, followed to its titles and prin
   await readReport("Relatorio de Resultado Mensal - Conta Corrente", "relatorio_de_resultado_mensal_conta_corrente");
 });
 
+test("the forecast is narrowed, gathered, followed to its source, corrected and printed", async () => {
+  page = await begin();
+  await openScreen(page, "proje", "Projeção de Fluxo");
+  await focusIs(page, "Dia");
+  // Without the accounts' balances.
+  await keys(page, "Shift+Tab", "Shift+Tab", "20112026", "Tab", "31122026", "Alt+a");
+  await focusIs(page, "Saldo Inicial");
+  await keys(page, " ", "Alt+c");
+  await gathered("Entradas");
+  await gathered("Saídas");
+  await picture(page, "forecast-filters");
+  await keys(page, "Alt+a");
+  await picture(page, "forecast");
+  assert.deepEqual(await findings(page), []);
+  const last = async () => (await rows(page, "Saldos"))[1].split("|")[1];
+  const before = await last();
+  const entries = await rows(page, "Entradas");
+  // What of a class is overdue.
+  await keys(page, "Tab");
+  await focusIs(page, "Entradas");
+  await keys(page, "Control+Home", "ArrowRight", "ArrowRight", "ArrowRight", "Enter");
+  const detail = page.getByRole("dialog", { name: /^Vencidas da classe/ });
+  await detail.getByText(/^Título/).first().waitFor();
+  await keys(page, "Escape");
+  await detail.waitFor({ state: "detached" });
+  // A typed balance moves the final ones.
+  await keys(page, "Control+PageDown");
+  await gathered("Contas");
+  await keys(page, "Tab");
+  await focusIs(page, "Contas");
+  await keys(page, "Control+ArrowLeft", "ArrowRight", "ArrowRight", "ArrowRight", "1234,56", "Tab", "ArrowDown");
+  await picture(page, "forecast-accounts");
+  await keys(page, "Control+PageUp");
+  const cents = (text) => Number(text.replace(/[.,]/g, ""));
+  await until("saldo digitado", async () => cents(await last()) === cents(before) + 123456);
+  // What was out of sight shows the rows that it showed.
+  assert.deepEqual(await rows(page, "Entradas"), entries);
+  await keys(page, "Alt+i");
+  await readReport("Relatório de Projeção de Fluxo", "WRelPrevFluxo");
+});
+
 test("the cash-flow analysis is simulated, opened, charted and printed", async () => {
   page = await begin();
   await openScreen(page, "anális", "Relatório de Análise de Fluxo de Caixa");

@@ -256,6 +256,7 @@ TEST_F(AnaliseTest, WhatIsSimulatedAndHiddenComesBack) {
 }
 
 TEST_F(AnaliseTest, FiguresOpenAndTabsFollow) {
+  const std::string before = Tables("ENTIDADE_001 CONTACOR_001 CADCONTA_001");
   Put(Receber{.numero = "R1", .dt_vencto = "11/25/2026", .valor_pago = 40});
   Put(Receber{.numero = "R2", .dt_vencto = "11/24/2026", .valor2 = 9});
   Put(Pagto{.num_ap = "P1", .dt_ven = "12/10/2026", .valor = 30});
@@ -302,6 +303,19 @@ TEST_F(AnaliseTest, FiguresOpenAndTabsFollow) {
   EXPECT_EQ(desk.Read("TbRelatorio", {"CodPer", "Periodo", "Saldo"}),
             "00|Saldo Inicial.|1000.0000\n20261122|22/11/2026 - Domingo|1000.0000\n20261123|23/11/2026 - "
             "Segunda|1000.0000\n20261124|24/11/2026 - Terça|1009.0000\n");
+  // Cancelled, what was gathered until then stays, and no sum of an earlier one beside it.
+  const auto sums = [&] {
+    return desk.Column("TbRelatorio", "Saldo") + "|" + desk.Rows("TbMenor") + desk.Rows("TbClasseData") +
+           desk.Caption("LbMenor") + desk.Text("TotRec") + desk.Caption("LbConsulta");
+  };
+  Gather(desk, {{"CbClasse", "true"}});
+  const std::string whole = sums();
+  EXPECT_EQ(desk.Cancelled("BitBtn29", "Títulos a receber"), "error: Operação cancelada.");
+  EXPECT_EQ(sums(), "1000.0000|0,00A última consulta não terminou: faltam lançamentos.");
+  EXPECT_EQ(desk.Column("TbDetalha", "Numero"), "R1 R2");
+  EXPECT_EQ(desk.Press("BitBtn29"), "");
+  EXPECT_EQ(sums(), whole);
+  EXPECT_EQ(Tables("ENTIDADE_001 CONTACOR_001 CADCONTA_001"), before);
 }
 
 TEST_F(AnaliseTest, Printed) {
@@ -317,6 +331,15 @@ TEST_F(AnaliseTest, Printed) {
   desk.Cell("DBGrid1", 1, "Nota_Entrada", "12,34");
   desk.Key("DBGrid1", 1, "Nota_Entrada", "Tab");
   ExpectFile(test::Printed(desk, "BitBtn33"), ORV_FILES "WCCAnaliseFluxo.txt");
+
+  // A house's own layout narrows the rows to what it names, of the period on which the screen stands.
+  std::filesystem::create_directory(folder_.Path() / "relatorios");
+  Written("relatorios/WCCAnaliseFluxo.rel",
+          "relatorio Pagamentos\nsubtitulo De[Filtra(\"Valor_Pag > 0\")]\ndados TbDetalha\n"
+          "coluna 20 Número\ndetalhe\n| [TbDetalha.Numero] |\n");
+  desk.Stand("DBGrid1", 3);
+  const std::string narrowed = test::Printed(desk, "BitBtn33");
+  EXPECT_EQ(narrowed.substr(narrowed.rfind("-\n") + 2), "P0\n");
 }
 
 }  // namespace

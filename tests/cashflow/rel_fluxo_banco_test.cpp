@@ -112,6 +112,17 @@ TEST_F(FluxoBancoTest, AccountsAndTitles) {
   EXPECT_EQ(Opened(desk, "DBGrid2", 2, "Valor"), "Movimento B1: B1");
   EXPECT_FALSE(desk.Visible("BtFora"));
 
+  // Cancelled, nothing of it stays; what was missing is gathered before it is printed.
+  const auto all = [&] { return desk.Rows("TbContas") + desk.Rows("QryPagar") + desk.Caption("LbMenor"); };
+  const std::string whole = all();
+  for (const char* stage : {"Cheques pendentes", "Títulos a pagar"}) {
+    EXPECT_EQ(desk.Cancelled("btnConfirma", stage), "error: Operação cancelada.");
+    EXPECT_EQ(all() + desk.Rows("TbSaldo") + desk.Caption("LbConsulta"),
+              "A última consulta não terminou. Confirme de novo.");
+  }
+  EXPECT_EQ(desk.Press("BtnImprime"), "");
+  EXPECT_EQ(all(), whole);
+
   desk.Leave("EdtConta", "77", "EdtSit");
   EXPECT_EQ(desk.Refused(), "Conta inválida. > EdtConta");
   EXPECT_EQ(desk.Text("EdtConta"), "");

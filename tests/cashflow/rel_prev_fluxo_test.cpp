@@ -391,6 +391,46 @@ TEST_F(PrevisaoEdgesTest, WhatHasAColumnAndWhatHasNone) {
             "A última consulta não terminou: nada foi projetado.");
 }
 
+TEST_F(PrevisaoEdgesTest, HeldOrCancelledNothingHalfIsLeft) {
+  for (const auto& [numero, cliente, pago] :
+       {std::tuple{"B1", "00002", "11/12/2026"}, std::tuple{"B2", "00003", "11/22/2026"}}) {
+    Put(Receber{.numero = numero, .codcli = cliente, .dt_vencto = "11/02/2026", .valor_pago = 100});
+    Put(Receberb{.numero = numero, .dt_pagto = pago});
+  }
+  Put(Receber{.numero = "R1", .dt_vencto = "11/25/2026"});
+  Run("UPDATE ENTIDADE_001 SET ATRASO_MEDIO = 0, CONTAC = ''");
+  const auto delays = [&] {
+    return Sql("SELECT CODCLI, ATRASO_MEDIO, CONTAC FROM ENTIDADE_001 WHERE CODCLI IN ('00002', '00003')");
+  };
+  Desk desk(database_, At{"TfmRelPrevFluxo"});
+  const auto shown = [&] {
+    return desk.Rows("TbReceber") + desk.Rows("TbConta") + desk.Rows("TbMenor") + desk.Caption("LbMenor") +
+           desk.Caption("LbAtraso") + desk.Caption("LbConsulta");
+  };
+  const std::string ended = "A última consulta não terminou: nada foi projetado.", before = delays();
+  EXPECT_EQ(Gather(desk, "20/11/2026", "31/12/2026"), "");
+  const std::string whole = shown(), written = delays();
+  EXPECT_EQ(written, "00002|10|;00003|20|");
+  Run("UPDATE ENTIDADE_001 SET ATRASO_MEDIO = 0");
+  // Cancelled before the delays it writes none of them.
+  EXPECT_EQ(desk.Cancelled("BitBtn29", "Saldos das contas"), "error: Operação cancelada.");
+  EXPECT_EQ(shown(), ended);
+  EXPECT_EQ(delays(), before);
+  // Somebody else is changing the second customer: neither delay is written, and his change is his.
+  Db().Execute("UPDATE ENTIDADE_001 SET CONTAC = '7' WHERE CODCLI = '00003'");
+  EXPECT_EQ(desk.Press("BitBtn29"),
+            "error: Outro usuário está alterando o mesmo registro. Aguarde um instante e tente novamente.");
+  EXPECT_EQ(shown(), ended);
+  EXPECT_EQ(delays(), "00002|0|;00003|0|7");
+  // Cancelled after them they stand, whole.
+  EXPECT_EQ(desk.Cancelled("BitBtn29", "Ordens de compra"), "error: Operação cancelada.");
+  EXPECT_EQ(shown(), "Atraso médio: 2 clientes mudaram." + ended);
+  EXPECT_EQ(delays(), "00002|10|;00003|20|7");
+  Run("UPDATE ENTIDADE_001 SET ATRASO_MEDIO = 0");
+  EXPECT_EQ(desk.Press("BitBtn29"), "");
+  EXPECT_EQ(shown(), whole);
+}
+
 TEST_F(PrevisaoEdgesTest, Printed) {
   Put(Receber{.numero = "R1", .dt_vencto = "11/25/2026"});
   Put(Receber{.numero = "R2", .dt_vencto = "12/16/2026", .valor2 = 2500, .classe = "1102"});

@@ -140,6 +140,17 @@ std::string Desk::Messages() const {
   return text;
 }
 
+std::string Desk::Cancelled(std::string_view control, std::string_view stage) {
+  bool came = false;
+  latest_ = client_->Do({{"do", "click"}, {"control", control}}, [&](const Json& out) -> std::optional<Json> {
+    if (!(out["on"] == Json("progress")) || !(out["text"] == Json(stage)) || std::exchange(came, true))
+      return std::nullopt;
+    return Json{{"do", "answer"}, {"value", "cancel"}};
+  });
+  EXPECT_TRUE(came) << stage;
+  return Messages();
+}
+
 std::string Desk::Told() {
   const std::string told = Messages();
   Answer("ok");

@@ -136,6 +136,8 @@ class Desk {
   // --- With what comes of it.
   // Clicks; the messages that come.
   std::string Press(std::string_view control) { return Click(control), Messages(); }
+  // Clicks, and cancels the gathering as soon as it tells of that stage; what was told.
+  std::string Cancelled(std::string_view control, std::string_view stage);
   // Clicks and answers the question that comes.
   void Press(std::string_view control, std::string_view answer) { Click(control), Answer(answer); }
   // The messages, which are read and closed; with a control it is clicked before.

@@ -255,10 +255,12 @@ export class GridView {
     if (this.anchor >= count) this.anchor = -1;
     this.bar = this.scroll.moveTo(this.scroll.top);
     this.draw();
+    // Asked for without waiting for the frame.
+    this.askMissing();
   }
 
   store(version: number | string, block: number, rows: string[][], numbers?: number[]): void {
-    if (this.blocks.store(version, block, rows, numbers)) this.draw();
+    if (this.blocks.store(version, block, rows, numbers)) this.drawNow();
   }
 
   // Makes a row current for the eye, and brings it into sight.
@@ -280,6 +282,9 @@ export class GridView {
     else if (right > box.scrollLeft + box.clientWidth) box.scrollLeft = right - box.clientWidth;
   }
 
+  // Whether the current row was seen when the grid was seen last.
+  private inSight = true;
+
   // Where the scroll bar belongs, and where it was put last.
   private bar = 0;
   private barAt = 0;
@@ -291,13 +296,13 @@ export class GridView {
     }
     const view = Math.max(0, this.scroller.clientHeight - this.head.offsetHeight);
     if (view === this.scroll.view) return;
-    const inSight = this.row >= this.scroll.first && this.row <= this.scroll.last;
+    if (this.scroll.view > 0) this.inSight = this.row >= this.scroll.first && this.row <= this.scroll.last;
     this.scroll.view = view;
     this.port.style.height = `${view}px`;
     this.element.classList.toggle("is-tall", view >= 6 * kRowHeight);
     this.bar = this.scroll.moveTo(this.scroll.top);
-    // The current row stays in sight when the grid grows or shrinks around it.
-    if (this.row >= 0 && (inSight || document.activeElement === this.scroller)) this.bar = this.scroll.reveal(this.row);
+    // The current row stays in sight when the grid grows or shrinks around it, or was hidden meanwhile.
+    if (view > 0 && this.row >= 0 && (this.inSight || document.activeElement === this.scroller)) this.bar = this.scroll.reveal(this.row);
     this.barAt = -1;
     this.draw();
   }
@@ -476,8 +481,9 @@ export class GridView {
       const next = needed[0] ?? near[0];
       if (next !== undefined && this.scroll.view > 0) this.owner.fetch(next);
     };
-    // While the bar is dragged, only where it comes to rest.
-    this.fetchTimer = window.setTimeout(ask, this.blocks.held === 0 ? 0 : 12);
+    // While the bar is dragged, only where it comes to rest; rows that stand there and have changed, at once.
+    const stale = this.blocks.missing(this.scroll.first, this.scroll.last).some((block) => this.blocks.row(block * kBlock) !== undefined);
+    this.fetchTimer = window.setTimeout(ask, this.blocks.held === 0 || stale ? 0 : 12);
   }
 
   // --- Pointer.
