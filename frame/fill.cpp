@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "toolkit/control.h"
+#include "toolkit/controls.h"
 #include "toolkit/error.h"
 #include "toolkit/form.h"
 #include "toolkit/text.h"
@@ -20,6 +21,10 @@ std::vector<std::string> Fill(Form& form, const FieldTexts& fields) {
                                     [&](const auto& one) { return SameText(one.first, control->Name()); });
     if (field == fields.end()) continue;
     try {
+      if (auto* pages = dynamic_cast<PageControl*>(control); pages != nullptr && pages->Usable()) {
+        pages->UserPage(field->second);
+        continue;
+      }
       if (control->CanFocus() && form.SetFocus(*control)) {
         control->UserSet(field->second);
         continue;

@@ -92,6 +92,9 @@ Json ServerDatabase::Companies() {
   return companies;
 }
 
+// The screen at which everybody is when no other is in front.
+constexpr const char* kHome = "TfmPainel";
+
 std::optional<Json> ServerDatabase::Me(const std::string& user, const std::string& company) {
   const auto db = Attachment::Open(database_);
   Audit nobody(*db, clock_, "", "");
@@ -110,6 +113,7 @@ std::optional<Json> ServerDatabase::Me(const std::string& user, const std::strin
               {"company", company},
               {"companyName", name.IsNull() ? "" : name.AsString()},
               {"today", clock_.Today().Neutral()},
+              {"home", kHome},
               {"menu", std::move(menu)}};
 }
 

@@ -111,6 +111,16 @@ void FillKinds(Attachment& db) {
   RunDdl(db, ddl);
 }
 
+// What is open and what is to be reconciled is found without what is settled.
+void IndexOpen(Attachment& db) {
+  std::vector<std::string> ddl;
+  for (const std::string& company : CompanySuffixes(db)) {
+    for (const char* table : {"PAGTO", "RECEBER", "EXTRATO"})
+      ddl.push_back(CreateIndexSql(*FindTable(table), company).back());
+  }
+  RunDdl(db, ddl);
+}
+
 // Brings a database from the version before `version` to it.
 struct Step {
   int version;
@@ -133,6 +143,7 @@ const Step kSteps[] = {
      }},
     {4, JoinNumbers},
     {5, FillKinds},
+    {6, IndexOpen},
 };
 
 }  // namespace

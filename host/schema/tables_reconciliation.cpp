@@ -12,7 +12,11 @@ std::vector<TableDef> ReconciliationTables() {
         Money("VALOR"), Text("OPERACAO", 1), Text("OBSERVACAO", 50), Text("ARQUIVO", 50), Text("CHAVE", 20),
         Flag("CONCILIADO"), Movement("LANC_CON")},
        {"LANCTO"},
-       {{{"CONTA", "DT_CONT"}}, {{"DT_CONT"}}, {{"ARQUIVO"}}, {{"LANC_CON"}}}},
+       {{{"CONTA", "DT_CONT"}},
+        {{"DT_CONT"}},
+        {{"ARQUIVO"}},
+        {{"LANC_CON"}},
+        {{}, "CASE WHEN CONCILIADO = 'N' THEN CONTA END"}}},
 
       // How each file of a bank ended when its lines were confirmed: PARADA is the line of the file at which
       // the load stopped, 0 where it came to the end. LINHAS were taken in.

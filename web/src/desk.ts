@@ -20,6 +20,12 @@ import { TakeUp, type TakeUpUser } from "./takeup.ts";
 import { fromNeutral, localToday, type Day } from "./text/date.ts";
 import { Typing, type TypingUser } from "./typing.ts";
 
+// The screens opened last, kept for the user.
+const kRecent = "menu.recent";
+const kMostRecent = 5;
+// Milliseconds in which a second Escape is still meant for the box that has gone.
+const kAfterBox = 600;
+
 export interface DeskOptions {
   // The session to come back to, null for a new one.
   session: string | null;
@@ -40,6 +46,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   private busy = false;
   private draft: { id: number; name: string; text: string } | null = null;
   private greeted = false;
+  // The home has been asked for in this session.
+  private homed = false;
+  // When the user answered a box: an Escape that follows was meant for it.
+  private seenAt = 0;
   private abort = new AbortController();
 
   constructor(
@@ -135,11 +145,19 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
 
   open(entry: MenuEntry): void {
     if (entry !== kAccount) {
+      this.remember(kRecent, [entry.class, ...this.recent().filter((name) => name !== entry.class)].slice(0, kMostRecent).join(","));
       this.openScreen(entry.class);
       return;
     }
     const box: AccountDialog = new AccountDialog(this.me.user, () => this.boxes.close(box), () => this.loggedOut());
     this.boxes.show(box);
+  }
+  recent(): string[] {
+    return (this.remembered(kRecent) ?? "").split(",");
+  }
+  goHome(): void {
+    if (this.me.home !== undefined && !this.top?.dialog && this.topChild !== this.home) this.openScreen(this.me.home);
+    else this.settle();
   }
   raise(id: number): void {
     const screen = this.screens.find((one) => one.id === id);
@@ -170,7 +188,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     });
   }
   leave(): void {
-    if (this.screens.length === 0) {
+    if (this.tabbed.length === 0) {
       this.goOut();
       return;
     }
@@ -205,7 +223,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
         const draft = this.drafts.of(out.class);
         if (draft !== undefined) screen.redraw(draft);
         this.screens.push(screen);
-        (screen.dialog ? this.root : this.frame.main).append(screen.element);
+        if (out.class === this.me.home) {
+          screen.element.setAttribute("role", "region");
+          this.frame.panel.replaceChildren(screen.element);
+        } else (screen.dialog ? this.root : this.frame.main).append(screen.element);
         screen.hideEmptyRows();
         this.showScreens();
         break;
@@ -288,11 +309,12 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.draft = draft !== undefined && draft !== null && session === this.session ? { id: this.top!.id, ...draft } : null;
     if (this.greeted && session !== this.session) {
       this.typing.drop();
-      if (this.screens.length > 0) {
+      if (this.tabbed.length > 0) {
         this.failed("A sessão anterior terminou enquanto não havia conexão. O que não estava confirmado não foi gravado.");
       }
     }
     this.greeted = true;
+    this.homed = false;
     this.session = session;
     for (const screen of this.screens) screen.destroy();
     this.screens = [];
@@ -311,6 +333,9 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.door.queue.keepScreen(this.top?.id ?? 0);
     for (const screen of this.screens) this.drafts.keep(screen.drafted());
     this.ready();
+    // A session that is taken up again stays where it was.
+    if (!this.homed && this.me.home !== undefined && this.screens.length === 0) this.openScreen(this.me.home);
+    this.homed = true;
     if (!this.holding && this.topBox === null) this.takeUp.go();
   }
 
@@ -336,10 +361,17 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     return [...this.screens].reverse().find((screen) => !screen.dialog);
   }
 
-  // Tabs stand in the order in which they were opened.
+  private get home(): ScreenView | undefined {
+    return this.screens.find((screen) => screen.screenClass === this.me.home);
+  }
+  // Those that have a tab, in the order in which they were opened.
+  private get tabbed(): ScreenView[] {
+    return this.screens.filter((screen) => !screen.dialog && screen !== this.home).sort((a, b) => a.id - b.id);
+  }
+
   private showScreens(): void {
     const active = this.topChild;
-    for (const screen of this.screens) if (!screen.dialog) screen.element.hidden = screen !== active;
+    for (const screen of this.tabbed) screen.element.hidden = screen !== active;
     this.showTabs();
     this.takeUp.show();
     document.title = active === undefined ? this.me.companyName : `${active.caption} · ${this.me.companyName}`;
@@ -351,8 +383,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   }
 
   private showTabs(): void {
-    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
-    this.frame.show(children, this.topChild?.id ?? -1);
+    this.frame.show(this.tabbed, this.topChild?.id ?? -1);
   }
 
   // Puts the browser's focus where it belongs.
@@ -364,7 +395,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     }
     if (this.frame.menuOpen) return;
     const top = this.top;
-    if (top === undefined) {
+    if (top === undefined || (top === this.home && !this.frame.atPanel)) {
       this.frame.focusHome();
       return;
     }
@@ -387,6 +418,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.frame.closeMenu(false);
   }
   boxSeen(): void {
+    this.seenAt = performance.now();
     this.typing.seenSince();
   }
   answer(object: In): void {
@@ -455,11 +487,25 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   flushed(): void {
     this.mark();
   }
+  // From the home to its menu; from a screen on which nothing is under way, and no text is being typed, home.
+  escaped(): void {
+    const top = this.top;
+    if (top === this.home) {
+      this.frame.atPanel = false;
+      this.frame.focusHome();
+    } else if (this.me.home !== undefined && top?.badge === "" && !(document.activeElement instanceof HTMLInputElement) && performance.now() - this.seenAt > kAfterBox) {
+      this.goHome();
+    }
+  }
   pressFrame(press: Press): boolean {
     const { key, ctrl, alt, shift } = press;
     if (ctrl && alt && key.toLowerCase() === "m") {
       if (this.top?.dialog) return true;
       this.frame.toggleMenu();
+      return true;
+    }
+    if (ctrl && alt && key.toLowerCase() === "h") {
+      this.goHome();
       return true;
     }
     if (ctrl && alt && key.toLowerCase() === "r") {
@@ -470,9 +516,9 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     const back = (ctrl && key === "Tab" && shift) || (alt && !shift && key === "PageUp");
     if (!forward && !back) return false;
     if (this.top?.dialog) return true;
-    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
+    const children = this.tabbed;
     const at = children.findIndex((screen) => screen === this.topChild);
-    const next = children[(at + (forward ? 1 : -1) + children.length) % Math.max(children.length, 1)];
+    const next = children[(at + (forward ? 1 : at < 0 ? 0 : -1) + children.length) % Math.max(children.length, 1)];
     if (next !== undefined) this.raise(next.id);
     return true;
   }

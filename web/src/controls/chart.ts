@@ -18,6 +18,9 @@ const kHeight = 300;
 const kLeft = 96;
 const kBottom = 44;
 const kTop = 12;
+// More points than these aren't named one by one; names stand so many points apart.
+const kFew = 20;
+const kApart = 5;
 
 export class ChartView extends ControlView {
   readonly element: HTMLElement;
@@ -25,6 +28,7 @@ export class ChartView extends ControlView {
   private plot: HTMLElement;
   private legend: HTMLElement;
   private labels: string[] = [];
+  // NaN where a series has nothing at a point.
   private values: number[][] = [];
   private texts: string[][] = [];
   private page = -1;
@@ -80,8 +84,8 @@ export class ChartView extends ControlView {
     const label = at(this.text("label"));
     this.labels = set.rows.map((row) => showDate(row[label] ?? ""));
     const columns = this.series.map((one) => at(one.field));
-    this.values = columns.map((column) => set.rows.map((row) => Number(row[column] ?? 0)));
-    this.texts = columns.map((column) => set.rows.map((row) => showAmount(row[column] ?? "0")));
+    this.values = columns.map((column) => set.rows.map((row) => Number(row[column] ?? NaN)));
+    this.texts = columns.map((column) => set.rows.map((row) => (row[column] === null ? "" : showAmount(row[column] ?? "0"))));
     this.draw();
   }
 
@@ -91,7 +95,7 @@ export class ChartView extends ControlView {
       this.plot.replaceChildren(el("div", { class: "grid-empty" }, "Sem dados"));
       return;
     }
-    const { low, high, ticks } = scale(this.values.flat());
+    const { low, high, ticks } = scale(this.values.flat().filter((value) => !Number.isNaN(value)));
     const y = (value: number): number => kTop + ((high - value) / (high - low)) * (kHeight - kTop - kBottom);
     const slot = (kWidth - kLeft - 8) / points;
     const x = (at: number): number => kLeft + slot * (at + 0.5);
@@ -107,15 +111,16 @@ export class ChartView extends ControlView {
     this.series.forEach((one, at) => {
       const values = this.values[at]!;
       if (one.line) {
-        const path = values.map((value, i) => `${i === 0 ? "M" : "L"}${x(i).toFixed(1)} ${y(value).toFixed(1)}`).join("");
+        const path = values.map((value, i) => (Number.isNaN(value) ? "" : `${Number.isNaN(values[i - 1] ?? NaN) ? "M" : "L"}${x(i).toFixed(1)} ${y(value).toFixed(1)}`)).join("");
         parts.push(svg("path", { class: `chart-path series-${at % 4}`, d: path }));
       }
       const width = Math.min(36, (slot * 0.72) / Math.max(bars, 1));
       values.forEach((value, i) => {
+        if (Number.isNaN(value)) return;
         const title = svg("title", {});
         title.textContent = `${one.title}, ${this.labels[i]}: ${this.texts[at]![i]}`;
         const shape = one.line
-          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: 3.5 }, title)
+          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: points > kFew ? 2 : 3.5 }, title)
           : svg(
               "rect",
               {
@@ -148,8 +153,13 @@ export class ChartView extends ControlView {
   }
 
   // The values at the points of a line, each above its point or, where the line rises from it, below.
+  // Of many points only the lowest and the ends.
   private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number): SVGElement[] {
-    return values.map((value, i) => {
+    const there = [...values.keys()].filter((i) => !Number.isNaN(values[i]));
+    const lowest = there.reduce((least, i) => (values[i]! < values[least]! ? i : least), there[0] ?? 0);
+    const marked = there.length <= kFew ? there : [there[0]!, lowest, there[there.length - 1]!].filter((i, at, all) => all.every((other, before) => before >= at || Math.abs(other - i) > kApart));
+    return marked.map((i) => {
+      const value = values[i]!;
       const below = (values[i + 1] ?? value) > value && y(value) < kHeight - kBottom - 20;
       const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": "middle" });
       mark.textContent = texts[i]!.replace(/,\d+$/, "");
