@@ -23,14 +23,13 @@ TfmPainel::TfmPainel(Application& application)
     : ReportScreen(application, "TfmPainel", "fmPainel", "Hoje"),
       GridPosicao(*this, "GridPosicao", TbPosicao, GridColumns(kPosicao), true, "Posição"),
       GridPrazos(*this, "GridPrazos", TbPrazos, GridColumns(kPrazos), true, "Títulos em aberto"),
+      GridCheques(*this, "GridCheques", TbCheques, GridColumns(kCheques), true, "Cheques pendentes"),
       GridSaldos(*this, "GridSaldos", TbSaldos, GridColumns(kSaldos), true, "Saldos de hoje"),
-      GridLinhas(*this, "GridLinhas", TbLinhas, GridColumns(kLinhas), true, "Extrato a conciliar"),
-      GridCheques(*this, "GridCheques", TbCheques, GridColumns(kCheques), true, "Cheques pendentes") {
+      GridLinhas(*this, "GridLinhas", TbLinhas, GridColumns(kLinhas), true, "Extrato a conciliar") {
   Layout(R"(
     LbVazio /
     Grafico /
-    @sides { GridPosicao GridPrazos } /
-    @sides { GridSaldos GridLinhas GridCheques } /
+    @sides { PnPrazos { GridPosicao / GridPrazos / GridCheques } PnContas { GridSaldos / GridLinhas } } /
     @actions { BtAtualiza }
   )");
   for (TClientDataSet* set : {&TbPosicao, &TbLinha, &TbPrazos, &TbSaldos, &TbLinhas, &TbCheques})
@@ -62,10 +61,9 @@ void TfmPainel::Le() {
   const bool analise = ve(kAnalise, {&Grafico, &GridPosicao, &GridPrazos});
   const bool registro = ve(kRegistro, {&GridSaldos});
   const bool concilia = ve(kConcilia, {&GridLinhas}), cheques = ve(kCheque, {&GridCheques});
-  Gather({&TbPosicao, &TbLinha, &TbPrazos, &TbSaldos, &TbLinhas, &TbCheques}, [&](Gathering& andamento) {
+  Gather({&TbPosicao, &TbLinha, &TbPrazos, &TbSaldos, &TbLinhas, &TbCheques}, [&](Gathering&) {
     for (TClientDataSet* set : {&TbPosicao, &TbLinha, &TbPrazos, &TbSaldos, &TbLinhas, &TbCheques})
       set->EmptyDataSet();
-    andamento.Stage("Saldos das contas");
     if (analise || registro) LeSaldosDasContas();
     if (analise) LeFluxo();
     if (concilia) LeLinhas();

@@ -37,18 +37,18 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   TClientDataSet TbLinha{"TbLinha"};
   // Titles by when they fall due.
   static constexpr auto kPrazos = std::to_array<ReportField>({
-      {"Prazo", FieldType::String, 40, {"Títulos em aberto", 24}},
-      {"QtdReceber", FieldType::Integer, 0, {"Qtde.", 7}},
-      {"Receber", FieldType::Currency, 0, {"A receber", 15}},
-      {"QtdPagar", FieldType::Integer, 0, {"Qtde.", 7}},
-      {"Pagar", FieldType::Currency, 0, {"A pagar", 15}},
+      {"Prazo", FieldType::String, 40, {"Títulos em aberto", 21}},
+      {"QtdReceber", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"Receber", FieldType::Currency, 0, {"A receber", 13}},
+      {"QtdPagar", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"Pagar", FieldType::Currency, 0, {"A pagar", 13}},
       {"De", FieldType::Date},
       {"Ate", FieldType::Date},
   });
   TClientDataSet TbPrazos{"TbPrazos"};
   static constexpr auto kSaldos = std::to_array<ReportField>({
       {"Conta", FieldType::String, 13, {"Conta", 12}},
-      {"Descricao", FieldType::String, 50, {"Descrição", 24}},
+      {"Descricao", FieldType::String, 50, {"Descrição", 22}},
       {"Saldo", FieldType::Currency, 0, {"Saldo", 15}},
   });
   TClientDataSet TbSaldos{"TbSaldos"};
@@ -63,11 +63,11 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   TClientDataSet TbLinhas{"TbLinhas"};
   // Pending cheques by the days for which they are good.
   static constexpr auto kCheques = std::to_array<ReportField>({
-      {"Prazo", FieldType::String, 40, {"Cheques bons para", 24}},
-      {"QtdRecebidos", FieldType::Integer, 0, {"Qtde.", 7}},
-      {"Recebidos", FieldType::Currency, 0, {"Recebidos", 15}},
-      {"QtdEmitidos", FieldType::Integer, 0, {"Qtde.", 7}},
-      {"Emitidos", FieldType::Currency, 0, {"Emitidos", 15}},
+      {"Prazo", FieldType::String, 40, {"Cheques bons para", 21}},
+      {"QtdRecebidos", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"Recebidos", FieldType::Currency, 0, {"Recebidos", 13}},
+      {"QtdEmitidos", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"Emitidos", FieldType::Currency, 0, {"Emitidos", 13}},
       {"De", FieldType::Date},
       {"Ate", FieldType::Date},
   });
@@ -77,11 +77,13 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   Chart Grafico{*this,   "Grafico", "Saldo dos últimos 30 dias e o previsto para os próximos 30",
                 TbLinha, "Dia",     {{"Saldo", "Saldo", true}, {"Previsto", "Previsto", true}},
                 kPontos};
+  Panel PnPrazos{*this, "PnPrazos"};
   TOrvDBGrid GridPosicao;
   TOrvDBGrid GridPrazos;
+  TOrvDBGrid GridCheques;
+  Panel PnContas{*this, "PnContas"};
   TOrvDBGrid GridSaldos;
   TOrvDBGrid GridLinhas;
-  TOrvDBGrid GridCheques;
   Button BtAtualiza{*this, "BtAtualiza", "A&tualizar"};
 
   // The figures anew: those of other screens may have changed.

@@ -90,9 +90,8 @@ void TfmPainel::MostraPrazos(const Abertos& receber, const Abertos& pagar) {
     TbPrazos.AppendRow(valores);
   };
   const Date hoje = Today(), fim = hoje.AddDays(kSemana - 1);
-  linha("Vencidos até ontem", {kPrimeiro, hoje.AddDays(-1)});
-  linha("Vencem hoje", {hoje, hoje});
-  linha("Vencem em 7 dias, até " + DiaEMes(fim), {hoje, fim});
+  linha("Vencidos", {kPrimeiro, hoje.AddDays(-1)});
+  linha("Em 7 dias, até " + DiaEMes(fim), {hoje, fim});
 }
 
 void TfmPainel::MostraPosicao(const Abertos& receber, const Abertos& pagar) {
@@ -128,7 +127,6 @@ void TfmPainel::MostraPosicao(const Abertos& receber, const Abertos& pagar) {
   };
   anexa("Saldo", saldo, hoje);
   anexa("Menor saldo previsto", menor.Valor(), menor.Dia());
-  anexa("Saldo previsto", corrente, hoje.AddDays(kDias));
 }
 
 // --- Lines of statements, as the workbench counts them.
@@ -162,7 +160,7 @@ void TfmPainel::LeCheques() {
     });
   };
   linha("Hoje", {hoje, hoje});
-  linha("Esta semana, " + DiaEMes(segunda) + " a " + DiaEMes(domingo), {segunda, domingo});
+  linha("Semana, " + DiaEMes(segunda) + " a " + DiaEMes(domingo), {segunda, domingo});
 }
 
 }  // namespace orv

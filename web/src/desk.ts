@@ -46,7 +46,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   private busy = false;
   private draft: { id: number; name: string; text: string } | null = null;
   private greeted = false;
-  // The home has been asked for in this session.
+  // The home has been asked for since a screen was shown.
   private homed = false;
   // When the user answered a box: an Escape that follows was meant for it.
   private seenAt = 0;
@@ -153,7 +153,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.boxes.show(box);
   }
   recent(): string[] {
-    return (this.remembered(kRecent) ?? "").split(",");
+    return (this.remembered(kRecent) ?? "").split(",").filter((name) => name !== "");
   }
   goHome(): void {
     if (this.me.home !== undefined && !this.top?.dialog && this.topChild !== this.home) this.openScreen(this.me.home);
@@ -219,6 +219,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
       case "screen": {
         this.screens.find((one) => one.id === out.id)?.destroy();
         this.screens = this.screens.filter((one) => one.id !== out.id);
+        this.homed = false;
         const screen: ScreenView = new ScreenView(this, out, () => this.act(() => this.send({ do: "close" })));
         const draft = this.drafts.of(out.class);
         if (draft !== undefined) screen.redraw(draft);
@@ -333,9 +334,11 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.door.queue.keepScreen(this.top?.id ?? 0);
     for (const screen of this.screens) this.drafts.keep(screen.drafted());
     this.ready();
-    // A session that is taken up again stays where it was.
-    if (!this.homed && this.me.home !== undefined && this.screens.length === 0) this.openScreen(this.me.home);
-    this.homed = true;
+    // A session that is taken up again stays where it was, and who has asked for a screen goes there.
+    if (!this.homed && this.me.home !== undefined && this.screens.length === 0 && !this.holding) {
+      this.homed = true;
+      this.openScreen(this.me.home);
+    }
     if (!this.holding && this.topBox === null) this.takeUp.go();
   }
 

@@ -135,6 +135,9 @@ export class Frame {
     const away = tabs.some((tab) => tab.id === active);
     if (!away && this.homeBox.hidden) this.home.reset();
     this.homeBox.hidden = away;
+    // What isn't in sight isn't on the page either: its rows aren't taken for those of the screen in front.
+    if (away) this.panel.remove();
+    else if (!this.panel.isConnected) this.homeBox.append(this.panel);
     this.tabs.hidden = tabs.length === 0;
     this.tabs.replaceChildren(
       ...tabs.map((tab) => {

@@ -36,7 +36,7 @@ export class MenuBoard {
       autocomplete: "off",
       spellcheck: "false",
     });
-    this.list = el("div", { class: "board-list", role: "listbox", id: this.id, "aria-label": "Telas" });
+    this.list = el("div", { class: "board-list", tabindex: "-1", role: "listbox", id: this.id, "aria-label": "Telas" });
     this.element = el("div", { class: "board" }, el("div", { class: "board-search" }, icon("search"), this.input), this.list);
     this.input.addEventListener("input", () => {
       this.current = 0;

@@ -21,6 +21,7 @@ const kTop = 12;
 // More points than these aren't named one by one; names stand so many points apart.
 const kFew = 20;
 const kApart = 5;
+const kLow = 150;
 
 export class ChartView extends ControlView {
   readonly element: HTMLElement;
@@ -95,13 +96,18 @@ export class ChartView extends ControlView {
       this.plot.replaceChildren(el("div", { class: "grid-empty" }, "Sem dados"));
       return;
     }
-    const { low, high, ticks } = scale(this.values.flat().filter((value) => !Number.isNaN(value)));
-    const y = (value: number): number => kTop + ((high - value) / (high - low)) * (kHeight - kTop - kBottom);
-    const slot = (kWidth - kLeft - 8) / points;
+    // Many points take the room that there is, so that their letters are as large as any.
+    const many = points > kFew;
+    const width = many ? Math.max(this.plot.clientWidth - 2, kLeft * 4) : kWidth;
+    const height = many ? kLow : kHeight;
+    const bottom = many ? kBottom / 2 : kBottom;
+    const { low, high, ticks } = scale(this.values.flat().filter((value) => !Number.isNaN(value)), !many || this.series.some((one) => !one.line));
+    const y = (value: number): number => kTop + ((high - value) / (high - low)) * (height - kTop - bottom);
+    const slot = (width - kLeft - 8) / points;
     const x = (at: number): number => kLeft + slot * (at + 0.5);
     const parts: SVGElement[] = [];
     for (const tick of ticks) {
-      parts.push(svg("line", { class: "chart-line", x1: kLeft, x2: kWidth - 8, y1: y(tick), y2: y(tick) }));
+      parts.push(svg("line", { class: "chart-line", x1: kLeft, x2: width - 8, y1: y(tick), y2: y(tick) }));
       const text = svg("text", { class: "chart-text", x: kLeft - 8, y: y(tick) + 4, "text-anchor": "end" });
       text.textContent = showAmount(tick.toFixed(2), 0);
       parts.push(text);
@@ -120,7 +126,7 @@ export class ChartView extends ControlView {
         const title = svg("title", {});
         title.textContent = `${one.title}, ${this.labels[i]}: ${this.texts[at]![i]}`;
         const shape = one.line
-          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: points > kFew ? 2 : 3.5 }, title)
+          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: many ? 2 : 3.5 }, title)
           : svg(
               "rect",
               {
@@ -135,33 +141,36 @@ export class ChartView extends ControlView {
         parts.push(shape);
       });
       if (!one.line) bar += 1;
-      else parts.push(...this.marks(values, this.texts[at]!, x, y));
+      else parts.push(...this.marks(values, this.texts[at]!, x, y, height - bottom));
     });
-    parts.push(svg("line", { class: "chart-zero", x1: kLeft, x2: kWidth - 8, y1: y(0), y2: y(0) }));
+    if (low <= 0) parts.push(svg("line", { class: "chart-zero", x1: kLeft, x2: width - 8, y1: y(0), y2: y(0) }));
     const every = Math.max(1, Math.ceil(points / 12));
     this.labels.forEach((label, at) => {
       if (at % every !== 0) return;
-      const shown = label.length > 14 ? `${label.slice(0, 13)}…` : label;
+      // Of many days the year goes without saying.
+      const shown = many && /^\d\d\/\d\d\/\d{4}$/.test(label) ? label.slice(0, 5) : label.length > 14 ? `${label.slice(0, 13)}…` : label;
       // The last one stays within the drawing.
-      const middle = Math.min(x(at), kWidth - shown.length * 3.6);
-      const text = svg("text", { class: "chart-text", x: middle, y: kHeight - kBottom + 18, "text-anchor": "middle" });
+      const middle = Math.min(x(at), width - shown.length * 3.6);
+      const text = svg("text", { class: "chart-text", x: middle, y: height - bottom + 16, "text-anchor": "middle" });
       text.textContent = shown;
       parts.push(text);
     });
-    const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, "aria-hidden": "true" }, ...parts);
+    const drawing = svg("svg", { viewBox: `0 0 ${width} ${height}`, "aria-hidden": "true" }, ...parts);
     this.plot.replaceChildren(drawing, this.table());
   }
 
   // The values at the points of a line, each above its point or, where the line rises from it, below.
   // Of many points only the lowest and the ends.
-  private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number): SVGElement[] {
+  private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number, floor: number): SVGElement[] {
     const there = [...values.keys()].filter((i) => !Number.isNaN(values[i]));
     const lowest = there.reduce((least, i) => (values[i]! < values[least]! ? i : least), there[0] ?? 0);
     const marked = there.length <= kFew ? there : [there[0]!, lowest, there[there.length - 1]!].filter((i, at, all) => all.every((other, before) => before >= at || Math.abs(other - i) > kApart));
     return marked.map((i) => {
       const value = values[i]!;
-      const below = (values[i + 1] ?? value) > value && y(value) < kHeight - kBottom - 20;
-      const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": "middle" });
+      const below = (values[i + 1] ?? value) > value && y(value) < floor - 20;
+      // The outer ones stay within the drawing.
+      const anchor = values.length <= kFew ? "middle" : i === 0 ? "start" : i === values.length - 1 ? "end" : "middle";
+      const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": anchor });
       mark.textContent = texts[i]!.replace(/,\d+$/, "");
       return mark;
     });
