@@ -38,9 +38,9 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   // Titles by when they fall due.
   static constexpr auto kPrazos = std::to_array<ReportField>({
       {"Prazo", FieldType::String, 40, {"Títulos em aberto", 21}},
-      {"QtdReceber", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"QtdReceber", FieldType::String, 6, {"Qtde.", 5}},
       {"Receber", FieldType::Currency, 0, {"A receber", 13}},
-      {"QtdPagar", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"QtdPagar", FieldType::String, 6, {"Qtde.", 5}},
       {"Pagar", FieldType::Currency, 0, {"A pagar", 13}},
       {"De", FieldType::Date},
       {"Ate", FieldType::Date},
@@ -64,9 +64,9 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   // Pending cheques by the days for which they are good.
   static constexpr auto kCheques = std::to_array<ReportField>({
       {"Prazo", FieldType::String, 40, {"Cheques bons para", 21}},
-      {"QtdRecebidos", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"QtdRecebidos", FieldType::String, 6, {"Qtde.", 5}},
       {"Recebidos", FieldType::Currency, 0, {"Recebidos", 13}},
-      {"QtdEmitidos", FieldType::Integer, 0, {"Qtde.", 6}},
+      {"QtdEmitidos", FieldType::String, 6, {"Qtde.", 5}},
       {"Emitidos", FieldType::Currency, 0, {"Emitidos", 13}},
       {"De", FieldType::Date},
       {"Ate", FieldType::Date},

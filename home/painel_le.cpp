@@ -86,7 +86,9 @@ void TfmPainel::MostraPrazos(const Abertos& receber, const Abertos& pagar) {
     };
     const auto [quantos_r, valor_r] = soma(receber);
     const auto [quantos_p, valor_p] = soma(pagar);
-    Value valores[] = {prazo, quantos_r, valor_r, quantos_p, valor_p, periodo.de, periodo.ate};
+    Value valores[] = {
+        prazo,      std::to_string(quantos_r), valor_r, std::to_string(quantos_p), valor_p, periodo.de,
+        periodo.ate};
     TbPrazos.AppendRow(valores);
   };
   const Date hoje = Today(), fim = hoje.AddDays(kSemana - 1);
@@ -155,7 +157,8 @@ void TfmPainel::LeCheques() {
                             WhereBetween("CHEQUE.VENCIMENTO", dias.de, dias.ate) +
                             WhereBetween("CHEQUE.EMISSAO", kEmissao.de, kEmissao.ate);
     ForEach(ForCompanies(sql, "CHEQUE_PRE", false), [&](std::span<Value> v) {
-      Value valores[] = {prazo, v[0], SomaDe(v[1]), v[2], SomaDe(v[3]), dias.de, dias.ate};
+      Value valores[] = {prazo,        v[0].AsString(), SomaDe(v[1]), v[2].AsString(),
+                         SomaDe(v[3]), dias.de,         dias.ate};
       TbCheques.AppendRow(valores);
     });
   };
