@@ -7,7 +7,6 @@
 #include "bench/recording.h"
 #include "bench/statement_screen.h"
 #include "frame/module.h"
-#include "host/data/statement.h"
 
 namespace {
 
@@ -87,16 +86,6 @@ std::filesystem::path WithOrders(const std::filesystem::path& house) {
   }
   std::filesystem::rename(begun, path);
   return path;
-}
-
-// Runs what was noted again; how many rows came.
-int64_t FetchBare(Attachment& db, const std::vector<Sent>& statements) {
-  Nothing nothing;
-  for (const Sent& sent : statements) {
-    if (sent.kind == Sent::Kind::Fetch) Statement(db, sent.sql).Fetch(sent.values, nothing);
-  }
-  db.CommitRetaining();
-  return nothing.rows;
 }
 
 // A screen of the cash flow: what is ticked in it, its rows, how many times the bare fetch it may take, and

@@ -44,6 +44,15 @@ void SendBare(Attachment& db, const std::vector<Sent>& statements) {
   }
 }
 
+int64_t FetchBare(Attachment& db, const std::vector<Sent>& statements) {
+  Nothing nothing;
+  for (const Sent& sent : statements) {
+    if (sent.kind == Sent::Kind::Fetch) Statement(db, sent.sql).Fetch(sent.values, nothing);
+  }
+  db.CommitRetaining();
+  return nothing.rows;
+}
+
 // The linker leads calls of these members of Core here (--wrap), and back by the second name of each. The
 // names are those of the members for the linker.
 #define FETCH "_ZN3orv2fb4Core5FetchERNS0_8PreparedESt4spanIKNS_5ValueELm18446744073709551615EERNS_7RowSinkE"

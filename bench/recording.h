@@ -25,5 +25,7 @@ void WhenFetched(std::function<void()> told);
 
 // Runs the same statements and commits, and nothing else.
 void SendBare(Attachment& db, const std::vector<Sent>& statements);
+// The fetches alone, whose rows are dropped; how many rows came.
+int64_t FetchBare(Attachment& db, const std::vector<Sent>& statements);
 
 }  // namespace orv::bench

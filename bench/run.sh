@@ -9,7 +9,7 @@ build=${ORVCC_BENCH_BUILD:-build/bench}
 export ORVCC_BENCH_DIR=${ORVCC_BENCH_DIR:-$PWD/build/bench-data}
 
 programs=("$@")
-[ $# -gt 0 ] || programs=(working_set query door million ledger statements concilia emissao reports cashflow results rel_cheque print sheet cards cards_page server page)
+[ $# -gt 0 ] || programs=(working_set query door million ledger statements concilia emissao reports cashflow results rel_cheque home print sheet cards cards_page server page)
 targets=()
 for program in "${programs[@]}"; do
   if [ "$program" = page ]; then

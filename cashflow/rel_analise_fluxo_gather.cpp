@@ -40,10 +40,6 @@ std::string SelectPagar(const char* banco) {
          " LEFT OUTER JOIN {TABSIT} TABSIT ON TABSIT.CODIGO = PAGTO.SITUACAO";
 }
 
-// A situation that isn't known isn't one of the cash flow.
-constexpr const char* kNoFluxo = " AND TABSIT.IMP_FLUXO = 'S'";
-constexpr const char* kForaP = " AND RECEBER.SITUACAO <> 'P'";
-
 }  // namespace
 
 void TfmRelAnaliseFluxo::BitBtn29Click() {

@@ -9,8 +9,6 @@
 namespace orv {
 namespace {
 
-constexpr const char* kForaP = " AND RECEBER.SITUACAO <> 'P'";
-
 std::string Codigo(const Value& codigo) { return std::string(TrimCode(codigo.Text())); }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "frame/filters.h"
 #include "toolkit/control.h"
+#include "toolkit/controls.h"
 #include "toolkit/error.h"
 #include "toolkit/form.h"
 #include "toolkit/text.h"
@@ -22,6 +23,10 @@ std::vector<std::string> Fill(Form& form, const FieldTexts& fields) {
     // What already says so isn't touched.
     if (field == fields.end() || FieldText(*control) == field->second) continue;
     try {
+      if (auto* pages = dynamic_cast<PageControl*>(control); pages != nullptr && pages->Usable()) {
+        pages->UserPage(field->second);
+        continue;
+      }
       if (control->CanFocus() && form.SetFocus(*control)) {
         control->UserSet(field->second);
         continue;

@@ -9,7 +9,8 @@ namespace orv {
 
 class Form;
 
-// Names of controls, each with what a person would type into it or choose; "true" and "false" for a box.
+// Names of controls, each with what a person would type into it or choose; "true" and "false" for a box, the
+// page's name for pages.
 using FieldTexts = std::vector<std::pair<std::string, std::string>>;
 
 // Gives them their values in the order of the page, as a person does who leaves one for the other. What isn't

@@ -51,6 +51,8 @@ class Screen : public Form {
   bool FreeOnClose() const { return free_on_close_; }
   // Of a dialog that hides when it is closed: its caller has read it, and it is freed after the action.
   void Release() { free_on_close_ = true; }
+  // The user is back at a screen that stood behind others.
+  virtual void Returned() {}
 
  protected:
   IFuncoes& Funcoes;

@@ -64,7 +64,7 @@ void TfmCC::Desenha() {
         } /
         DBGridApagar /
         @sums { EdtDebito EdtCredito EdtSaldo } /
-        @actions { DtBaixaComp SpeedButton8 SpeedButton6 @apart BitBtn6 }
+        @actions { DtBaixaComp SpeedButton8 SpeedButton6 BtRegistro @apart BitBtn6 }
       }
       TabSheet2 {
         Panel4 {
@@ -119,6 +119,13 @@ void TfmCC::LigaAcesso() {
   DBGridApagar.OnDblClick = [this] { DBGridApagarDblClick(); };
   SpeedButton8.OnClick = [this] { SpeedButton8Click(); };
   SpeedButton6.OnClick = [this] { SpeedButton6Click(); };
+  // Of the movement in focus, or of the account that was asked for.
+  BtRegistro.SetVisible(Owner().MayOpen("TfmRegistroConta"));
+  BtRegistro.OnClick = [this] {
+    const std::string conta = TbConsulta.IsEmpty() ? EdtConsConta.Text() : TbConsulta.Conta.AsString();
+    Owner().OpenFilled("TfmRegistroConta", {{"EdtConta", conta}, {"EdtProcura", ""}},
+                       conta.empty() ? "" : "BtConsulta");
+  };
 }
 
 void TfmCC::LigaManutencao() {

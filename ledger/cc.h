@@ -108,6 +108,7 @@ class ORV_EXPORT TfmCC : public Child {
   DateEdit DtBaixaComp{*this, "DtBaixaComp", "Compensação"};
   SmallButton SpeedButton8{*this, "SpeedButton8", "Compensar"};
   SmallButton SpeedButton6{*this, "SpeedButton6", "Estornar"};
+  SmallButton BtRegistro{*this, "BtRegistro", "Registro da conta"};
   Button BitBtn6{*this, "BitBtn6", "&Fechar"};
 
   // --- Manutenção.

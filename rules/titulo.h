@@ -21,6 +21,18 @@ constexpr const char* kPagarAberto = "((PAGTO.VALOR + PAGTO.JUROS) > (PAGTO.VAL_
 constexpr const char* kPagarVencidoAberto =
     "((PAGTO.VALOR + PAGTO.JUROS) > (PAGTO.VAL_PAG + PAGTO.DESCONTO + PAGTO.VAL_DEV))";
 
+// The day on which a row falls due where something of it is open, else null. The tables have an index over
+// each of these expressions.
+inline const std::string kReceberVenceAberto =
+    std::string("CASE WHEN ") + kReceberAberto + " THEN RECEBER.DT_VENCTO END";
+inline const std::string kPagarVenceAberto =
+    std::string("CASE WHEN ") + kPagarAberto + " THEN PAGTO.DT_VEN END";
+
+// Titles in a situation (TABSIT) of the cash flow, and receivables that aren't lost: conditions. A situation
+// that isn't known isn't one of the cash flow.
+constexpr const char* kNoFluxo = " AND TABSIT.IMP_FLUXO = 'S'";
+constexpr const char* kForaP = " AND RECEBER.SITUACAO <> 'P'";
+
 // Ordinary titles, and budget items where they are asked for: a condition that begins with " AND ".
 inline std::string StatusDeTitulo(const std::string& tabela, bool orcamentos) {
   return " AND " + tabela + (orcamentos ? ".STATUS IN ('N','O')" : ".STATUS = 'N'");

@@ -108,7 +108,9 @@ std::optional<Json> ServerDatabase::Me(const std::string& user, const std::strin
   const auto standing = users.Standing(user);
   if (!known || !standing) return std::nullopt;
   Json::Array menu;
+  std::string home;
   for (const ScreenInfo& screen : ClassRegistry::Instance().All()) {
+    if (screen.IsHome()) home = screen.class_name;
     if (screen.group.empty() || !standing->MayOpen(screen.class_name)) continue;
     menu.push_back(Json{{"class", screen.class_name}, {"caption", screen.caption}, {"group", screen.group}});
   }
@@ -118,6 +120,7 @@ std::optional<Json> ServerDatabase::Me(const std::string& user, const std::strin
               {"company", company},
               {"companyName", name.IsNull() ? "" : name.AsString()},
               {"today", clock_.Today().Neutral()},
+              {"home", home},
               {"menu", std::move(menu)}};
 }
 

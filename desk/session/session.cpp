@@ -138,9 +138,13 @@ void Session::Run() {
 void Session::Serve() {
   Settle({{"on", "idle"}});
   for (;;) {
-    Handle(Take().in);
+    const Json in = Take().in;
+    const int64_t newest = next_id_;
+    Handle(in);
     application_->FreeClosed();
     in_order_ = Guarded("order", [this] { services_->AfterAction(); });
+    if (const int64_t top = TopId(); std::exchange(at_, top) != top && top != 0 && top < newest)
+      Guarded("return", [this] { application_->Top()->Returned(); });
     Collect();
     Settle({{"on", "idle"}});
   }

@@ -264,6 +264,8 @@ class Session : private UserInterface, private ApplicationObserver {
   std::string pressed_;
   // The screen that the display takes to be on top; another one is told.
   int64_t front_ = 0;
+  // The screen at which the user was left by the latest action.
+  int64_t at_ = 0;
   // What the latest action left was put in order; false where that failed, and the next one does it first.
   bool in_order_ = true;
   // What a display that comes back must be told: the open question, what ended the latest answer, the busy

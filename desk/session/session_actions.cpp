@@ -196,7 +196,8 @@ void Session::Open(const Json& in) {
     throw RequestError("Feche primeiro a janela \"" + top->Caption() + "\".");
   }
   const auto info = ClassRegistry::Instance().Find(name);
-  if (!info || !application_->MayOpen(info->class_name))
+  // The home is everybody's; a dialog is opened by its screen alone, but for who holds the right.
+  if (!info || !(info->IsHome() || application_->MayOpen(info->class_name)))
     throw RequestError("A tela \"" + name + "\" não está disponível.");
   const auto is_open = [&](const Screen* one) { return SameText(one->ClassName(), name) && !one->Closed(); };
   const bool there = std::ranges::any_of(application_->Shown(), is_open);

@@ -137,6 +137,16 @@ void KeepSums(Attachment& db) {
   MendSums(db);
 }
 
+// What is open and what is to be reconciled is found without what is settled.
+void IndexOpen(Attachment& db) {
+  std::vector<std::string> ddl;
+  for (const std::string& company : CompanySuffixes(db)) {
+    for (const char* table : {"PAGTO", "RECEBER", "EXTRATO"})
+      ddl.push_back(CreateIndexSql(*FindTable(table), company).back());
+  }
+  RunDdl(db, ddl);
+}
+
 // Brings a database from the version before `version` to it.
 struct Step {
   int version;
@@ -160,6 +170,7 @@ const Step kSteps[] = {
     {4, JoinNumbers},
     {5, FillKinds},
     {6, KeepSums},
+    {7, IndexOpen},
 };
 
 }  // namespace

@@ -17,8 +17,10 @@ struct ColumnDef {
   std::string initial;  // SQL literal that stands in where a row names no value; empty for none
 };
 
+// Over columns, or over an expression where one is given: statements that compare the same expression use it.
 struct IndexDef {
   std::vector<std::string> columns;
+  std::string expression = {};
 };
 
 // A table under its logical name. Tables of a company exist once for each, with the company's suffix after

@@ -12,7 +12,11 @@ std::vector<TableDef> ReconciliationTables() {
         Money("VALOR"), Text("OPERACAO", 1), Text("OBSERVACAO", 50), Text("ARQUIVO", 50), Text("CHAVE", 20),
         Flag("CONCILIADO"), Movement("LANC_CON")},
        {"LANCTO"},
-       {{{"CONTA", "DT_CONT"}}, {{"DT_CONT"}}, {{"ARQUIVO"}}, {{"LANC_CON"}}}},
+       {{{"CONTA", "DT_CONT"}},
+        {{"DT_CONT"}},
+        {{"ARQUIVO"}},
+        {{"LANC_CON"}},
+        {{}, "CASE WHEN CONCILIADO = 'N' THEN CONTA END"}}},
 
       // As SALDO_CONTA, of the lines.
       {"SALDO_EXTRATO",

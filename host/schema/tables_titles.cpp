@@ -17,7 +17,12 @@ std::vector<TableDef> TitleTables() {
         Flag("BLOQUEIO"),  Situation("SITUACAO"), History("HISTORICO"), Text("OBS", 250),
         Text("LOTE", 6)},
        {"NUM_AP"},
-       {{{"CODCRE"}}, {{"DT_VEN"}}, {{"DT_EMI"}}, {{"DOCTO"}}}},
+       {{{"CODCRE"}},
+        {{"DT_VEN"}},
+        {{"DT_EMI"}},
+        {{"DOCTO"}},
+        // Of what is open: the settled ones, which are nearly all, cost nothing.
+        {{}, "CASE WHEN (VALOR + JUROS) > (VAL_PAG + DESCONTO) THEN DT_VEN END"}}},
 
       {"PAGTO1",
        {Payable("NUM_AP"), Movement("LANCAMENTO"), Document("DOCTO"), Day("DT_LAN"), Class("CLASSE"),
@@ -39,7 +44,13 @@ std::vector<TableDef> TitleTables() {
         Order("PEDIDO"),      Sale("NRO_CUPOM"),        History("HISTORICO"),
         Text("OBS", 250)},
        {"NUMERO"},
-       {{{"CODCLI"}}, {{"DT_VENCTO"}}, {{"DT_EMISSAO"}}, {{"PEDIDO"}}, {{"NRO_CUPOM"}}, {{"NUMERO_CH"}}}},
+       {{{"CODCLI"}},
+        {{"DT_VENCTO"}},
+        {{"DT_EMISSAO"}},
+        {{"PEDIDO"}},
+        {{"NRO_CUPOM"}},
+        {{"NUMERO_CH"}},
+        {{}, "CASE WHEN (VALOR2 + JUROS) > (VALOR_PAGO + DESCONTO + VAL_DEV) THEN DT_VENCTO END"}}},
 
       {"RECEBERB",
        {Receivable("NUMERO"), Movement("LANCAMENTO"), Money("VALOR2"), Day("DT_PAGTO"), Day("DT_CONT"),

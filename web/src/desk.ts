@@ -25,6 +25,11 @@ import { Typing, type TypingUser } from "./typing.ts";
 // Kept once the user was walked through a posting, or didn't want to be.
 const kGuide = "guia";
 const kGuided = "TfmCC";
+// The screens opened last, kept for the user.
+const kRecent = "menu.recent";
+const kMostRecent = 5;
+// Milliseconds in which a second Escape is still meant for the box that has gone.
+const kAfterBox = 600;
 
 export interface DeskOptions {
   // The session to come back to, null for a new one.
@@ -50,6 +55,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   private busy = false;
   private draft: { id: number; name: string; text: string } | null = null;
   private greeted = false;
+  // The home has been asked for since a screen was shown.
+  private homed = false;
+  // When the user answered a box: an Escape that follows was meant for it.
+  private seenAt = 0;
   private abort = new AbortController();
 
   constructor(
@@ -160,11 +169,19 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
 
   open(entry: MenuEntry): void {
     if (entry !== kAccount) {
+      this.remember(kRecent, [entry.class, ...this.recent().filter((name) => name !== entry.class)].slice(0, kMostRecent).join(","));
       this.openScreen(entry.class);
       return;
     }
     const box: AccountDialog = new AccountDialog(this.me.user, () => this.boxes.close(box), () => this.loggedOut());
     this.boxes.show(box);
+  }
+  recent(): string[] {
+    return (this.remembered(kRecent) ?? "").split(",").filter((name) => name !== "");
+  }
+  goHome(): void {
+    if (this.me.home !== undefined && !this.top?.dialog && this.topChild !== this.home) this.openScreen(this.me.home);
+    else this.settle();
   }
   raise(id: number): void {
     const screen = this.screens.find((one) => one.id === id);
@@ -195,7 +212,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     });
   }
   leave(): void {
-    if (this.screens.length === 0) {
+    if (this.tabbed.length === 0) {
       this.goOut();
       return;
     }
@@ -226,11 +243,15 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
       case "screen": {
         this.screens.find((one) => one.id === out.id)?.destroy();
         this.screens = this.screens.filter((one) => one.id !== out.id);
+        this.homed = false;
         const screen: ScreenView = new ScreenView(this, out, () => this.act(() => this.send({ do: "close" })));
         const draft = this.drafts.of(out.class);
         if (draft !== undefined) screen.redraw(draft);
         this.screens.push(screen);
-        (screen.dialog ? this.root : this.frame.main).append(screen.element);
+        if (out.class === this.me.home) {
+          screen.element.setAttribute("role", "region");
+          this.frame.panel.replaceChildren(screen.element);
+        } else (screen.dialog ? this.root : this.frame.main).append(screen.element);
         screen.hideEmptyRows();
         this.showScreens();
         break;
@@ -328,13 +349,14 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.draft = draft !== undefined && draft !== null && session === this.session ? { id: this.top!.id, ...draft } : null;
     if (this.greeted && session !== this.session) {
       this.typing.drop();
-      if (this.screens.length > 0) {
+      if (this.tabbed.length > 0) {
         this.failed("A sessão anterior terminou enquanto não havia conexão. O que não estava confirmado não foi gravado.");
       }
     }
     const first = !this.greeted && this.options.session === null && this.remembered(kGuide) === null;
     if (first && this.me.menu.some((entry) => entry.class === kGuided)) void this.guide.begin();
     this.greeted = true;
+    this.homed = false;
     this.session = session;
     for (const screen of this.screens) screen.destroy();
     this.screens = [];
@@ -353,6 +375,11 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.door.queue.keepScreen(this.top?.id ?? 0);
     for (const screen of this.screens) this.drafts.keep(screen.drafted());
     this.ready();
+    // A session that is taken up again stays where it was, and who has asked for a screen goes there.
+    if (!this.homed && this.me.home !== undefined && this.screens.length === 0 && !this.holding) {
+      this.homed = true;
+      this.openScreen(this.me.home);
+    }
     if (!this.holding && this.topBox === null) this.takeUp.go();
   }
 
@@ -395,10 +422,17 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     return [...this.screens].reverse().find((screen) => !screen.dialog);
   }
 
-  // Tabs stand in the order in which they were opened.
+  private get home(): ScreenView | undefined {
+    return this.screens.find((screen) => screen.screenClass === this.me.home);
+  }
+  // Those that have a tab, in the order in which they were opened.
+  private get tabbed(): ScreenView[] {
+    return this.screens.filter((screen) => !screen.dialog && screen !== this.home).sort((a, b) => a.id - b.id);
+  }
+
   private showScreens(): void {
     const active = this.topChild;
-    for (const screen of this.screens) if (!screen.dialog) screen.element.hidden = screen !== active;
+    for (const screen of this.tabbed) screen.element.hidden = screen !== active;
     this.showTabs();
     this.takeUp.show();
     document.title = active === undefined ? this.me.companyName : `${active.caption} · ${this.me.companyName}`;
@@ -410,8 +444,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   }
 
   private showTabs(): void {
-    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
-    this.frame.show(children, this.topChild?.id ?? -1);
+    this.frame.show(this.tabbed, this.topChild?.id ?? -1);
   }
 
   // Puts the browser's focus where it belongs.
@@ -423,7 +456,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     }
     if (this.frame.menuOpen) return;
     const top = this.top;
-    if (top === undefined) {
+    if (top === undefined || (top === this.home && !this.frame.atPanel)) {
       this.frame.focusHome();
       return;
     }
@@ -446,6 +479,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.frame.closeMenu(false);
   }
   boxSeen(): void {
+    this.seenAt = performance.now();
     this.typing.seenSince();
   }
   answer(object: In): void {
@@ -517,6 +551,16 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   flushed(): void {
     this.mark();
   }
+  // From the home to its menu; from a screen on which nothing is under way, and no text is being typed, home.
+  escaped(): void {
+    const top = this.top;
+    if (top === this.home) {
+      this.frame.atPanel = false;
+      this.frame.focusHome();
+    } else if (this.me.home !== undefined && top?.badge === "" && !(document.activeElement instanceof HTMLInputElement) && performance.now() - this.seenAt > kAfterBox) {
+      this.goHome();
+    }
+  }
   pressFrame(press: Press): boolean {
     const { key, ctrl, alt, shift } = press;
     if (ctrl && alt && key.toLowerCase() === "m") {
@@ -537,6 +581,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
       if (!this.top?.dialog) this.favourites();
       return true;
     }
+    if (ctrl && alt && key.toLowerCase() === "h") {
+      this.goHome();
+      return true;
+    }
     if (ctrl && alt && key.toLowerCase() === "r") {
       this.takeUp.first();
       return true;
@@ -545,9 +593,9 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     const back = (ctrl && key === "Tab" && shift) || (alt && !shift && key === "PageUp");
     if (!forward && !back) return false;
     if (this.top?.dialog) return true;
-    const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
+    const children = this.tabbed;
     const at = children.findIndex((screen) => screen === this.topChild);
-    const next = children[(at + (forward ? 1 : -1) + children.length) % Math.max(children.length, 1)];
+    const next = children[(at + (forward ? 1 : at < 0 ? 0 : -1) + children.length) % Math.max(children.length, 1)];
     if (next !== undefined) this.raise(next.id);
     return true;
   }

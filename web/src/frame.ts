@@ -6,6 +6,8 @@ import type { Me, MenuEntry } from "./protocol.ts";
 
 export interface FrameUser {
   open(entry: MenuEntry): void;
+  goHome(): void;
+  recent(): string[];
   raise(id: number): void;
   close(id: number): void;
   leave(): void;
@@ -25,6 +27,9 @@ export class Frame {
   private tabs: HTMLElement;
   private home: MenuBoard;
   private homeBox: HTMLElement;
+  // What stands beside the menu; the user works there rather than in the menu.
+  readonly panel = el("div", { class: "home-panel" });
+  atPanel = false;
   private over: MenuBoard;
   private overBox: HTMLElement;
   private menuButton: HTMLButtonElement;
@@ -38,15 +43,23 @@ export class Frame {
     private user: FrameUser,
     offers: HTMLElement[],
   ) {
-    this.home = new MenuBoard(me.menu, (entry) => user.open(entry), () => {});
+    const key = (letter: string): (Node | string)[] => [el("kbd", {}, "Ctrl"), " + ", el("kbd", {}, "Alt"), " + ", el("kbd", {}, letter)];
+    const recent = (): string[] => user.recent();
+    this.home = new MenuBoard(me.menu, recent, (entry) => user.open(entry), () => {});
     this.homeBox = el(
       "section",
       { class: "home", "aria-label": "Início" },
-      el("h1", { class: "home-title" }, me.companyName),
-      this.home.element,
-      el("p", { class: "home-hint" }, "De qualquer tela, ", el("kbd", {}, "Ctrl"), " + ", el("kbd", {}, "Alt"), " + ", el("kbd", {}, "M"), " abre este menu."),
+      el(
+        "div",
+        { class: "home-menu" },
+        el("h1", { class: "home-title" }, me.companyName),
+        this.home.element,
+        el("p", { class: "home-hint" }, "De qualquer tela, ", ...key("M"), " abre este menu", ...(me.home === undefined ? [] : [" e ", ...key("H"), " volta aqui"]), "."),
+      ),
+      this.panel,
     );
-    this.over = new MenuBoard(me.menu, (entry) => {
+    this.homeBox.addEventListener("focusin", (event) => (this.atPanel = this.panel.contains(event.target as Node)));
+    this.over = new MenuBoard(me.menu, recent, (entry) => {
       this.closeMenu(false);
       user.open(entry);
     }, () => this.closeMenu());
@@ -69,10 +82,16 @@ export class Frame {
     const out = el("button", { type: "button", class: "top-button", title: "Sair" }, icon("out"), el("span", { class: "wide-only" }, "Sair"));
     out.addEventListener("click", () => user.leave());
     this.bar = el("div", { class: "busy-bar", hidden: true, role: "progressbar", "aria-label": "Aguarde" });
+    const mark = [el("span", { class: "brand-mark" }), el("span", {}, "orv"), el("strong", {}, "CC")];
+    const brand =
+      me.home === undefined
+        ? el("div", { class: "brand", "aria-label": "orvCC", role: "img" }, ...mark)
+        : el("button", { type: "button", class: "brand", "aria-label": "Início", "aria-keyshortcuts": "Control+Alt+H", title: "Início (Ctrl+Alt+H)" }, ...mark);
+    if (me.home !== undefined) brand.addEventListener("click", () => user.goHome());
     const top = el(
       "header",
       { class: "top" },
-      el("div", { class: "brand", "aria-label": "orvCC", role: "img" }, el("span", { class: "brand-mark" }), el("span", {}, "orv"), el("strong", {}, "CC")),
+      brand,
       this.menuButton,
       favourites,
       this.tabs,
@@ -115,9 +134,14 @@ export class Frame {
 
   // --- Tabs.
 
+  // Without an active one the user is at home.
   show(tabs: Tab[], active: number): void {
-    if (tabs.length === 0 && this.homeBox.hidden) this.home.reset();
-    this.homeBox.hidden = tabs.length > 0;
+    const away = tabs.some((tab) => tab.id === active);
+    if (!away && this.homeBox.hidden) this.home.reset();
+    this.homeBox.hidden = away;
+    // What isn't in sight isn't on the page either: its rows aren't taken for those of the screen in front.
+    if (away) this.panel.remove();
+    else if (!this.panel.isConnected) this.homeBox.append(this.panel);
     this.tabs.hidden = tabs.length === 0;
     this.tabs.replaceChildren(
       ...tabs.map((tab) => {
@@ -129,7 +153,7 @@ export class Frame {
             class: `tab ${tab.id === active ? "is-active" : ""}`,
             "aria-selected": String(tab.id === active),
             "aria-controls": `screen-${tab.id}`,
-            tabindex: tab.id === active ? "0" : "-1",
+            tabindex: tab.id === active || (!away && tab === tabs[0]) ? "0" : "-1",
             title: tab.caption,
           },
           el("span", { class: "tab-text" }, tab.caption),

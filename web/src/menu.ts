@@ -16,8 +16,10 @@ export class MenuBoard {
   private id = uniqueId("menu");
   private entries: MenuEntry[];
 
+  // `recent` gives the classes of the screens used last, the latest first.
   constructor(
     entries: MenuEntry[],
+    private recent: () => string[],
     private open: (entry: MenuEntry) => void,
     private leave: () => void,
   ) {
@@ -34,7 +36,7 @@ export class MenuBoard {
       autocomplete: "off",
       spellcheck: "false",
     });
-    this.list = el("div", { class: "board-list", role: "listbox", id: this.id, "aria-label": "Telas" });
+    this.list = el("div", { class: "board-list", tabindex: "-1", role: "listbox", id: this.id, "aria-label": "Telas" });
     this.element = el("div", { class: "board" }, el("div", { class: "board-search" }, icon("search"), this.input), this.list);
     this.input.addEventListener("input", () => {
       this.current = 0;
@@ -59,6 +61,11 @@ export class MenuBoard {
     const groups = new Map<string, MenuEntry[]>();
     // While one searches the best comes first, whatever its group.
     if (query.trim() !== "") fitting.sort((a, b) => b.rank - a.rank);
+    // They stand in their groups too, where one is used to find them.
+    else {
+      const recent = this.recent().flatMap((name) => this.entries.find((entry) => entry.class === name) ?? []);
+      if (recent.length > 0) groups.set("Usadas há pouco", recent);
+    }
     for (const { entry } of fitting) groups.set(entry.group, [...(groups.get(entry.group) ?? []), entry]);
     this.shown = [];
     const parts = [...groups].map(([group, entries]) => {

@@ -228,6 +228,8 @@ export interface Me {
   company: string;
   companyName: string;
   menu: MenuEntry[];
+  // The class of the screen that stands beside the menu, where there is one.
+  home?: string;
   // The desk's own date, "yyyy-mm-dd", where it differs from the machine's.
   today?: string;
 }

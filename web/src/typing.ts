@@ -22,6 +22,8 @@ export interface TypingUser {
   gone(screen: number): boolean;
   // A key of the frame; true when that was all.
   pressFrame(press: Press): boolean;
+  // Escape, of which the screen on top made nothing.
+  escaped(): void;
   flushed(): void;
 }
 
@@ -131,7 +133,7 @@ export class Typing {
     }
     const top = this.user.top;
     if (this.user.menuOpen || top === undefined) return;
-    if ((event.target as Element).closest?.(".top, .offers") !== null) return;
+    if ((event.target as Element).closest?.(".top, .offers, .board") !== null) return;
     const focused = top.focused;
     const own = focused?.canFocus && focused.element.contains(document.activeElement) && focused.takes(press);
     if (belongsToBrowser(press) && !own) return;
@@ -151,6 +153,7 @@ export class Typing {
     if (this.stroke !== this.last.by) this.last.by = "none";
     if (focused !== undefined && !focused.element.contains(document.activeElement)) top.syncFocus();
     if (top.press(press)) event.preventDefault();
+    else if (press.key === "Escape" && !event.repeat) this.user.escaped();
   }
 
   // Text that comes by other ways than single keys while keys wait: pasted, or from an input method.

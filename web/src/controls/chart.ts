@@ -18,8 +18,10 @@ const kHeight = 300;
 const kLeft = 96;
 const kBottom = 44;
 const kTop = 12;
-// Of more points than these only some values stand on the line.
-const kMarked = 15;
+// More points than these aren't named one by one; names stand so many points apart.
+const kFew = 20;
+const kApart = 5;
+const kLow = 150;
 
 export class ChartView extends ControlView {
   readonly element: HTMLElement;
@@ -27,6 +29,7 @@ export class ChartView extends ControlView {
   private plot: HTMLElement;
   private legend: HTMLElement;
   private labels: string[] = [];
+  // NaN where a series has nothing at a point.
   private values: number[][] = [];
   private texts: string[][] = [];
   private page = -1;
@@ -82,8 +85,8 @@ export class ChartView extends ControlView {
     const label = at(this.text("label"));
     this.labels = set.rows.map((row) => showDate(row[label] ?? ""));
     const columns = this.series.map((one) => at(one.field));
-    this.values = columns.map((column) => set.rows.map((row) => Number(row[column] ?? 0)));
-    this.texts = columns.map((column) => set.rows.map((row) => showAmount(row[column] ?? "0")));
+    this.values = columns.map((column) => set.rows.map((row) => Number(row[column] ?? NaN)));
+    this.texts = columns.map((column) => set.rows.map((row) => (row[column] === null ? "" : showAmount(row[column] ?? "0"))));
     this.draw();
   }
 
@@ -93,15 +96,20 @@ export class ChartView extends ControlView {
       this.plot.replaceChildren(el("div", { class: "grid-empty" }, "Sem dados"));
       return;
     }
-    const { low, high, ticks } = scale(this.values.flat());
-    const y = (value: number): number => kTop + ((high - value) / (high - low)) * (kHeight - kTop - kBottom);
-    const slot = (kWidth - kLeft - 8) / points;
+    // Many points take the room that there is, so that their letters are as large as any.
+    const many = points > kFew;
+    const width = many ? Math.max(this.plot.clientWidth - 2, kLeft * 4) : kWidth;
+    const height = many ? kLow : kHeight;
+    const bottom = many ? kBottom / 2 : kBottom;
+    const { low, high, ticks } = scale(this.values.flat().filter((value) => !Number.isNaN(value)), !many || this.series.some((one) => !one.line));
+    const y = (value: number): number => kTop + ((high - value) / (high - low)) * (height - kTop - bottom);
+    const slot = (width - kLeft - 8) / points;
     const x = (at: number): number => kLeft + slot * (at + 0.5);
     const hatch = uniqueId("hatch");
     const lines = svg("path", { class: "chart-hatch", d: "M0 6 6 0M-1.500 1.500 1.500 -1.500M4.500 7.500 7.500 4.500" });
     const parts: SVGElement[] = [svg("defs", {}, svg("pattern", { id: hatch, width: 6, height: 6, patternUnits: "userSpaceOnUse" }, lines))];
     for (const tick of ticks) {
-      parts.push(svg("line", { class: "chart-line", x1: kLeft, x2: kWidth - 8, y1: y(tick), y2: y(tick) }));
+      parts.push(svg("line", { class: "chart-line", x1: kLeft, x2: width - 8, y1: y(tick), y2: y(tick) }));
       const text = svg("text", { class: "chart-text", x: kLeft - 8, y: y(tick) + 4, "text-anchor": "end" });
       text.textContent = showAmount(tick.toFixed(2), 0);
       parts.push(text);
@@ -111,15 +119,16 @@ export class ChartView extends ControlView {
     this.series.forEach((one, at) => {
       const values = this.values[at]!;
       if (one.line) {
-        const path = values.map((value, i) => `${i === 0 ? "M" : "L"}${x(i).toFixed(1)} ${y(value).toFixed(1)}`).join("");
+        const path = values.map((value, i) => (Number.isNaN(value) ? "" : `${Number.isNaN(values[i - 1] ?? NaN) ? "M" : "L"}${x(i).toFixed(1)} ${y(value).toFixed(1)}`)).join("");
         parts.push(svg("path", { class: `chart-path series-${at % 4}`, d: path }));
       }
       const width = Math.min(36, (slot * 0.72) / Math.max(bars, 1));
       values.forEach((value, i) => {
+        if (Number.isNaN(value)) return;
         const title = svg("title", {});
         title.textContent = `${one.title}, ${this.labels[i]}: ${this.texts[at]![i]}`;
         const shape = one.line
-          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: 3.5 }, title)
+          ? svg("circle", { class: `chart-dot series-${at % 4}`, cx: x(i), cy: y(value), r: many ? 2 : 3.5 }, title)
           : svg(
               "rect",
               {
@@ -140,20 +149,21 @@ export class ChartView extends ControlView {
         parts.push(over);
       });
       if (!one.line) bar += 1;
-      else parts.push(...this.marks(values, this.texts[at]!, x, y));
+      else parts.push(...this.marks(values, this.texts[at]!, x, y, height - bottom));
     });
-    parts.push(svg("line", { class: "chart-zero", x1: kLeft, x2: kWidth - 8, y1: y(0), y2: y(0) }));
+    if (low <= 0) parts.push(svg("line", { class: "chart-zero", x1: kLeft, x2: width - 8, y1: y(0), y2: y(0) }));
     const every = Math.max(1, Math.ceil(points / 12));
     this.labels.forEach((label, at) => {
       if (at % every !== 0) return;
-      const shown = label.length > 14 ? `${label.slice(0, 13)}…` : label;
+      // Of many days the year goes without saying.
+      const shown = many && /^\d\d\/\d\d\/\d{4}$/.test(label) ? label.slice(0, 5) : label.length > 14 ? `${label.slice(0, 13)}…` : label;
       // The last one stays within the drawing.
-      const middle = Math.min(x(at), kWidth - shown.length * 3.6);
-      const text = svg("text", { class: "chart-text", x: middle, y: kHeight - kBottom + 18, "text-anchor": "middle" });
+      const middle = Math.min(x(at), width - shown.length * 3.6);
+      const text = svg("text", { class: "chart-text", x: middle, y: height - bottom + 16, "text-anchor": "middle" });
       text.textContent = shown;
       parts.push(text);
     });
-    const drawing = svg("svg", { viewBox: `0 0 ${kWidth} ${kHeight}`, "aria-hidden": "true" }, ...parts);
+    const drawing = svg("svg", { viewBox: `0 0 ${width} ${height}`, "aria-hidden": "true" }, ...parts);
     // Beside a report's rows the figures stand for all to read.
     const beside = this.element.closest(".part-picture") !== null;
     const table = this.table(beside ? "chart-table" : "unseen");
@@ -161,11 +171,17 @@ export class ChartView extends ControlView {
   }
 
   // The values at the points of a line, each above its point or, where the line rises from it, below.
-  private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number): SVGElement[] {
-    const told = new Set(values.length <= kMarked ? values.keys() : [0, values.length - 1, values.indexOf(Math.min(...values))]);
-    return values.map((value, i) => [value, i] as const).filter(([, i]) => told.has(i)).map(([value, i]) => {
-      const below = (values[i + 1] ?? value) > value && y(value) < kHeight - kBottom - 20;
-      const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": "middle" });
+  // Of many points only the lowest and the ends.
+  private marks(values: number[], texts: string[], x: (at: number) => number, y: (value: number) => number, floor: number): SVGElement[] {
+    const there = [...values.keys()].filter((i) => !Number.isNaN(values[i]));
+    const lowest = there.reduce((least, i) => (values[i]! < values[least]! ? i : least), there[0] ?? 0);
+    const marked = there.length <= kFew ? there : [there[0]!, lowest, there[there.length - 1]!].filter((i, at, all) => all.every((other, before) => before >= at || Math.abs(other - i) > kApart));
+    return marked.map((i) => {
+      const value = values[i]!;
+      const below = (values[i + 1] ?? value) > value && y(value) < floor - 20;
+      // The outer ones stay within the drawing.
+      const anchor = values.length <= kFew ? "middle" : i === 0 ? "start" : i === values.length - 1 ? "end" : "middle";
+      const mark = svg("text", { class: "chart-mark", x: x(i), y: y(value) + (below ? 16 : -8), "text-anchor": anchor });
       mark.textContent = texts[i]!.replace(/,\d+$/, "");
       return mark;
     });

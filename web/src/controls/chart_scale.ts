@@ -1,7 +1,7 @@
-// The value axis of a chart: round steps that hold all values and zero.
-export function scale(values: number[]): { low: number; high: number; ticks: number[] } {
-  const least = Math.min(0, ...values);
-  const most = Math.max(0, ...values);
+// The value axis of a chart: round steps that hold all values and, where it is asked for, zero.
+export function scale(values: number[], zero = true): { low: number; high: number; ticks: number[] } {
+  const least = Math.min(...(zero ? [0] : []), ...values);
+  const most = Math.max(...(zero ? [0] : []), ...values);
   const span = most - least || 1;
   const power = 10 ** Math.floor(Math.log10(span / 4));
   const step = [1, 2, 2.5, 5, 10].map((n) => n * power).find((n) => span / n <= 5)!;
