@@ -64,7 +64,7 @@ void TFmConcilia::Desenha() {
         GbSugestao { GridSugestao } /
         LbVolta /
         @actions {
-          EdtDif LbDif EdtPrazo BtSugerir @primary BitBtn4 BitBtn7 BitBtn5 BitBtn9 @danger BitBtn8 @apart BitBtn3
+          EdtDif LbDif EdtPrazo BtSugerir BtLancaLinha BtRegras @primary BitBtn4 BitBtn7 BitBtn5 BitBtn9 @danger BitBtn8 @apart BitBtn3
         }
       }
       TabSheet2 {
@@ -119,6 +119,8 @@ void TFmConcilia::LigaExtrato() {
   BitBtn9.OnClick = [this] { Funcoes.Carrega_Form("orvCC", "TFmCadExtrato", "", false, true); };
   BitBtn3.OnClick = [this] { Close(); };
   BtSugerir.OnClick = [this] { BtSugerirClick(); };
+  BtLancaLinha.OnClick = [this] { BtLancaLinhaClick(); };
+  BtRegras.OnClick = [this] { BtRegrasClick(); };
 }
 
 void TFmConcilia::LigaCheques() {

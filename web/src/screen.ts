@@ -437,17 +437,19 @@ export class ScreenView implements ScreenContext {
   }
 
   // Presses the button that the screen is for: of several in sight the last, which stands at the foot.
+  private get primary(): ControlView | undefined {
+    return this.controls.filter((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary").pop();
+  }
   private confirm(): boolean {
-    const button = this.controls.filter((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary").pop();
-    button?.access();
-    return button !== undefined;
+    this.primary?.access();
+    return this.primary !== undefined;
   }
 
   // What can be pressed now, and by which letter.
   get keysShown(): { key: string; caption: string }[] {
-    return this.controls
-      .filter((control) => control instanceof ButtonView && control.visible && control.enabled && control.accessKey !== "")
-      .map((control) => ({ key: `Alt+${control.accessKey.toUpperCase()}`, caption: control.caption }));
+    const primary = this.primary === undefined ? [] : [{ key: "Ctrl+Enter", caption: this.primary.caption }];
+    const buttons = this.controls.filter((control) => control instanceof ButtonView && control.visible && control.enabled && control.accessKey !== "");
+    return [...primary, ...buttons.map((control) => ({ key: `Alt+${control.accessKey.toUpperCase()}`, caption: control.caption }))];
   }
 
   private turnPage(forward: boolean): boolean {
