@@ -69,6 +69,7 @@ void TfmCC::Desenha() {
         @actions { DtBaixaComp SpeedButton8 SpeedButton6 @apart BitBtn6 }
       }
       TabSheet2 {
+        PanelVence { LbVence BtVence BtPassa } /
         Panel4 {
           @form {
             EdtLancto:2 EdtConta:3 PqConta EdtCodBan EdtDesBan /
@@ -85,7 +86,6 @@ void TfmCC::Desenha() {
             GroupBox3 { DbgRateioCC / PqCCusto }
           }
         } /
-        PanelVence { LbVence BtVence BtPassa } /
         @actions {
           Panel5 { @primary SpeedButton2 SpeedButton1 BtGuarda CbManter }
           Panel6 { @primary BitBtn1 BtRepete BtModelos PqModelos BitBtn2 btnConsulta PqFluxo BitBtn7 BitBtn8 @danger BitBtn3 @apart BitBtn4 }

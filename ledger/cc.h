@@ -115,6 +115,12 @@ class ORV_EXPORT TfmCC : public Child {
   // --- Manutenção.
   TabSheet TabSheet2{*this, "TabSheet2", "Manutenção"};
 
+  // What recurs and is to be posted now.
+  Panel PanelVence{*this, "PanelVence"};
+  Aviso LbVence{*this, "LbVence"};
+  Button BtVence{*this, "BtVence", "&Usar o próximo"};
+  Button BtPassa{*this, "BtPassa", "Dei&xar passar"};
+
   Panel Panel4{*this, "Panel4"};
   ReadOnlyEdit EdtLancto{*this, "EdtLancto", "Lançamento"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
@@ -202,12 +208,6 @@ class ORV_EXPORT TfmCC : public Child {
                           {.field = "Perc", .title = "Percentual", .decimals = 4},
                           {"Valor", "Valor"}}};
   TPesquisa PqCCusto{*this, "PqCCusto", CentrosDeCusto()};
-
-  // What recurs and is to be posted now.
-  Panel PanelVence{*this, "PanelVence"};
-  Aviso LbVence{*this, "LbVence"};
-  Button BtVence{*this, "BtVence", "&Usar o próximo"};
-  Button BtPassa{*this, "BtPassa", "Dei&xar passar"};
 
   Panel Panel5{*this, "Panel5"};
   Button SpeedButton2{*this, "SpeedButton2", "C&onfirmar"};

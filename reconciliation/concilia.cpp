@@ -59,12 +59,12 @@ void TFmConcilia::Desenha() {
         } /
         @sides {
           GbMov { OrvDBGrid1 / @sums { EdtTotMov EdtSaldoMov EdtSaldoMovCon } }
-          GbArq { OrvDBGrid2 / @sums { EdtTotExt EdtSaldoExt EdtSaldoExtCon } }
+          GbArq { OrvDBGrid2 / @sums { EdtTotExt EdtSaldoExt EdtSaldoExtCon BtLancaLinha BtRegras } }
         } /
         GbSugestao { GridSugestao } /
         LbVolta /
         @actions {
-          EdtDif LbDif EdtPrazo BtSugerir BtLancaLinha BtRegras @primary BitBtn4 BitBtn7 BitBtn5 BitBtn9 @danger BitBtn8 @apart BitBtn3
+          EdtDif LbDif EdtPrazo BtSugerir @primary BitBtn4 BitBtn7 BitBtn5 BitBtn9 @danger BitBtn8 @apart BitBtn3
         }
       }
       TabSheet2 {

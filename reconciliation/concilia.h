@@ -141,6 +141,9 @@ class ORV_EXPORT TFmConcilia : public Child {
   MoneyEdit EdtTotExt{*this, "EdtTotExt", "Total"};
   MoneyEdit EdtSaldoExt{*this, "EdtSaldoExt", "Saldo"};
   MoneyEdit EdtSaldoExtCon{*this, "EdtSaldoExtCon", "Saldo Conciliado"};
+  // Leaves the focus in the grid of the lines.
+  SmallButton BtLancaLinha{*this, "BtLancaLinha", "Lançar Lin&ha"};
+  Button BtRegras{*this, "BtRegras", "Regra&s"};
 
   // Its caption tells how many there are and why.
   GroupBox GbSugestao{*this, "GbSugestao", "Sugestões"};
@@ -166,9 +169,6 @@ class ORV_EXPORT TFmConcilia : public Child {
   // How many days a line may lie from the movement that it is proposed for.
   Edit EdtPrazo{*this, "EdtPrazo", "Prazo (dias)", 3};
   Button BtSugerir{*this, "BtSugerir", "Su&gerir"};
-  // Leaves the focus in the grid of the lines.
-  SmallButton BtLancaLinha{*this, "BtLancaLinha", "Lançar Lin&ha"};
-  Button BtRegras{*this, "BtRegras", "Regra&s"};
   Button BitBtn4{*this, "BitBtn4", "&Conciliar"};
   Button BitBtn7{*this, "BitBtn7", "&Imprimir"};
   Button BitBtn5{*this, "BitBtn5", "&Lançar Caixa"};

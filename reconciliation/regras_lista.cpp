@@ -57,8 +57,8 @@ void TFmRegrasExtrato::Carrega() {
   for (const RegraExtrato& regra : regras_) {
     linha[TbRegras.Texto] = regra.texto;
     linha[TbRegras.Operacao] = regra.operacao;
-    linha[TbRegras.De] = regra.de;
-    linha[TbRegras.Ate] = regra.ate;
+    if (!regra.de.IsZero()) linha[TbRegras.De] = regra.de;
+    if (!regra.ate.IsZero()) linha[TbRegras.Ate] = regra.ate;
     linha[TbRegras.Conta] = regra.conta;
     linha[TbRegras.Grupo] = regra.classe;
     linha[TbRegras.Historico] = regra.historico;
