@@ -182,6 +182,7 @@ test("what was posted comes again by a key, and a template on its day", async ()
   assert.deepEqual(await findings(page), []);
   await keys(page, "Control+Enter");
   await dialog.waitFor({ state: "detached" });
+  await focusIs(page, "Manter conta e data");
   await keys(page, "Alt+o");
   await page.getByText("1 modelo vence hoje").waitFor();
   await picture(page, "template-due");
