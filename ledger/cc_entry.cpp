@@ -143,8 +143,9 @@ void TfmCC::SpeedButton2Click() {
       "Lançamento " + EdtLancto.Text() + " gravado: conta " + EdtConta.Text() + ", " + EdtValor.Text() + ".";
   ModoEdicao(false);
   LimpaTela();
-  Tabela.CommitRetaining();
+  // Read before the commit: what fails behind it would seem not to be stored.
   MostraVencidos();
+  Tabela.CommitRetaining();
   Stored(gravado);
 }
 

@@ -68,8 +68,12 @@ ModeloLanc TfmCC::Preenchido() const {
 void TfmCC::Preenche(const ModeloLanc& modelo) {
   EdtConta.SetText(modelo.conta);
   EdtNumDoc.SetText(modelo.docto);
-  EdtTipo.SetText(modelo.classe);
-  EdtHis.SetText(modelo.historico);
+  // A code that is gone since then is to be typed anew: nobody leaves these fields, which would tell it.
+  const auto codigo = [this](Edit& campo, const char* tabela, const char* coluna, const std::string& valor) {
+    campo.SetText(Funcoes.Existe(tabela, {{coluna, valor}}) ? valor : "");
+  };
+  codigo(EdtTipo, "SUBGRUPO", "CODIGO", modelo.classe);
+  codigo(EdtHis, "HISTCP", "HISTORICO", modelo.historico);
   // Behind the class and the history, which propose them.
   CbOper.SetItemIndex(modelo.operacao == "-" ? 1 : 0);
   RgSituacao.SetItemIndex(SituacaoDe(modelo.pendente));
@@ -122,12 +126,15 @@ void TfmCC::BtVenceClick() {
 }
 
 void TfmCC::BtPassaClick() {
-  if (proposto_ && ModelosLanc(Funcoes, Tabela).Avanca(*proposto_)) {
-    Tabela.CommitRetaining();
-    User().Note(NoteKind::Changed,
-                "Modelo " + proposto_->nome + " deixado para " + proposto_->Seguinte().Brazil() + ".");
-  }
+  if (!proposto_) return;
+  const ModeloLanc passado = *proposto_;
+  const bool avancou = ModelosLanc(Funcoes, Tabela).Avanca(passado);
   MostraVencidos();
+  Tabela.CommitRetaining();
+  if (avancou) {
+    User().Note(NoteKind::Changed,
+                "Modelo " + passado.nome + " deixado para " + passado.Seguinte().Brazil() + ".");
+  }
 }
 
 void TfmCC::MostraVencidos() {
