@@ -276,12 +276,12 @@ class ORV_EXPORT TfmCC : public Child {
   void LigaGrades();
 
   // The items of RgSituacao, and their letters in the ledger.
-  enum Situacao { kPendente, kBaixado, kConciliado };
+  enum Situacao { kSitPendente, kSitBaixado, kSitConciliado };
   static const char* Letra(int situacao) {
-    return situacao == kConciliado ? "C" : situacao == kPendente ? "S" : "N";
+    return situacao == kSitConciliado ? "C" : situacao == kSitPendente ? "S" : "N";
   }
   static Situacao SituacaoDe(std::string_view letra) {
-    return letra == "C" ? kConciliado : letra == "S" ? kPendente : kBaixado;
+    return letra == "C" ? kSitConciliado : letra == "S" ? kSitPendente : kSitBaixado;
   }
 
   // --- A movement (cc_entry.cpp).

@@ -38,7 +38,7 @@ void TfmCC::BitBtn1Click() {
 bool TfmCC::Comeca() {
   if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return false;
   LimpaTela();
-  RgSituacao.SetItemIndex(kPendente);
+  RgSituacao.SetItemIndex(kSitPendente);
   EdtTipoLan.SetText("L");
   EdtLancto.SetText(Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true));
   for (DateEdit* data : {&EdtDtLanc, &EdtDtVencto, &EdtDtCont}) data->SetDate(Today());
@@ -235,7 +235,7 @@ void TfmCC::EdtTipoChange() {
 void TfmCC::EdtHisChange() {
   if (preenche_ || EstaGravado()) return;
   const bool pendente = Funcoes.LancamentoPendente(EdtConta.Text(), EdtHis.Text()) == "S";
-  RgSituacao.SetItemIndex(pendente ? kPendente : kBaixado);
+  RgSituacao.SetItemIndex(pendente ? kSitPendente : kSitBaixado);
 }
 
 void TfmCC::EdtDtLancExit() {
@@ -298,7 +298,7 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   if (linhas.empty()) {
     LimpaTela();
     EdtTipoLan.Clear();
-    RgSituacao.SetItemIndex(kBaixado);
+    RgSituacao.SetItemIndex(kSitBaixado);
     return;
   }
 

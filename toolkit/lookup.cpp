@@ -37,7 +37,7 @@ std::string TPesquisa::Condition(std::string_view search) const {
         columns.push_back(column + test + literal);
       }
     }
-    parts.push_back(Join({"(", Join(columns, " OR "), ")"}, ""));
+    parts.push_back(columns.empty() ? "1 = 0" : "(" + Join(columns, " OR ") + ")");
   }
   return Join(parts, " AND ");
 }
