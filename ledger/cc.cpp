@@ -30,11 +30,13 @@ TfmCC::TfmCC(Application& application)
   LigaAcesso();
   LigaManutencao();
   LigaGrades();
+  LigaRapido();
   EnterMovesOn(true);
 
   LeParametros();
   EdtLanctoChange();
   ModoEdicao(false);
+  MostraVencidos();
   BitBtn1.SetFocus();
 }
 
@@ -67,6 +69,7 @@ void TfmCC::Desenha() {
         @actions { DtBaixaComp SpeedButton8 SpeedButton6 BtRegistro @apart BitBtn6 }
       }
       TabSheet2 {
+        PanelVence { LbVence BtVence BtPassa } /
         Panel4 {
           @form {
             EdtLancto:2 EdtConta:3 PqConta EdtCodBan EdtDesBan /
@@ -84,14 +87,15 @@ void TfmCC::Desenha() {
           }
         } /
         @actions {
-          Panel5 { @primary SpeedButton2 SpeedButton1 }
-          Panel6 { @primary BitBtn1 BitBtn2 btnConsulta PqFluxo BitBtn7 BitBtn8 @danger BitBtn3 @apart BitBtn4 }
+          Panel5 { @primary SpeedButton2 SpeedButton1 BtGuarda CbManter }
+          Panel6 { @primary BitBtn1 BtRepete BtModelos PqModelos BitBtn2 btnConsulta PqFluxo BitBtn7 BitBtn8 @danger BitBtn3 @apart BitBtn4 }
         }
       }
     })");
 
   // These lists open by a key in a grid or by a button of their own.
-  for (TPesquisa* pesquisa : {&PqContaC, &PqContaD, &PqCCusto, &PqFluxo}) pesquisa->SetVisible(false);
+  for (TPesquisa* pesquisa : {&PqContaC, &PqContaD, &PqCCusto, &PqModelos, &PqFluxo})
+    pesquisa->SetVisible(false);
   for (MoneyEdit* total : {&EdtValDoc, &EdtDebito, &EdtCredito, &EdtSaldo}) total->SetReadOnly(true);
 }
 
@@ -156,6 +160,9 @@ void TfmCC::LigaManutencao() {
   BitBtn4.OnClick = [this] { Close(); };
   SpeedButton1.OnClick = [this] { SpeedButton1Click(); };
   SpeedButton2.OnClick = [this] { SpeedButton2Click(); };
+  // The latest come first.
+  PqFluxo.Settings().Ordem = "DT_LAN";
+  PqFluxo.Settings().Decrescente = true;
   btnConsulta.OnClick = [this] { PqFluxo.AbrePesquisa(); };
   PqFluxo.OnFechaPesquisa = [this] { PqFluxoFechaPesquisa(); };
   BitBtn7.OnClick = [this] { BitBtn7Click(); };

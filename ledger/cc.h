@@ -9,8 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/aviso.h"
 #include "frame/module.h"
 #include "frame/screen.h"
+#include "ledger/modelo_lanc.h"
 #include "rules/como_lido.h"
 #include "toolkit/client_dataset.h"
 
@@ -114,6 +116,12 @@ class ORV_EXPORT TfmCC : public Child {
   // --- Manutenção.
   TabSheet TabSheet2{*this, "TabSheet2", "Manutenção"};
 
+  // What recurs and is to be posted now.
+  Panel PanelVence{*this, "PanelVence"};
+  Aviso LbVence{*this, "LbVence"};
+  Button BtVence{*this, "BtVence", "&Usar o próximo"};
+  Button BtPassa{*this, "BtPassa", "Dei&xar passar"};
+
   Panel Panel4{*this, "Panel4"};
   ReadOnlyEdit EdtLancto{*this, "EdtLancto", "Lançamento"};
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
@@ -206,17 +214,31 @@ class ORV_EXPORT TfmCC : public Child {
   Button SpeedButton2{*this, "SpeedButton2", "C&onfirmar"};
   // Leaves the focus where it is: giving up opens no lookup of an empty field.
   SmallButton SpeedButton1{*this, "SpeedButton1", "&Cancelar"};
+  SmallButton BtGuarda{*this, "BtGuarda", "Sal&var modelo"};
+  CheckBox CbManter{*this, "CbManter", "Ma&nter conta e data"};
 
   Panel Panel6{*this, "Panel6"};
   Button BitBtn1{*this, "BitBtn1", "&Incluir"};
+  Button BtRepete{*this, "BtRepete", "Re&petir último"};
+  Button BtModelos{*this, "BtModelos", "Mo&delos"};
+  TPesquisa PqModelos{*this, "PqModelos",
+                      ListOf("MODELO_LANC", "NOME",
+                             {{"NOME", "Nome"},
+                              {"CONTA", "Conta"},
+                              {"DOCTO", "Documento"},
+                              {"GRUPO", "Classe Ger."},
+                              {"VALOR", "Valor"},
+                              {"PROXIMO", "Próxima vez"}})};
   Button BitBtn2{*this, "BitBtn2", "&Alterar"};
   Button btnConsulta{*this, "btnConsulta", "&Consultar"};
   TPesquisa PqFluxo{*this, "PqFluxo",
                     ListOf("CONTACOR", "LANCAMENTO;DOCTO;CONTA;OPERACAO",
                            {{"LANCAMENTO", "Lançamento"},
+                            {"DT_LAN", "Data"},
                             {"DOCTO", "Documento"},
-                            {"CONTA", "Conta"},
+                            {"VALOR", "Valor"},
                             {"OPERACAO", "Operação"},
+                            {"CONTA", "Conta"},
                             {"OBSERVACAO", "Observação"}})};
   Button BitBtn7{*this, "BitBtn7", "&Transferência"};
   Button BitBtn8{*this, "BitBtn8", "&Saldos"};
@@ -253,6 +275,15 @@ class ORV_EXPORT TfmCC : public Child {
   void LigaAcesso();
   void LigaManutencao();
   void LigaGrades();
+
+  // The items of RgSituacao, and their letters in the ledger.
+  enum Situacao { kSitPendente, kSitBaixado, kSitConciliado };
+  static const char* Letra(int situacao) {
+    return situacao == kSitConciliado ? "C" : situacao == kSitPendente ? "S" : "N";
+  }
+  static Situacao SituacaoDe(std::string_view letra) {
+    return letra == "C" ? kSitConciliado : letra == "S" ? kSitPendente : kSitBaixado;
+  }
 
   // --- A movement (cc_entry.cpp).
   void BitBtn1Click();
@@ -296,6 +327,27 @@ class ORV_EXPORT TfmCC : public Child {
                       const std::string& operacao) const;
   // The row on the screen, as it was loaded.
   std::string LinhaGravada() const;
+
+  // --- What a posting begins with (cc_rapido.cpp).
+  // The fields that follow from what stands before them are gone by on the way forward.
+  void LigaRapido();
+  // A new posting: its number, today's dates. False where the user may not.
+  bool Comeca();
+  // The account and the date of the last one, where the user keeps them. False without one.
+  bool Mantem();
+  void Preenche(const ModeloLanc& modelo);
+  // The posting on the screen.
+  ModeloLanc Preenchido() const;
+  void BtRepeteClick();
+  void BtModelosClick();
+  void BtGuardaClick();
+  void BtVenceClick();
+  void BtPassaClick();
+  void CbManterChange();
+  // A new posting with the fields of the template.
+  void UsaModelo(const ModeloLanc& modelo);
+  // Tells what is to be posted now.
+  void MostraVencidos();
 
   // --- The split (cc_split.cpp).
   void PartidaContabil();
@@ -374,6 +426,18 @@ class ORV_EXPORT TfmCC : public Child {
   std::optional<Gravada> gravada_;
   // The user has changed the split since it was loaded.
   bool mexida_ = false;
+  // The movement on the screen is being made, and of that: its fields came filled, the user came to a date.
+  bool nova_ = false, preenchida_ = false, datas_ = false;
+  // The template from which it was filled.
+  std::optional<ModeloLanc> modelo_;
+  // What was posted last, since the screen was opened.
+  struct Ultima {
+    ModeloLanc campos;
+    Date dt_lan, dt_vencto, dt_cont;
+  };
+  std::optional<Ultima> ultima_;
+  // The template that the page proposes.
+  std::optional<ModeloLanc> proposto_;
 };
 
 extern ORV_EXPORT thread_local TfmCC* fmCC;

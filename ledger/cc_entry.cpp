@@ -15,26 +15,37 @@ constexpr const char* kAlterado =
     "Outro usuário alterou este registro depois que ele foi carregado. Nada foi gravado. Cancele e "
     "consulte-o novamente.";
 
+constexpr const char* kModeloUsado =
+    "Outro usuário já lançou este modelo, ou o deixou passar. Nada foi gravado.";
+
 // Behind what the database says when the entries were committed already.
 constexpr const char* kSoPartidas =
     " As partidas contábeis ficaram gravadas, o lançamento não: confirme-o de novo.";
-
-enum Situacao { kPendente = 0, kBaixado = 1, kConciliado = 2 };
 
 }  // namespace
 
 // --- Buttons.
 
 void TfmCC::BitBtn1Click() {
-  if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return;
+  if (!Comeca()) return;
+  if (Mantem()) {
+    EdtNumDoc.SetFocus();
+  } else {
+    EdtConta.SetFocus();
+  }
+}
+
+bool TfmCC::Comeca() {
+  if (!Funcoes.Acessa(ClassName(), 'A', "0", "")) return false;
   LimpaTela();
-  RgSituacao.SetItemIndex(kPendente);
+  RgSituacao.SetItemIndex(kSitPendente);
   EdtTipoLan.SetText("L");
   EdtLancto.SetText(Funcoes.Proximo("CONTACOR", "LANCAMENTO", 6, true));
   for (DateEdit* data : {&EdtDtLanc, &EdtDtVencto, &EdtDtCont}) data->SetDate(Today());
   EdtTipoDocto.SetText("DP");
   ModoEdicao(true);
-  EdtConta.SetFocus();
+  nova_ = true;
+  return true;
 }
 
 void TfmCC::BitBtn2Click() {
@@ -80,6 +91,7 @@ bool TfmCC::CancelaCheque(const std::string& numero, const std::string& docto) {
 
 void TfmCC::SpeedButton1Click() {
   ModoEdicao(false);
+  MostraVencidos();
   BuscaLancamento(EdtLancto.Text(), EdtNumDoc.Text(), EdtConta.Text(), CbOper.Text());
   EdtLanctoChange();
 }
@@ -92,6 +104,10 @@ void TfmCC::SpeedButton2Click() {
   if (gravada_) datas.push_back(gravada_->dt_cont);
   if (Bloqueio(Contabil, Tabela).Movimento(EdtConta.Text(), datas)) return;
   if (!ValidaCampos()) return;
+  const ModeloLanc campos = Preenchido();
+  ModelosLanc modelos(Funcoes, Tabela);
+  const bool vencido = nova_ && modelo_ && modelo_->Vencido(Today());
+  if (vencido && !modelos.Aberto(*modelo_)) throw UserError(kModeloUsado);
   // What nobody touched is looked at, and stays, as it is stored, whatever the grids can show of it.
   TbContabil.PostIfEditing();
   TbCCusto.PostIfEditing();
@@ -116,15 +132,19 @@ void TfmCC::SpeedButton2Click() {
                     "INC. ALT. DOCTO: " + EdtNumDoc.Text() + " LANCTO: " + EdtLancto.Text() +
                         " VALOR: " + EdtValor.Text(),
                     TOperacaoLog::Inclusao, EdtNumDoc.Text());
+    if (vencido) modelos.Avanca(*modelo_);
   } catch (const DatabaseError& e) {
     if (!partidas) throw;
     throw DatabaseError(e.Why(), e.Code(), ReplaceAll(e.what(), " Nada foi gravado.", "") + kSoPartidas,
                         e.Detail());
   }
+  if (nova_) ultima_ = {campos, EdtDtLanc.Date(), EdtDtVencto.Date(), EdtDtCont.Date()};
   const std::string gravado =
       "Lançamento " + EdtLancto.Text() + " gravado: conta " + EdtConta.Text() + ", " + EdtValor.Text() + ".";
   ModoEdicao(false);
   LimpaTela();
+  // Read before the commit: what fails behind it would seem not to be stored.
+  MostraVencidos();
   Tabela.CommitRetaining();
   Stored(gravado);
 }
@@ -215,7 +235,7 @@ void TfmCC::EdtTipoChange() {
 void TfmCC::EdtHisChange() {
   if (preenche_ || EstaGravado()) return;
   const bool pendente = Funcoes.LancamentoPendente(EdtConta.Text(), EdtHis.Text()) == "S";
-  RgSituacao.SetItemIndex(pendente ? kPendente : kBaixado);
+  RgSituacao.SetItemIndex(pendente ? kSitPendente : kSitBaixado);
 }
 
 void TfmCC::EdtDtLancExit() {
@@ -278,7 +298,7 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   if (linhas.empty()) {
     LimpaTela();
     EdtTipoLan.Clear();
-    RgSituacao.SetItemIndex(kBaixado);
+    RgSituacao.SetItemIndex(kSitBaixado);
     return;
   }
 
@@ -296,8 +316,7 @@ void TfmCC::BuscaLancamento(const std::string& lancamento, const std::string& do
   EdtObs.SetText(linha[11].AsString());
   EdtTipoLan.SetText(linha[12].AsString());
   EdtLancConc.SetText(linha[13].AsString());
-  const std::string pendente = linha[14].AsString();
-  RgSituacao.SetItemIndex(pendente == "C" ? kConciliado : pendente == "S" ? kPendente : kBaixado);
+  RgSituacao.SetItemIndex(SituacaoDe(linha[14].AsString()));
   gravada_ = {linha[15].AsInteger(), EdtDtCont.Date(), EdtTipo.Text(), EdtHis.Text(), EdtObs.Text()};
   // The sum needs account, operation and date, which came after the document.
   ValorDocumento();
@@ -318,8 +337,6 @@ void TfmCC::RetiraLancamento() {
 void TfmCC::GravaLancamento() {
   const std::string tabela = Funcoes.DBLocal("CONTACOR", true);
   const auto texto = [this](const Edit& edit) { return Funcoes.Aspas(edit.Text()) + ", "; };
-  const int situacao = RgSituacao.ItemIndex();
-  const char* pendente = situacao == kConciliado ? "C" : situacao == kPendente ? "S" : "N";
 
   RetiraLancamento();
   Tabela.IBDatabase().Execute(
@@ -328,7 +345,7 @@ void TfmCC::GravaLancamento() {
       "PENDENTE, VALOR, DT_LAN, DT_VENCTO, DT_CONT) VALUES (" +
       texto(EdtLancto) + texto(EdtNumDoc) + texto(EdtCodBan) + texto(EdtConta) + texto(EdtTipo) +
       texto(EdtHis) + texto(EdtObs) + texto(EdtTipoLan) + texto(EdtTipoDocto) + texto(EdtLancConc) +
-      Funcoes.Aspas(CbOper.Text()) + ", " + Funcoes.Aspas(pendente) + ", " +
+      Funcoes.Aspas(CbOper.Text()) + ", " + Funcoes.Aspas(Letra(RgSituacao.ItemIndex())) + ", " +
       Funcoes.PermanecePonto(EdtValor.Amount()) + ", " + Funcoes.AspasData(EdtDtLanc.Date()) + ", " +
       Funcoes.AspasData(EdtDtVencto.Date()) + ", " + Funcoes.AspasData(EdtDtCont.Date()) + ")");
 }
@@ -351,6 +368,9 @@ void TfmCC::ModoEdicao(bool edicao) {
   DbgRateioCC.SetReadOnly(!edicao);
   Panel5.SetVisible(edicao);
   Panel6.SetVisible(!edicao);
+  PanelVence.SetVisible(false);
+  nova_ = preenchida_ = datas_ = false;
+  if (!edicao) modelo_.reset();
   SetBadge(!edicao ? "" : (EstaGravado() ? "Alterando " : "Incluindo ") + EdtLancto.Text());
 }
 

@@ -34,6 +34,8 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
       CbOper:2 @amount EdtValor:4 DtLancto:3 DtCont:3 /
       EdtObs:12
     } /
+    LbRegra /
+    GbRegra { @form { CbRegra:3 EdtRegraTexto:5 EdtRegraDe:2 EdtRegraAte:2 } } /
     @actions { @primary BitBtn1 @apart BitBtn2 }
   )");
   Lookups({
@@ -43,11 +45,30 @@ TFmCCLancFluxo::TFmCCLancFluxo(Application& application)
   });
   TodayOnEnter(DtLancto);
   TodayOnEnter(DtCont);
+  GbRegra.SetVisible(false);
   BitBtn1.OnClick = [this] { BitBtn1Click(); };
   BitBtn2.OnClick = [this] { BitBtn2Click(); };
 }
 
+void TFmCCLancFluxo::Fixa() {
+  for (Control* control : std::initializer_list<Control*>{&EdtConta, &PqConta, &CbOper, &EdtValor})
+    control->SetEnabled(false);
+  // Entered, they would take today.
+  for (DateEdit* data : {&DtLancto, &DtCont}) data->Passed = [] { return true; };
+  for (Edit* campo : {&EdtDocto, &EdtTipo, &EdtHis}) {
+    if (campo->Empty()) return campo->SetFocus();
+  }
+  BitBtn1.SetFocus();
+}
+
+void TFmCCLancFluxo::OfereceRegra(const std::string& texto, bool marcada) {
+  GbRegra.SetVisible(true);
+  EdtRegraTexto.SetText(texto);
+  CbRegra.SetChecked(marcada);
+}
+
 void TFmCCLancFluxo::EdtTipoChange() {
+  if (!CbOper.Enabled()) return;
   const std::string operacao = Funcoes.Busca_Valor("SUBGRUPO", {{"CODIGO", EdtTipo.Text()}}, "OPERACAO");
   CbOper.SetItemIndex(operacao == "+" ? kCredito : kDebito);
 }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "frame/aviso.h"
 #include "frame/module.h"
 #include "frame/screen.h"
 
@@ -28,6 +29,13 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
   std::function<void()> AoGravar;
   // The movement is posted and committed.
   bool Gravado = false;
+  // The movement stands for something that happened on a day, on a side, for an amount: these keep what the
+  // caller put into them, and the one who types begins where something is missing.
+  void Fixa();
+  // Offers to keep a rule for what is alike; what becomes of it is the caller's.
+  void OfereceRegra(const std::string& texto, bool marcada);
+  // Tells what the fields were filled by.
+  void MostraRegra(const std::string& nome) { LbRegra.Mostra("Preenchido pela regra " + nome + "."); }
 
   Edit EdtConta{*this, "EdtConta", "Conta", 13};
   TPesquisa PqConta{*this, "PqConta", Contas()};
@@ -44,6 +52,12 @@ class ORV_EXPORT TFmCCLancFluxo : public Dialog {
   DateEdit DtLancto{*this, "DtLancto", "Data Lancto"};
   DateEdit DtCont{*this, "DtCont", "Data Cont."};
   Edit EdtObs{*this, "EdtObs", "Observação", 100};
+  Aviso LbRegra{*this, "LbRegra"};
+  GroupBox GbRegra{*this, "GbRegra", "Linhas como esta"};
+  CheckBox CbRegra{*this, "CbRegra", "Guardar como regra"};
+  Edit EdtRegraTexto{*this, "EdtRegraTexto", "Texto contém", 50};
+  MoneyEdit EdtRegraDe{*this, "EdtRegraDe", "Valor de"};
+  MoneyEdit EdtRegraAte{*this, "EdtRegraAte", "Até"};
   Button BitBtn1{*this, "BitBtn1", "Confirmar"};
   Button BitBtn2{*this, "BitBtn2", "Cancelar"};
 

@@ -59,7 +59,7 @@ void TFmConcilia::Desenha() {
         } /
         @sides {
           GbMov { OrvDBGrid1 / @sums { EdtTotMov EdtSaldoMov EdtSaldoMovCon } }
-          GbArq { OrvDBGrid2 / @sums { EdtTotExt EdtSaldoExt EdtSaldoExtCon } }
+          GbArq { OrvDBGrid2 / @sums { EdtTotExt EdtSaldoExt EdtSaldoExtCon BtLancaLinha BtRegras } }
         } /
         GbSugestao { GridSugestao } /
         LbVolta /
@@ -119,6 +119,8 @@ void TFmConcilia::LigaExtrato() {
   BitBtn9.OnClick = [this] { Funcoes.Carrega_Form("orvCC", "TFmCadExtrato", "", false, true); };
   BitBtn3.OnClick = [this] { Close(); };
   BtSugerir.OnClick = [this] { BtSugerirClick(); };
+  BtLancaLinha.OnClick = [this] { BtLancaLinhaClick(); };
+  BtRegras.OnClick = [this] { BtRegrasClick(); };
 }
 
 void TFmConcilia::LigaCheques() {

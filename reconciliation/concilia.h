@@ -97,8 +97,8 @@ class ORV_EXPORT TFmConcilia : public Child {
     Field DoctoArq{*this, "Docto_Arq", FieldType::String, 10};
     Field DataArq{*this, "Data_Arq", FieldType::Date};
     Field ValorArq{*this, "Valor_Arq", FieldType::Currency};
-    Field Motivo{*this, "Motivo", FieldType::String, 60};
-    // Places in TbMov and TbArq, from 1.
+    Field Motivo{*this, "Motivo", FieldType::String, 120};
+    // Places in TbMov and TbArq, from 1; 0 where a rule stands against a line.
     Field LugarMov{*this, "Lugar_Mov", FieldType::Integer};
     Field LugarArq{*this, "Lugar_Arq", FieldType::Integer};
   } TbSugestao{"TbSugestao"};
@@ -141,6 +141,9 @@ class ORV_EXPORT TFmConcilia : public Child {
   MoneyEdit EdtTotExt{*this, "EdtTotExt", "Total"};
   MoneyEdit EdtSaldoExt{*this, "EdtSaldoExt", "Saldo"};
   MoneyEdit EdtSaldoExtCon{*this, "EdtSaldoExtCon", "Saldo Conciliado"};
+  // Leaves the focus in the grid of the lines.
+  SmallButton BtLancaLinha{*this, "BtLancaLinha", "Lançar Lin&ha"};
+  Button BtRegras{*this, "BtRegras", "Regra&s"};
 
   // Its caption tells how many there are and why.
   GroupBox GbSugestao{*this, "GbSugestao", "Sugestões"};
@@ -409,13 +412,25 @@ class ORV_EXPORT TFmConcilia : public Child {
   // The text of the return file; nothing where it is refused, after telling why.
   std::optional<std::vector<ChequeReturn>> LeArquivo();
 
+  // --- A line without a movement (concilia_linha.cpp).
+  struct LinhaComRegra {
+    // In TbArq, from 0.
+    int64_t lugar;
+    std::string regra;
+  };
+  void BtLancaLinhaClick();
+  void BtRegrasClick();
+  // Those of the lines that a rule fits.
+  std::vector<LinhaComRegra> LinhasComRegra(const std::set<int64_t>& lugares);
+
   // --- Proposals (concilia_suggest.cpp).
   void BtSugerirClick();
   // A cheque is reconciled by itself: takes those out that would stand among others, and tells how many.
   std::size_t RetiraCheques(std::vector<Suggestion>& sugestoes, const std::vector<int64_t>& lugares);
   // Ticks what is proposed and lists it. The places are those of the open rows in their sets.
   void MostraSugestoes(const std::vector<Suggestion>& sugestoes, const std::vector<int64_t>& lugares_mov,
-                       const std::vector<int64_t>& lugares_arq, std::size_t cheques);
+                       const std::vector<int64_t>& lugares_arq, std::size_t cheques,
+                       const std::vector<LinhaComRegra>& regras);
   // The groups of which all is still ticked.
   std::set<int64_t> SugestoesInteiras();
   // Takes the ticks of what was proposed away, where the user hasn't changed them.

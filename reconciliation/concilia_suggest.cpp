@@ -108,10 +108,17 @@ void TFmConcilia::BtSugerirClick() {
   const Abertos linhas = LeAbertos(TbArq, TbArq.Concilia, "N", TbArq.LancCon, TbArq.Operacao, TbArq.Valor,
                                    TbArq.Docto, TbArq.Data);
   std::vector<Suggestion> sugestoes = Suggest(movimentos.itens, linhas.itens, static_cast<int>(prazo));
+  // What no movement was found for may have a rule.
+  std::set<int64_t> sozinhas(linhas.lugares.begin(), linhas.lugares.end());
+  for (const Suggestion& sugestao : sugestoes) {
+    for (const uint32_t l : sugestao.lines) sozinhas.erase(linhas.lugares[l]);
+  }
+  const std::vector<LinhaComRegra> regras = LinhasComRegra(sozinhas);
   const std::size_t cheques = RetiraCheques(sugestoes, movimentos.lugares);
-  if (!sugestoes.empty()) MostraSugestoes(sugestoes, movimentos.lugares, linhas.lugares, cheques);
+  const bool nada = sugestoes.empty() && regras.empty();
+  if (!nada) MostraSugestoes(sugestoes, movimentos.lugares, linhas.lugares, cheques, regras);
   CalculaTotais();
-  if (sugestoes.empty()) Inform("Nenhuma correspondência encontrada no prazo de " + texto + " dias.");
+  if (nada) Inform("Nenhuma correspondência encontrada no prazo de " + texto + " dias.");
 }
 
 std::set<int64_t> TFmConcilia::SugestoesInteiras() {
@@ -119,6 +126,7 @@ std::set<int64_t> TFmConcilia::SugestoesInteiras() {
   const int64_t linhas = TbSugestao.RecordCount();
   for (int64_t i = 0; i < linhas; ++i) {
     const auto celula = [&](const Field& campo) { return TbSugestao.Cell(i, campo).AsInteger(); };
+    if (celula(TbSugestao.LugarMov) == 0) continue;
     const int64_t grupo = celula(TbSugestao.Grupo);
     todas.insert(grupo);
     if (TbMov.Cell(celula(TbSugestao.LugarMov) - 1, TbMov.Conciliar).Text() != "N" ||
@@ -174,13 +182,21 @@ std::size_t TFmConcilia::RetiraCheques(std::vector<Suggestion>& sugestoes,
 
 void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
                                   const std::vector<int64_t>& lugares_mov,
-                                  const std::vector<int64_t>& lugares_arq, std::size_t cheques) {
+                                  const std::vector<int64_t>& lugares_arq, std::size_t cheques,
+                                  const std::vector<LinhaComRegra>& regras) {
   const ControlsHold hold(TbSugestao);
   Marcacao marcacao(TbMov, TbArq);
 
   std::array<std::size_t, 3> por_motivo{};
   RowWriter linha(TbSugestao);
   int64_t grupo = 0;
+  const auto da_linha = [&](int64_t lugar) {
+    linha[TbSugestao.Linha] = TbArq.Cell(lugar, TbArq.Lancto);
+    linha[TbSugestao.DoctoArq] = TbArq.Cell(lugar, TbArq.Docto);
+    linha[TbSugestao.DataArq] = TbArq.Cell(lugar, TbArq.Data);
+    linha[TbSugestao.ValorArq] = TbArq.Cell(lugar, TbArq.Valor);
+    linha[TbSugestao.LugarArq] = lugar + 1;
+  };
   for (const Suggestion& sugestao : sugestoes) {
     ++grupo;
     ++por_motivo[static_cast<std::size_t>(sugestao.reason)];
@@ -189,22 +205,24 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
     for (const uint32_t m : sugestao.movements) {
       for (const uint32_t l : sugestao.lines) {
         const auto do_movimento = [&](const Field& campo) { return TbMov.Cell(lugares_mov[m], campo); };
-        const auto da_linha = [&](const Field& campo) { return TbArq.Cell(lugares_arq[l], campo); };
         linha[TbSugestao.Grupo] = grupo;
         linha[TbSugestao.Lancto] = do_movimento(TbMov.Lancto);
         linha[TbSugestao.DoctoMov] = do_movimento(TbMov.Docto);
         linha[TbSugestao.DataMov] = do_movimento(TbMov.Data);
         linha[TbSugestao.ValorMov] = do_movimento(TbMov.Valor);
-        linha[TbSugestao.Linha] = da_linha(TbArq.Lancto);
-        linha[TbSugestao.DoctoArq] = da_linha(TbArq.Docto);
-        linha[TbSugestao.DataArq] = da_linha(TbArq.Data);
-        linha[TbSugestao.ValorArq] = da_linha(TbArq.Valor);
+        da_linha(lugares_arq[l]);
         linha[TbSugestao.Motivo] = Motivo(sugestao);
         linha[TbSugestao.LugarMov] = lugares_mov[m] + 1;
-        linha[TbSugestao.LugarArq] = lugares_arq[l] + 1;
         linha.Append();
       }
     }
+  }
+  for (const LinhaComRegra& uma : regras) {
+    linha[TbSugestao.Grupo] = ++grupo;
+    linha[TbSugestao.Motivo] = "Regra: " + uma.regra;
+    linha[TbSugestao.LugarMov] = 0;
+    da_linha(uma.lugar);
+    linha.Append();
   }
   marcacao.Volta();
 
@@ -216,11 +234,19 @@ void TFmConcilia::MostraSugestoes(const std::vector<Suggestion>& sugestoes,
   parte(SuggestReason::Document, "por valor e documento");
   parte(SuggestReason::Day, "por valor e data");
   parte(SuggestReason::Sum, "por soma");
-  std::string texto = Plural(sugestoes.size(), "sugestão marcada", "sugestões marcadas") + ": " +
-                      Join(partes, ", ") + ". Confira antes de conciliar.";
+  std::string texto;
+  if (!sugestoes.empty()) {
+    texto = Plural(sugestoes.size(), "sugestão marcada", "sugestões marcadas") + ": " + Join(partes, ", ") +
+            ". Confira antes de conciliar.";
+  }
   if (cheques > 0) {
     texto += " " + Plural(cheques, "cheque ficou de fora", "cheques ficaram de fora") +
              ": cada um é conciliado sozinho.";
+  }
+  if (!regras.empty()) {
+    texto += (texto.empty() ? "" : " ") +
+             Plural(regras.size(), "linha sem lançamento tem", "linhas sem lançamento têm") +
+             " regra: Lançar Linha preenche o lançamento.";
   }
   GbSugestao.SetCaption(texto);
   GbSugestao.SetVisible(true);
@@ -234,7 +260,7 @@ void TFmConcilia::EsqueceSugestoes() {
 void TFmConcilia::TbSugestaoAfterScroll() {
   // The rows that stand against one another come into sight.
   if (TbSugestao.IsEmpty()) return;
-  TbMov.SetRecNo(TbSugestao.LugarMov.AsInteger());
+  if (TbSugestao.LugarMov.AsInteger() > 0) TbMov.SetRecNo(TbSugestao.LugarMov.AsInteger());
   TbArq.SetRecNo(TbSugestao.LugarArq.AsInteger());
 }
 

@@ -88,6 +88,9 @@ class Control {
   bool TakeDirty() { return std::exchange(dirty_, false); }
 
   std::function<void()> OnEnter, OnExit, OnClick, OnDblClick;
+  // While it says so the control has what it needs, and Tab and Enter go on to the next one. The way back and
+  // a click reach it as ever.
+  std::function<bool()> Passed;
   std::function<void(KeyPress&)> OnKey;
 
  protected:

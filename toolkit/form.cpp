@@ -163,11 +163,17 @@ void Form::FocusNext(bool forward) {
   }
   for (std::size_t step = 1; step <= count; ++step) {
     Control* next = controls_[(forward ? at + step : at + count - step) % count];
-    if (next->CanFocus()) {
-      SetFocus(*next);
-      return;
-    }
+    if (!next->CanFocus() || (forward && next->Passed && next->Passed())) continue;
+    SetFocus(*next);
+    return;
   }
+}
+
+Control* Form::Primary() const {
+  for (auto control = controls_.rbegin(); control != controls_.rend(); ++control) {
+    if ((*control)->Role() == "primary" && (*control)->Shown() && (*control)->Usable()) return *control;
+  }
+  return nullptr;
 }
 
 void Form::RepairFocus() {

@@ -52,11 +52,15 @@ class Form {
   // decides where it goes. True when `control` has the focus in the end. A control that can't take the focus
   // leaves everything as it is.
   bool SetFocus(Control& control);
-  // The next control in tab order that takes the focus, or the one before it.
+  // The next control in tab order that takes the focus and isn't passed by, or the one before it.
   void FocusNext(bool forward = true);
   // After an action: a focus on a control that became disabled or hidden moves to the next one that isn't,
   // past dates where there is another.
   void RepairFocus();
+
+  // The button that the form is for, as things stand: of several that can be pressed the last, which stands
+  // at the foot. Null where none can.
+  Control* Primary() const;
 
   // --- Life.
   // Fires the close action; false when that refused.

@@ -6,6 +6,17 @@
 #include "toolkit/text.h"
 
 namespace orv {
+namespace {
+
+std::optional<Currency> AmountOf(std::string_view text) {
+  try {
+    return Currency::ParseTyped(Trim(text));
+  } catch (const UserError&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
 
 std::string TPesquisa::Condition(std::string_view search) const {
   std::vector<std::string> parts;
@@ -14,8 +25,19 @@ std::string TPesquisa::Condition(std::string_view search) const {
     const std::string literal = Quote(CutChars(Trim(search), 60));
     const char* test = settings_.BuscaTipo == SearchType::Starts ? " STARTING WITH " : " CONTAINING ";
     std::vector<std::string> columns;
-    for (const auto& [column, title] : settings_.Colunas) columns.push_back(column + test + literal);
-    parts.push_back(Join({"(", Join(columns, " OR "), ")"}, ""));
+    for (const auto& [column, title] : settings_.Colunas) {
+      const Field* field = table_->FindField(column);
+      const FieldType type = field == nullptr ? FieldType::String : field->Type();
+      if (type == FieldType::Currency) {
+        if (const auto amount = AmountOf(search)) columns.push_back(column + " = " + amount->Neutral());
+      } else if (type == FieldType::Date) {
+        const Date day = Date::ParseBrazilOr(Trim(search), Date());
+        if (!day.Empty()) columns.push_back(column + " = " + Quote(day.Sql()));
+      } else {
+        columns.push_back(column + test + literal);
+      }
+    }
+    parts.push_back(columns.empty() ? "1 = 0" : "(" + Join(columns, " OR ") + ")");
   }
   return Join(parts, " AND ");
 }
@@ -25,6 +47,8 @@ bool TPesquisa::AbrePesquisa() {
   table_ = std::make_unique<TOrvTable>(*settings_.BaseDados, Name(), settings_.BuscaTabela,
                                        settings_.TabelaEmpresa);
   table_->SetKey(settings_.BuscaCampo);
+  table_->SetIndexFieldNames(settings_.Ordem);
+  table_->SetDescending(settings_.Decrescente);
   table_->SetFilterSql(Condition(""));
   table_->Open();
   const LookupChoice choice = Owner().User().Choose(*this);
@@ -59,8 +83,9 @@ std::string TPesquisa::RetornoPesquisa(std::string_view column) const {
 
 void TPesquisa::Search(std::string_view text) {
   ORV_ASSERT(table_ != nullptr);
-  table_->Close();
+  // The columns are known while the table is open.
   table_->SetFilterSql(Condition(text));
+  table_->Close();
   table_->Open();
 }
 

@@ -29,6 +29,9 @@ struct LookupSettings {
   TOrvTable* BuscaTable = nullptr;
   // A condition in SQL.
   std::string Filtro;
+  // The columns by which the rows stand, "" for the key, and whether the last comes first.
+  std::string Ordem;
+  bool Decrescente = false;
   // Width of the list in pixels, 0 for what the columns ask.
   int LarguraTela = 0;
   SearchType BuscaTipo = SearchType::Contains;
@@ -51,7 +54,8 @@ class TPesquisa : public Control {
 
   // --- The open list, for the display.
   DataSet* Rows() const { return table_.get(); }
-  // Narrows the list to rows of which a shown column holds (or begins with) the text.
+  // Narrows the list to rows of which a shown column holds (or begins with) the text; one of amounts or of
+  // dates, to those in which it is the amount or the date.
   void Search(std::string_view text);
   // The row of a key, -1 when it isn't in the list.
   int64_t RowOfKey(std::string_view key);

@@ -179,7 +179,7 @@ TOrvTable::Rows TOrvTable::Select(const std::string& condition, bool backwards, 
                                   int64_t count) const {
   std::string sql = "SELECT * FROM " + physical_ + Where(condition);
   std::vector<std::string> order;
-  for (const Field* field : order_) order.push_back(field->Name() + (backwards ? " DESC" : ""));
+  for (const Field* field : order_) order.push_back(field->Name() + (Down(backwards) ? " DESC" : ""));
   if (!order.empty()) sql += " ORDER BY " + Join(order, ", ");
   sql += " ROWS " + std::to_string(from + 1) + " TO " + std::to_string(from + count);
   Gather gather;
@@ -188,10 +188,11 @@ TOrvTable::Rows TOrvTable::Select(const std::string& condition, bool backwards, 
   return std::move(gather.rows);
 }
 
-// Nulls stand before everything else.
+// Nulls stand before everything else in the order of the columns.
 std::string TOrvTable::BeyondValue(const Field& field, const Value& value, bool backwards) const {
-  if (value.IsNull()) return backwards ? "1 = 0" : field.Name() + " IS NOT NULL";
-  if (!backwards) return field.Name() + " > " + Literal(value, field);
+  const bool down = Down(backwards);
+  if (value.IsNull()) return down ? "1 = 0" : field.Name() + " IS NOT NULL";
+  if (!down) return field.Name() + " > " + Literal(value, field);
   const bool key = std::find(key_fields_.begin(), key_fields_.end(), &field) != key_fields_.end();
   const std::string less = field.Name() + " < " + Literal(value, field);
   return key ? less : "(" + less + " OR " + field.Name() + " IS NULL)";
@@ -212,8 +213,9 @@ std::optional<std::string> TOrvTable::Beyond(const Row& row, bool backwards) con
   const Field* first = order_[0];
   const Value& value = row[static_cast<std::size_t>(first->Index())];
   const bool key = std::find(key_fields_.begin(), key_fields_.end(), first) != key_fields_.end();
-  if (value.IsNull() || (backwards && !key)) return any;
-  return first->Name() + (backwards ? " <= " : " >= ") + Literal(value, *first) + " AND " + any;
+  const bool down = Down(backwards);
+  if (value.IsNull() || (down && !key)) return any;
+  return first->Name() + (down ? " <= " : " >= ") + Literal(value, *first) + " AND " + any;
 }
 
 // --- Cursor.
@@ -278,10 +280,11 @@ TOrvTable::Rows TOrvTable::Neighbours(const Row& row, bool backwards, int64_t co
 TOrvTable::Rows TOrvTable::Reach(const std::string& condition, bool backwards, int64_t count) const {
   if (order_.size() <= 1) return Select(condition, backwards, 0, count);
   const Field& first = *order_[0];
+  const bool down = Down(backwards);
   const std::string at = std::to_string(count);
   Gather edge;
   database_.Fetch("SELECT " + first.Name() + " FROM " + physical_ + Where(condition) + " ORDER BY " +
-                      first.Name() + (backwards ? " DESC" : "") + " ROWS " + at + " TO " + at,
+                      first.Name() + (down ? " DESC" : "") + " ROWS " + at + " TO " + at,
                   edge);
   std::vector<std::string> parts;
   if (!condition.empty()) parts.push_back("(" + condition + ")");
@@ -289,8 +292,8 @@ TOrvTable::Rows TOrvTable::Reach(const std::string& condition, bool backwards, i
     const Value& value = edge.rows[0][0];
     const std::string null = first.Name() + " IS NULL";
     if (value.IsNull()) {
-      if (!backwards) parts.push_back(null);
-    } else if (backwards) {
+      if (!down) parts.push_back(null);
+    } else if (down) {
       parts.push_back(first.Name() + " >= " + Literal(value, first));
     } else {
       const std::string bound = first.Name() + " <= " + Literal(value, first);

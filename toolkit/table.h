@@ -26,6 +26,8 @@ class TOrvTable : public DataSet {
   // The order by which rows stand, "" for the key. The cursor stays on its row. Raises UserError for an
   // unknown column.
   void SetIndexFieldNames(std::string_view columns);
+  // The last of that order stands first; before the table is opened.
+  void SetDescending(bool descending) { descending_ = descending; }
   // A condition in SQL, "" for all rows; takes effect with the next opening.
   void SetFilterSql(std::string condition) { condition_ = std::move(condition); }
 
@@ -85,6 +87,8 @@ class TOrvTable : public DataSet {
   // The row exactly as it was read.
   std::string AsRead(const Row& row) const;
   bool Advance(bool backwards);
+  // Whether a step in the table's order goes down in the columns'.
+  bool Down(bool backwards) const { return backwards != descending_; }
   // The rows next to one in the order, some if there are any.
   Rows Neighbours(const Row& row, bool backwards, int64_t count) const;
   // The first rows in the order, or the last ones, among those of a condition on the order's first column.
@@ -101,7 +105,7 @@ class TOrvTable : public DataSet {
 
   TOrvDatabase& database_;
   std::string table_, physical_, key_, order_names_, condition_;
-  bool local_;
+  bool local_, descending_ = false;
   std::vector<const Field*> key_fields_, order_;
   // Neighbouring rows around the cursor, and the place of the first of them in the order where it is known.
   Rows block_;

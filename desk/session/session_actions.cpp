@@ -206,6 +206,12 @@ void Session::Open(const Json& in) {
 }
 
 void Session::Key(const Json& in) {
+  if (in["key"] == Json("Ctrl+Enter")) {
+    // What the screen is for, wherever the focus is.
+    Control* primary = TopScreen().Primary();
+    if (primary != nullptr && (!primary->TakesFocus() || Reach(*primary))) primary->UserClick();
+    return;
+  }
   Control& control = Reachable(in);
   KeyPress key;
   key.key = in["key"].String();

@@ -171,6 +171,17 @@ const Step kSteps[] = {
     {5, FillKinds},
     {6, KeepSums},
     {7, IndexOpen},
+    {8,
+     [](Attachment& db) {
+       const TableDef& movements = *FindTable("CONTACOR");
+       std::vector<std::string> ddl;
+       for (const std::string& company : CompanySuffixes(db)) {
+         Append(ddl, *FindTable("MODELO_LANC"), company);
+         Append(ddl, *FindTable("REGRA_EXTRATO"), company);
+         ddl.push_back(CreateIndexSql(movements, company).back());
+       }
+       RunDdl(db, ddl);
+     }},
 };
 
 }  // namespace

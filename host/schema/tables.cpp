@@ -141,10 +141,11 @@ std::string CreateTableSql(const TableDef& table, std::string_view emp_pat) {
 std::vector<std::string> CreateIndexSql(const TableDef& table, std::string_view emp_pat) {
   std::vector<std::string> statements;
   for (std::size_t i = 0; i < table.indexes.size(); ++i)
-    statements.push_back(
-        "CREATE INDEX " + IndexName(table, emp_pat, i) + " ON " + PhysicalName(table, emp_pat) +
-        (table.indexes[i].expression.empty() ? " (" + Join(table.indexes[i].columns, ", ") + ")"
-                                             : " COMPUTED BY (" + table.indexes[i].expression + ")"));
+    statements.push_back((table.indexes[i].descending ? "CREATE DESCENDING INDEX " : "CREATE INDEX ") +
+                         IndexName(table, emp_pat, i) + " ON " + PhysicalName(table, emp_pat) +
+                         (table.indexes[i].expression.empty()
+                              ? " (" + Join(table.indexes[i].columns, ", ") + ")"
+                              : " COMPUTED BY (" + table.indexes[i].expression + ")"));
   return statements;
 }
 

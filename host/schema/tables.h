@@ -21,6 +21,8 @@ struct ColumnDef {
 struct IndexDef {
   std::vector<std::string> columns;
   std::string expression = {};
+  // Serves who reads from the last one back.
+  bool descending = false;
 };
 
 // A table under its logical name. Tables of a company exist once for each, with the company's suffix after

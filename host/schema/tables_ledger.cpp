@@ -20,7 +20,17 @@ std::vector<TableDef> LedgerTables() {
         {{"DT_LAN"}},
         {{"DT_VENCTO"}},
         {{"PENDENTE", "DT_VENCTO"}},
-        {{"LANC_CON"}}}},
+        {{"LANC_CON"}},
+        {{"DT_LAN"}, true}}},
+
+      // What is posted again and again. Of a movement that recurs, PROXIMO is the day on which it is proposed
+      // next, MESES how many months lie between two, DIA its day where the month has it.
+      {"MODELO_LANC",
+       {Text("NOME", 40), Account("CONTA"), Document("DOCTO"), Class("GRUPO"), History("HISTORICO"),
+        Text("OPERACAO", 1), Text("PENDENTE", 1), Money("VALOR"), Text("OBSERVACAO", 100), SmallInt("MESES"),
+        SmallInt("DIA"), Day("PROXIMO")},
+       {"NOME"},
+       {}},
 
       // What the movements come to, kept by the database itself (balances.h).
       {"SALDO_CONTA",

@@ -32,6 +32,14 @@ std::vector<TableDef> ReconciliationTables() {
        {"ARQUIVO", "CONTA"},
        {}},
 
+      // How lines of the statement that no movement stands for are posted: of an account, "" for any, whose
+      // text holds TEXTO and whose amount lies in the bounds, 0 for no upper one.
+      {"REGRA_EXTRATO",
+       {Account("CONTA"), Text("OPERACAO", 1), Text("TEXTO", 50), Money("VALOR_DE"), Money("VALOR_ATE"),
+        Class("GRUPO"), History("HISTORICO")},
+       {"CONTA", "OPERACAO", "TEXTO", "VALOR_DE", "VALOR_ATE"},
+       {}},
+
       {"POSICAO",
        {Bank("BANCO"), Text("TIPO", 2), Text("CAMPO", 20), Integer("INICIO"), Integer("TAMANHO"),
         Text("MASCARA", 10), Text("SEPARADOR", 5), Integer("LINHA")},

@@ -26,7 +26,7 @@ let page;
 test("a file is loaded, looked over, confirmed, and its line tied to a movement and untied", async () => {
   page = await begin();
   await openLedger(page);
-  await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "Tab", "Tab", "Tab", "1202", "Tab", "020", "Tab", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab", "Depósito");
+  await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "1202", "Tab", "020", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab", "Depósito");
   await shows(page, "Observação", "Depósito");
   await keys(page, "Alt+o");
   await focusIs(page, "Incluir");
@@ -91,4 +91,26 @@ test("a file is loaded, looked over, confirmed, and its line tied to a movement 
   await rowsAre(page, "Movimento", []);
   await rowsAre(page, "Extrato", []);
   await picture(page, "workbench-untied");
+
+  // The line by itself: posted by the quick entry, tied, and kept as a rule.
+  await keys(page, "Alt+f");
+  await page.getByRole("tab", { name: "Conciliação", exact: true }).waitFor({ state: "detached" });
+  await openScreen(page, "concil", "Conciliação");
+  await keys(page, "33021-5", "Alt+c");
+  await focusIs(page, "Consultar");
+  await keys(page, "Tab", "End", "Tab");
+  await focusIs(page, "Extrato");
+  await keys(page, "Control+End", "Alt+h");
+  await focusIs(page, "Classe Ger.");
+  await keys(page, "1202", "Tab", "020", "Tab");
+  await focusIs(page, "Observação");
+  await picture(page, "workbench-line");
+  assert.deepEqual(await findings(page), []);
+  await keys(page, "Control+Enter");
+  await answered(page, /./, "s");
+  await page.getByText(/gravado e conciliado com a linha/).waitFor();
+  await picture(page, "workbench-line-tied");
+  await keys(page, "Alt+s");
+  await rowsAre(page, "Regras do Extrato", ["DEPÓSITO|C|||33021-5|1202|020"]);
+  await picture(page, "workbench-rules");
 });

@@ -21,7 +21,7 @@ async function moreFilters(...list) {
 }
 
 const type = (account, document, kind, history, amount, note) =>
-  keys(page, "Alt+i", account, "Tab", document, "Tab", "Tab", "Tab", "Tab", kind, "Tab", history, "Tab", "Tab", amount, "Tab", "Tab", note, "Tab");
+  keys(page, "Alt+i", account, "Tab", document, "Tab", kind, "Tab", history, "Tab", amount, "Tab", "Tab", note, "Tab");
 
 test("a movement with its split: proposed, completed in the grids, refused, stored", async () => {
   await enterLedger();
@@ -166,4 +166,45 @@ test("the balances are read beside the screen, printed and taken away", async ()
   await keys(page, "Escape");
   await pane.waitFor({ state: "detached" });
   await focusIs(page, "Saldos");
+});
+
+test("what was posted comes again by a key, and a template on its day", async () => {
+  await enterLedger();
+  await type("10250-1", "NF 910", "3103", "012", "100", "Luz");
+  await focusIs(page, "Confirmar");
+  await keys(page, "Alt+n", "Alt+v");
+  const dialog = page.getByRole("dialog");
+  await dialog.waitFor();
+  await keys(page, "LUZ DA FÁBRICA", "Tab", "1", "Tab");
+  await shows(page, "Próxima vez", "20/12/2026");
+  await keys(page, "20/11/2026");
+  await picture(page, "template");
+  await keys(page, "Control+Enter");
+  await dialog.waitFor({ state: "detached" });
+  await focusIs(page, "Manter conta e data");
+  await keys(page, "Alt+o");
+  await page.getByText("1 modelo vence hoje").waitFor();
+  await picture(page, "template-due");
+  assert.deepEqual(await findings(page), []);
+  // The whole of it, but the amount.
+  page.strokes = 0;
+  await keys(page, "Alt+p", "1234,57", "Control+Enter");
+  await focusIs(page, "Incluir");
+  assert.equal(page.strokes, 2);
+  // The template fills the form and is posted by the clerk; it isn't proposed again.
+  await keys(page, "Alt+u");
+  await focusIs(page, "Valor");
+  await shows(page, "Observação", "Luz");
+  await keys(page, "Control+Enter");
+  await focusIs(page, "Incluir");
+  await page.getByText("1 modelo vence hoje").waitFor({ state: "hidden" });
+
+  // An amount that was typed is found in the list, whose latest row stands first.
+  await keys(page, "Alt+c");
+  await page.getByRole("dialog").waitFor();
+  await keys(page, "1234,57");
+  await page.getByText("1 linha").waitFor();
+  assert.match((await rows(page, "Resultados"))[0], /20\/11\/2026\|NF 910\|1\.234,57/);
+  await picture(page, "movements-amount");
+  assert.deepEqual(await findings(page), []);
 });

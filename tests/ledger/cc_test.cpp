@@ -118,7 +118,7 @@ TEST_F(CcTest, AltersOneRowOfATransfer) {
       .lancamento = "T00002", .docto = "TR 9", .conta = kOutraConta, .operacao = "+", .tipo = "TR"});
   const std::string before = Movement("T00002");
   Desk desk(database_, At{"TfmCC"});
-  Load(desk, "T00002", 1);
+  Load(desk, "T00002");
   EXPECT_EQ(desk.Text("EdtConta"), kOutraConta);
   EXPECT_EQ(desk.Text("EdtValDoc"), "150,00");
   desk.Click("BitBtn2");

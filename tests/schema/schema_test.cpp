@@ -73,8 +73,12 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   CreateSchema(*db, {{"_001", "Primeira", ""}});
   // As the first version was.
   AddCompany(*db, {"_002", "Segunda", ""});
-  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ARQUIVO_EXTRATO_002"})
-    db->ExecuteDdl("DROP TABLE " + std::string(table));
+  db->ExecuteDdl("DROP TABLE PREFERENCIA");
+  for (const std::string company : {"_001", "_002"}) {
+    for (const char* table : {"ARQUIVO_EXTRATO", "MODELO_LANC", "REGRA_EXTRATO"})
+      db->ExecuteDdl(std::string("DROP TABLE ") + table + company);
+    db->ExecuteDdl("DROP INDEX IX_CONTACOR" + company + "_8");
+  }
   // Movements and clearings had a counter each; a lone number that was typed by hand takes nothing away.
   for (const char* company : {"_001", "_002"}) {
     db->ExecuteDdl("CREATE SEQUENCE SQ_CONTACOR_LANC_CON" + std::string(company));
@@ -101,7 +105,8 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
             "O banco de dados é da versão 1" + needs + "Execute \"orvcc upgrade\".");
   UpgradeSchema(*db);
   RequireCurrentSchema(*db);
-  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001"}) EXPECT_TRUE(Exists(*db, table)) << table;
+  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "MODELO_LANC_002", "REGRA_EXTRATO_002"})
+    EXPECT_TRUE(Exists(*db, table)) << table;
   EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_001, 0) FROM RDB$DATABASE").AsInteger(), 70);
   EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_002, 0) FROM RDB$DATABASE").AsInteger(), 55);
   EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM RDB$GENERATORS WHERE RDB$GENERATOR_NAME CONTAINING 'LANC_CON'")

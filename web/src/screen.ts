@@ -480,10 +480,12 @@ export class ScreenView implements ScreenContext {
   }
 
   // Presses the button that the screen is for: of several in sight the last, which stands at the foot.
+  private get primary(): ControlView | undefined {
+    return this.controls.filter((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary").pop();
+  }
   private confirm(): boolean {
-    const button = this.controls.filter((one) => one instanceof ButtonView && one.visible && one.enabled && roleOf(one.node) === "primary").pop();
-    button?.access();
-    return button !== undefined;
+    this.primary?.access();
+    return this.primary !== undefined;
   }
 
   // What can be pressed now, and by which letter.
@@ -491,9 +493,11 @@ export class ScreenView implements ScreenContext {
     const buttons = this.controls
       .filter((control) => control instanceof ButtonView && control.visible && control.enabled && control.accessKey !== "")
       .map((control) => ({ key: control.accessKey, caption: control.caption }));
+    const primary = this.primary === undefined ? [] : [{ key: "Ctrl+Enter", caption: this.primary.caption }];
     const folds = this.folds.filter((fold) => fold.button.offsetParent !== null).map((fold) => ({ key: fold.key, caption: fold.captions[fold.open ? 1 : 0] }));
     const filters = this.filtersShown ? [{ key: this.filtersKey, caption: "Filtros guardados: guardar, usar, excluir" }] : [];
-    return [...buttons, ...folds, ...filters].filter(({ key }) => key !== "").map(({ key, caption }) => ({ key: `Alt+${key.toUpperCase()}`, caption }));
+    const letters = [...buttons, ...folds, ...filters].filter(({ key }) => key !== "");
+    return [...primary, ...letters.map(({ key, caption }) => ({ key: `Alt+${key.toUpperCase()}`, caption }))];
   }
   private get filtersShown(): boolean {
     return this.filterButtons.some((button) => button.offsetParent !== null);

@@ -51,11 +51,13 @@ export async function openScreen(page, letters, caption) {
   await page.getByRole("tab", { name: caption }).first().waitFor();
 }
 
-// Keys by name, other texts typed letter by letter.
+// Keys by name, which `page.strokes` counts, other texts typed letter by letter.
 export async function keys(page, ...list) {
   for (const key of list) {
-    if (key.length > 1 && /^(Tab|Enter|Escape|F\d+|Arrow\w+|Page\w+|Home|End|Delete|Shift\+\w+|Alt\+\w+|Control\+\w+)$/.test(key)) await page.keyboard.press(key);
-    else await page.keyboard.type(key);
+    if (key.length > 1 && /^(Tab|Enter|Escape|F\d+|Arrow\w+|Page\w+|Home|End|Delete|Shift\+\w+|Alt\+\w+|Control\+\w+)$/.test(key)) {
+      page.strokes = (page.strokes ?? 0) + 1;
+      await page.keyboard.press(key);
+    } else await page.keyboard.type(key);
   }
 }
 

@@ -38,10 +38,12 @@ export class LookupDialog extends Dialog implements GridOwner {
     private user: LookupUser,
   ) {
     super({ title: caption === "" ? "Pesquisa" : `Pesquisa: ${caption}`, className: "dialog-lookup", cancel: () => user.cancel() });
+    const kinds = out.columns.map((column) => column.kind);
+    const also = [kinds.includes("money") ? ["um valor"] : [], kinds.includes("date") ? ["uma data"] : []].flat();
     this.input = el("input", {
       type: "text",
       class: "input",
-      placeholder: "Digite para procurar",
+      placeholder: also.length === 0 ? "Digite para procurar" : `Digite para procurar, também ${also.join(" ou ")} por inteiro`,
       "aria-label": "Procurar",
       autocomplete: "off",
       spellcheck: "false",
