@@ -21,7 +21,7 @@ std::vector<TableDef> LedgerTables() {
         {{"DT_VENCTO"}},
         {{"PENDENTE", "DT_VENCTO"}},
         {{"LANC_CON"}},
-        {{"DT_LAN"}, true}}},
+        {{"DT_LAN"}, "", true}}},
 
       // What is posted again and again. Of a movement that recurs, PROXIMO is the day on which it is proposed
       // next, MESES how many months lie between two, DIA its day where the month has it.
