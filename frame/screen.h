@@ -4,11 +4,13 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/application.h"
+#include "frame/registro.h"
 #include "frame/screen_info.h"
 #include "toolkit/controls.h"
 #include "toolkit/grid.h"
@@ -53,6 +55,9 @@ class Screen : public Form {
   void Release() { free_on_close_ = true; }
   // The user is back at a screen that stood behind others.
   virtual void Returned() {}
+  // What stands stored in front of the user, if anything does. Asked after each action: it tells what the
+  // screen holds and asks nobody.
+  virtual std::optional<Registro> RegistroAtual() { return std::nullopt; }
 
  protected:
   IFuncoes& Funcoes;

@@ -145,7 +145,7 @@ void Session::Serve() {
     in_order_ = Guarded("order", [this] { services_->AfterAction(); });
     if (const int64_t top = TopId(); std::exchange(at_, top) != top && top != 0 && top < newest)
       Guarded("return", [this] { application_->Top()->Returned(); });
-    Collect();
+    Collect(true);
     Settle({{"on", "idle"}});
   }
 }
@@ -203,7 +203,7 @@ void Session::SendAll() {
       ToldFailure("refresh", e);
     }
   }
-  Collect();
+  Collect(true);
   if (busy_) Send({{"on", "busy"}, {"value", true}});
   if (!question_.IsNull()) Send(question_);
   Send(settled_);
@@ -224,6 +224,7 @@ void Session::SendScreen(Screen& screen, Shown& shown) {
   shown.sent.clear();
   shown.sets.clear();
   shown.focus.clear();
+  shown.record.clear();
   shown.badge = screen.Badge();
   Send({{"on", "screen"},
         {"id", shown.id},

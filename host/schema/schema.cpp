@@ -182,6 +182,12 @@ const Step kSteps[] = {
        }
        RunDdl(db, ddl);
      }},
+    {9,
+     [](Attachment& db) {
+       std::vector<std::string> ddl;
+       for (const std::string& company : CompanySuffixes(db)) Append(ddl, *FindTable("ANEXO"), company);
+       RunDdl(db, ddl);
+     }},
 };
 
 }  // namespace

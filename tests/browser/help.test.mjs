@@ -44,7 +44,7 @@ test("F1 tells what a screen is for, its keys, and all keys, and every one of th
   const page = await begin();
   await keys(page, "F1");
   const box = page.getByRole("dialog");
-  await box.getByText("O menu abre qualquer tela").waitFor();
+  await box.getByText("Como a empresa está hoje").waitFor();
   await keys(page, "Escape");
   await openScreen(page, "resultado", "Relatório de Resultado Mensal");
   await openLedger(page);
@@ -61,7 +61,7 @@ test("F1 tells what a screen is for, its keys, and all keys, and every one of th
 
   await page.evaluate(() => addEventListener("keydown", (event) => (window.latest = event), { capture: true }));
   const account = page.getByRole("textbox", { name: "Conta", exact: true }).locator("visible=true");
-  const places = { "Na tela": account, "Num campo": account, "Numa grade": null, "Entre telas": null };
+  const places = { "Na tela": account, "Num campo": account, "Numa grade": null, "Num movimento, cheque ou linha de extrato": null, "Entre telas": null };
   const sections = readFileSync(join(root, "docs", "ajuda", "teclas.md"), "utf8").split("\n## ").slice(1);
   assert.deepEqual(sections.map((one) => one.split("\n")[0]), Object.keys(places));
   for (const section of sections) {

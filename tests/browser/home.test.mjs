@@ -9,7 +9,7 @@ const begin = deskOfTests();
 
 const inFront = (page, caption) => page.getByRole("tab", { name: caption, selected: true }).waitFor();
 const home = async (page) => {
-  await page.keyboard.press("Control+Alt+h");
+  await page.keyboard.press("Control+Alt+i");
   await grid(page, "Posição").waitFor();
 };
 

@@ -75,9 +75,10 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   AddCompany(*db, {"_002", "Segunda", ""});
   db->ExecuteDdl("DROP TABLE PREFERENCIA");
   for (const std::string company : {"_001", "_002"}) {
-    for (const char* table : {"ARQUIVO_EXTRATO", "MODELO_LANC", "REGRA_EXTRATO"})
+    for (const char* table : {"ANEXO", "ARQUIVO_EXTRATO", "MODELO_LANC", "REGRA_EXTRATO"})
       db->ExecuteDdl(std::string("DROP TABLE ") + table + company);
-    db->ExecuteDdl("DROP INDEX IX_CONTACOR" + company + "_8");
+    for (const std::string index : {"CONTACOR$_8", "EXTRATO$_5", "PAGTO$_5", "RECEBER$_7"})
+      db->ExecuteDdl("DROP INDEX IX_" + ReplaceAll(index, "$", company));
   }
   // Movements and clearings had a counter each; a lone number that was typed by hand takes nothing away.
   for (const char* company : {"_001", "_002"}) {
@@ -105,7 +106,8 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
             "O banco de dados é da versão 1" + needs + "Execute \"orvcc upgrade\".");
   UpgradeSchema(*db);
   RequireCurrentSchema(*db);
-  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "MODELO_LANC_002", "REGRA_EXTRATO_002"})
+  for (const char* table :
+       {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ANEXO_002", "MODELO_LANC_002", "REGRA_EXTRATO_002"})
     EXPECT_TRUE(Exists(*db, table)) << table;
   EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_001, 0) FROM RDB$DATABASE").AsInteger(), 70);
   EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_002, 0) FROM RDB$DATABASE").AsInteger(), 55);
