@@ -147,9 +147,10 @@ std::filesystem::path Spread(const std::filesystem::path& house) {
 
 void Balances(const std::filesystem::path& house) {
   const auto db = Attachment::Open(house.string());
-  const std::string today = "'" + Date::ParseNeutral(kToday).Sql() + "'";
-  const std::string filters[] = {"PENDENTE IN ('N','C') AND DT_CONT <= " + today,
-                                 "PENDENTE = 'S' AND DT_CONT <= " + today, "DT_CONT > " + today};
+  const Date today = Date::ParseNeutral(kToday);
+  const std::string day = "'" + today.Sql() + "'";
+  const std::string filters[] = {"PENDENTE IN ('N','C') AND DT_CONT <= " + day,
+                                 "PENDENTE = 'S' AND DT_CONT <= " + day, "DT_CONT > " + day};
   const auto one_by_one = [&] {
     Nothing nothing;
     for (int account = 0; account < kAccounts; ++account) {
@@ -180,7 +181,6 @@ void Balances(const std::filesystem::path& house) {
 
   Ledger ledger(house);
   Best each, bare, report, opening;
-  const Date today = Date::ParseNeutral(kToday);
   for (int i = 0; i < kRuns; ++i) {
     if (i < 2) each.Take(Measure(one_by_one));
     bare.Take(Measure([&] { grouped(""); }));
