@@ -106,7 +106,9 @@ const Flow kAnalysis{"TfmRelAnaliseFluxo",
                      "cash-flow analysis",
                      {"CBCond", "CbPagtoAtraso", "CbRecAtraso", "CbDiasUteis"},
                      {"TbDetalha", "TbRelatorio"},
-                     1.5};
+                     1.5,
+                     {},
+                     4};
 const Flow kByBank{"TfmRelFluxoBanco",
                    "cash flow by bank",
                    {},
