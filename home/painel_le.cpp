@@ -22,8 +22,7 @@ const Periodo TfmPainel::kEmissao{kPrimeiro, Date(2050, 12, 31)};
 
 void TfmPainel::LeSaldosDasContas() {
   saldos_ = LeSaldos(Tabela.IBDatabase(),
-                     ForCompanies(SaldosDasContas(std::string("CONTACOR.") + kBaixado +
-                                                  " AND CONTACOR.DT_CONT <= " + Funcoes.AspasData(Today())),
+                     ForCompanies(SaldosDasContas(std::string("CONTACOR.") + kBaixado, Today(), Today()),
                                   "CONTACOR", false, "ORDER BY 1"));
   for (const SaldoConta& conta : saldos_) {
     Value linha[] = {conta.conta, conta.descricao, conta.valor};
