@@ -199,20 +199,26 @@ void TfmCC::BitBtn8Click() {
 }
 
 void TfmCC::ConsultaContas() {
-  const auto soma = [&](const std::string& saldos, const char* condicao) {
-    return ", (SELECT " + Soma(ComSinal(kContaCorrente, "", condicao)) + " FROM " + saldos +
-           " WHERE CONTACOR.CONTA = CADCONTA.CONTA)";
+  // Both values up to today in one text: so an account is read once.
+  const auto soma = [](const char* condicao) {
+    return "COALESCE(" + Soma(ComSinal(kContaCorrente, "", condicao)) + ", '0 0')";
   };
-  const std::string sql = "SELECT CADCONTA.CONTA" + soma(AteHoje(), kBaixado) + soma(AteHoje(), kPendente) +
-                          soma(AposHoje(), "") + " FROM " + Funcoes.DBLocal("CADCONTA", true) +
+  const auto da_conta = [](const std::string& somas, const std::string& saldos) {
+    return ", (SELECT " + somas + " FROM " + saldos + " WHERE CONTACOR.CONTA = CADCONTA.CONTA)";
+  };
+  const std::string sql = "SELECT CADCONTA.CONTA" +
+                          da_conta(soma(kBaixado) + " || ';' || " + soma(kPendente), AteHoje()) +
+                          da_conta(soma(""), AposHoje()) + " FROM " + Funcoes.DBLocal("CADCONTA", true) +
                           " CADCONTA WHERE CADCONTA.IMP_FLUXO = 'S'";
   std::unordered_map<std::string, std::array<Currency, 3>> valores;
   bool cabem = true;
   for (const auto& linha : LinhasDeSaldo(Tabela.IBDatabase(), SqlDoMovimento(sql))) {
-    auto& da_conta = valores[linha[0].AsString()];
-    for (std::size_t i = 0; i < da_conta.size(); ++i) {
-      da_conta[i] += SomaDe(linha[i + 1]);
-      cabem = cabem && da_conta[i].FitsField();
+    const std::vector<std::string> ate_hoje = Split(linha[1].Text(), ";");
+    const Currency somas[] = {SomaDe(Value(ate_hoje[0])), SomaDe(Value(ate_hoje[1])), SomaDe(linha[2])};
+    auto& valor = valores[linha[0].AsString()];
+    for (std::size_t i = 0; i < valor.size(); ++i) {
+      valor[i] += somas[i];
+      cabem = cabem && valor[i].FitsField();
     }
   }
   if (!cabem) ApontaForaDeMedida(User(), Tabela.IBDatabase(), SqlDoMovimento(ForaDeMedida(kContaCorrente)));

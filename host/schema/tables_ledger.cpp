@@ -32,12 +32,13 @@ std::vector<TableDef> LedgerTables() {
        {"NOME"},
        {}},
 
-      // What the movements come to, kept by the database itself (balances.h).
+      // What the movements come to, kept by the database itself (balances.h). By account first: what one
+      // posting appends is on one page of the index.
       {"SALDO_CONTA",
        {Account("CONTA"), Text("DATA", 1), Day("MES"), Text("PENDENTE", 1), Text("OPERACAO", 1),
         Money("VALOR"), Integer("QUANTIDADE", "0")},
        {},
-       {{{"DATA", "CONTA", "MES"}}}},
+       {{{"CONTA", "DATA", "MES"}}}},
 
       // Files beside the movement of that number, whatever its rows.
       {"ANEXO",

@@ -23,7 +23,7 @@ std::vector<TableDef> ReconciliationTables() {
        {Account("CONTA"), Text("DATA", 1), Day("MES"), Text("CONCILIADO", 1), Text("OPERACAO", 1),
         Money("VALOR"), Integer("QUANTIDADE", "0")},
        {},
-       {{{"DATA", "CONTA", "MES"}}}},
+       {{{"CONTA", "DATA", "MES"}}}},
 
       // How each file of a bank ended when its lines were confirmed: PARADA is the line of the file at which
       // the load stopped, 0 where it came to the end. LINHAS were taken in.
