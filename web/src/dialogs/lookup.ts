@@ -74,7 +74,7 @@ export class LookupDialog extends Dialog implements GridOwner {
     const shown = out.columns.map<Column>((column) => ({
       field: column.field,
       title: column.title,
-      width: /descri|nome|observa|raz/i.test(column.title) ? 38 : 14,
+      width: /descri|nome|observa|raz/i.test(column.title) ? 38 : /opera/i.test(column.title) ? 9 : column.kind === "date" ? 11 : 14,
       kind: columnKind(column.kind),
       readOnly: true,
       checked: "",
