@@ -1,7 +1,6 @@
 #include "home/registro_conta.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 #include "frame/entry/unit.h"
@@ -116,25 +115,18 @@ std::vector<TfmRegistroConta::Linha> TfmRegistroConta::Le(Gathering& andamento) 
   std::vector<Linha> linhas;
   ForEachRow<kMovimentos>(ForCompanies(sql, "CONTACOR", false), [&](Linha& linha, std::span<Value> resto) {
     linha["NoExtrato"] = conciliacoes.contains(resto[0].AsString()) ? "S" : "N";
-    std::string procura;
-    procura.append(linha["Observacao"].Text()).append(" ").append(linha["Docto"].Text());
-    procura.append(" ").append(linha["Lancamento"].Text());
-    linha["Procura"] = Fold(procura) + " " + SemPontos(linha["Valor"].AsCurrency().Brazil());
+    std::string procura = Fold(linha["Observacao"].Text());
+    procura.append(" ").append(Fold(linha["Docto"].Text())).append(" ").append(linha["Lancamento"].Text());
+    linha["Procura"] = procura + " " + SemPontos(linha["Valor"].AsCurrency().Brazil());
     linhas.push_back(std::move(linha));
     andamento.Advance();
   });
-  // Of one day by their numbers. Rows are heavy: their places are sorted, and each is moved once.
-  std::vector<std::size_t> ordem(linhas.size());
-  std::iota(ordem.begin(), ordem.end(), std::size_t{0});
-  const auto antes = [&](std::size_t a, std::size_t b) {
-    const Date dia_a = linhas[a]["DtCont"].AsDate(), dia_b = linhas[b]["DtCont"].AsDate();
-    return dia_a != dia_b ? dia_a < dia_b : linhas[a]["Lancamento"].Text() < linhas[b]["Lancamento"].Text();
-  };
-  std::ranges::sort(ordem, antes);
-  std::vector<Linha> ordenadas;
-  ordenadas.reserve(linhas.size());
-  for (const std::size_t lugar : ordem) ordenadas.push_back(std::move(linhas[lugar]));
-  return ordenadas;
+  // Of one day by their numbers.
+  std::ranges::sort(linhas, [](const Linha& a, const Linha& b) {
+    const Date dia_a = a["DtCont"].AsDate(), dia_b = b["DtCont"].AsDate();
+    return dia_a != dia_b ? dia_a < dia_b : a["Lancamento"].Text() < b["Lancamento"].Text();
+  });
+  return linhas;
 }
 
 void TfmRegistroConta::Procura() {

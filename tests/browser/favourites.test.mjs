@@ -1,7 +1,7 @@
 // Filters under names, favourite reports and the chart beside the rows, by keyboard alone.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findings, focusIs, grid, keys, openScreen, picture, told, until } from "./support/browser.mjs";
+import { findings, focusIs, grid, keys, openScreen, picture, until } from "./support/browser.mjs";
 import { deskOfTests } from "./support/real_desk.mjs";
 
 const begin = deskOfTests();
@@ -14,7 +14,7 @@ test("filters are kept and used, a report becomes a favourite, and the chart sho
   await until("linhas", async () => Number(await grid(page, "Lançamentos").getAttribute("aria-rowcount")) > 1);
 
   // The chart takes room only when it is asked for.
-  const button = page.getByRole("button", { name: /Gráfico/ });
+  const button = page.getByRole("button", { name: /gráfico/i });
   const height = async () => (await grid(page, "Lançamentos").boundingBox()).height;
   const before = await height();
   await keys(page, `Alt+${(await button.getAttribute("aria-keyshortcuts")).slice(-1).toLowerCase()}`);
@@ -32,7 +32,7 @@ test("filters are kept and used, a report becomes a favourite, and the chart sho
   await until("fechado", async () => (await height()) === before);
 
   // Filters under a name, used again.
-  const filters = page.getByRole("button", { name: /^Filtros/ });
+  const filters = page.getByRole("button", { name: "Filtros guardados" });
   const key = `Alt+${(await filters.getAttribute("aria-keyshortcuts")).slice(-1).toLowerCase()}`;
   await keys(page, key);
   const box = page.getByRole("dialog", { name: "Filtros: Relatório de Lançamentos" });
@@ -42,9 +42,13 @@ test("filters are kept and used, a report becomes a favourite, and the chart sho
   await box.getByRole("option", { name: /Conta do Itaú.*Conta: 10250-1/ }).waitFor();
   await picture(page, "filters");
   assert.deepEqual(await findings(page), []);
-  await keys(page, "Escape", "F1");
+  await keys(page, "Escape");
+  await box.waitFor({ state: "detached" });
+  await keys(page, "F1");
   await page.getByRole("dialog", { name: /Teclas/ }).getByText("Filtros guardados").waitFor();
-  await keys(page, "Escape", "Escape");
+  await keys(page, "Escape");
+  await page.getByRole("dialog").waitFor({ state: "detached" });
+  await keys(page, "Alt+f");
   await openScreen(page, "lançamentos", "Relatório de Lançamentos");
   assert.equal(await text("Conta"), "");
   await keys(page, key);
@@ -55,17 +59,19 @@ test("filters are kept and used, a report becomes a favourite, and the chart sho
   await focusIs(page, "Consultar");
 
   // The favourite prints by one key.
-  await keys(page, "Enter", "Alt+i");
+  await keys(page, "Enter");
+  await until("linhas", async () => Number(await grid(page, "Lançamentos").getAttribute("aria-rowcount")) > 1);
+  await keys(page, "Alt+i");
   const pane = page.getByRole("dialog", { name: "Relatório de Lançamentos" });
   await page.frameLocator(".report-frame").getByText("Conta: 10250-1").waitFor();
   await keys(page, "Alt+g");
   await page.getByRole("dialog", { name: "Guardar como favorito" }).waitFor();
   assert.deepEqual(await findings(page), []);
   await keys(page, "Enter");
-  await told(page, "Relatório guardado como favorito. Ctrl+Alt+F mostra os favoritos.");
+  await page.getByText("Relatório guardado como favorito. Ctrl+Alt+F mostra os favoritos.").waitFor();
   await keys(page, "Escape");
   await pane.waitFor({ state: "detached" });
-  await keys(page, "Control+Alt+f");
+  await page.keyboard.press("Control+Alt+f");
   await page.getByRole("dialog", { name: "Relatórios favoritos" }).waitFor();
   await picture(page, "favourites");
   assert.deepEqual(await findings(page), []);

@@ -284,8 +284,12 @@ export class ScreenView implements ScreenContext {
     if (this.filterButtons.length === 0) return;
     this.filtersKey = free("Filtros guardados", new Set());
     for (const button of this.filterButtons) {
-      writeCaption(button, `${withKey("Filtros", this.filtersKey)} ▾`);
-      button.title = "Filtros guardados";
+      // Where there is little room the sign alone stands.
+      const text = el("span", { class: "filters-text" });
+      writeCaption(text, withKey("Filtros", this.filtersKey));
+      button.replaceChildren(text, "▾");
+      button.title = this.filtersKey === "" ? "Filtros guardados" : `Filtros guardados (Alt+${this.filtersKey.toUpperCase()})`;
+      button.setAttribute("aria-label", "Filtros guardados");
       if (this.filtersKey !== "") button.setAttribute("aria-keyshortcuts", `Alt+${this.filtersKey.toUpperCase()}`);
     }
   }

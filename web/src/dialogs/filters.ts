@@ -33,7 +33,7 @@ export class FiltersDialog extends PickDialog<KeptFilter> {
     const before = this.out.list.length;
     this.out = out;
     this.fill(out.list);
-    this.now.textContent = out.now.length === 0 ? "Nenhum filtro preenchido." : out.now.join("   ");
+    this.now.textContent = out.now.length === 0 ? "Nenhum filtro preenchido." : out.now.join(" · ");
     this.shared.label.hidden = !out.mayShare;
     this.fixed.label.hidden = !out.moves;
     this.latest.box.checked = out.latest;
@@ -69,6 +69,6 @@ export class FiltersDialog extends PickDialog<KeptFilter> {
     return !item.shared || this.out.mayShare;
   }
   protected beside(item: KeptFilter): string {
-    return item.told.join("   ");
+    return item.told.join(" · ");
   }
 }
