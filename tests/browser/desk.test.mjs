@@ -1,7 +1,7 @@
 // The page on the desk itself: a demo company, its database and its rules, by keyboard alone.
 import assert from "node:assert/strict";
 import { after, afterEach, before, describe, test } from "node:test";
-import { answered, described, enter as logInAt, findMovement, findings, focusIs, keys, launch, logIn, openLedger, openPage, picture, shows, told, until } from "./support/browser.mjs";
+import { answered, described, enter as logInAt, findMovement, findings, focusIs, keys, launch, logIn, openLedger, openPage, picture, shows, until } from "./support/browser.mjs";
 import { startRealDesk } from "./support/real_desk.mjs";
 
 let browser;
@@ -84,49 +84,6 @@ describe("a movement", () => {
       await keys(page, "Escape");
     });
   }
-
-  test("is refused with the focus where it is to be put right", async () => {
-    const page = await enter();
-    await openLedger(page);
-    await keys(page, "Alt+i", "10250-1", "Tab", "Alt+o");
-    await told(page, "Valor Inválido.");
-    await focusIs(page, "Valor");
-    await keys(page, "10", "Alt+o");
-    await told(page, "Classe Gerencial Inválida.");
-    await focusIs(page, "Classe Ger.");
-    await keys(page, "9999", "Tab");
-    await page.getByRole("alertdialog").waitFor();
-    await picture(page, "refusal");
-    await keys(page, "Enter");
-    await focusIs(page, "Classe Ger.");
-    // Left empty, the field offers what there is.
-    await keys(page, "Delete", "Tab");
-    const list = page.getByRole("dialog");
-    await list.waitFor();
-    await picture(page, "lookup");
-    await keys(page, "EVENTUAIS");
-    await list.getByText("1 linha").waitFor();
-    await keys(page, "Enter");
-    await list.waitFor({ state: "detached" });
-    await described(page, "RECEITAS EVENTUAIS");
-    await keys(page, "Alt+o");
-    await told(page, "Histórico Inválido.");
-    await focusIs(page, "Histórico");
-    await keys(page, "020", "Alt+o");
-    await told(page, "Documento Inexistente.");
-    await focusIs(page, "Documento");
-    await keys(page, "Shift+Tab");
-    await focusIs(page, "Conta");
-    await keys(page, "20418-7", "Tab");
-    // The account's period is closed.
-    await keys(page, "RECIBO 1", "Alt+o");
-    await page.getByRole("alertdialog").getByText(/fechad|bloquead|conciliad/i).waitFor();
-    await picture(page, "closed-period");
-    await keys(page, "Enter");
-    await shows(page, "Documento", "RECIBO 1");
-    await keys(page, "Alt+c");
-    await focusIs(page, "Incluir");
-  });
 });
 
 test("a second window is a session of its own, and logging out ends both", async () => {
@@ -144,19 +101,6 @@ test("a second window is a session of its own, and logging out ends both", async
   await keys(other, "s");
   await other.getByLabel("Senha").waitFor();
   await page.getByLabel("Senha").waitFor();
-});
-
-test("only what the user may open and do", async () => {
-  const page = await openPage(browser, desk.url);
-  pages.push(page);
-  await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
-  await page.getByLabel("Usuário").fill("leo");
-  await keys(page, "Tab", "pao de queijo 7", "Enter");
-  await page.getByRole("button", { name: "Telas" }).waitFor();
-  await openLedger(page);
-  await keys(page, "Alt+i");
-  await page.getByRole("alertdialog").waitFor();
-  await picture(page, "no-right");
 });
 
 test("a desk that dies takes nothing along that was typed", async () => {

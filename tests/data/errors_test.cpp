@@ -13,38 +13,6 @@
 namespace orv {
 namespace {
 
-TEST_F(DataTest, AFileIsMadeForItsOwnerOnlyAndOverNoOther) {
-  EXPECT_NE(std::string(ErrorOf([&] { Attachment::Create(file); }).what()).find("já existe"),
-            std::string::npos);
-  EXPECT_NE(std::string(ErrorOf([&] { Attachment::Create((folder / "nada/x.fdb").string()); }).what())
-                .find("pasta"),
-            std::string::npos);
-  struct stat found {};
-  ASSERT_EQ(stat(file.c_str(), &found), 0);
-  EXPECT_EQ(found.st_mode & 0777, 0600u);
-}
-
-TEST_F(DataTest, ReadOnlyFilesAndFolders) {
-  database->ExecuteDdl("CREATE TABLE T (A INTEGER)");
-  database.reset();
-  // The user whom the system lets write everything is another one for these calls.
-  const bool root = geteuid() == 0;
-  const uid_t nobody = 65534;
-  if (root) {
-    ASSERT_EQ(chown(file.c_str(), nobody, nobody), 0);
-    ASSERT_EQ(chown(folder.c_str(), nobody, nobody), 0);
-    setfsuid(nobody);
-  }
-  chmod(file.c_str(), 0400);
-  const DatabaseError error = ErrorOf([&] { Attachment::Open(file); });
-  EXPECT_TRUE(error.Why() == Kind::ReadOnly || error.Why() == Kind::Connection) << error.Detail();
-  EXPECT_NE(std::string(error.what()).find("permiss"), std::string::npos) << error.what() << error.Detail();
-  chmod(folder.c_str(), 0500);
-  EXPECT_EQ(ErrorOf([&] { Attachment::Create((folder / "novo.fdb").string()); }).Why(), Kind::ReadOnly);
-  chmod(folder.c_str(), 0700);
-  if (root) setfsuid(0);
-}
-
 TEST_F(DataTest, RefusalsOfStatements) {
   database->ExecuteDdl("CREATE TABLE P (ID INTEGER NOT NULL PRIMARY KEY)");
   database->ExecuteDdl(
@@ -86,36 +54,6 @@ TEST_F(DataTest, RefusalsOfStatements) {
   EXPECT_NE(std::string(tables.what()).find("tabelas demais"), std::string::npos);
   EXPECT_EQ(ErrorOf([&] { database->Rows(many + ")"); }).Why(), Kind::Limit);
   EXPECT_EQ(Count("T"), 1);
-}
-
-TEST_F(DataTest, ABackupBringsEverythingBack) {
-  database->ExecuteDdl("CREATE TABLE T (ID INTEGER NOT NULL PRIMARY KEY, S VARCHAR(200))");
-  for (int i = 0; i < 2000; ++i)
-    database->Execute("INSERT INTO T VALUES (" + std::to_string(i) + ", '" + std::string(100, 'x') + "é')");
-  database->CommitRetaining();
-  database->Execute("DELETE FROM T WHERE ID = 0");
-  const std::string backup = (folder / "copia.fbk").string(), copy = (folder / "copia.fdb").string();
-  Backup(file, backup);
-  struct stat found {};
-  ASSERT_EQ(stat(backup.c_str(), &found), 0);
-  EXPECT_EQ(found.st_mode & 0777, 0600u);
-  EXPECT_NE(std::string(ErrorOf([&] { Backup(file, backup); }).what()).find("já existe"), std::string::npos);
-
-  Restore(backup, copy);
-  const auto restored = Attachment::Open(copy);
-  EXPECT_EQ(restored->Scalar("SELECT COUNT(*) FROM T WHERE S LIKE '%é'").AsInteger(), 2000);
-  EXPECT_NE(std::string(ErrorOf([&] { Restore(backup, file); }).what()).find("já existe"), std::string::npos);
-
-  // Nothing stays behind of what failed.
-  std::ofstream(folder / "ruim.fbk") << "not a backup";
-  ErrorOf([&] { Restore(folder / "ruim.fbk", (folder / "ruim.fdb").string()); });
-  ErrorOf([&] { Restore(folder / "nada.fbk", (folder / "ruim.fdb").string()); });
-  ErrorOf([&] { Backup((folder / "nada.fdb").string(), (folder / "nada.fbk").string()); });
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder))
-    names.push_back(entry.path().filename());
-  std::sort(names.begin(), names.end());
-  EXPECT_EQ(names, (std::vector<std::string>{"copia.fbk", "copia.fdb", "empresa.fdb", "ruim.fbk"}));
 }
 
 TEST(Engine, AddressesOfFilesAndServers) {

@@ -130,51 +130,5 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   EXPECT_EQ(ErrorOf([&] { UpgradeSchema(*db); }), newer);
 }
 
-TEST(Schema, HostTablesKeepTheirPromises) {
-  TempDatabase db;
-  CreateSchema(*db, {{"_001", "Primeira", ""}});
-  const std::string user =
-      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA, NOME, SENHA) VALUES ('Ana', 'ana', 'Ana', 'x')";
-  db->Execute(user);
-  EXPECT_FALSE(ErrorOf([&] { db->Execute(user); }).empty());
-  db->Execute(
-      "INSERT INTO AUDITORIA (ID, LOGIN, EMP_PAT, AREA, TEXTO, OPERACAO, CHAVE) VALUES (NEXT VALUE FOR "
-      "SQ_AUDITORIA_ID, 'Ana', '_001', 'A', 'T', 3, 'K')");
-  EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM AUDITORIA WHERE ID = 1 AND MOMENTO IS NOT NULL").AsInteger(), 1);
-  // A title written with its bare numbers has an open amount; a cheque handed over is pending.
-  db->Execute("INSERT INTO RECEBER_001 (NUMERO, VALOR2) VALUES ('1/1', 10.10)");
-  EXPECT_EQ(db->Scalar("SELECT VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO FROM RECEBER_001").Neutral(),
-            "10.1000");
-  db->Execute("INSERT INTO CHEQUE_PRE_001 (CHAVE) VALUES ('000001')");
-  EXPECT_EQ(db->Scalar("SELECT STATUS FROM CHEQUE_PRE_001").Text(), "P");
-}
-
-TEST(Schema, Functions) {
-  TempDatabase db;
-  CreateSchema(*db, {});
-  const struct {
-    const char* call;
-    const char* result;
-  } cases[] = {
-      {"UDF_NVL(NULL)", "0"},
-      {"UDF_NVL(5.25)", "5.25"},
-      {"UDF_MONTH('12/25/2026')", "12"},
-      {"UDF_YEAR('12/25/2026')", "2026"},
-      {"UDF_DAY('12/25/2026')", "25"},
-      {"UDF_MONTH(NULL)", ""},
-      {"UDF_DAYSBETWEEN('03/01/2028', '02/28/2028')", "2"},
-      {"UDF_DAYSBETWEEN('02/28/2028', '03/01/2028')", "-2"},
-      {"UDF_COPY('030060090', 1, 3)", "030"},
-      {"UDF_COPY('030060090', 4, 3)", "060"},
-      {"UDF_COPY('ab', 1, 3)", "ab"},
-      {"UDF_COPY('ab', 3, 3)", ""},
-      {"UDF_COPY('ab', 0, -1)", ""},
-      {"UDF_COPY(NULL, 1, 3)", ""},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(db->Scalar(std::string("SELECT ") + c.call + " FROM RDB$DATABASE").Neutral(), c.result)
-        << c.call;
-}
-
 }  // namespace
 }  // namespace orv::test
