@@ -7,15 +7,6 @@
 namespace orv::test {
 namespace {
 
-// "NAME=value|NAME=value".
-Fields F(std::string_view text) {
-  Fields fields;
-  for (const std::string& one : Split(text, "|")) {
-    if (!one.empty()) fields.emplace_back(one.substr(0, one.find('=')), one.substr(one.find('=') + 1));
-  }
-  return fields;
-}
-
 class RelChequeTest : public DeskTest {
  protected:
   RelChequeTest() {
@@ -79,8 +70,8 @@ class RelChequeTest : public DeskTest {
     Desk desk(database_);
     for (const auto& one : Table(cases, 2)) {
       desk.Open(screen);
-      desk.Set(F(all));
-      desk.Set(F(ReplaceAll(one[0], " ; ", "|")));
+      desk.Set(Named(all));
+      desk.Set(Named(one[0]));
       EXPECT_EQ(desk.Press("BtnConfirma"), "");
       EXPECT_EQ(Trim(ReplaceAll(ReplaceAll(desk.Read(set, shown), "\n", " "), "|", "")), one[1]) << one[0];
       desk.Close();
@@ -89,7 +80,7 @@ class RelChequeTest : public DeskTest {
 };
 
 TEST_F(RelChequeTest, RegisterByFilter) {
-  Filter("TfmRelContCheq", "RgBusca=0|rgAgrupar=4", "QryRelatorio", {"NUMERO"}, ORV_FILES "register.txt");
+  Filter("TfmRelContCheq", "RgBusca=0 ; rgAgrupar=4", "QryRelatorio", {"NUMERO"}, ORV_FILES "register.txt");
 }
 
 TEST_F(RelChequeTest, RegisterKeepsRowsAndFields) {
@@ -176,16 +167,16 @@ TEST_F(RelChequeTest, Printed) {
   Desk desk(database_);
   std::string printed;
   const auto print = [&](const std::string& fields) {
-    desk.Set(F(fields));
+    desk.Set(Named(fields));
     desk.Click("BtnConfirma");
     if (desk.End() == "waiting answer") desk.Answer("yes");
     printed += "##### " + fields + "\n" + test::Printed(desk, "Btnimprimir");
   };
   desk.Open("TfmRelContCheq");
-  print("RgBusca=0|rgAgrupar=0|CbEmpresa=true");
-  print("rgAgrupar=1|cbTotal=false|CbEmpresa=false");
-  print("rgAgrupar=2|cbTotal=true");
-  print("rgAgrupar=3|EdtObs=nada");
+  print("RgBusca=0 ; rgAgrupar=0 ; CbEmpresa=true");
+  print("rgAgrupar=1 ; cbTotal=false ; CbEmpresa=false");
+  print("rgAgrupar=2 ; cbTotal=true");
+  print("rgAgrupar=3 ; EdtObs=nada");
   ExpectFile(printed, ORV_FILES "WCCCheq01.txt");
   for (const auto& [resumido, file] : {std::pair("false", "WChequeRec.txt"), {"true", "WChequeRecR.txt"}}) {
     printed.clear();

@@ -6,6 +6,7 @@
 #include "host/schema/schema.h"
 #include "tests/support/desk_test.h"
 #include "tests/support/process.h"
+#include "tests/support/table.h"
 #include "toolkit/text.h"
 
 namespace orv::test {
@@ -79,28 +80,8 @@ TEST_F(CommandsTest, HelpIsInPortuguese) {
 }
 
 TEST_F(CommandsTest, WrongWordsAreRefusedInPortuguese) {
-  struct Case {
-    Words words;
-    const char* message;
-  };
-  const Case cases[] = {
-      {{}, "Falta o comando."},
-      {{"user"}, "Falta o comando."},
-      {{"dance"}, "O comando \"dance\" não existe."},
-      {{"user", "dance"}, "O comando \"dance\" não existe."},
-      {{"check", "--fast"}, "Argumento desconhecido: --fast."},
-      {{"user", "add"}, "Falta usuario."},
-      {{"demo", "files"}, "Falta pasta."},
-      {{"lock", "set", "--cash"}, "Falta --until."},
-      {{"lock", "set", "--cash", "--account", "1", "--until", "01/01/2026"},
-       "--account e --cash não vão juntos."},
-      {{"lock", "set", "--until"}, "Falta o valor de --until."},
-      {{"param", "get", "FIN", "abc"}, "numero: \"abc\" não é um número."},
-      {{"init", "--scale", "0"}, "--scale: \"0\" não é um número de 1 a 250."},
-      {{"init", "--scale", "x"}, "--scale: \"x\" não é um número de 1 a 250."},
-      {{"audit", "--last", "-1"}, "--last: \"-1\" não é um número de 1 a 100000."},
-  };
-  for (const Case& c : cases) EXPECT_EQ(Bad(c.words), c.message);
+  for (const auto& c : Table(ORV_FILES "wrong_words.txt", 2))
+    EXPECT_EQ(Bad(c[0].empty() ? Words() : Split(c[0], " ")), c[1]);
   // What is typed goes before the environment, whichever command it is given to.
   for (const Words& words : {Words{"check"}, Words{"upgrade"}, Words{"user", "list"}, Words{"param", "list"},
                              Words{"lock", "list"}, Words{"audit"}, Words{"drive", "--user", "ana"}}) {

@@ -5,7 +5,6 @@
 
 #include "toolkit/client_dataset.h"
 #include "toolkit/text.h"
-#include "toolkit/trans_dataset.h"
 
 namespace orv {
 namespace {
@@ -205,32 +204,6 @@ TEST_F(Events, WalksThatDeleteOrHideRows) {
   // Editing an empty set begins its first row.
   set.Edit();
   EXPECT_EQ(set.State(), DataSetState::Insert);
-}
-
-TEST_F(Events, ACopyTakesFieldsAndRows) {
-  TClientDataSet copy("TbCopia");
-  TTransDataSet transfer;
-  transfer.SetTabelaOrigem(set);
-  transfer.SetTabelaDestino(copy);
-  transfer.CriaCampos();
-  set.Next();
-  transfer.TransfereDados();
-  EXPECT_EQ(Shown(), "A[B]C");
-  // A second source of other widths and an order of its own goes behind the first.
-  TClientDataSet other("TbOutra");
-  other.FieldDefs.Add("VALOR", FieldType::Integer);
-  other.FieldDefs.Add("CODIGO", FieldType::String, 20);
-  other.CreateDataSet();
-  other.Append();
-  other["CODIGO"] = "longo";
-  other["VALOR"] = 7;
-  other.Post();
-  transfer.SetTabelaOrigem(other);
-  transfer.TransfereDados();
-  std::string rows;
-  for (copy.First(); !copy.Eof(); copy.Next())
-    rows += copy["Codigo"].AsString() + "=" + copy["Valor"].AsString() + " ";
-  EXPECT_EQ(rows, "A=1,00 B=1,00 C=1,00 lon=7,00 ");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "host/services/users.h"
 #include "tests/desk/sample_screen.h"
 #include "tests/support/desk_test.h"
+#include "tests/support/table.h"
 
 namespace orv::test {
 namespace {
@@ -26,38 +27,8 @@ Json Key(std::string_view control, std::string_view key) {
 }
 
 TEST_F(DoorTest, EachObjectIsAnsweredOnceAndWhatCannotBeDoneRunsNothing) {
-  const char* refused[] = {R"({"do":"dance"})",
-                           R"({})",
-                           R"([])",
-                           R"(7)",
-                           R"({"do":"click"})",
-                           R"({"do":"click","control":7})",
-                           R"({"do":"click","control":"Nada"})",
-                           R"({"do":"click","control":"EdtTexto"})",
-                           R"({"do":"click","control":"BtGrava","screen":99})",
-                           R"({"do":"set","control":"EdtNomeBanco","value":"x"})",
-                           R"({"do":"set","control":"EdtTexto"})",
-                           R"({"do":"set","control":"EdtValor","value":"1,2,3"})",
-                           R"({"do":"set","control":"CbLista","value":"três"})",
-                           R"({"do":"set","control":"CbMarca","value":"talvez"})",
-                           R"({"do":"check","control":"EdtTexto","value":true})",
-                           R"({"do":"page","control":"EdtTexto","page":"x"})",
-                           R"({"do":"row","control":"Grade","row":0})",
-                           R"({"do":"row","control":"EdtTexto","row":0})",
-                           R"({"do":"cell","control":"Grade","row":0,"column":"Codigo","value":"1"})",
-                           R"({"do":"delete","control":"Grade","row":0})",
-                           R"({"do":"title","control":"Grade","column":"Outra"})",
-                           R"({"do":"menu","control":"ItDetalhe"})",
-                           R"({"do":"menu","control":"EdtTexto"})",
-                           R"({"do":"click","control":"ItDetalhe"})",
-                           R"({"do":"answer","value":"ok"})",
-                           R"({"do":"choose","rows":[0]})",
-                           R"({"do":"search","text":"x"})",
-                           R"({"do":"file","name":"a","content":""})",
-                           R"({"do":"open","class":"TfmNada"})",
-                           R"({"do":"open"})",
-                           R"({"do":"report","id":1,"format":"pdf"})"};
-  for (const char* text : refused) {
+  for (const auto& line : Table(ORV_FILES "refused.txt", 1)) {
+    const std::string& text = line[0];
     SCOPED_TRACE(text);
     const auto& out = desk_.Do(Json::Parse(text));
     EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ");

@@ -1,10 +1,12 @@
 // Cases that differ in nothing but texts: a table in a file, a case a line, its columns parted by " | ".
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orv::test {
@@ -25,6 +27,17 @@ inline std::vector<std::vector<std::string>> Table(const std::filesystem::path& 
   }
   if (cases.empty()) throw std::runtime_error(file.string() + " has no cases");
   return cases;
+}
+
+// Names with their values: "RgBusca=1 ; EdtConta=99".
+inline std::vector<std::pair<std::string, std::string>> Named(const std::string& text) {
+  std::vector<std::pair<std::string, std::string>> fields;
+  for (std::size_t at = 0, end; at < text.size(); at = end + 3) {
+    end = std::min(text.find(" ; ", at), text.size());
+    const std::size_t equals = text.find('=', at);
+    fields.emplace_back(text.substr(at, equals - at), text.substr(equals + 1, end - equals - 1));
+  }
+  return fields;
 }
 
 }  // namespace orv::test
