@@ -170,8 +170,8 @@ TEST(CardReadersTest, EveryCellInEveryColumn) {
     Lines lines;
     auto sheet = make(lines);
     int number = 0;
-    // Neighbours at two distances: whether a net amount is there decides which others are read.
-    for (const std::size_t step : {3U, 5U}) {
+    // Neighbours at several distances: whether a net amount is there decides which others are read.
+    for (const std::size_t step : {3U, 5U, 13U, 15U}) {
       for (std::size_t line = 0; line < std::size(kCells); ++line) {
         std::vector<SheetCell> cells;
         for (std::size_t i = 0; i < 14; ++i) cells.push_back(kCells[(line + i * step) % std::size(kCells)]);

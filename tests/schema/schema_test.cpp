@@ -26,24 +26,6 @@ TEST(Schema, IsMadeOnceAndGrowsByCompanies) {
       db->Scalar("SELECT VALOR FROM PARAMETRO WHERE EMP_PAT = '' AND GRUPO = 'FIN' AND NUMERO = 110").Text(),
       "N");
 
-  const std::string form = "O sufixo da empresa deve ser \"_\" e três dígitos, como \"_001\".";
-  const std::string length = "O nome da empresa tem no máximo 40 caracteres.";
-  const struct {
-    Company company;
-    std::string message;
-  } refusals[] = {
-      {{"", "X", ""}, form},
-      {{"001", "X", ""}, form},
-      {{"_01", "X", ""}, form},
-      {{"_0A1", "X", ""}, form},
-      {{"_001;", "X", ""}, form},
-      {{"_003", "  ", ""}, "Informe o nome da empresa."},
-      {{"_003", std::string(41, 'x'), ""}, length},
-      {{"_001", "X", ""}, "A empresa _001 já existe."},
-  };
-  for (const auto& [company, message] : refusals)
-    EXPECT_EQ(ErrorOf([&] { AddCompany(*db, company); }), message) << company.emp_pat;
-
   AddCompany(*db, {"_002", "Segunda", ""});
   EXPECT_EQ(CompanySuffixes(*db), (std::vector<std::string>{"_001", "_002"}));
   for (const TableDef& table : CompanyTables())

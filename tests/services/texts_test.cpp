@@ -62,22 +62,9 @@ TEST(SqlText, CountsTheContextsOfAStatement) {
 }
 
 TEST(Calendar, KnowsTheMovingAndTheFixedHolidays) {
-  const struct {
-    Date date;
-    bool holiday;
-  } cases[] = {
-      {Date(2026, 1, 1), true},    {Date(2026, 2, 16), true},
-      {Date(2026, 2, 17), true},   {Date(2026, 2, 18), false},
-      {Date(2026, 4, 3), true},    {Date(2026, 4, 5), false},
-      {Date(2026, 4, 21), true},   {Date(2026, 6, 4), true},
-      {Date(2026, 9, 7), true},    {Date(2026, 10, 12), true},
-      {Date(2026, 11, 2), true},   {Date(2026, 11, 15), true},
-      {Date(2023, 11, 20), false}, {Date(2024, 11, 20), true},
-      {Date(2026, 12, 25), true},  {Date(2024, 2, 12), true},
-      {Date(2024, 5, 30), true},   {Date(2025, 3, 4), true},
-      {Date(2026, 12, 24), false}, {Date(), false},
-  };
-  for (const auto& c : cases) EXPECT_EQ(IsBankHoliday(c.date), c.holiday) << c.date.Neutral();
+  for (const auto& c : test::Table(ORV_FILES "feriados.txt", 2))
+    EXPECT_EQ(IsBankHoliday(Date::ParseNeutral(c[0])), c[1] == "feriado") << c[0];
+  EXPECT_FALSE(IsBankHoliday(Date()));
   EXPECT_EQ(Easter(1818), Date(1818, 3, 22));
   EXPECT_EQ(Easter(2038), Date(2038, 4, 25));
 }

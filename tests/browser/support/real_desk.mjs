@@ -98,7 +98,7 @@ export async function startRealDesk(prepare = () => {}, scale = 1) {
 export function deskOfTests(...options) {
   let browser;
   let desk;
-  let page;
+  let pages = [];
   before(async () => {
     [browser, desk] = await Promise.all([launch(), startRealDesk(...options)]);
   });
@@ -109,16 +109,21 @@ export function deskOfTests(...options) {
   });
   afterEach(async () => {
     Object.assign(desk.link, { delay: 0, broken: false });
-    assert.deepEqual(page.faults, []);
-    await page.context().close();
+    for (const page of pages) {
+      assert.deepEqual(page.faults, []);
+      await page.context().close();
+    }
+    pages = [];
   });
+  const kept = (page) => (pages.push(page), page);
   const begin = async (delay = 0, view = {}) => {
-    page = await enter(browser, desk, view);
+    const page = kept(await enter(browser, desk, view));
     desk.link.delay = delay;
     return page;
   };
   // A page that stands at the log-in.
-  begin.outside = async () => (page = await openPage(browser, desk.url));
+  begin.outside = async () => kept(await openPage(browser, desk.url));
   begin.link = () => desk.link;
+  begin.desk = () => desk;
   return begin;
 }
