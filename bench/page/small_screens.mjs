@@ -150,44 +150,6 @@ class SmallScreen {
     };
     for (const name of this.rows.flat()) show(name, true);
   }
-  // A field with a code of an account: F4, its button, and leaving it empty open the list.
-  accountField(field, lookup, description, multiple = false) {
-    const control = this.controls[field];
-    const follow = () => (this.controls[description].text = kAccounts.find(([code]) => code === control.text)?.[2] ?? "");
-    const open = async () => {
-      this.list = { name: lookup, fields: ["CONTA", "BANCO", "DESCRICAO"], rows: kAccounts };
-      const described = () => ({
-        on: "lookup",
-        control: lookup,
-        columns: [{ field: "CONTA", title: "Conta" }, { field: "BANCO", title: "Banco" }, { field: "DESCRICAO", title: "Descrição" }],
-        count: this.list.rows.length,
-        multiple,
-      });
-      for (;;) {
-        const answer = await this.session.ask("lookup", described());
-        if (answer.do === "search") {
-          this.list.rows = kAccounts.filter((row) => row.some((text) => text.toLowerCase().includes(answer.text.toLowerCase())));
-          continue;
-        }
-        const rows = (answer.rows ?? []).map((row) => this.list.rows[row][0]);
-        this.list = undefined;
-        if (rows.length > 0) control.text = rows.join(",");
-        follow();
-        return;
-      }
-    };
-    control.handlers = {
-      change: follow,
-      lookup: open,
-      exit: async () => {
-        if (control.text === "") return void (await open());
-        if (control.text.includes(",") || kAccounts.some(([code]) => code === control.text)) return true;
-        await this.session.message("information", "Conta inexistente.");
-        return false;
-      },
-    };
-    this.controls[lookup].handlers = { click: open };
-  }
 }
 
 // --- Sets of rows.
