@@ -1,7 +1,7 @@
 // The page in the system's Chromium: how soon a screen is drawn, what is sent for it, how the grid keeps up.
 import { enter as enterReal, focusIs, grid, keys, launch, logIn, openPage, openScreen, dist, until } from "../tests/browser/support/browser.mjs";
 import { startRealDesk } from "../tests/browser/support/real_desk.mjs";
-import { startSmallDesk } from "../tests/browser/support/small_desk.mjs";
+import { startSmallDesk } from "./page/small_desk.mjs";
 
 const kRuns = 5;
 

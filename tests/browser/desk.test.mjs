@@ -1,35 +1,10 @@
 // The page on the desk itself: a demo company, its database and its rules, by keyboard alone.
 import assert from "node:assert/strict";
-import { after, afterEach, before, describe, test } from "node:test";
-import { answered, described, enter as logInAt, findMovement, findings, focusIs, keys, launch, logIn, openLedger, openPage, picture, shows, told, until } from "./support/browser.mjs";
-import { startRealDesk } from "./support/real_desk.mjs";
+import { describe, test } from "node:test";
+import { answered, described, findMovement, findings, focusIs, keys, logIn, openLedger, picture, shows, until } from "./support/browser.mjs";
+import { deskOfTests } from "./support/real_desk.mjs";
 
-let browser;
-let desk;
-let pages = [];
-
-before(async () => {
-  [browser, desk] = await Promise.all([launch(), startRealDesk()]);
-});
-after(async () => {
-  await browser?.close();
-  await desk?.stop();
-  desk?.remove();
-});
-afterEach(async () => {
-  desk.link.delay = 0;
-  for (const page of pages) {
-    assert.deepEqual(page.faults, []);
-    await page.context().close();
-  }
-  pages = [];
-});
-
-async function enter(options) {
-  const page = await logInAt(browser, desk, options);
-  pages.push(page);
-  return page;
-}
+const begin = deskOfTests();
 
 async function logInAgain(page) {
   await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
@@ -43,8 +18,7 @@ const typePosting = (page, account, document, amount, note) =>
 describe("a movement", () => {
   for (const delay of [0, 75]) {
     test(`is posted, altered and deleted by keyboard, ${delay} ms away`, async () => {
-      const page = await enter();
-      desk.link.delay = delay;
+      const page = await begin(delay);
       await openLedger(page);
       const document = `RECIBO ${delay}`;
       page.strokes = 0;
@@ -84,58 +58,15 @@ describe("a movement", () => {
       await keys(page, "Escape");
     });
   }
-
-  test("is refused with the focus where it is to be put right", async () => {
-    const page = await enter();
-    await openLedger(page);
-    await keys(page, "Alt+i", "10250-1", "Tab", "Alt+o");
-    await told(page, "Valor Inválido.");
-    await focusIs(page, "Valor");
-    await keys(page, "10", "Alt+o");
-    await told(page, "Classe Gerencial Inválida.");
-    await focusIs(page, "Classe Ger.");
-    await keys(page, "9999", "Tab");
-    await page.getByRole("alertdialog").waitFor();
-    await picture(page, "refusal");
-    await keys(page, "Enter");
-    await focusIs(page, "Classe Ger.");
-    // Left empty, the field offers what there is.
-    await keys(page, "Delete", "Tab");
-    const list = page.getByRole("dialog");
-    await list.waitFor();
-    await picture(page, "lookup");
-    await keys(page, "EVENTUAIS");
-    await list.getByText("1 linha").waitFor();
-    await keys(page, "Enter");
-    await list.waitFor({ state: "detached" });
-    await described(page, "RECEITAS EVENTUAIS");
-    await keys(page, "Alt+o");
-    await told(page, "Histórico Inválido.");
-    await focusIs(page, "Histórico");
-    await keys(page, "020", "Alt+o");
-    await told(page, "Documento Inexistente.");
-    await focusIs(page, "Documento");
-    await keys(page, "Shift+Tab");
-    await focusIs(page, "Conta");
-    await keys(page, "20418-7", "Tab");
-    // The account's period is closed.
-    await keys(page, "RECIBO 1", "Alt+o");
-    await page.getByRole("alertdialog").getByText(/fechad|bloquead|conciliad/i).waitFor();
-    await picture(page, "closed-period");
-    await keys(page, "Enter");
-    await shows(page, "Documento", "RECIBO 1");
-    await keys(page, "Alt+c");
-    await focusIs(page, "Incluir");
-  });
 });
 
 test("a second window is a session of its own, and logging out ends both", async () => {
-  const page = await enter();
+  const page = await begin();
   await openLedger(page);
   await keys(page, "Alt+i", "10250-1", "Tab");
   const other = await page.context().newPage();
   other.faults = [];
-  await other.goto(desk.url);
+  await other.goto(begin.desk().url);
   await openLedger(other);
   await keys(other, "Alt+i", "20418-7", "Tab");
   await shows(other, "Conta", "20418-7");
@@ -146,26 +77,13 @@ test("a second window is a session of its own, and logging out ends both", async
   await page.getByLabel("Senha").waitFor();
 });
 
-test("only what the user may open and do", async () => {
-  const page = await openPage(browser, desk.url);
-  pages.push(page);
-  await page.getByLabel("Empresa").locator("option").first().waitFor({ state: "attached" });
-  await page.getByLabel("Usuário").fill("leo");
-  await keys(page, "Tab", "pao de queijo 7", "Enter");
-  await page.getByRole("button", { name: "Telas" }).waitFor();
-  await openLedger(page);
-  await keys(page, "Alt+i");
-  await page.getByRole("alertdialog").waitFor();
-  await picture(page, "no-right");
-});
-
 test("a desk that dies takes nothing along that was typed", async () => {
-  const page = await enter();
+  const page = await begin();
   await openLedger(page);
   await keys(page, "Alt+i");
   await typePosting(page, "10250-1", "RECIBO 7", "77,5", "Sobrevive");
   await shows(page, "Observação", "Sobrevive");
-  await desk.crash();
+  await begin.desk().crash();
   await logInAgain(page);
   await page.getByText("Movimento de Contas Correntes”").waitFor();
   await picture(page, "offer");
@@ -180,8 +98,7 @@ test("a desk that dies takes nothing along that was typed", async () => {
 });
 
 async function enterAsLeo() {
-  const page = await openPage(browser, desk.url);
-  pages.push(page);
+  const page = await begin.outside();
   // The desk is just coming back when the login page opens.
   await page.route("**/companies", (route) => route.abort());
   await page.reload();
@@ -218,11 +135,12 @@ test("the own password and sessions, by keyboard", async () => {
 });
 
 test("a stop tells the users, undoes what is open, and leaves a log without amounts", async () => {
-  const page = await enter();
+  const page = await begin();
   await openLedger(page);
   await keys(page, "Alt+i");
   await typePosting(page, "10250-1", "RECIBO 5", "4321,09", "Nunca");
   await shows(page, "Observação", "Nunca");
+  const desk = begin.desk();
   assert.equal(await desk.stop(), 0);
   await page.getByText("A mesa está sendo encerrada.").or(page.getByText("Sem conexão com o servidor.")).first().waitFor();
   const log = desk.log();

@@ -1,5 +1,6 @@
 // The screen of the cheques: capture, alteration, deletion, and the way from state to state.
 #include "tests/cheques/cheque_desk.h"
+#include "tests/support/table.h"
 
 namespace orv::test {
 namespace {
@@ -409,27 +410,7 @@ TEST_F(ChequeTest, QueryNarrows) {
     std::sort(keys.begin(), keys.end());
     return Join(keys, " ");
   };
-  struct Case {
-    Fields fields;
-    const char* found;
-  };
-  const Case cases[] = {
-      {{}, "C1 C2 C4"},
-      {{{"dtAEmiIni", "31/12/1999"}}, "C1 C2 C3 C4"},
-      {{{"rgASituacao", "Pendente"}}, "C1"},
-      {{{"rgASituacao", "Baixado"}}, "C2"},
-      {{{"rgASituacao", "Cancelado"}}, "C3"},
-      {{{"rgASituacao", "Devolvido"}}, "C4"},
-      {{{"rgASituacao", "Todos"}, {"edtACliente", "00051"}}, "C2"},
-      {{{"edtACliente", "' OR '1'='1"}}, ""},
-      {{{"edtACliente", ""}, {"edtAFornec", "00060"}}, "C4"},
-      {{{"edtABanco", "903"}}, ""},
-      {{{"edtAFornec", ""}}, "C1 C2 C3"},
-      {{{"dtAVencIni", "13/11/2026"}}, ""},
-      {{{"dtAVencIni", "12/11/2026"}, {"dtAVencFim", "12/11/2026"}}, "C1 C2 C3"},
-      {{{"edtABanco", ""}, {"dtAEmiFim", "10/11/2026"}, {"rgASituacao", "Devolvido"}}, "C4"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(found(c.fields), c.found);
+  for (const auto& c : Table(ORV_FILES "query.txt", 2)) EXPECT_EQ(found(Named(c[0])), c[1]) << c[0];
   EXPECT_NE(desk.Text("EdtANomeCli") + desk.Rows("qryConsulta"), "");
   desk.DoubleClick("DBGrid2", 0, "CHAVE");
   EXPECT_EQ(desk.Text("EDChave"), "C4");

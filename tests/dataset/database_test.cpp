@@ -5,9 +5,7 @@
 
 #include "host/data/statement.h"
 #include "tests/support/desk_test.h"
-#include "toolkit/query.h"
 #include "toolkit/table.h"
-#include "toolkit/trans_dataset.h"
 
 namespace orv {
 namespace {
@@ -70,48 +68,6 @@ std::string Keys(DataSet& set, const char* field = "CHAVE") {
   std::string keys;
   for (set.First(); !set.Eof(); set.Next()) keys += set[field].AsString() + " ";
   return keys;
-}
-
-TEST_F(Tables, AQueryHoldsItsWholeResult) {
-  Fill(5);
-  TOrvQuery query(*attachment_, "Qry");
-  std::string trace;
-  query.AfterOpen = [&] { trace += "open " + std::to_string(query.RecordCount()) + " "; };
-  query.AfterScroll = [&] { trace += "at " + query["CHAVE"].AsString() + " "; };
-  query.SQL.Add("SELECT CHAVE, VALOR, CHAVE, VENCIMENTO AS DIA");
-  query.SQL.Add("FROM CHEQUE_001 ORDER BY 1 DESC");
-  query.Open();
-  EXPECT_EQ(trace, "open 5 at 000004 ");
-  EXPECT_EQ(query["chave_1"].AsString(), "000004");
-  EXPECT_EQ(query["VALOR"].AsCurrency(), Currency(1));
-  // A walk writes into the table that it reads.
-  int64_t written = 0;
-  TOrvQuery writer(*attachment_);
-  for (query.First(); !query.Eof(); query.Next()) {
-    writer.SQL.SetText("INSERT INTO CHEQUE_001 (CHAVE) VALUES ('X" + query["CHAVE"].AsString() + "')");
-    written += writer.ExecSQL();
-  }
-  EXPECT_EQ(written, 5);
-  EXPECT_TRUE(query.Locate("DIA", Date(2026, 1, 3)));
-  EXPECT_EQ(query.RecNo(), 3);
-  EXPECT_THROW(query.Edit(), UserError);
-  EXPECT_THROW(query.Delete(), UserError);
-
-  TClientDataSet copy("Tb");
-  TTransDataSet transfer;
-  transfer.SetTabelaOrigem(query);
-  transfer.SetTabelaDestino(copy);
-  transfer.CriaCampos();
-  transfer.TransfereDados();
-  EXPECT_EQ(Keys(copy), "000004 000003 000002 000001 000000 ");
-
-  query.SQL.SetText("SELECT 1 AS UM FROM RDB$DATABASE WHERE 1 = 0");
-  query.Open();
-  EXPECT_TRUE(query.IsEmpty() && query.Eof());
-  EXPECT_EQ(query.FindField("CHAVE"), nullptr);
-  query.SQL.SetText("SELECT NADA FROM CHEQUE_001");
-  EXPECT_THROW(query.Open(), DatabaseError);
-  EXPECT_FALSE(query.Active());
 }
 
 TEST_F(Tables, ATableReadsOnlyWhatIsAskedFor) {

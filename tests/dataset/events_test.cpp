@@ -5,7 +5,6 @@
 
 #include "toolkit/client_dataset.h"
 #include "toolkit/text.h"
-#include "toolkit/trans_dataset.h"
 
 namespace orv {
 namespace {
@@ -95,21 +94,6 @@ TEST_F(Events, OneSequenceForEveryChange) {
   set.Open();
   EXPECT_EQ(Trace(), "AfterOpen");
   EXPECT_TRUE(set.IsEmpty() && set.Bof() && set.Eof());
-}
-
-TEST_F(Events, ListenersStandBesideTheOwnersHandlerAndGo) {
-  const auto note = [this](const char* who) { return [this, who] { trace += who; }; };
-  set.AfterScroll = note("own ");
-  auto first = set.AfterScroll.Listen(note("first "));
-  std::shared_ptr<const void> second;
-  const auto third = set.AfterScroll.Listen([&] { trace += "third ", second.reset(); });
-  second = set.AfterScroll.Listen(note("second "));
-  set.Next();
-  EXPECT_EQ(Trace(), "own first third ") << "one that has gone meanwhile isn't called";
-  first.reset();
-  set.AfterScroll = nullptr;
-  set.Next();
-  EXPECT_EQ(Trace(), "third ");
 }
 
 TEST_F(Events, AnUntouchedInsertionIsDropped) {
@@ -220,74 +204,6 @@ TEST_F(Events, WalksThatDeleteOrHideRows) {
   // Editing an empty set begins its first row.
   set.Edit();
   EXPECT_EQ(set.State(), DataSetState::Insert);
-}
-
-TEST_F(Events, FieldsKeepTheirTypeAndSize) {
-  set.Edit();
-  set.Nome = "ação e reação";
-  EXPECT_EQ(set.Nome.AsString(), "ação e rea");
-  set["valor"] = "1.234,56";
-  EXPECT_EQ(set.Valor.AsCurrency(), Currency::FromCents(123456));
-  set.Data = "29/02/2024";
-  EXPECT_EQ(set.Data.AsDate(), Date(2024, 2, 29));
-  EXPECT_THROW(set.Data = "30/02/2024", ConversionError);
-  EXPECT_EQ(set.Data.AsDate(), Date(2024, 2, 29));
-  set.Data.Clear();
-  EXPECT_TRUE(set.Data.IsNull());
-  EXPECT_THROW(set["Nada"], UserError);
-  set.Post();
-  EXPECT_THROW(set.Nome = "x", UserError);
-}
-
-TEST(RunTimeFields, AreLaidDownAnew) {
-  TClientDataSet set("TbRelatorio");
-  EXPECT_THROW(set.CreateDataSet(), UserError);
-  // An order may be named before its fields are there.
-  set.SetIndexFieldNames("Mes");
-  set.FieldDefs.Add("Mes", FieldType::Integer);
-  EXPECT_THROW(set.FieldDefs.Add("MES", FieldType::Float), UserError);
-  set.CreateDataSet();
-  for (const int month : {3, 1, 2}) {
-    set.Append();
-    set["Mes"] = month;
-    set.Post();
-  }
-  EXPECT_EQ(set.RecNo(), 2);
-  EXPECT_THROW(set.FieldDefs.Add("Ano", FieldType::Integer), UserError);
-  EXPECT_THROW(set.SetIndexFieldNames("Mes;Ano"), UserError);
-  EXPECT_EQ(set.IndexFieldNames(), "Mes");
-  set.Close();
-  set.FieldDefs.Clear();
-  set.FieldDefs.Add("Ano", FieldType::Integer);
-  set.CreateDataSet();
-  EXPECT_TRUE(set.IsEmpty());
-  EXPECT_EQ(set.FindField("Mes"), nullptr);
-}
-
-TEST_F(Events, ACopyTakesFieldsAndRows) {
-  TClientDataSet copy("TbCopia");
-  TTransDataSet transfer;
-  transfer.SetTabelaOrigem(set);
-  transfer.SetTabelaDestino(copy);
-  transfer.CriaCampos();
-  set.Next();
-  transfer.TransfereDados();
-  EXPECT_EQ(Shown(), "A[B]C");
-  // A second source of other widths and an order of its own goes behind the first.
-  TClientDataSet other("TbOutra");
-  other.FieldDefs.Add("VALOR", FieldType::Integer);
-  other.FieldDefs.Add("CODIGO", FieldType::String, 20);
-  other.CreateDataSet();
-  other.Append();
-  other["CODIGO"] = "longo";
-  other["VALOR"] = 7;
-  other.Post();
-  transfer.SetTabelaOrigem(other);
-  transfer.TransfereDados();
-  std::string rows;
-  for (copy.First(); !copy.Eof(); copy.Next())
-    rows += copy["Codigo"].AsString() + "=" + copy["Valor"].AsString() + " ";
-  EXPECT_EQ(rows, "A=1,00 B=1,00 C=1,00 lon=7,00 ");
 }
 
 }  // namespace

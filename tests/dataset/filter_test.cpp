@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/desk_test.h"
+#include "tests/support/table.h"
 #include "toolkit/client_dataset.h"
 
 namespace orv {
@@ -47,86 +49,15 @@ class Filters : public testing::Test {
 };
 
 TEST_F(Filters, AcceptWhatTheySay) {
-  const struct {
-    const char *filter, *rows;
-  } cases[] = {
-      {"", "123456"},
-      {"  ", "123456"},
-      {"Nr = 2", "2"},
-      {"nr=2 or NR = 4", "24"},
-      {"2 = Nr", "2"},
-      {"Classe = '3.1'", "2"},
-      {"Classe = 'd''água'", "4"},
-      {"classe = 'ação'", ""},
-      {"Classe like '3%'", "123"},
-      {"Classe like '3.%' and classe <> '3.1'", "3"},
-      {"Classe like 'A__o'", "6"},
-      {"Classe LIKE '%.%1'", "23"},
-      {"Classe not like '3%'", "46"},
-      {"Valor = 10", "14"},
-      {"Valor > -20.5 AND Valor < 0.01", "23"},
-      {"Taxa = .5", "15"},
-      {"Taxa = Valor", ""},
-      {"Taxa < Valor", "146"},
-      {"Data = '01/02/2026'", "25"},
-      {"Data >= '01/01/2026' and data <= '28/02/2026'", "125"},
-      {"Data in ('31/12/2025', '01/03/2026')", "46"},
-      {"Data IS NULL", "3"},
-      {"Classe is not null and Data is not null", "1246"},
-      {"Nr in (1, 3, 5) or Classe in ('3.1')", "1235"},
-      {"Nr not in (1,2)", "3456"},
-      {"Nr = 1 or Nr = 2 and Valor < 0", "12"},
-      {"(Nr = 1 or Nr = 2) and Valor < 0", "2"},
-      {"not (Nr = 1 or Nr = 2)", "3456"},
-      {"not Nr > 2 and not Nr = 1", "2"},
-      // A comparison with null is neither true nor false.
-      {"Classe <> '3'", "2346"},
-      {"not Classe = '3'", "2346"},
-      {"not (Classe = '3' and Nr > 0)", "2346"},
-      {"not (Classe = '3' and Nr = 1)", "23456"},
-      {"Classe not in ('3', '3.1')", "346"},
-      {"Nr = 1 and Nr = 2", ""},
-      {"Classe = '3' and Valor = 10 and Data = '31/01/2026'", "1"},
-  };
-  for (const auto& one : cases) EXPECT_EQ(Rows(one.filter), one.rows) << one.filter;
+  for (const auto& c : test::Table(ORV_FILES "filters.txt", 2)) EXPECT_EQ(Rows(c[0]), c[1]) << c[0];
 }
 
 TEST_F(Filters, ToldWhereTheyDoNotMakeSense) {
-  const struct {
-    const char* filter;
-    int place;
-  } cases[] = {
-      {"Nada = 1", 1},
-      {"Nr = ", 6},
-      {"Nr = 1 Valor = 2", 8},
-      {"Classe = 'aberto", 10},
-      {"(Nr = 1", 8},
-      {"Nr = 1)", 7},
-      {"Classe 'x'", 8},
-      {"Data = '31/02/2026'", 8},
-      {"Valor = 'muito'", 9},
-      {"Nr in ()", 8},
-      {"Nr in (1", 9},
-      {"Nr is 1", 7},
-      {"not", 4},
-      {"Nr not = 1", 8},
-      {"Classe like Nr", 13},
-      {"Classe = 'ação' ;", 17},
-      {"Valor = 1.2.3", 9},
-      {"Nr = 99999999999999999999999 and x", 34},
-  };
   set.SetFilter("Nr = 2");
   set.SetFiltered(true);
-  for (const auto& one : cases) {
-    try {
-      set.SetFilter(one.filter);
-      ADD_FAILURE() << one.filter;
-    } catch (const UserError& error) {
-      EXPECT_EQ(std::string(error.what()), "O filtro \"" + std::string(one.filter) +
-                                               "\" não se entende na posição " + std::to_string(one.place) +
-                                               ".");
-    }
-  }
+  for (const auto& c : test::Table(ORV_FILES "no_filters.txt", 2))
+    EXPECT_EQ(test::ErrorOf([&] { set.SetFilter(c[0]); }),
+              "O filtro \"" + c[0] + "\" não se entende na posição " + c[1] + ".");
   // What was there goes on.
   EXPECT_EQ(set.FilterText(), "Nr = 2");
   EXPECT_EQ(set.RecordCount(), 1);

@@ -5,6 +5,7 @@
 #include "host/services/users.h"
 #include "tests/desk/sample_screen.h"
 #include "tests/support/desk_test.h"
+#include "tests/support/table.h"
 
 namespace orv::test {
 namespace {
@@ -26,38 +27,8 @@ Json Key(std::string_view control, std::string_view key) {
 }
 
 TEST_F(DoorTest, EachObjectIsAnsweredOnceAndWhatCannotBeDoneRunsNothing) {
-  const char* refused[] = {R"({"do":"dance"})",
-                           R"({})",
-                           R"([])",
-                           R"(7)",
-                           R"({"do":"click"})",
-                           R"({"do":"click","control":7})",
-                           R"({"do":"click","control":"Nada"})",
-                           R"({"do":"click","control":"EdtTexto"})",
-                           R"({"do":"click","control":"BtGrava","screen":99})",
-                           R"({"do":"set","control":"EdtNomeBanco","value":"x"})",
-                           R"({"do":"set","control":"EdtTexto"})",
-                           R"({"do":"set","control":"EdtValor","value":"1,2,3"})",
-                           R"({"do":"set","control":"CbLista","value":"três"})",
-                           R"({"do":"set","control":"CbMarca","value":"talvez"})",
-                           R"({"do":"check","control":"EdtTexto","value":true})",
-                           R"({"do":"page","control":"EdtTexto","page":"x"})",
-                           R"({"do":"row","control":"Grade","row":0})",
-                           R"({"do":"row","control":"EdtTexto","row":0})",
-                           R"({"do":"cell","control":"Grade","row":0,"column":"Codigo","value":"1"})",
-                           R"({"do":"delete","control":"Grade","row":0})",
-                           R"({"do":"title","control":"Grade","column":"Outra"})",
-                           R"({"do":"menu","control":"ItDetalhe"})",
-                           R"({"do":"menu","control":"EdtTexto"})",
-                           R"({"do":"click","control":"ItDetalhe"})",
-                           R"({"do":"answer","value":"ok"})",
-                           R"({"do":"choose","rows":[0]})",
-                           R"({"do":"search","text":"x"})",
-                           R"({"do":"file","name":"a","content":""})",
-                           R"({"do":"open","class":"TfmNada"})",
-                           R"({"do":"open"})",
-                           R"({"do":"report","id":1,"format":"pdf"})"};
-  for (const char* text : refused) {
+  for (const auto& line : Table(ORV_FILES "refused.txt", 1)) {
+    const std::string& text = line[0];
     SCOPED_TRACE(text);
     const auto& out = desk_.Do(Json::Parse(text));
     EXPECT_EQ(desk_.Messages().substr(0, 7), "error: ");
@@ -78,7 +49,7 @@ TEST_F(DoorTest, ControlsTakeWhatAPersonGives) {
   EXPECT_EQ(desk_.Text("EdtTexto"), "abç");
   desk_.Set("EdtValor", "1234,5");
   EXPECT_EQ(desk_.Text("EdtValor"), "1.234,50");
-  desk_.Do({{"do", "check"}, {"control", "CbMarca"}, {"value", true}});
+  desk_.Check("CbMarca", true);
   desk_.Do(Key("CbMarca", " "));
   EXPECT_FALSE(desk_.Property("CbMarca", "checked").Bool());
   desk_.Set("CbLista", "dois");
@@ -127,81 +98,65 @@ TEST_F(DoorTest, ALookupIsSearchedChosenAndGivenUp) {
 }
 
 TEST_F(DoorTest, AGridIsFilledChangedOrderedAndEmptied) {
-  const auto cell = [&](int row, const char* column, Json value) {
-    desk_.Do({{"do", "cell"},
-              {"control", "Grade"},
-              {"row", row},
-              {"column", column},
-              {"value", std::move(value)}});
-  };
   for (const char* code : {"B", "A"}) {
-    desk_.Do({{"do", "append"}, {"control", "Grade"}});
+    desk_.Append("Grade");
     const int row = code[0] == 'B' ? 0 : 1;
-    cell(row, "Codigo", code);
-    cell(row, "Valor", "1.000,10");
-    cell(row, "Marca", true);
+    desk_.Cell("Grade", row, "Codigo", code);
+    desk_.Cell("Grade", row, "Valor", "1.000,10");
+    desk_.Cell("Grade", row, "Marca", "true");
   }
-  desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 0}});
+  desk_.Stand("Grade", 0);
   EXPECT_EQ(desk_.Rows("TbLinhas"), "B|1000.1000|S\nA|1000.1000|S\n");
   for (const auto& [typed, told] :
        {std::pair("12a3", "não é um valor. Escreva como 1.234,56."),
         std::pair("12,345", "não é um valor. Escreva como 1.234,56."),
         std::pair("900000000000000,00", "é grande demais. O maior valor é 999.999.999.999,99.")}) {
-    cell(0, "Valor", typed);
+    desk_.Cell("Grade", 0, "Valor", typed);
     EXPECT_EQ(desk_.Messages(), "error: \"" + std::string(typed) + "\" " + told);
   }
-  desk_.Do({{"do", "title"}, {"control", "Grade"}, {"column", "Codigo"}});
+  desk_.Title("Grade", "Codigo");
   EXPECT_EQ(desk_.Rows("TbLinhas"), "A|1000.1000|S\nB|1000.1000|S\n");
-  desk_.Do({{"do", "dblclick"}, {"control", "Grade"}, {"row", 0}, {"column", "Codigo"}});
+  desk_.DoubleClick("Grade", 0, "Codigo");
   EXPECT_EQ(Label(), "duplo A");
-  desk_.Do({{"do", "key"}, {"control", "Grade"}, {"key", "F4"}, {"row", 1}, {"column", "Valor"}});
+  desk_.Key("Grade", 1, "Valor", "F4");
   EXPECT_EQ(Label(), "Valor F4");
   EXPECT_EQ(desk_.Text("DbeCodigo"), "B");
   desk_.Set("DbeCodigo", "C");
   desk_.Set("DbrMarca", "Não");
-  desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 0}});
+  desk_.Stand("Grade", 0);
   EXPECT_EQ(desk_.Rows("TbLinhas"), "A|1000.1000|S\nC|1000.1000|N\n");
   desk_.Do({{"do", "menu"}, {"control", "ItDetalhe"}});
   EXPECT_EQ(desk_.End(), "waiting answer");
   desk_.Answer("ok");
-  desk_.Do({{"do", "delete"}, {"control", "Grade"}, {"row", 0}});
+  desk_.Delete("Grade", 0);
   EXPECT_EQ(desk_.Rows("TbLinhas"), "C|1000.1000|N\n");
 }
 
 // Whichever way a typed cell is left, it is told once, with the row still current; a bar reader's Enter leads
 // to the next row, where it goes on.
 TEST_F(DoorTest, ACellIsLeftOnce) {
-  const auto grade = [&](const char* verb, int row, Json::Object more) {
-    Json in{{"do", verb}, {"control", "Grade"}, {"row", row}};
-    for (auto& [name, value] : more) in.Set(name, std::move(value));
-    desk_.Do(in);
-  };
-  grade("append", 0, {});
+  desk_.Append("Grade");
   std::string rows;
   for (int row = 0; row < 2; ++row) {
-    grade("cell", row, {{"column", "Codigo"}, {"value", "BARRA"}});
+    desk_.Cell("Grade", row, "Codigo", "BARRA");
     EXPECT_EQ(desk_.Rows("TbLinhas"), rows + "BARRA|-|-\n");
-    grade("key", row, {{"key", "Enter"}, {"column", "Codigo"}});
+    desk_.Key("Grade", row, "Codigo", "Enter");
     rows += "BARRA|1.0000|-\n";
     EXPECT_EQ(desk_.Rows("TbLinhas"), rows + "-|-|-\n");
     EXPECT_EQ(desk_.Property("Grade", "selected"), Json("Codigo"));
     EXPECT_EQ(desk_.Property("Grade", "placed"), Json(row + 1));
   }
-  const std::vector<std::function<void()>> ways = {[&] {
-                                                     grade("key", 2, {{"key", "Tab"}, {"column", "Codigo"}});
-                                                   },
-                                                   [&] {
-                                                     grade("row", 2, {{"column", "Valor"}});
-                                                   },
-                                                   [&] {
-                                                     grade("cell", 2, {{"column", "Marca"}, {"value", true}});
-                                                   },
-                                                   [&] { grade("row", 1, {}); },
-                                                   [&] { desk_.Set("EdtTexto", "x"); }};
-  for (std::size_t i = 0; i < ways.size(); ++i) {
-    grade("cell", 2, {{"column", "Codigo"}, {"value", "C" + std::to_string(i)}});
+  const auto reach = [&](const char* column) {
+    desk_.Do({{"do", "row"}, {"control", "Grade"}, {"row", 2}, {"column", column}});
+  };
+  const std::function<void()> ways[] = {
+      [&] { desk_.Key("Grade", 2, "Codigo", "Tab"); }, [&] { reach("Valor"); },
+      [&] { desk_.Cell("Grade", 2, "Marca", "true"); }, [&] { desk_.Stand("Grade", 1); },
+      [&] { desk_.Set("EdtTexto", "x"); }};
+  for (std::size_t i = 0; i < std::size(ways); ++i) {
+    desk_.Cell("Grade", 2, "Codigo", "C" + std::to_string(i));
     ways[i]();
-    grade("row", 2, {{"column", "Marca"}});
+    reach("Marca");
     EXPECT_EQ(desk_.Rows("TbLinhas"), rows + "C" + std::to_string(i) + "|" + std::to_string(i + 1) +
                                           ".0000|" + (i < 2 ? "-" : "S") + "\n")
         << i;

@@ -14,10 +14,8 @@ TEST_F(CcTest, AFailedActionLeavesNothing) {
   // The audit line is the last thing written: by then all else is there.
   Ddl("CREATE EXCEPTION E_PARADA 'stop here'");
   Ddl("CREATE TRIGGER T_PARADA FOR AUDITORIA BEFORE INSERT AS DECLARE N INTEGER; BEGIN IF (NEW.CHAVE = "
-      "'ZERO') THEN N = 1 / (CHAR_LENGTH(NEW.CHAVE) - 4); IF (NEW.CHAVE = 'GRANDE') THEN N = "
-      "CAST(CHAR_LENGTH(NEW.CHAVE) AS BIGINT) * 1000000000; IF (NEW.CHAVE = 'TEXTO') THEN N = CAST(NEW.CHAVE "
-      "AS INTEGER); IF (NEW.CHAVE = 'LONGO') THEN NEW.LOGIN = LPAD('', 200, 'X'); IF (NEW.CHAVE = 'NULO') "
-      "THEN NEW.ID = NULL; IF (NEW.CHAVE = 'PARADA') THEN EXCEPTION E_PARADA; END");
+      "'ZERO') THEN N = 1 / (CHAR_LENGTH(NEW.CHAVE) - 4); IF (NEW.CHAVE = 'PARADA') THEN EXCEPTION E_PARADA; "
+      "END");
   Ddl("ALTER TABLE CONTACOR_001 ADD CONSTRAINT C_REGRA CHECK (DOCTO <> 'REGRA')");
   Desk desk(database_, At{"TfmCC"});
 
@@ -27,10 +25,6 @@ TEST_F(CcTest, AFailedActionLeavesNothing) {
   };
   const Case cases[] = {
       {"ZERO", "error: Divisão por zero num cálculo do banco de dados."},
-      {"GRANDE", "error: Um número é grande demais para o campo que o recebe. Verifique os valores."},
-      {"TEXTO", "error: Um texto não é o número ou a data que o campo espera."},
-      {"LONGO", "error: Um texto é maior que o campo que o recebe. Encurte o texto."},
-      {"NULO", "error: Falta um campo obrigatório ou um valor não é aceito. Nada foi gravado."},
       {"PARADA", "error: O banco de dados recusou a operação. Nada foi gravado. Avise o suporte."},
       {"REGRA", "error: Um valor não obedece a uma regra da tabela. Nada foi gravado."},
   };
@@ -129,26 +123,21 @@ TEST_F(CcTest, AmountsBeyondAllMeasureHinderNoScreen) {
   EXPECT_EQ(desk.Press("BitBtn8"), told);
   EXPECT_NE(desk.Read("TbContas", {"Contas", "Saldo"}).find(std::string(kConta) + "|18000"),
             std::string::npos);
-  desk.Close();
-  desk.Open("TfmRelFluxo");
-  EXPECT_EQ(desk.Press("BitBtn29"), told);
-  desk.DoubleClick("OrvDBGrid1", 0, "Conta");
-  EXPECT_EQ(desk.End(), "waiting answer");
-  desk.Answer("ok");
-  desk.Close();
-  desk.Open("TfmRelResultMes");
-  EXPECT_EQ(desk.Press("BitBtn29"), told);
-  desk.Close();
-  desk.Open("TfmRelFluxoBanco");
-  EXPECT_EQ(desk.Press("btnConfirma"), told);
-  desk.Close();
-  desk.Open("TfmRelCC");
-  desk.Set("RelConta", kConta);
-  EXPECT_EQ(desk.Press("BitBtn29"), told);
-  desk.Close();
-  desk.Open("TFmConcilia");
-  desk.Set("EdtConta", kConta);
-  EXPECT_EQ(desk.Messages(), told);
+  for (const auto& [screen, button] : {std::pair{"TfmRelFluxo", "BitBtn29"},
+                                       {"TfmRelResultMes", "BitBtn29"},
+                                       {"TfmRelFluxoBanco", "btnConfirma"},
+                                       {"TfmRelCC", "BitBtn29"},
+                                       {"TFmConcilia", ""}}) {
+    desk.Close();
+    desk.Open(screen);
+    if (screen == std::string("TfmRelCC")) desk.Set("RelConta", kConta);
+    *button == 0 ? desk.Set("EdtConta", kConta) : desk.Click(button);
+    EXPECT_EQ(desk.Messages(), told) << screen;
+    if (screen != std::string("TfmRelFluxo")) continue;
+    desk.DoubleClick("OrvDBGrid1", 0, "Conta");
+    EXPECT_EQ(desk.End(), "waiting answer");
+    desk.Answer("ok");
+  }
   desk.Close();
   desk.Open("TfmCC");
   New(desk, {{"EdtNumDoc", "MENOR"}});
@@ -303,24 +292,6 @@ TEST_F(CcTest, HostileRequests) {
       EXPECT_TRUE(desk.Messages().starts_with("error: ")) << verb;
       EXPECT_EQ(desk.End(), "idle");
     }
-  }
-  const Json wrong[] = {Json(),
-                        Json(5),
-                        Json("click"),
-                        Json(Json::Array{1}),
-                        Json{{"do", 5}},
-                        Json{{"do", Json::Array{}}},
-                        Json{{"do", "set"}, {"control", 7}, {"value", 7}},
-                        Json{{"do", "set"}, {"control", "dtInicio"}, {"value", Json::Array{}}},
-                        Json{{"do", "row"}, {"control", "DbgFinanceiro"}, {"row", "x"}},
-                        Json{{"do", "row"}, {"control", "DbgFinanceiro"}, {"row", int64_t{1} << 62}},
-                        Json{{"do", "cell"}, {"control", "DbgFinanceiro"}, {"row", -1}, {"column", "X"}},
-                        Json{{"do", "read"}, {"control", 7}},
-                        Json{{"do", "read"}, {"from", "x"}}};
-  for (const Json& in : wrong) {
-    desk.Do(in);
-    EXPECT_TRUE(desk.Messages().starts_with("error: ")) << in.Text();
-    EXPECT_EQ(desk.End(), "idle");
   }
   for (const int64_t from : {int64_t{-1}, INT64_MIN, INT64_MAX}) {
     for (const int64_t count : {int64_t{-1}, INT64_MIN, INT64_MAX}) {

@@ -8,24 +8,24 @@
 
 #include "tests/support/desk_test.h"
 #include "tests/support/kills.h"
+#include "tests/support/steps.h"
 
 namespace orv::test {
 
 struct Action {
+  // What a person does, of which the last step confirms.
+  Action(const char* name, const std::string& steps, bool special = false, int again = 1)
+      : name(name), before(Steps(steps)), last(before.back()), special(special), again(again) {
+    before.pop_back();
+  }
   const char* name;
-  // What a person does before, and the object that confirms.
   std::vector<Json> before;
   Json last;
   // Of a kind that a fixture tells apart.
-  bool special = false;
+  bool special;
   // How many of the steps before lead to the question that `last` answers.
-  int again = 1;
+  int again;
 };
-
-inline Json DoSet(std::string_view control, std::string_view value) {
-  return {{"do", "set"}, {"control", control}, {"value", value}};
-}
-inline Json DoClick(std::string_view control) { return {{"do", "click"}, {"control", control}}; }
 
 template <class Base>
 class Actions : public Base {

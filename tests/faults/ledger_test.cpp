@@ -70,103 +70,55 @@ class ActionsTest : public Actions<CcTest> {
     return name == "transfer" || name == "quick entry" ? desk.Text("EdtDocto") : "";
   }
 
-  // What a person does at the cheque of a row; with `entry` up to the quick entry's confirmation.
-  static std::vector<Json> AtCheque(int row, std::vector<Json> steps, bool entry) {
-    std::vector<Json> all = {Json{{"do", "open"}, {"class", "TfmChequePre"}},
-                             Json{{"do", "row"}, {"control", "DBGrid1"}, {"row", row}}};
-    all.insert(all.end(), steps.begin(), steps.end());
-    if (entry) {
-      for (Json& step : std::vector<Json>{DoSet("EdtConta", kConta), DoSet("EdtTipo", "1101"),
-                                          DoSet("EdtHis", "005"), DoClick("BitBtn1")}) {
-        all.push_back(std::move(step));
-      }
-    }
-    return all;
-  }
-
-  static Json Ticked(int row, const char* value = "S") {
-    return {{"do", "cell"}, {"control", "wwDBGrid1"}, {"row", row}, {"column", "Baixar"}, {"value", value}};
-  }
-  // The screen of the issued cheques up to a payment of the kind.
-  static std::vector<Json> Issuing(const char* tipo, std::vector<Json> steps) {
-    std::vector<Json> all = {Json{{"do", "open"}, {"class", "TfmEmissao"}}, DoSet("RgTipo", tipo)};
-    if (*tipo == '0') all.insert(all.end(), {DoClick("BitBtn5"), Ticked(0), Ticked(1)});
-    all.insert(all.end(),
-               {DoSet("EdtConta", kConta), DoSet("EdtDocto", "NOVO"), DoSet("EdtHist", "004"),
-                DoSet("EdtCodClasse", "3103"), DoSet("EdtDesNom", "ANA"), DoSet("EdtValor", "20,00")});
-    all.insert(all.end(), steps.begin(), steps.end());
-    return all;
-  }
-  // The same with the company's own cheque A3 in the queue.
-  static std::vector<Json> Picked(std::vector<Json> steps) {
-    const auto page = [](const char* name) {
-      return Json{{"do", "page"}, {"control", "PageControl1"}, {"page", name}};
-    };
-    std::vector<Json> all = {
-        Json{{"do", "open"}, {"class", "TfmEmissao"}},
-        page("TabSheet1"),
-        DoSet("EdtCCheque", "73"),
-        DoClick("BitBtn3"),
-        Json{{"do", "dblclick"}, {"control", "DBGrid1"}, {"row", 0}, {"column", "NUMERO"}},
-        page("TabSheet2")};
-    all.insert(all.end(), steps.begin(), steps.end());
-    return all;
-  }
-
   static const std::vector<Action>& All() {
-    const Json page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet1"}};
-    const Json cc{{"do", "open"}, {"class", "TfmCC"}}, yes{{"do", "answer"}, {"value", "yes"}};
-    const Json stored{{"do", "choose"}, {"key", "A5"}}, ready{{"do", "focus"}, {"control", "SpeedButton2"}};
+    const std::string entry = "; EdtConta=10250-1; EdtTipo=1101; EdtHis=005; click BitBtn1; yes",
+                      cheque = "open TfmChequePre; row DBGrid1 ", cc = "open TfmCC; ",
+                      list = cc + "page TabSheet1; ";
+    // Up to a payment of a kind, and with the company's own cheque A3 in the queue.
+    const auto issuing = [](const std::string& tipo, const std::string& steps) {
+      return "open TfmEmissao; RgTipo=" + tipo +
+             (tipo == "0" ? "; click BitBtn5; cell wwDBGrid1 0 Baixar S; cell wwDBGrid1 1 Baixar S" : "") +
+             "; EdtConta=10250-1; EdtDocto=NOVO; EdtHist=004; EdtCodClasse=3103; EdtDesNom=ANA; "
+             "EdtValor=20,00; " +
+             steps;
+    };
+    const std::string picked =
+        "open TfmEmissao; page TabSheet1; EdtCCheque=73; click BitBtn3; dblclick DBGrid1 0 NUMERO; page "
+        "TabSheet2; ";
     static const std::vector<Action> actions = {
-        {"movement",
-         {cc, DoClick("BitBtn1"), DoSet("EdtConta", kConta), DoSet("EdtNumDoc", "NOVO"),
-          DoSet("EdtTipo", "3103"), DoSet("EdtHis", "012"), DoSet("EdtValor", "100,00"),
-          DoSet("EdtObs", "NOVO"), ready},
-         DoClick("SpeedButton2")},
-        {"movement altered",
-         {cc, DoClick("btnConsulta"), stored, DoClick("BitBtn2"), DoSet("EdtObs", "NOVO"), ready},
-         DoClick("SpeedButton2")},
-        {"movement deleted", {cc, DoClick("btnConsulta"), stored, DoClick("BitBtn3")}, yes},
-        {"clearing", {cc, page, DoClick("BitBtn5"), DoClick("SpeedButton8")}, yes},
-        {"reversal", {cc, page, DoSet("RgBusca", "Baixados"), DoClick("BitBtn5")}, DoClick("SpeedButton6")},
-        {"transfer",
-         {cc, DoClick("BitBtn7"), DoSet("EdtConta", kConta), DoSet("EdtContaDest", kOutraConta),
-          DoSet("EdtDocto", "NOVO"), DoSet("EdtValor", "10,00"), DoSet("DtLan", "20/11/2026"),
-          DoSet("DtCont", "20/11/2026"), DoSet("EdtClasseSai", "4101"), DoSet("EdtHisSai", "006"),
-          DoSet("EdtClasseEnt", "4102"), DoSet("EdtHisEnt", "007"), DoClick("BitBtn1")},
-         yes},
+        {"movement", cc + "click BitBtn1; EdtConta=10250-1; EdtNumDoc=NOVO; EdtTipo=3103; EdtHis=012; "
+                          "EdtValor=100,00; EdtObs=NOVO; focus SpeedButton2; click SpeedButton2"},
+        {"movement altered", cc + "click btnConsulta; choose A5; click BitBtn2; EdtObs=NOVO; focus "
+                                  "SpeedButton2; click SpeedButton2"},
+        {"movement deleted", cc + "click btnConsulta; choose A5; click BitBtn3; yes"},
+        {"clearing", list + "click BitBtn5; click SpeedButton8; yes"},
+        {"reversal", list + "RgBusca=Baixados; click BitBtn5; click SpeedButton6"},
+        {"transfer", cc + "click BitBtn7; EdtConta=10250-1; EdtContaDest=20418-7; EdtDocto=NOVO; "
+                          "EdtValor=10,00; DtLan=20/11/2026; DtCont=20/11/2026; EdtClasseSai=4101; "
+                          "EdtHisSai=006; EdtClasseEnt=4102; EdtHisEnt=007; click BitBtn1; yes"},
         {"quick entry",
-         {Json{{"do", "open"}, {"class", "TFmCCLancFluxo"}}, DoSet("EdtConta", kConta),
-          DoSet("EdtDocto", "NOVO"), DoSet("EdtTipo", "3103"), DoSet("EdtHis", "012"),
-          DoSet("EdtValor", "100,00"), DoSet("DtLancto", "20/11/2026"), DoSet("DtCont", "20/11/2026"),
-          DoClick("BitBtn1")},
-         yes},
+         "open TFmCCLancFluxo; EdtConta=10250-1; EdtDocto=NOVO; EdtTipo=3103; EdtHis=012; "
+         "EdtValor=100,00; DtLancto=20/11/2026; DtCont=20/11/2026; click BitBtn1; yes"},
         {"cheque captured",
-         AtCheque(0,
-                  {DoClick("Btincluir"), DoSet("DBEDCodBan", "903"), DoSet("DBEDChequeNro", "NOVO"),
-                   DoSet("DBEDValor", "10,00"), DoClick("BtnConfirmar")},
-                  true),
-         yes, kCheques},
-        {"cheque altered", AtCheque(1, {DoClick("BtnAltera"), DoSet("EdtObs", "OUTRA")}, false),
-         DoClick("BtnConfirmar"), kCheques},
-        {"cheque cancelled", AtCheque(2, {DoClick("BitBtn3")}, false), yes, kCheques},
-        {"cheque returned", AtCheque(1, {DoClick("BitBtn4"), yes}, true), yes, kCheques},
-        {"cheque presented again", AtCheque(3, {DoClick("BitBtn7"), yes}, true), yes, kCheques},
-        {"cheque deleted", AtCheque(3, {DoClick("BtExcluir")}, false), yes, kCheques},
-        {"payables paid by cheque", Issuing("0", {DoClick("BitBtn8"), yes}), yes, kCheques, 2},
-        {"cheques of a run", Issuing("0", {Ticked(0, "N"), DoClick("BitBtn4")}), yes, kCheques},
-        {"advance by cheque",
-         Issuing("1", {DoClick("PqForAnt"), Json{{"do", "choose"}, {"key", "00060"}},
-                       DoSet("EdtHistAnt", "016"), DoClick("BitBtn8")}),
-         yes, kCheques},
-        {"plain cheque", Issuing("2", {DoClick("BitBtn8")}), yes, kCheques},
-        {"deposit by cheque", Issuing("3", {DoSet("EdtContaDep", kOutraConta), DoClick("BitBtn8")}), yes,
+         cheque +
+             "0; click Btincluir; DBEDCodBan=903; DBEDChequeNro=NOVO; DBEDValor=10,00; click "
+             "BtnConfirmar" +
+             entry,
          kCheques},
-        {"issued cheque deleted", Picked({DoClick("BitBtn2")}), yes, kCheques},
-        {"issued cheque cancelled", Picked({DoClick("BitBtn7"), yes}),
-         Json{{"do", "answer"}, {"value", "ERRO"}}, kCheques, 2},
-        {"cheque transferred", AtCheque(0, {DoClick("BitBtn2"), DoSet("CBEmpresa", "1")}, false),
-         DoClick("BtnConfirmar"), kCheques},
+        {"cheque altered", cheque + "1; click BtnAltera; EdtObs=OUTRA; click BtnConfirmar", kCheques},
+        {"cheque cancelled", cheque + "2; click BitBtn3; yes", kCheques},
+        {"cheque returned", cheque + "1; click BitBtn4; yes" + entry, kCheques},
+        {"cheque presented again", cheque + "3; click BitBtn7; yes" + entry, kCheques},
+        {"cheque deleted", cheque + "3; click BtExcluir; yes", kCheques},
+        {"payables paid by cheque", issuing("0", "click BitBtn8; yes; yes"), kCheques, 2},
+        {"cheques of a run", issuing("0", "cell wwDBGrid1 0 Baixar N; click BitBtn4; yes"), kCheques},
+        {"advance by cheque",
+         issuing("1", "click PqForAnt; choose 00060; EdtHistAnt=016; click BitBtn8; yes"), kCheques},
+        {"plain cheque", issuing("2", "click BitBtn8; yes"), kCheques},
+        {"deposit by cheque", issuing("3", "EdtContaDep=20418-7; click BitBtn8; yes"), kCheques},
+        {"issued cheque deleted", picked + "click BitBtn2; yes", kCheques},
+        {"issued cheque cancelled", picked + "click BitBtn7; yes; ERRO", kCheques, 2},
+        {"cheque transferred", cheque + "0; click BitBtn2; CBEmpresa=1; click BtnConfirmar", kCheques},
     };
     return actions;
   }

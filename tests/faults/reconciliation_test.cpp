@@ -6,10 +6,6 @@
 namespace orv::test {
 namespace {
 
-Json DoTick(std::string_view grid, int row, std::string_view column) {
-  return {{"do", "cell"}, {"control", grid}, {"row", row}, {"column", column}, {"value", "true"}};
-}
-
 class TieFaultsTest : public Actions<ConciliaTest> {
  protected:
   TieFaultsTest() {
@@ -54,32 +50,17 @@ class TieFaultsTest : public Actions<ConciliaTest> {
   std::string Kept(const Action&, Desk& desk) override { return Ticked(desk); }
 
   std::vector<Action> All(const std::string& file = "cheques.ret") {
-    const Json open{{"do", "open"}, {"class", "TFmConcilia"}}, yes{{"do", "answer"}, {"value", "yes"}},
-        page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet2"}};
-    const Json account = DoSet("EdtConta", kConta), consult = DoClick("BitBtn1");
-    const auto mov = [](int row) { return DoTick("OrvDBGrid1", row, "Conciliar"); };
-    const auto arq = [](int row) { return DoTick("OrvDBGrid2", row, "Concilia"); };
+    const std::string open = "open TFmConcilia; EdtConta=10250-1; ";
+    const auto ticks = [](const std::string& row) {
+      return "; cell OrvDBGrid1 " + row + " Conciliar true; cell OrvDBGrid2 " + row + " Concilia true";
+    };
     return {
-        {"cheque",
-         {open, account, DoSet("EdtDocto", "71"), consult, mov(0), arq(0), DoClick("BitBtn4")},
-         yes},
-        {"several",
-         {open, account, DoSet("EdtDocto", "C"), consult, mov(0), mov(1), arq(0), arq(1)},
-         DoClick("BitBtn4")},
-        {"undo",
-         {open, account, DoSet("RgBusca", "Conciliados"), DoSet("EdtDocto", "74"), consult,
-          DoClick("BitBtn8")},
-         yes},
+        {"cheque", open + "EdtDocto=71; click BitBtn1" + ticks("0") + "; click BitBtn4; yes"},
+        {"several", open + "EdtDocto=C; click BitBtn1" + ticks("0") + ticks("1") + "; click BitBtn4"},
+        {"undo", open + "RgBusca=Conciliados; EdtDocto=74; click BitBtn1; click BitBtn8; yes"},
         // Its success is told, and told after the commit.
-        {"return",
-         {open,
-          page,
-          DoSet("EdtCam", file),
-          DoSet("EdtArq", ""),
-          DoSet("EdtContaArq", kOutraConta),
-          DoClick("BitBtn6"),
-          {{"do", "answer"}, {"value", "ok"}}},
-         DoClick("BitBtn10")},
+        {"return", "open TFmConcilia; page TabSheet2; EdtCam=" + file +
+                       "; EdtArq=; EdtContaArq=20418-7; click BitBtn6; ok; click BitBtn10"},
     };
   }
 };
@@ -133,28 +114,16 @@ class CardFaultsTest : public TieFaultsTest {
 };
 
 TEST_F(CardFaultsTest, KilledActionsLeaveAllOrNothing) {
-  const Json open{{"do", "open"}, {"class", "TFmConcilia"}}, yes{{"do", "answer"}, {"value", "yes"}},
-      page{{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}};
-  const auto file = [&](const char* name) {
-    return DoSet("EdCartao_Arquivo", (folder_.Path() / name).string());
+  const auto steps = [&](const std::string& acquirer, const std::string& kind, const char* file) {
+    return "open TFmConcilia; page TabSheet3; cbCartao_Operadora=" + acquirer +
+           "; CbCartao_TipoConcilia=" + kind + "; EdCartao_Arquivo=" + (folder_.Path() / file).string();
   };
-  KilledAnywhere(
-      {{"cards",
-        {open, page, DoSet("cbCartao_Operadora", "Rede"), DoSet("CbCartao_TipoConcilia", "Conta Corrente"),
-         DoSet("EdtCodBanco", "955"), file("pagtos.csv"), DoClick("BtCartao_Consultar"), DoClick("BitBtn13")},
-        yes},
-       {"orders",
-        {open,
-         page,
-         DoSet("cbCartao_Operadora", "Cielo"),
-         DoSet("CbCartao_TipoConcilia", "Pedido"),
-         file("pedidos.csv"),
-         DoSet("EdtContaMoeda", kConta),
-         DoClick("BtCartao_Consultar"),
-         DoClick("BitBtn13"),
-         {{"do", "answer"}, {"value", "20/11/2026"}}},
-        yes}},
-      10);
+  KilledAnywhere({{"cards", steps("Rede", "Conta Corrente", "pagtos.csv") +
+                                "; EdtCodBanco=955; click BtCartao_Consultar; click BitBtn13; yes"},
+                  {"orders", steps("Cielo", "Pedido", "pedidos.csv") +
+                                 "; EdtContaMoeda=10250-1; click BtCartao_Consultar; click BitBtn13; "
+                                 "20/11/2026; yes"}},
+                 10);
 }
 
 TEST_F(TieFaultsTest, AnOpenChangeElsewhereIsWaitedForAndTold) {

@@ -11,8 +11,6 @@ namespace {
 constexpr const char* kChanged =
     "error: Outro usuário alterou este registro depois que ele foi carregado. Nada foi gravado. Cancele e "
     "consulte-o novamente.";
-constexpr const char* kBusy =
-    "error: Outro usuário está alterando o mesmo registro. Aguarde um instante e tente novamente.";
 
 // Loads a movement and goes into edit.
 void Alter(Desk& desk, const std::string& numero, const std::string& obs) {
@@ -131,21 +129,6 @@ TEST_F(CcTest, DeletionOfWhatAnotherChangedIsRefused) {
   Load(second, "T00200");
   second.Press("BitBtn3", "yes");
   EXPECT_EQ(Movement("T00200"), "");
-}
-
-TEST_F(CcTest, WaitsForAnOpenChangeAndThenTells) {
-  Put(Movimento{.lancamento = "T00201", .docto = "2001"});
-  Desk desk(database_, At{"TfmCC"});
-  Alter(desk, "T00201", "DA MESA");
-  const std::string movement = Movement("T00201");
-  Db().Execute("UPDATE CONTACOR_001 SET OBSERVACAO = 'ABERTO' WHERE LANCAMENTO = 'T00201'");
-  EXPECT_EQ(Confirm(desk), kBusy);
-  Db().Rollback();
-  EXPECT_EQ(Movement("T00201"), movement);
-  EXPECT_EQ(Audit(), "");
-  // The other one gave up: the same screen goes on.
-  EXPECT_EQ(Confirm(desk), "");
-  EXPECT_NE(Movement("T00201").find("DA MESA"), std::string::npos);
 }
 
 // Idle sessions hold nothing back, whatever they were left at.

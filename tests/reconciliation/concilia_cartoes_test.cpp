@@ -132,8 +132,13 @@ TEST_F(CartoesTest, Refusals) {
             "",
             choose("5", "2")},
            {{}, "Arquivo inválido. Tente novamente com um arquivo .xlsx", "", "", choose("1", "")}});
-  EXPECT_EQ(desk.EnabledOf({"CbCartao_TipoConcilia"}), "0");
-  EXPECT_EQ(desk.Text("CbCartao_TipoConcilia"), "Venda");
+  // The kind follows the acquirer.
+  std::string kinds;
+  for (const char* acquirer : {"Getnet", "Stone", "Cielo", "Yapay", "Rede"}) {
+    desk.Set("cbCartao_Operadora", acquirer);
+    kinds += desk.Text("CbCartao_TipoConcilia") + desk.EnabledOf({"CbCartao_TipoConcilia"}) + " ";
+  }
+  EXPECT_EQ(kinds, "Venda1 Venda0 Venda1 Pedido0 Pedido1 ");
   // The list stands by now; what was listed for another acquirer isn't written.
   EXPECT_EQ(Shown(desk), "11 0 / ");
   Begin(desk, "0", "0");

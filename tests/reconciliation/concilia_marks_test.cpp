@@ -1,5 +1,6 @@
 // The workbench: what is loaded, balances, ticks and their totals.
 #include "tests/reconciliation/concilia_desk.h"
+#include "tests/support/table.h"
 
 namespace orv::test {
 namespace {
@@ -20,34 +21,14 @@ TEST_F(ConciliaTest, LoadsByTheFilters) {
   EXPECT_EQ(desk.Refused("BitBtn1"), "Selecione uma Conta. > EdtConta");
   desk.Set("EdtConta", kConta);
 
-  struct Case {
-    Fields fields;
-    const char* listed;
-    // Whether what is listed can be tied, proposed, undone.
-    const char* buttons;
-  };
-  const Case cases[] = {
-      {{}, "A1 A2 / E1 E2", "110"},
-      {{{"RgTipo", "Pagamentos"}}, "A1 / E1", "110"},
-      {{{"RgTipo", "Recebimentos"}}, "A2 / E2", "110"},
-      {{{"RgTipo", "Todos"}, {"RgBusca", "Conciliados"}}, "A3 / E3", "001"},
-      {{{"RgBusca", "Todos"}}, "A1 A2 A3 A4 / E1 E2 E3", "000"},
-      {{{"EdtConcilia", "000009"}}, "A3 / E3", "000"},
-      {{{"EdtConcilia", ""}, {"EdtDocto", "7'7"}}, "A1 / E1", "000"},
-      {{{"EdtDocto", ""}, {"DtInicio", "01/01/1990"}, {"DtFinal", "19/11/2026"}},
-       "A1 A3 A4 A6 / E1 E3",
-       "000"},
-      {{{"DtFinal", ""}}, " / ", "000"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.listed);
-    EXPECT_EQ(Consult(desk, c.fields), c.listed);
+  // Whether what is listed can be tied, proposed, undone.
+  for (const auto& c : Table(ORV_FILES "workbench.txt", 3)) {
+    SCOPED_TRACE(c[0]);
+    EXPECT_EQ(Consult(desk, Named(c[0])), c[1]);
     EXPECT_EQ(desk.Messages(), "");
-    std::string buttons;
-    for (const char* button : {"BitBtn4", "BtSugerir", "BitBtn8"})
-      buttons += desk.Enabled(button) ? "1" : "0";
-    EXPECT_EQ(buttons, c.buttons);
+    EXPECT_EQ(desk.EnabledOf({"BitBtn4", "BtSugerir", "BitBtn8"}), c[2]);
   }
+  EXPECT_EQ(Consult(desk, {{"DtFinal", ""}}), " / ");
   Consult(desk, {{"DtInicio", "01/01/2000"}, {"DtFinal", "20/11/2026"}, {"RgBusca", "A conciliar"}});
   EXPECT_EQ(desk.Rows("TbMov"),
             "S|D|A1|7'7|2026-11-09|2026-11-10|2026-11-12|3104|MATERIAL DE CONSUMO|100.0000|019|OBS||-\n"
@@ -166,25 +147,6 @@ TEST_F(ConciliaTest, PostsFromWithin) {
   desk.Click("BitBtn2");
   EXPECT_EQ(desk.Top(), "TFmConcilia");
   EXPECT_EQ(Listed(desk), "A1 A2 / ");
-}
-
-TEST_F(ConciliaTest, TheKindFollowsTheAcquirer) {
-  Desk desk(database_, At{"TFmConcilia"});
-  desk.Page("TabSheet3");
-  EXPECT_EQ(desk.Told("BtCartao_Consultar"), "Selecione uma operadora.");
-  EXPECT_FALSE(desk.Enabled("CbCartao_TipoConcilia"));
-  struct Case {
-    const char *acquirer, *kind;
-    bool open;
-  };
-  for (const Case& c :
-       {Case{"Getnet", "Venda", true}, Case{"Stone", "Venda", false}, Case{"Cielo", "Venda", true},
-        Case{"Yapay", "Pedido", false}, Case{"Rede", "Pedido", true}}) {
-    SCOPED_TRACE(c.acquirer);
-    desk.Set("cbCartao_Operadora", c.acquirer);
-    EXPECT_EQ(desk.Text("CbCartao_TipoConcilia"), c.kind);
-    EXPECT_EQ(desk.Enabled("CbCartao_TipoConcilia"), c.open);
-  }
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "reconciliation/suggest.h"
 #include "tests/reconciliation/concilia_desk.h"
+#include "tests/support/table.h"
 
 namespace orv::test {
 namespace {
@@ -29,60 +30,23 @@ std::string Text(const std::vector<Suggestion>& suggestions) {
 }
 
 TEST(SuggestTest, SurestFirst) {
-  using Items = std::vector<SuggestItem>;
-  struct Case {
-    const char* what;
-    Items movements, lines;
-    const char* found;
+  // "C100:7@1": side, cents, document, day.
+  const auto items = [](const std::string& text) {
+    std::vector<SuggestItem> all;
+    for (std::size_t begin = 0, end; begin < text.size(); begin = end + 1) {
+      end = std::min(text.find(' ', begin), text.size());
+      const std::string_view one = std::string_view(text).substr(begin, end - begin);
+      const std::size_t colon = one.find(':'), at = one.find('@');
+      all.push_back(Item(one[0], std::stoi(std::string(one.substr(1))), one.substr(colon + 1, at - colon - 1),
+                         std::stoi(std::string(one.substr(at + 1)))));
+    }
+    return all;
   };
-  const Case cases[] = {
-      {"nothing", {}, {}, ""},
-      {"another side", {Item('C', 100, "7", 1)}, {Item('D', 100, "7", 1)}, ""},
-      {"another amount", {Item('C', 100, "7", 1)}, {Item('C', 101, "7", 1)}, ""},
-      {"no amount",
-       {Item('C', 0, "7", 1), Item('C', -5, "7", 1)},
-       {Item('C', 0, "7", 1), Item('C', -5, "7", 1)},
-       ""},
-      {"the document before the day",
-       {Item('C', 100, "7", 1), Item('C', 100, "8", 2)},
-       {Item('C', 100, "00-8", 1), Item('C', 100, "7", 20)},
-       "0-1 doc 19; 1-0 doc 1"},
-      {"documents of nothing",
-       {Item('C', 100, "", 1), Item('C', 100, "000", 9)},
-       {Item('C', 100, "0", 9)},
-       "1-0 day 0"},
-      {"a statement cuts documents",
-       {Item('D', 1, "123456789012345", 1)},
-       {Item('D', 1, "1234567890", 30)},
-       "0-0 doc 29"},
-      {"the nearest day, each used once",
-       {Item('C', 100, "", 1), Item('C', 100, "", 5)},
-       {Item('C', 100, "", 4), Item('C', 100, "", 3)},
-       "1-0 day 1; 0-1 day 2"},
-      {"the span", {Item('C', 100, "", 1)}, {Item('C', 100, "", 5)}, ""},
-      {"one against several, in the span",
-       {Item('D', 10000, "", 3)},
-       {Item('D', 4000, "", 1), Item('D', 6000, "", 6), Item('D', 6000, "", 7), Item('C', 6000, "", 3)},
-       "0-0,1 sum 3"},
-      {"several against one",
-       {Item('C', 1, "", 1), Item('C', 2, "", 1), Item('C', 4, "", 1), Item('C', 8, "", 1)},
-       {Item('C', 13, "", 2)},
-       "0,2,3-0 sum 1"},
-      {"parts of the same document before fewer parts",
-       {Item('D', 100, "9", 1)},
-       {Item('D', 50, "", 1), Item('D', 50, "", 1), Item('D', 20, "9", 1), Item('D', 30, "9", 1),
-        Item('D', 50, "9", 1)},
-       "0-2,3,4 sum 0"},
-      {"what is paired is no part",
-       {Item('D', 100, "", 1), Item('D', 60, "", 1)},
-       {Item('D', 60, "", 1), Item('D', 40, "", 1)},
-       "1-0 day 0"},
-      {"no day", {{'D', Currency(1), "7", Date()}}, {{'D', Currency(1), "7", Date()}}, ""},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    EXPECT_EQ(Text(Suggest(c.movements, c.lines, 3)), c.found);
-  }
+  for (const auto& c : Table(ORV_FILES "suggest.txt", 4))
+    EXPECT_EQ(Text(Suggest(items(c[1]), items(c[2]), 3)), c[3]) << c[0];
+  EXPECT_EQ(Text(Suggest({}, {}, 3)), "");
+  const std::vector<SuggestItem> no_day = {{'D', Currency(1), "7", Date()}};
+  EXPECT_EQ(Text(Suggest(no_day, no_day, 3)), "");
 }
 
 // Whatever the items: sums agree, sides agree, nothing is used twice, days lie in the span.

@@ -4,6 +4,7 @@
 #include "host/schema/check.h"
 #include "tests/reconciliation/extrato_desk.h"
 #include "tests/support/kills.h"
+#include "tests/support/steps.h"
 
 namespace orv::test {
 namespace {
@@ -271,14 +272,10 @@ TEST_F(ExtratoTest, AKilledConfirmationLeavesAllOrNone) {
         name = "kill" + std::to_string(++file) + ".ofx";
         LetGo();
         auto desk = std::make_unique<DriveProcess>(database_);
-        desk->Do({{"do", "open"}, {"class", "TFmCadExtrato"}});
-        desk->Do({{"do", "page"}, {"control", "PageControl1"}, {"page", "TabSheet3"}});
-        desk->Do({{"do", "set"},
-                  {"control", "EdtCam"},
-                  {"value", (folder_.Path() / Written(name, Many(1000))).string()}});
-        desk->Do({{"do", "set"}, {"control", "EdtIConta"}, {"value", kOfx}});
-        desk->Do({{"do", "click"}, {"control", "BitBtn6"}});
-        desk->Do({{"do", "answer"}, {"value", "ok"}});
+        for (const Json& step : Steps("open TFmCadExtrato; page TabSheet3; EdtCam=" +
+                                      (folder_.Path() / Written(name, Many(1000))).string() +
+                                      "; EdtIConta=33021-5; click BitBtn6; ok"))
+          desk->Do(step);
         return desk;
       },
       [&] { return Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = '" + name + "'"); });

@@ -1,5 +1,6 @@
 // The pages "Acesso" and "Cadastro": lines found, typed, altered and deleted.
 #include "tests/reconciliation/extrato_desk.h"
+#include "tests/support/table.h"
 
 namespace orv::test {
 namespace {
@@ -48,25 +49,11 @@ TEST_F(LinesTest, FindsByAnyMixOfFilters) {
   EXPECT_EQ(desk.Texts({"dtInicio", "dtFim"}), "01/01/2000|01/01/2050");
   // Printed at once, the page has what the filters say.
   EXPECT_NE(Printed(desk, "BitBtn1").find("DOC 1"), std::string::npos);
-  struct Case {
-    const char *control, *value, *found;
-  };
   // Each filter stays while the next ones come.
-  const Case cases[] = {{"RgBusca", "Todos", "000001 000003 000002"},
-                        {"RgBusca", "A Conciliar", "000001 000003"},
-                        {"EdtCDocto", "DOC 1", "000001 000003"},
-                        {"edtAConta", "20418-7", "000003"},
-                        {"RgBusca", "Conciliados", ""},
-                        {"EdtCDocto", "' OR '1'='1", ""},
-                        {"EdtCDocto", " ", ""},
-                        {"edtAConta", "", "000002"},
-                        {"dtFim", "11/11/2026", ""},
-                        {"RgBusca", "0", "000001 000003"},
-                        {"dtInicio", "11/11/2026", "000003"}};
-  for (const Case& c : cases) {
-    desk.Set(c.control, c.value);
+  for (const auto& c : Table(ORV_FILES "lines.txt", 2)) {
+    desk.Set(Named(c[0]));
     desk.Click("BitBtn5");
-    EXPECT_EQ(Found(desk), c.found) << c.control << " " << c.value;
+    EXPECT_EQ(Found(desk), c[1]) << c[0];
   }
   desk.Set({{"dtInicio", "01/01/2000"}, {"dtFim", "01/01/2050"}});
   desk.Title("DBGrid2", "VALOR");

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "reconciliation/formats/bank_text.h"
 #include "reconciliation/formats/ofx.h"
@@ -34,80 +35,31 @@ std::string Read(const std::string& name) {
   return OutsideText(InputFile::Open(AT_FDCWD, ORV_FILES + name, false)->Bytes(kMaxOutsideFile));
 }
 
-struct OfxRead {
-  std::string lines;
-  OfxSummary summary;
-  Date server;
-};
-
-OfxRead ReadOfxFile(const std::string& name) {
-  OfxRead read;
-  Taken taken;
-  try {
-    ReadOfx(Read(name), {taken.Sink(), [&](Date day) { read.server = day; }}, read.summary);
-  } catch (const UserError& e) {
-    taken.text += std::string("! ") + e.what() + "\n";
-  }
-  read.lines = taken.text;
-  return read;
-}
-
+// Of every file: its lines, and what else it tells.
 TEST(OfxTest, ReadsWhatBanksWrite) {
-  const std::string tarifa = "2026-11-18|10.50|D|000123|TARIFA\n";
-  const std::string two = tarifa + "2026-11-19|1500.00|C|000124|DEPÓSITO EM DINHEIRO\n";
-  const std::pair<const char*, std::string> cases[] = {
-      {"open_tags.ofx", two},
-      {"closed_tags.ofx", two},
-      {"utf8_declared_1252.ofx", two},
-      {"utf8_mark.ofx", two},
-      {"latin1.ofx", two},
-      {"carriage_returns_only.ofx", two},
-      {"1252_declared_utf8.ofx", "2026-11-18|10.50|D|000123|AÇÃO – “FIM” €\n"},
-      {"utf8_cut_in_a_letter.ofx",
-       "2026-11-18|10.50|D|000123|TRANSFERÊNCIA À VISTA É\n2026-11-18|10.50|D|000123|PAGAMENTO DE AÇÃ\n"},
-      {"comma_amounts.ofx", tarifa +
-                                "2026-11-18|1234.56|C|000123|TARIFA\n2026-11-18|1234.56|C|000123|TARIFA\n"
-                                "2026-11-18|1234567.80|D|000123|TARIFA\n"},
-      {"blanks_around.ofx", tarifa + "2026-11-18|7.25|D|5|TARIFA\n"},
-      {"amount_unreadable.ofx", "2026-11-18|0.00|C|000123|TARIFA\n2026-11-18|1.00|D|000123|TARIFA\n"},
-      {"raw_ampersand.ofx",
-       "2026-11-18|10.50|D|000123|SILVA & FILHOS\n2026-11-18|10.50|D|000123|SILVA & FILHOS\n"
-       "2026-11-18|10.50|D|000123|A&B;C <X>\n"},
-      {"no_checknum.ofx", "2026-11-18|10.50|D||TARIFA\n"},
-      {"no_memo.ofx", "2026-11-18|10.50|D|000123|PRIMEIRA\n2026-11-18|10.50|D|000123|\n"},
-      {"one_line_a_transaction.ofx", tarifa + "2026-11-19|1500.00|C|000124|DOIS\n"},
-      {"all_in_one_line.ofx", tarifa + "2026-11-19|1500.00|C|000124|DOIS < TRES\n"},
-      {"type_and_date_in_one_line.ofx", tarifa + "2026-11-18|5.00|C|000123|TARIFA\n"},
-      {"tag_in_the_memo.ofx", "2026-11-18|10.50|D|000123|VER <NOTA> ANEXA\n"},
-      {"memo_among_tags.ofx", tarifa + "2026-11-18|10.50|D|000123|VER <NOTA> ANEXA\n"},
-      {"several_accounts.ofx", tarifa + "2026-11-18|3.00|C|000123|TARIFA\n"},
-      {"truncated.ofx", tarifa},
-      {"no_date.ofx", tarifa + "! Linha 41 do arquivo: \"\" não é uma data válida.\n"},
-      {"bad_date.ofx", tarifa + "! Linha 42 do arquivo: \"20261318\" não é uma data válida.\n"},
-      {"bad_server_date.ofx", tarifa},
-      {"stray_end.ofx", tarifa + "2026-11-18|2.00|C|000123|TARIFA\n"},
-      {"empty.ofx", ""},
-  };
-  for (const auto& [name, lines] : cases) EXPECT_EQ(ReadOfxFile(name).lines, lines) << name;
-}
-
-TEST(OfxTest, TellsWhatElseTheFileHeld) {
-  EXPECT_EQ(ReadOfxFile("open_tags.ofx").server, Date(2026, 11, 19));
-  EXPECT_TRUE(ReadOfxFile("bad_server_date.ofx").server.Empty());
-  EXPECT_EQ(ReadOfxFile("truncated.ofx").summary.unfinished, 1U);
-  EXPECT_EQ(ReadOfxFile("stray_end.ofx").summary.unfinished, 1U);
-  EXPECT_EQ(ReadOfxFile("stray_end.ofx").summary.unbegun, 1U);
-  EXPECT_EQ(ReadOfxFile("amount_unreadable.ofx").summary.unread_amounts, 1U);
-  // The other party's account in a transfer isn't the statement's.
-  EXPECT_EQ(ReadOfxFile("several_accounts.ofx").summary.accounts,
-            (std::vector<std::string>{"330215", "998877"}));
-  for (const auto& [name, bank] : {std::pair{"open_tags.ofx", "903"},
-                                   {"all_in_one_line.ofx", "903"},
-                                   {"blanks_around.ofx", "903"},
-                                   {"other_bank.ofx", "341"}}) {
-    EXPECT_EQ(OfxBank(Read(name)), bank) << name;
+  std::set<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(ORV_FILES))
+    if (entry.path().extension() == ".ofx") files.insert(entry.path().filename());
+  std::string all;
+  for (const std::string name : files) {
+    Taken taken;
+    OfxSummary summary;
+    all += "##### " + name;
+    try {
+      const std::string text = Read(name);
+      all += ", bank " + OfxBank(text).value_or("none") + "\n";
+      ReadOfx(text, {taken.Sink(), [&](Date day) { all += "made " + day.Neutral() + "\n"; }}, summary);
+    } catch (const UserError& e) {
+      taken.text += std::string("! ") + e.what() + "\n";
+    }
+    all += taken.text;
+    if (const auto odd = summary.unfinished + summary.unbegun + summary.unread_amounts; odd > 0)
+      all += std::to_string(summary.unfinished) + " unfinished, " + std::to_string(summary.unbegun) +
+             " unbegun, " + std::to_string(summary.unread_amounts) + " amounts unread\n";
+    // The other party's account in a transfer isn't the statement's.
+    for (const std::string& account : summary.accounts) all += "account " + account + "\n";
   }
-  EXPECT_FALSE(OfxBank(Read("no_bank.ofx")));
+  ExpectFile(all, ORV_FILES "ofx_read.txt");
 }
 
 TEST(OfxTest, AmountsInAnyHand) {
@@ -164,50 +116,17 @@ std::string ReadTextFile(const std::string& name, const PositionLayout& layout, 
 }
 
 TEST(BankTextTest, ReadsLaidOutLines) {
-  const std::string deposit = "2026-11-18|123.45|C|DOC1|DEPOSITO. AGENCIA 12|CH00000001\n";
-  const std::string accents = "2026-11-18|123.45|C|DOC1|DEPÓSITO À VISTA. AÇÃO|CH00000001\n";
-  const std::string one = "1 of 1, 0 of others, 0 refused";
-  struct Case {
-    const char* file;
-    std::string read;
-  };
-  const Case fixed[] = {
-      {"fixed_columns.ret", deposit + "2026-11-18|0.99|D|DOC2|DEPOSITO. |CH00000002\n"
-                                      "2026-11-18|123.45|D|DOC3|DEPOSITO. AGENCIA 12|CH3\n"
-                                      "3 of 7, 1 of others, 3 refused"},
-      {"fixed_1252.ret", accents + one},
-      {"fixed_utf8.ret", accents + one},
-      {"fixed_end_mark.ret", deposit + one},
-      {"fixed_bad_date.ret",
-       deposit +
-           "! Linha 3 do arquivo: \"31/02/2026\" não é uma data válida.\n1 of 2, 0 of others, 0 refused"},
-      {"fixed_bad_amount.ret", deposit + "! Linha 3 do arquivo: \"00000001A3,45\" não é um valor válido.\n"
-                                         "1 of 2, 0 of others, 0 refused"},
-      {"fixed_short_amount.ret",
-       "2026-11-18|0.50|C|DOC1|DEPOSITO. AGENCIA 12|CH00000001\n"
-       "! Linha 3 do arquivo: \"1.2,34\" não é um valor válido.\n1 of 2, 0 of others, 0 refused"},
-      {"one_line.ret", "0 of 0, 0 of others, 0 refused"},
-      {"empty.ofx", "0 of 0, 0 of others, 0 refused"},
-  };
-  for (const Case& c : fixed) EXPECT_EQ(ReadTextFile(c.file, Fixed(), "10250-1"), c.read) << c.file;
-
-  const Case separated[] = {
-      {"separated.txt",
-       "2026-11-18|1234.56|D|D1|TARIFA MENSAL\n2026-11-19|1500.00|C|D2|DEPOSITO\n"
-       "2026-11-19|0.50|C|D4|SEM CENTAVOS\n3 of 4, 1 of others, 0 refused"},
-      {"separated_comma.txt", "2026-11-18|1234.56|C|D1|X\n" + one},
-      // What follows the last field goes to it again.
-      {"separated_ends_with_separator.txt", "2026-11-18|1.00||D1|X\n" + one},
-      {"separated_and_a_plain_line.txt", "2026-11-18|1.00|C|D1|X\n1 of 2, 0 of others, 1 refused"},
-      {"separated_bad_date.txt",
-       "2026-11-18|1.00|C|D1|X\n! Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.\n"
-       "1 of 2, 0 of others, 0 refused"},
-      // The date is read before the account is looked for.
-      {"separated_bad_date_elsewhere.txt",
-       "2026-11-18|1.00|C|D1|X\n! Linha 3 do arquivo: \"99/13/2026\" não é uma data válida.\n"
-       "1 of 2, 0 of others, 0 refused"},
-  };
-  for (const Case& c : separated) EXPECT_EQ(ReadTextFile(c.file, Separated(), "20418-7"), c.read) << c.file;
+  std::string all;
+  for (const char* name :
+       {"fixed_columns.ret", "fixed_1252.ret", "fixed_utf8.ret", "fixed_end_mark.ret", "fixed_bad_date.ret",
+        "fixed_bad_amount.ret", "fixed_short_amount.ret", "one_line.ret", "empty.ofx"})
+    all += "##### " + std::string(name) + "\n" + ReadTextFile(name, Fixed(), "10250-1") + "\n";
+  // What follows the last field goes to it again; the date is read before the account is looked for.
+  for (const char* name :
+       {"separated.txt", "separated_comma.txt", "separated_ends_with_separator.txt",
+        "separated_and_a_plain_line.txt", "separated_bad_date.txt", "separated_bad_date_elsewhere.txt"})
+    all += "##### " + std::string(name) + "\n" + ReadTextFile(name, Separated(), "20418-7") + "\n";
+  ExpectFile(all, ORV_FILES "text_read.txt");
 
   // Nothing is of no account, and without a key no line in fixed columns counts.
   EXPECT_TRUE(ReadTextFile("separated.txt", Separated(), "").starts_with("0 of 4"));

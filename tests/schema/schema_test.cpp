@@ -26,24 +26,6 @@ TEST(Schema, IsMadeOnceAndGrowsByCompanies) {
       db->Scalar("SELECT VALOR FROM PARAMETRO WHERE EMP_PAT = '' AND GRUPO = 'FIN' AND NUMERO = 110").Text(),
       "N");
 
-  const std::string form = "O sufixo da empresa deve ser \"_\" e três dígitos, como \"_001\".";
-  const std::string length = "O nome da empresa tem no máximo 40 caracteres.";
-  const struct {
-    Company company;
-    std::string message;
-  } refusals[] = {
-      {{"", "X", ""}, form},
-      {{"001", "X", ""}, form},
-      {{"_01", "X", ""}, form},
-      {{"_0A1", "X", ""}, form},
-      {{"_001;", "X", ""}, form},
-      {{"_003", "  ", ""}, "Informe o nome da empresa."},
-      {{"_003", std::string(41, 'x'), ""}, length},
-      {{"_001", "X", ""}, "A empresa _001 já existe."},
-  };
-  for (const auto& [company, message] : refusals)
-    EXPECT_EQ(ErrorOf([&] { AddCompany(*db, company); }), message) << company.emp_pat;
-
   AddCompany(*db, {"_002", "Segunda", ""});
   EXPECT_EQ(CompanySuffixes(*db), (std::vector<std::string>{"_001", "_002"}));
   for (const TableDef& table : CompanyTables())
@@ -128,52 +110,6 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   const std::string newer = "O banco de dados é da versão " + later + needs + "Atualize o programa.";
   EXPECT_EQ(ErrorOf([&] { RequireCurrentSchema(*db); }), newer);
   EXPECT_EQ(ErrorOf([&] { UpgradeSchema(*db); }), newer);
-}
-
-TEST(Schema, HostTablesKeepTheirPromises) {
-  TempDatabase db;
-  CreateSchema(*db, {{"_001", "Primeira", ""}});
-  const std::string user =
-      "INSERT INTO USUARIO (LOGIN, LOGIN_BUSCA, NOME, SENHA) VALUES ('Ana', 'ana', 'Ana', 'x')";
-  db->Execute(user);
-  EXPECT_FALSE(ErrorOf([&] { db->Execute(user); }).empty());
-  db->Execute(
-      "INSERT INTO AUDITORIA (ID, LOGIN, EMP_PAT, AREA, TEXTO, OPERACAO, CHAVE) VALUES (NEXT VALUE FOR "
-      "SQ_AUDITORIA_ID, 'Ana', '_001', 'A', 'T', 3, 'K')");
-  EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM AUDITORIA WHERE ID = 1 AND MOMENTO IS NOT NULL").AsInteger(), 1);
-  // A title written with its bare numbers has an open amount; a cheque handed over is pending.
-  db->Execute("INSERT INTO RECEBER_001 (NUMERO, VALOR2) VALUES ('1/1', 10.10)");
-  EXPECT_EQ(db->Scalar("SELECT VALOR2 + JUROS - VALOR_PAGO - VAL_DEV - DESCONTO FROM RECEBER_001").Neutral(),
-            "10.1000");
-  db->Execute("INSERT INTO CHEQUE_PRE_001 (CHAVE) VALUES ('000001')");
-  EXPECT_EQ(db->Scalar("SELECT STATUS FROM CHEQUE_PRE_001").Text(), "P");
-}
-
-TEST(Schema, Functions) {
-  TempDatabase db;
-  CreateSchema(*db, {});
-  const struct {
-    const char* call;
-    const char* result;
-  } cases[] = {
-      {"UDF_NVL(NULL)", "0"},
-      {"UDF_NVL(5.25)", "5.25"},
-      {"UDF_MONTH('12/25/2026')", "12"},
-      {"UDF_YEAR('12/25/2026')", "2026"},
-      {"UDF_DAY('12/25/2026')", "25"},
-      {"UDF_MONTH(NULL)", ""},
-      {"UDF_DAYSBETWEEN('03/01/2028', '02/28/2028')", "2"},
-      {"UDF_DAYSBETWEEN('02/28/2028', '03/01/2028')", "-2"},
-      {"UDF_COPY('030060090', 1, 3)", "030"},
-      {"UDF_COPY('030060090', 4, 3)", "060"},
-      {"UDF_COPY('ab', 1, 3)", "ab"},
-      {"UDF_COPY('ab', 3, 3)", ""},
-      {"UDF_COPY('ab', 0, -1)", ""},
-      {"UDF_COPY(NULL, 1, 3)", ""},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(db->Scalar(std::string("SELECT ") + c.call + " FROM RDB$DATABASE").Neutral(), c.result)
-        << c.call;
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 #include "host/chequeprinter/cheque_page.h"
 #include "host/services/extenso.h"
-#include "tests/services/services_fixture.h"
+#include "tests/support/desk_test.h"
 
 namespace orv::test {
 namespace {

@@ -1,53 +1,101 @@
-// Users, parameters, period locks, numbers, holidays and audit lines over a real database.
-#include <algorithm>
-#include <thread>
-
+// What the desk's screens ask of the house over a small one of two companies: sessions, parameters, closed
+// periods, numbers, working days and statements.
+#include "host/schema/schema.h"
 #include "host/schema/tables.h"
 #include "host/services/audit.h"
 #include "host/services/calendar.h"
-#include "host/services/companies.h"
 #include "host/services/locks.h"
 #include "host/services/parameters.h"
 #include "host/services/preferences.h"
+#include "host/services/session_services.h"
 #include "host/services/users.h"
-#include "tests/services/services_fixture.h"
+#include "tests/support/desk_test.h"
+#include "tests/support/person.h"
+#include "toolkit/text.h"
 
 namespace orv::test {
 namespace {
 
-using HouseTest = ServicesTest;
+// Made once; the tests work on copies.
+const std::filesystem::path& Original() {
+  static const struct Made {
+    Made() {
+      const auto db = Attachment::Create(file.string());
+      CreateSchema(*db, {{"_001", "Malhas Serra", "Joinville"}, {"_002", "Malhas Vale", "Blumenau"}});
+      Audit audit(*db, Clock(Date::ParseNeutral(kToday)), "", "");
+      Users users(*db, audit, PasswordCost::Least());
+      users.Add({"ana", "Ana Prado", true, true}, "mesa clara 2026");
+      users.Add({"Leo", "Leo Sales", false, true}, "mesa clara 2027");
+      for (const char* row :
+           {"CADCONTA_001 (CONTA, BANCO, DESCRICAO) VALUES ('111-1', '001', 'Conta movimento')",
+            "CADCONTA_001 (CONTA, BANCO, DESCRICAO) VALUES ('222-2', '237', 'Reserva')",
+            "CADCONTA_002 (CONTA, BANCO, DESCRICAO) VALUES ('333-3', '341', 'Do Vale')",
+            "HISTCP_001 (HISTORICO, SITUACAO) VALUES ('001', 'P')",
+            "HISTCP_001 (HISTORICO, SITUACAO) VALUES ('002', 'N')",
+            "TABSIT_001 (CODIGO, DIAS_FLOAT) VALUES ('1', 0)",
+            "TABSIT_001 (CODIGO, DIAS_FLOAT) VALUES ('2', 2)"})
+        db->Execute("INSERT INTO " + std::string(row));
+      db->CommitRetaining();
+    }
+    TempFolder folder;
+    std::filesystem::path file = folder.Path() / "house.fdb";
+  } made;
+  return made.file;
+}
+
+// Keeps what it is told.
+struct Listener : Nobody {
+  Answer Message(MessageKind, std::string_view title, std::string_view text, Answer initial) override {
+    told = std::string(title) + ": " + std::string(text);
+    return initial;
+  }
+  std::string told;
+};
+
+class HouseTest : public ::testing::Test {
+ protected:
+  HouseTest() {
+    std::filesystem::copy_file(Original(), database_);
+    main_ = NewSession();
+  }
+  struct Session {
+    Session(const std::filesystem::path& database, const std::string& login, const std::string& company)
+        : db(Attachment::Open(database.string())), services(application, *db, login, company) {}
+    Listener user;
+    std::unique_ptr<Attachment> db;
+    Application application{user, Clock(Date::ParseNeutral(kToday))};
+    SessionServices services;
+  };
+  std::unique_ptr<Session> NewSession(const std::string& user = "ana", const std::string& company = "_001") {
+    return std::make_unique<Session>(database_, user, company);
+  }
+  std::string Sql(std::string_view sql) { return RowsText(*main_->db, sql); }
+  void Run(std::string_view sql) { main_->db->Execute(sql); }
+  template <class R>
+  void Put(const R& row, const std::string& company = "_001") {
+    Run(Insert(row, company));
+  }
+  IFuncoes& Funcoes() { return main_->application.Funcoes(); }
+  IContabil& Contabil() { return main_->application.Contabil(); }
+  ITabela& Tabela() { return main_->application.Tabela(); }
+
+  TempFolder folder_;
+  std::filesystem::path database_ = folder_.Path() / "house.fdb";
+  std::unique_ptr<Session> main_;
+};
 
 TEST_F(HouseTest, ASessionNeedsAKnownUserAndCompany) {
   EXPECT_EQ(ErrorOf([&] { NewSession("zeca"); }), "O usuário \"zeca\" não existe.");
   EXPECT_EQ(ErrorOf([&] { NewSession("ana", "_009"); }), "A empresa \"_009\" não existe.");
   EXPECT_EQ(ErrorOf([&] { NewSession("ana", ""); }), "A empresa \"\" não existe.");
-  EXPECT_EQ(NewSession(" LEO ")->services->Login(), "Leo");
-  main_->services->Users().SetActive("leo", false);
+  EXPECT_EQ(NewSession(" LEO ")->services.Login(), "Leo");
+  main_->services.Users().SetActive("leo", false);
   main_->db->CommitRetaining();
   EXPECT_EQ(ErrorOf([&] { NewSession("leo"); }), "O usuário \"Leo\" está desativado.");
 }
 
-TEST_F(HouseTest, UsersComeAndGoWithAnAuditLine) {
-  Audit audit(*main_->db, Clock(Date::ParseNeutral(kToday)), "ana", "_001");
-  Users users(*main_->db, audit, PasswordCost::Least());
-  EXPECT_EQ(ErrorOf([&] { users.Add({"LEO", "outro"}, "mesa clara 2026"); }), "O usuário \"LEO\" já existe.");
-  EXPECT_NE(ErrorOf([&] { users.Add({"dois nomes", ""}, "mesa clara 2026"); }), "");
-  EXPECT_NE(ErrorOf([&] { users.Add({"", ""}, "mesa clara 2026"); }), "");
-  EXPECT_NE(ErrorOf([&] { users.Add({"rui", ""}, "senha1234567"); }), "");
-  EXPECT_FALSE(users.Find("rui"));
-
-  users.Add({"d'Ávila", "O'Neil"}, "mesa clara 2026");
-  EXPECT_TRUE(users.Verify("D'ÁVILA", "mesa clara 2026"));
-  EXPECT_FALSE(users.Verify("d'Ávila", "mesa clara 2025"));
-  EXPECT_FALSE(users.Verify("ninguém", "mesa clara 2026"));
-  users.SetPassword("d'ávila", "outra mesa 2026");
-  EXPECT_FALSE(users.Verify("d'Ávila", "mesa clara 2026"));
-  EXPECT_TRUE(users.Verify("d'Ávila", "outra mesa 2026"));
-  users.SetActive("d'Ávila", false);
-  EXPECT_FALSE(users.Verify("d'Ávila", "outra mesa 2026"));
-  users.Remove("d'Ávila");
-  EXPECT_EQ(users.List().size(), 2U);
-
+TEST_F(HouseTest, WhatTheHouseKeeps) {
+  Users& users = main_->services.Users();
   // Somebody must stay who can let others in.
   for (const auto& act : {std::function<void()>([&] { users.Remove("ana"); }),
                           {[&] { users.SetActive("ana", false); }},
@@ -56,53 +104,96 @@ TEST_F(HouseTest, UsersComeAndGoWithAnAuditLine) {
   }
   users.SetAdministrator("leo", true);
   users.Remove("ana");
-  EXPECT_EQ(Sql("SELECT OPERACAO, TEXTO FROM AUDITORIA WHERE CHAVE = 'd''Ávila' ORDER BY ID"),
-            "1|INCLUSAO DO USUARIO d'Ávila;1|TROCA DA SENHA DO USUARIO d'Ávila;"
-            "1|DESATIVACAO DO USUARIO d'Ávila;2|EXCLUSAO DO USUARIO d'Ávila");
-}
-
-TEST_F(HouseTest, RightsGoByClassAndKind) {
-  Users& users = main_->services->Users();
-  EXPECT_TRUE(users.May("ana", "TfmCC", 'E'));
-  EXPECT_FALSE(users.MayOpen("leo", "TfmCC"));
-  users.Grant("leo", {"TfmCC", "a"});
-  users.Grant("leo", {"tfmcc", "A"});
-  EXPECT_EQ(users.Rights("leo").size(), 1U);
-  EXPECT_TRUE(users.MayOpen("LEO", "TFMCC"));
-  EXPECT_TRUE(users.May("leo", "TfmCC", 'A'));
-  EXPECT_FALSE(users.May("leo", "TfmCC", 'E'));
-  EXPECT_FALSE(users.MayOpen("leo", "TfmChequePre"));
-  EXPECT_NE(ErrorOf([&] { users.Grant("leo", {"TfmCC", "X"}); }), "");
-  EXPECT_TRUE(users.Revoke("leo", "TfmCC"));
-  EXPECT_FALSE(users.Revoke("leo", "TfmCC"));
-  users.Grant("leo", {"*", "*"});
-  EXPECT_TRUE(users.May("leo", "TfmChequePre", 'E'));
-  users.SetActive("leo", false);
-  EXPECT_FALSE(users.MayOpen("leo", "TfmChequePre"));
-
-  users.SetActive("leo", true);
-  users.Revoke("leo", "*");
-  LoginAgain("leo");
-  EXPECT_FALSE(Funcoes().Acessa("TfmCC", 'A', "0", ""));
-  EXPECT_EQ(Said(), "orvCC: Usuário sem permissão para esta operação.");
-  EXPECT_TRUE(NewSession("ana")->application.Funcoes().Acessa("TfmCC", 'A', "0", ""));
-}
-
-TEST_F(HouseTest, ParametersFallBackToAllCompanies) {
-  Parameters& parameters = main_->services->Parameters();
-  EXPECT_EQ(Funcoes().BuscaParametro("FIN", 999), "");
+  // A company's empty value hides the general one.
+  Parameters& parameters = main_->services.Parameters();
   parameters.Set({"", "TST", 1, "geral"});
   EXPECT_EQ(Funcoes().BuscaParametro("tst", 1), "geral");
-  parameters.Set({"_001", "tst", 1, "d'água"});
-  EXPECT_EQ(Funcoes().BuscaParametro("TST", 1), "d'água");
-  EXPECT_EQ(parameters.Get("_002", "TST", 1), "geral");
-  // A company's empty value hides the general one.
-  parameters.Set({"_001", "TST", 1, ""});
-  EXPECT_EQ(Funcoes().BuscaParametro("TST", 1), "");
+  parameters.Set({"_001", "tst", 1, ""});
+  EXPECT_EQ(Funcoes().BuscaParametro("TST", 1) + parameters.Get("_002", "TST", 1), "geral");
   EXPECT_TRUE(parameters.Remove("_001", "TST", 1));
   EXPECT_FALSE(parameters.Remove("_001", "TST", 1));
-  EXPECT_NE(ErrorOf([&] { parameters.Set({"", "TST", 1, std::string(251, 'x')}); }), "");
-  EXPECT_EQ(Sql("SELECT COUNT(*) FROM AUDITORIA WHERE AREA = 'PARAMETRO'"), "4");
+  for (const auto& [kept, read] : {std::pair("2", 2), std::pair("dois", 7)}) {
+    main_->services.Preferences().Set(Preferences::Path("Venda", "Parametros", "Porta"), kept);
+    EXPECT_EQ(Funcoes().LeConfiguracao("Venda", "Parametros", "Porta", 7), read);
+  }
+  Funcoes().GeraLog("CONTACOR", std::string(1500, 'x') + "ç", TOperacaoLog::Processo, "000001'");
+  EXPECT_EQ(Sql("SELECT LOGIN, EMP_PAT, CHAR_LENGTH(TEXTO), OPERACAO, CHAVE FROM AUDITORIA WHERE AREA = "
+                "'CONTACOR'"),
+            "ana|_001|1000|3|000001'");
+}
+
+TEST_F(HouseTest, ClosedPeriodsAreTold) {
+  PeriodLocks& locks = main_->services.Locks();
+  locks.Set({"_001", "CT", "111-1", Date(2026, 10, 31)});
+  locks.Set({"_001", "CX", "", Date(2026, 9, 30)});
+  locks.Set({"_002", "CX", "", Date(2026, 12, 31)});
+  Tabela().AbreTabela("tbcadconta", false);
+  const auto told = [&](const char* conta, Date day, const char* kind) {
+    main_->user.told.clear();
+    EXPECT_TRUE(Tabela().TbCadConta().Locate("CONTA", Value(conta)));
+    const bool closed = Contabil().PeriodoConciliado(day, kind);
+    EXPECT_EQ(closed, !main_->user.told.empty());
+    return main_->user.told;
+  };
+  EXPECT_EQ(told("111-1", Date(2026, 10, 31), "CT"),
+            "Contabilidade: Período fechado até 31/10/2026 para a conta 111-1.");
+  EXPECT_EQ(told("111-1", Date(2026, 9, 30), "CX"),
+            "Contabilidade: Período do caixa fechado até 30/09/2026.");
+  EXPECT_EQ(told("111-1", Date(2026, 11, 1), "CT") + told("111-1", Date(), "CT") +
+                told("111-1", Date(2026, 10, 1), "CX") + told("222-2", Date(2026, 10, 1), "CT"),
+            "");
+  locks.Set({"_001", "CT", "", Date(2026, 10, 15)});
+  EXPECT_NE(told("222-2", Date(2026, 10, 1), "CT"), "");
+  EXPECT_EQ(locks.List("_001").size(), 3U);
+  for (const PeriodLock& bad :
+       {PeriodLock{"_001", "XX", "", Date(2026, 1, 1)}, PeriodLock{"_001", "CX", "1", Date(2026, 1, 1)},
+        PeriodLock{"_001", "CX", "", Date()}}) {
+    EXPECT_NE(ErrorOf([&] { locks.Set(bad); }), "");
+  }
+}
+
+TEST_F(HouseTest, TheBankCreditsAfterItsFloat) {
+  const Date thursday(2026, 11, 19);
+  EXPECT_EQ(Contabil().DataContabilizacaoBancaria(thursday, "", true), thursday);
+  EXPECT_EQ(Contabil().DataContabilizacaoBancaria(thursday, "1", true), thursday);
+  // Friday the 20th is a holiday: two working days on is Tuesday.
+  EXPECT_EQ(Contabil().DataContabilizacaoBancaria(thursday, "2", true), Date(2026, 11, 24));
+  EXPECT_EQ(Contabil().DataContabilizacaoBancaria(Date(2026, 11, 21), "", true), Date(2026, 11, 23));
+  EXPECT_EQ(Contabil().DataContabilizacaoBancaria(Date(2026, 11, 21), "", false), Date(2026, 11, 21));
+  EXPECT_EQ(Contabil().DataContabilizacaoBancaria(thursday, "?", true), thursday);
+  EXPECT_TRUE(Contabil().DataContabilizacaoBancaria(Date(), "2", true).Empty());
+}
+
+TEST_F(HouseTest, APairOfAccountAndHistoryOutrulesTheHistory) {
+  EXPECT_EQ(Funcoes().LancamentoPendente("111-1", "001"), "S");
+  EXPECT_EQ(Funcoes().LancamentoPendente("111-1", "002"), "N");
+  EXPECT_EQ(Funcoes().LancamentoPendente("111-1", "404"), "N");
+  Run("INSERT INTO HIST_CONTA_001 (CONTA, HISTORICO, PENDENTE) VALUES ('111-1', '001', 'N')");
+  Run("INSERT INTO HIST_CONTA_001 (CONTA, HISTORICO, PENDENTE) VALUES ('111-1', '002', 'S')");
+  EXPECT_EQ(Funcoes().LancamentoPendente("111-1", "001"), "N");
+  EXPECT_EQ(Funcoes().LancamentoPendente("111-1", "002"), "S");
+  EXPECT_EQ(Funcoes().LancamentoPendente("222-2", "001"), "S");
+}
+
+TEST_F(HouseTest, SharedTablesStayOpenUntilTheLastClose) {
+  Tabela().AbreTabela("TbCadConta", false);
+  Tabela().AbreTabela("TBCADCONTA", false);
+  Tabela().FechaTabela("tbcadconta");
+  EXPECT_TRUE(Tabela().TbCadConta().Active());
+  Tabela().FechaTabela("tbcadconta");
+  EXPECT_FALSE(Tabela().TbCadConta().Active());
+  Tabela().FechaTabela("tbcadconta");
+  Tabela().AbreTabela("tbcadconta", false);
+  EXPECT_TRUE(Tabela().TbCadConta().Active());
+  Tabela().FechaTabela("tbEmpresa");
+  EXPECT_TRUE(Tabela().tbEmpresa().Active());
+  Tabela().AbreTabela("tbEmpresa", true);
+  EXPECT_EQ(Tabela().tbEmpresa()["EMP_PAT"].AsString(), "_001");
+  EXPECT_EQ(ErrorOf([&] { Tabela().AbreTabela("tbNada", false); }), "A tabela \"tbNada\" não existe.");
+  // A table stays the one of the company that it was opened for.
+  ASSERT_TRUE(Tabela().tbEmpresa().Locate("EMP_PAT", Value("_002")));
+  EXPECT_TRUE(Tabela().TbCadConta().Locate("CONTA", Value("222-2")));
+  EXPECT_FALSE(Tabela().TbCadConta().Locate("CONTA", Value("333-3")));
 }
 
 TEST_F(HouseTest, NumbersAreNeverGivenTwice) {
@@ -137,24 +228,6 @@ TEST_F(HouseTest, NumbersAreNeverGivenTwice) {
   EXPECT_NE(ErrorOf([&] { Funcoes().Proximo("CONTACOR", "NADA", 6, true); }), "");
   main_->db->Rollback();
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001"), "0");
-
-  // Several sessions at once.
-  std::vector<std::vector<std::string>> drawn(4);
-  std::vector<std::thread> threads;
-  for (auto& numbers : drawn) {
-    threads.emplace_back([&numbers, this] {
-      const auto session = NewSession();
-      for (int i = 0; i < 50; ++i) {
-        numbers.push_back(session->application.Funcoes().Proximo("PAGTO", "NUM_AP", 6, true));
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  std::vector<std::string> all;
-  for (const auto& numbers : drawn) all.insert(all.end(), numbers.begin(), numbers.end());
-  std::sort(all.begin(), all.end());
-  EXPECT_EQ(all.size(), 200U);
-  EXPECT_EQ(std::unique(all.begin(), all.end()), all.end());
 }
 
 // Whatever deletes by a number deletes what stands under it in any table.
@@ -188,7 +261,7 @@ TEST_F(HouseTest, ANumberIsFreeInEveryColumnOfItsKind) {
 }
 
 TEST_F(HouseTest, HolidaysOfTheHouseMoveADate) {
-  Calendar& calendar = main_->services->Calendar();
+  Calendar& calendar = main_->services.Calendar();
   // 20 November is a Friday and a holiday; the Monday after is made one for the first company.
   EXPECT_EQ(Funcoes().VerificaDiaUtil(Date(2026, 11, 20), false), Date(2026, 11, 23));
   EXPECT_EQ(Funcoes().VerificaDiaUtil(Date(2026, 11, 22), true), Date(2026, 11, 19));
@@ -200,25 +273,6 @@ TEST_F(HouseTest, HolidaysOfTheHouseMoveADate) {
   EXPECT_EQ(calendar.AddWorkingDays(Date(2026, 11, 19), 1, "_001"), Date(2026, 11, 25));
   EXPECT_TRUE(calendar.Remove(Date(2026, 11, 24), ""));
   EXPECT_EQ(Funcoes().VerificaDiaUtil(Date(2026, 11, 20), false), Date(2026, 11, 24));
-}
-
-TEST_F(HouseTest, AuditLinesAreCutAndKept) {
-  Funcoes().GeraLog("CONTACOR", std::string(1500, 'x') + "ç", TOperacaoLog::Processo, "000001'");
-  EXPECT_EQ(Sql("SELECT LOGIN, EMP_PAT, AREA, CHAR_LENGTH(TEXTO), OPERACAO, CHAVE FROM AUDITORIA WHERE AREA "
-                "= 'CONTACOR'"),
-            "ana|_001|CONTACOR|1000|3|000001'");
-}
-
-TEST_F(HouseTest, PreferencesAreTheUsersOwn) {
-  Preferences& preferences = main_->services->Preferences();
-  EXPECT_EQ(Funcoes().LeConfiguracao("Venda", "Parametros", "PortaImpCheque", 7), 7);
-  preferences.Set(Preferences::Path("Venda", "Parametros", "PortaImpCheque"), "2");
-  EXPECT_EQ(Funcoes().LeConfiguracao("Venda", "Parametros", "PortaImpCheque", 7), 2);
-  preferences.Set(Preferences::Path("Venda", "Parametros", "PortaImpCheque"), "dois");
-  EXPECT_EQ(Funcoes().LeConfiguracao("Venda", "Parametros", "PortaImpCheque", 7), 7);
-  main_->db->CommitRetaining();
-  EXPECT_EQ(
-      NewSession("leo")->application.Funcoes().LeConfiguracao("Venda", "Parametros", "PortaImpCheque", 9), 9);
 }
 
 TEST_F(HouseTest, StatementsReachTheCompaniesTheyShould) {
@@ -237,7 +291,7 @@ TEST_F(HouseTest, StatementsReachTheCompaniesTheyShould) {
   }
   EXPECT_EQ(walked, "CADCONTA_001 CADCONTA_001 ;CADCONTA_002 CADCONTA_002 333-3;");
   EXPECT_EQ(Funcoes().vEmpresa_Atual(), "_001");
-  main_->services->AfterAction();
+  main_->services.AfterAction();
   // A company is named without walking to it, which would take a statement there and one back.
   companies.AfterScroll = [] { FAIL(); };
   EXPECT_EQ(Sql(Funcoes().DBEmpresa_SQL(sql, "_002")), "333-3|_002");
@@ -248,7 +302,8 @@ TEST_F(HouseTest, StatementsReachTheCompaniesTheyShould) {
 
 TEST_F(HouseTest, SharedTablesStandOnce) {
   Put(Compartilhada{.tabela = "CADCONTA", .emp_pat = "_002"});
-  LoginAgain();
+  main_->db->CommitRetaining();
+  main_ = NewSession();
   EXPECT_EQ(Tabela().TabelasCompartilhadas(), std::vector<std::string>{"CADCONTA"});
   const std::string sql = "SELECT CONTA, '{}' AS EMP FROM {CADCONTA}";
   EXPECT_EQ(Sql(Funcoes().DBLocal_SQL(sql, "")), "333-3|_001");

@@ -6,54 +6,15 @@
 #include "host/services/extenso.h"
 #include "host/services/passwords.h"
 #include "host/services/sql_text.h"
+#include "tests/support/table.h"
 #include "toolkit/error.h"
 
 namespace orv {
 namespace {
 
 TEST(AmountInWords, TellsEveryForm) {
-  const struct {
-    int64_t cents;
-    const char* words;
-  } cases[] = {
-      {1, "um centavo"},
-      {10, "dez centavos"},
-      {99, "noventa e nove centavos"},
-      {100, "um real"},
-      {101, "um real e um centavo"},
-      {110, "um real e dez centavos"},
-      {200, "dois reais"},
-      {1'600, "dezesseis reais"},
-      {2'100, "vinte e um reais"},
-      {10'000, "cem reais"},
-      {10'100, "cento e um reais"},
-      {12'345, "cento e vinte e três reais e quarenta e cinco centavos"},
-      {20'000, "duzentos reais"},
-      {99'900, "novecentos e noventa e nove reais"},
-      {100'000, "um mil reais"},
-      {100'100, "um mil e um reais"},
-      {110'000, "um mil e cem reais"},
-      {110'100, "um mil cento e um reais"},
-      {120'000, "um mil e duzentos reais"},
-      {123'456, "um mil duzentos e trinta e quatro reais e cinquenta e seis centavos"},
-      {10'000'000, "cem mil reais"},
-      {10'100'000, "cento e um mil reais"},
-      {100'000'000, "um milhão de reais"},
-      {100'000'001, "um milhão de reais e um centavo"},
-      {100'000'100, "um milhão e um reais"},
-      {100'100'000, "um milhão e um mil reais"},
-      {100'123'400, "um milhão um mil duzentos e trinta e quatro reais"},
-      {120'000'000, "um milhão e duzentos mil reais"},
-      {123'000'000, "um milhão duzentos e trinta mil reais"},
-      {200'000'000, "dois milhões de reais"},
-      {100'000'000'000, "um bilhão de reais"},
-      {100'100'000'000, "um bilhão e um milhão de reais"},
-      {200'000'000'100, "dois bilhões e um reais"},
-      {99'999'999'999'999,
-       "novecentos e noventa e nove bilhões novecentos e noventa e nove milhões novecentos e noventa e nove "
-       "mil novecentos e noventa e nove reais e noventa e nove centavos"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(AmountInWords(c.cents), c.words) << c.cents;
+  for (const auto& c : test::Table(ORV_FILES "extenso.txt", 2))
+    EXPECT_EQ(AmountInWords(std::stoll(c[0])), c[1]) << c[0];
   EXPECT_EQ(AmountInWords(100'000, ThousandForm::Plain), "mil reais");
   EXPECT_EQ(AmountInWords(100'100'000, ThousandForm::Plain), "um milhão e mil reais");
   for (const int64_t outside : {int64_t{0}, int64_t{-100}, int64_t{100'000'000'000'000}}) {
@@ -89,23 +50,7 @@ TEST(SqlText, MacrosStandOutsideQuotesOnly) {
 }
 
 TEST(SqlText, ListFieldsBecomeLiterals) {
-  const struct {
-    const char* list;
-    const char* literals;
-  } cases[] = {
-      {"01, 02", "'01','02'"},
-      {"'01','02'", "'01','02'"},
-      {"", ""},
-      {" , ,", ""},
-      {"'a,b','d''agua'", "'a,b','d''agua'"},
-      {"01) OR (1=1", "'01) OR (1=1'"},
-      {"'01') OR ('1'='1'", "'''01'') OR (''1''=''1'''"},
-      {"'01", "'''01'"},
-      {"'{'||'}'", "'{'||'}'"},
-      {"'{}'", "'{'||'}'"},
-      {"{}", "'{'||'}'"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(SqlCodeList(c.list), c.literals) << c.list;
+  for (const auto& c : test::Table(ORV_FILES "listas.txt", 2)) EXPECT_EQ(SqlCodeList(c[0]), c[1]) << c[0];
 }
 
 TEST(SqlText, CountsTheContextsOfAStatement) {
@@ -117,22 +62,9 @@ TEST(SqlText, CountsTheContextsOfAStatement) {
 }
 
 TEST(Calendar, KnowsTheMovingAndTheFixedHolidays) {
-  const struct {
-    Date date;
-    bool holiday;
-  } cases[] = {
-      {Date(2026, 1, 1), true},    {Date(2026, 2, 16), true},
-      {Date(2026, 2, 17), true},   {Date(2026, 2, 18), false},
-      {Date(2026, 4, 3), true},    {Date(2026, 4, 5), false},
-      {Date(2026, 4, 21), true},   {Date(2026, 6, 4), true},
-      {Date(2026, 9, 7), true},    {Date(2026, 10, 12), true},
-      {Date(2026, 11, 2), true},   {Date(2026, 11, 15), true},
-      {Date(2023, 11, 20), false}, {Date(2024, 11, 20), true},
-      {Date(2026, 12, 25), true},  {Date(2024, 2, 12), true},
-      {Date(2024, 5, 30), true},   {Date(2025, 3, 4), true},
-      {Date(2026, 12, 24), false}, {Date(), false},
-  };
-  for (const auto& c : cases) EXPECT_EQ(IsBankHoliday(c.date), c.holiday) << c.date.Neutral();
+  for (const auto& c : test::Table(ORV_FILES "feriados.txt", 2))
+    EXPECT_EQ(IsBankHoliday(Date::ParseNeutral(c[0])), c[1] == "feriado") << c[0];
+  EXPECT_FALSE(IsBankHoliday(Date()));
   EXPECT_EQ(Easter(1818), Date(1818, 3, 22));
   EXPECT_EQ(Easter(2038), Date(2038, 4, 25));
 }

@@ -8,6 +8,7 @@
 #include "host/sheet/number_format.h"
 #include "host/sheet/sheet_reader.h"
 #include "tests/sheet/zip_bytes.h"
+#include "tests/support/table.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -164,99 +165,23 @@ TEST(SheetTest, SheetsOfSeveralWritersReadAlike) {
 }
 
 TEST(SheetTest, NumbersAreShownByTheirFormat) {
-  struct Case {
-    const char* code;
-    double number;
-    const char* shown;
-  };
-  const Case cases[] = {
-      {"General", 49.990000000000002, "49,99"},
-      {"General", 0.1 + 0.2, "0,3"},
-      {"General", 999999999999999, "999999999999999"},
-      {"General", 1e15, "1E+15"},
-      {"General", -1.5e-12, "-1,5E-12"},
-      {"General", 0.0001, "0,0001"},
-      {"", -0.0, "0"},
-      {"@", -7, "-7"},
-      {"0.00", 49.990000000000002, "49,99"},
-      {"0.00", 1.005, "1,01"},
-      {"0.00", -0.004, "0,00"},
-      {"000000", 123, "000123"},
-      {"0,000.0", 5, "0.005,0"},
-      {"#,##0.00", 1234567.125, "1.234.567,13"},
-      {"#,##0.00", -999.995, "-1.000,00"},
-      {"#,##0", 0.2, "0"},
-      {"#.##", 0.5, ",5"},
-      {".00", 12.5, "12,50"},
-      {"0.0#", 3, "3,0"},
-      {"0,,\" mi\"", 12400000, "12 mi"},
-      {"0%", 0.125, "13%"},
-      {"0.00%", 0.0199, "1,99%"},
-      {"0.00E+00", 123456, "1,23E+05"},
-      {"0.0E-0", 0.00999, "1,0E-2"},
-      {"##0.0E+0", 12345, "12,3E+3"},
-      {"# ?/?", 0.5, "0,5"},
-      {"#,##0.00;[Red](#,##0.00)", -5, "(5,00)"},
-      {"0;-0;\"nada\"", 0, "nada"},
-      {"0;;", -3, ""},
-      {"_-\"R$\"* #,##0.00_-;-\"R$\"* #,##0.00_-;_-\"R$\"* \"-\"??_-;_-@_-", -1234.5, "-R$ 1.234,50"},
-      {"_-* #,##0.00_-;-* #,##0.00_-;_-* \"-\"??_-", 0, "-"},
-      {"[$R$-416] #,##0.00", 10, "R$ 10,00"},
-      {"[<=99999999999]000\\.000\\.000\\-00;00\\.000\\.000\\/0000\\-00", 12345678901, "123.456.789-01"},
-      {"[<=99999999999]000\\.000\\.000\\-00;00\\.000\\.000\\/0000\\-00", 11222333000181,
-       "11.222.333/0001-81"},
-      {"[>=10]0;0.0", -2.25, "-2,3"},
-      {"\"h d\"0", 4, "h d4"},
-      {"[", 1, "["},
-      {"0\\", 1, "1"},
-  };
-  for (const Case& c : cases) {
-    const NumberFormat format(c.code);
+  for (const auto& c : Table(ORV_FILES "numbers.txt", 3)) {
+    const NumberFormat format(c[0]);
     std::string shown;
-    EXPECT_FALSE(format.ShowsTime()) << c.code;
-    format.Number(c.number, shown);
-    EXPECT_EQ(shown, c.shown) << c.code << " " << c.number;
+    EXPECT_FALSE(format.ShowsTime()) << c[0];
+    format.Number(std::stod(c[1]), shown);
+    EXPECT_EQ(shown, c[2]) << c[0] << " " << c[1];
   }
 }
 
 TEST(SheetTest, DaysAreShownByTheirFormatAndEpoch) {
-  struct Case {
-    const char* code;
-    double serial;
-    bool from1904;
-    const char* shown;
-  };
-  const Case cases[] = {
-      {"dd/mm/yyyy", 1, false, "01/01/1900"},
-      {"dd/mm/yyyy", 59, false, "28/02/1900"},
-      {"dd/mm/yyyy", 61, false, "01/03/1900"},
-      {"dd/mm/yyyy", 44887, true, "23/11/2026"},
-      {"d/m/yy", 46349, false, "23/11/26"},
-      {"dd/mm/yyyy", 0, true, "01/01/1904"},
-      {"yyyy-mm-dd\\Thh:mm:ss.000", 46349.5000057870, false, "2026-11-23T12:00:00,500"},
-      {"dd/mm/yyyy hh:mm:ss", 46348.999999, false, "23/11/2026 00:00:00"},
-      {"dddd, d \"de\" mmmm \"de\" yyyy", 46349, false, "segunda-feira, 23 de novembro de 2026"},
-      {"ddd mmm mmmmm", 46084, false, "ter mar m"},
-      {"h:mm AM/PM", 0.5, false, "12:00 PM"},
-      {"[$-416]hh\"h\"mm;@", 0.75, false, "18h00"},
-      {"[h]:mm:ss", 1.5, false, "36:00:00"},
-      {"[mm]:ss", 0.0520833333, false, "75:00"},
-      {"mm:ss", 0.0520833333, false, "15:00"},
-      {"m/yyyy", 46349, false, "11/2026"},
-      {"dd.mm.yyyy", 46349, false, "23.11.2026"},
-      {"dd/mm/yyyy", -1, false, nullptr},
-      {"dd/mm/yyyy", 2958466, false, nullptr},
-      {"dd/mm/yyyy", 2958465, false, "31/12/9999"},
-  };
-  for (const Case& c : cases) {
-    const NumberFormat format(c.code);
-    EXPECT_TRUE(format.ShowsTime()) << c.code;
-    const auto milliseconds = SerialTime(c.serial, c.from1904);
-    ASSERT_EQ(milliseconds.has_value(), c.shown != nullptr) << c.code << " " << c.serial;
-    std::string shown;
-    if (!milliseconds) continue;
-    format.Time(*milliseconds, c.serial, shown);
-    EXPECT_EQ(shown, c.shown) << c.code << " " << c.serial;
+  for (const auto& c : Table(ORV_FILES "days.txt", 4)) {
+    const NumberFormat format(c[0]);
+    EXPECT_TRUE(format.ShowsTime()) << c[0];
+    const auto milliseconds = SerialTime(std::stod(c[1]), c[2] == "1904");
+    std::string shown = milliseconds ? "" : "none";
+    if (milliseconds) format.Time(*milliseconds, std::stod(c[1]), shown);
+    EXPECT_EQ(shown, c[3]) << c[0] << " " << c[1];
   }
 
   // The value of each kind, and which built-in formats are days.

@@ -22,6 +22,9 @@ export async function openPage(browser, url, { dark = false, width = 1366, heigh
   const context = await browser.newContext({ viewport: { width: Math.round(width / scale), height: Math.round(height / scale) }, deviceScaleFactor: scale, colorScheme: dark ? "dark" : "light", locale: "pt-BR" });
   const page = await context.newPage();
   page.faults = [];
+  // What went to the desk through the door.
+  page.sent = [];
+  page.on("websocket", (link) => link.on("framesent", ({ payload }) => page.sent.push(JSON.parse(payload))));
   page.on("console", (message) => {
     if (message.type() === "error" && !/Failed to load resource|WebSocket connection/.test(message.text())) page.faults.push(message.text());
   });

@@ -7,13 +7,13 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { createInterface } from "node:readline";
 import { after, afterEach, before } from "node:test";
-import { dist, enter, launch, root } from "./browser.mjs";
+import { dist, enter, launch, openPage, root } from "./browser.mjs";
 
 const kProgram = process.env.ORVCC ?? ["debug", "release"].map((build) => join(root, "build", build, "bin", "orvcc")).find((path) => existsSync(path));
 
-// A link to the port `to` that holds what passes for `delay` milliseconds.
+// A link to the port `to` that holds what passes for `delay` milliseconds, and can break and stay broken.
 async function startLink() {
-  const link = { delay: 0, port: 0, to: 0 };
+  const link = { delay: 0, port: 0, to: 0, broken: false };
   const sockets = new Set();
   const carry = (from, to) => {
     from.on("data", (bytes) => (link.delay === 0 ? to.write(bytes) : setTimeout(() => to.destroyed || to.write(bytes), link.delay)));
@@ -21,6 +21,7 @@ async function startLink() {
     from.on("error", () => to.destroy());
   };
   const server = createServer((near) => {
+    if (link.broken) return near.destroy();
     const far = connect(link.to, "127.0.0.1");
     for (const one of [near, far]) {
       sockets.add(one);
@@ -31,9 +32,10 @@ async function startLink() {
   });
   await new Promise((resolve) => server.listen(0, "127.0.0.1", resolve));
   link.port = server.address().port;
+  link.drop = () => sockets.forEach((one) => one.destroy());
   link.stop = () => {
     server.close();
-    for (const one of sockets) one.destroy();
+    link.drop();
   };
   return link;
 }
@@ -91,11 +93,12 @@ export async function startRealDesk(prepare = () => {}, scale = 1) {
   return desk;
 }
 
-// A desk and a browser for the tests of a file; what it gives opens a page that is logged in, one a test.
+// A desk and a browser for the tests of a file; what it gives opens a page that is logged in, one a test, over a
+// link that is then `delay` ms long.
 export function deskOfTests(...options) {
   let browser;
   let desk;
-  let page;
+  let pages = [];
   before(async () => {
     [browser, desk] = await Promise.all([launch(), startRealDesk(...options)]);
   });
@@ -105,8 +108,22 @@ export function deskOfTests(...options) {
     desk?.remove();
   });
   afterEach(async () => {
-    assert.deepEqual(page.faults, []);
-    await page.context().close();
+    Object.assign(desk.link, { delay: 0, broken: false });
+    for (const page of pages) {
+      assert.deepEqual(page.faults, []);
+      await page.context().close();
+    }
+    pages = [];
   });
-  return async () => (page = await enter(browser, desk));
+  const kept = (page) => (pages.push(page), page);
+  const begin = async (delay = 0, view = {}) => {
+    const page = kept(await enter(browser, desk, view));
+    desk.link.delay = delay;
+    return page;
+  };
+  // A page that stands at the log-in.
+  begin.outside = async () => kept(await openPage(browser, desk.url));
+  begin.link = () => desk.link;
+  begin.desk = () => desk;
+  return begin;
 }

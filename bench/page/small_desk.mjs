@@ -1,4 +1,4 @@
-// A desk of a few made-up screens that speaks the door, so that the page can be tried without a database. It
+// A desk of two made-up screens that speaks the door, so that the page is measured without a database. It
 // keeps the door's order: an object in, objects out, then one "idle" or "waiting".
 import { readFileSync } from "node:fs";
 import { createServer } from "node:http";
