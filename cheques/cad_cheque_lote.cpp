@@ -3,6 +3,7 @@
 #include "frame/entry/unit.h"
 #include "rules/bloqueio.h"
 #include "rules/cheque.h"
+#include "rules/historico.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -176,6 +177,9 @@ bool TFmCadChequeLote::GravaCheque() {
                                  .dt_lan = TbCheque.Emissao.AsDate(),
                                  .dt_vencto = TbCheque.Vencto.AsDate(),
                                  .dt_cont = TbCheque.Vencto.AsDate()});
+    AnotaMovimento(Funcoes, chave,
+                   "INCLUSAO DO CHEQUE " + numero.numero + " EM LOTE, CONTA " + EdtConta.Text(),
+                   TOperacaoLog::Inclusao);
     TbCheque.Next();
   }
   Tabela.CommitRetaining();

@@ -3,6 +3,7 @@
 
 #include "frame/entry/unit.h"
 #include "frame/registry.h"
+#include "rules/historico.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -44,6 +45,13 @@ void TfmChequePre::FormClose() {
   // What wasn't confirmed isn't kept for the next one who has the table open.
   tbCheque_pre.Cancel();
   Screen::FormClose();
+}
+
+std::optional<Registro> TfmChequePre::RegistroAtual() {
+  const bool acesso = PageControl1.ActivePage() == &TabSheet1;
+  DataSet& set = acesso ? static_cast<DataSet&>(qryConsulta) : tbCheque_pre;
+  if (!set.Active() || set.IsEmpty() || set.State() == DataSetState::Insert) return std::nullopt;
+  return RegistroDoLancamento(Funcoes, Tabela, "Cheque " + set["NUMERO"].AsString(), set["CHAVE"].AsString());
 }
 
 void TfmChequePre::Desenha() {

@@ -172,6 +172,8 @@ class ORV_EXPORT TfmChequePre : public Child {
   TOrvQuery QryEmp{Tabela.IBDatabase(), "QryEmp"};
   TOrvQuery QryDup{Tabela.IBDatabase(), "QryDup"};
 
+  std::optional<Registro> RegistroAtual() override;
+
  protected:
   void FormClose() override;
 

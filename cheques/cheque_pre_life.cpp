@@ -1,7 +1,10 @@
 // The page "Cadastro": a cheque is cancelled, returned by the bank, presented again.
+#include <set>
+
 #include "cheques/cheque_pre.h"
 #include "ledger/cc_lanc_fluxo.h"
 #include "rules/bloqueio.h"
+#include "rules/historico.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -84,6 +87,8 @@ bool TfmChequePre::LancaFluxo(const std::string& lancamento, const std::string& 
 void TfmChequePre::MudaStatus(const char* status) {
   tbCheque_pre.Edit();
   try {
+    AnotaMovimento(Funcoes, Texto("CHAVE"),
+                   "CHEQUE " + Texto("NUMERO") + " DE " + Texto("STATUS") + " PARA " + status);
     tbCheque_pre["STATUS"] = status;
     tbCheque_pre.Store();
   } catch (...) {
@@ -108,10 +113,16 @@ void TfmChequePre::DesfazMovimentos() {
   QryDup.SQL.Add("WHERE " + MovimentosDoCheque());
   QryDup.Open();
   const std::string pagto = Funcoes.DBLocal("PAGTO", true), pagto1 = Funcoes.DBLocal("PAGTO1", true);
+  std::set<std::string> excluidos;
   for (; !QryDup.Eof(); QryDup.Next()) {
     const std::string lancamento = QryDup["LANCAMENTO"].AsString();
     const std::string titulo = Funcoes.Aspas(QryDup["NUM_AP"].AsString());
-    Contabil.DeletaContaCorrente(lancamento);
+    // A movement that paid several titles goes once.
+    if (excluidos.insert(lancamento).second) {
+      Contabil.DeletaContaCorrente(lancamento);
+      AnotaMovimento(Funcoes, lancamento, "EXCLUSAO DO LANCAMENTO, CANCELAMENTO DO CHEQUE " + Texto("NUMERO"),
+                     TOperacaoLog::Exclusao);
+    }
     Tabela.IBDatabase().Execute("DELETE FROM " + pagto1 + " WHERE LANCAMENTO = " + Funcoes.Aspas(lancamento) +
                                 " AND NUM_AP = " + titulo);
     Tabela.IBDatabase().Execute("UPDATE " + pagto + " SET VAL_PAG = VAL_PAG - " +

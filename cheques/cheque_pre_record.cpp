@@ -2,6 +2,7 @@
 #include "cheques/cheque_pre.h"
 #include "rules/bloqueio.h"
 #include "rules/cheque.h"
+#include "rules/historico.h"
 #include "toolkit/error.h"
 #include "toolkit/text.h"
 
@@ -53,6 +54,7 @@ void TfmChequePre::BtExcluirClick() {
   if (!relacionados.empty()) return Inform("Cheque relacionado a Duplicatas. Impossível Excluir.");
   if (!Ask("Deseja eliminar este Registro?")) return;
   Cheques(Funcoes, Tabela).ApagaTitulos({DBEDCodBan.Text(), DBEDConta.Text(), DBEDChequeNro.Text()});
+  AnotaMovimento(Funcoes, Texto("CHAVE"), "EXCLUSAO DO CHEQUE " + Texto("NUMERO"), TOperacaoLog::Exclusao);
   tbCheque_pre.Remove();
   Tabela.CommitRetaining();
   tbCheque_pre.Refresh();
@@ -185,6 +187,10 @@ void TfmChequePre::MostraGravado() {
 void TfmChequePre::GravaCheque() {
   const std::string numero = Texto("NUMERO");
   Funcoes.GeraLog("CONTACOR", "CHEQUE PRE NR.: " + numero, TOperacaoLog::Processo, numero);
+  AnotaMovimento(
+      Funcoes, Texto("CHAVE"),
+      (tbCheque_pre.State() == DataSetState::Insert ? "INCLUSAO DO CHEQUE " : "ALTERACAO DO CHEQUE ") +
+          numero + " BANCO " + Texto("BANCO"));
   tbCheque_pre.Store();
 }
 
@@ -250,6 +256,7 @@ void TfmChequePre::Transfere() {
               .lote = Texto("LOTE"),
               .obs = Texto("OBS")},
              empresa);
+  AnotaMovimento(Funcoes, Texto("CHAVE"), "TRANSFERENCIA DO CHEQUE " + numero + " PARA EMPRESA " + empresa);
   tbCheque_pre.Remove();
   Funcoes.GeraLog("CONTACOR", "CHEQUE PRE NR.: " + numero, TOperacaoLog::Processo, numero);
   Tabela.CommitRetaining();

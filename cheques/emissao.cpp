@@ -3,6 +3,7 @@
 
 #include "frame/entry/unit.h"
 #include "rules/cheque_impresso.h"
+#include "rules/historico.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -42,6 +43,14 @@ TfmEmissao::TfmEmissao(Application& application)
   DtEmissao.SetDate(Today());
   DtVencto.SetDate(Today());
   RgTipo.SetFocus();
+}
+
+std::optional<Registro> TfmEmissao::RegistroAtual() {
+  const bool acesso = PageControl1.ActivePage() == &TabSheet1;
+  DataSet& set = acesso ? static_cast<DataSet&>(QryConsulta) : TbCheque;
+  if (!set.Active() || set.IsEmpty()) return std::nullopt;
+  return RegistroDoLancamento(Funcoes, Tabela, "Cheque " + set["NUMERO"].AsString(),
+                              set[acesso ? "CHAVE" : "LACTO"].AsString());
 }
 
 void TfmEmissao::Desenha() {

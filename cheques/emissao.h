@@ -198,6 +198,8 @@ class ORV_EXPORT TfmEmissao : public Child {
   // The titles of the cheque that is printed or picked.
   TOrvQuery QryDup{Tabela.IBDatabase(), "QryDup"};
 
+  std::optional<Registro> RegistroAtual() override;
+
  private:
   // The items of RgTipo.
   enum Tipo { kTitulos, kAntecipado, kSimples, kDeposito };

@@ -1,5 +1,6 @@
 // One cheque for each selected payable, with what stands on the screen.
 #include "cheques/emissao.h"
+#include "rules/historico.h"
 #include "rules/titulo.h"
 #include "toolkit/text.h"
 
@@ -49,6 +50,8 @@ void TfmEmissao::GeraCheque(const Titulo& titulo) {
     movimento.historico = titulo.historico;
     movimento.pendente = "N";
     Contabil.LancaContaCorrente(movimento);
+    AnotaMovimento(Funcoes, Lancamento, "CHEQUE " + EdtDocto.Text() + " EMITIDO PARA A AP " + titulo.numero,
+                   TOperacaoLog::Emissao);
     GravaCheque(Lancamento, titulo.numero,
                 {{.cheque = Numero(), .dupli = titulo.numero, .valor = titulo.valor}});
     saldo = Tabela.IBDatabase()

@@ -134,6 +134,7 @@ void TfmEmissao::BitBtn2Click() {
                                         Igual("LANCAMENTO", lancamento));
   if (cheques + movimentos == 0) throw UserError(kSumiu);
   ApagaRateioDoMovimento(Funcoes, Tabela, lancamento);
+  Contabil.DeletaAnexos(lancamento);
   Funcoes.GeraLog("EMISSAO DE CHEQUES", "EXCLUSAO DO LANCAMENTO " + lancamento + " CHEQUE " + numero,
                   TOperacaoLog::Exclusao, lancamento);
   // Of whatever company the payables are.
@@ -183,6 +184,7 @@ void TfmEmissao::BitBtn7Click() {
                                         Igual("LANCAMENTO", lancamento));
   if (cheques + movimentos == 0) throw UserError(kSumiu);
   ApagaRateioDoMovimento(Funcoes, Tabela, lancamento);
+  Contabil.DeletaAnexos(lancamento);
   Funcoes.GeraLog("EMISSAO DE CHEQUES",
                   "EXCLUSAO DO LANCAMENTO " + lancamento + ", CANCELAMENTO DO CHEQUE " + numero,
                   TOperacaoLog::Exclusao, lancamento);

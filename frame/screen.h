@@ -4,11 +4,13 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/application.h"
+#include "frame/registro.h"
 #include "frame/screen_info.h"
 #include "toolkit/controls.h"
 #include "toolkit/grid.h"
@@ -51,6 +53,9 @@ class Screen : public Form {
   bool FreeOnClose() const { return free_on_close_; }
   // Of a dialog that hides when it is closed: its caller has read it, and it is freed after the action.
   void Release() { free_on_close_ = true; }
+  // What stands stored in front of the user, if anything does. Asked after each action: it tells what the
+  // screen holds and asks nobody.
+  virtual std::optional<Registro> RegistroAtual() { return std::nullopt; }
 
  protected:
   IFuncoes& Funcoes;

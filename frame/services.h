@@ -177,8 +177,10 @@ class IContabil {
 
   // Inserts a movement.
   virtual void LancaContaCorrente(const MovimentoConta& movimento) = 0;
-  // Removes the rows of CONTACOR of that number.
+  // Removes the rows of CONTACOR of that number, with what is attached to them.
   virtual void DeletaContaCorrente(std::string_view lancamento) = 0;
+  // Removes what is attached to a number of which no row of CONTACOR is left, and tells it in the audit.
+  virtual void DeletaAnexos(std::string_view lancamento) = 0;
   // Writes one row of CONTABIL at once.
   virtual void LancaContabilidade(const LinhaContabil& linha) = 0;
   // Removes the rows of CONTABIL of that number.

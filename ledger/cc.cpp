@@ -2,6 +2,7 @@
 #include "ledger/cc.h"
 
 #include "frame/entry/unit.h"
+#include "rules/historico.h"
 
 namespace orv {
 
@@ -46,6 +47,13 @@ void TfmCC::LeParametros() {
   fin100_ = ligado(100);
   PanelCont.SetVisible(fin30_ || ligado(40) || fin50_);
   GroupBox3.SetVisible(fin50_);
+}
+
+std::optional<Registro> TfmCC::RegistroAtual() {
+  const bool acesso = PageControl1.ActivePage() == &TabSheet1;
+  if (acesso ? TbConsulta.IsEmpty() : !gravada_) return std::nullopt;
+  const std::string numero = acesso ? TbConsulta.Lancamento.AsString() : EdtLancto.Text();
+  return RegistroDoLancamento(Funcoes, Tabela, "Lançamento " + numero, numero);
 }
 
 void TfmCC::Desenha() {

@@ -245,6 +245,8 @@ class ORV_EXPORT TfmCC : public Child {
   Currency ValorPendenteConta();
   Currency ValorPrevisaoConta();
 
+  std::optional<Registro> RegistroAtual() override;
+
  private:
   // --- Creation (cc.cpp).
   void LeParametros();

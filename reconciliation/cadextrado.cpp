@@ -2,6 +2,7 @@
 #include "reconciliation/cadextrado.h"
 
 #include "frame/entry/unit.h"
+#include "rules/historico.h"
 #include "toolkit/scoped.h"
 #include "toolkit/text.h"
 
@@ -50,6 +51,14 @@ std::vector<GridColumn> TFmCadExtrato::ColunasExtrato() {
           {.field = "CONCILIADO",
            .title = "Conciliado",
            .words = {{"S", "Conciliado", "good"}, {"N", "A conciliar", "warning"}}}};
+}
+
+std::optional<Registro> TFmCadExtrato::RegistroAtual() {
+  const TabSheet* pagina = PageControl1.ActivePage();
+  if (pagina == &TabSheet3) return std::nullopt;
+  DataSet& set = pagina == &TabSheet1 ? static_cast<DataSet&>(QryExtrato) : TbExtrato;
+  if (!set.Active() || set.IsEmpty() || set.State() == DataSetState::Insert) return std::nullopt;
+  return RegistroDaLinha(Funcoes, Tabela, set["LANCTO"].AsString());
 }
 
 void TFmCadExtrato::Desenha() {

@@ -123,6 +123,8 @@ class ORV_EXPORT TFmCadExtrato : public Child {
   // Where the load stopped, if it didn't come to the end of the file.
   Aviso LbParada{*this, "LbParada"};
 
+  std::optional<Registro> RegistroAtual() override;
+
  private:
   // --- Creation (cadextrado.cpp).
   static std::vector<GridColumn> ColunasExtrato();

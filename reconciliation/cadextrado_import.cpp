@@ -6,6 +6,7 @@
 
 #include "reconciliation/cadextrado.h"
 #include "reconciliation/formats/outside_file.h"
+#include "rules/historico.h"
 #include "toolkit/error.h"
 #include "toolkit/row_writer.h"
 #include "toolkit/text.h"
@@ -342,6 +343,7 @@ void TFmCadExtrato::GravaExtrato() {
                                    return true;
                                  });
   GravaFim(linhas);
+  AnotaImportacao(Funcoes, Arquivo(), EdtIConta.Text(), static_cast<std::size_t>(linhas));
   Tabela.CommitRetaining();
 }
 

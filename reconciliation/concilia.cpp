@@ -3,6 +3,7 @@
 
 #include "frame/entry/unit.h"
 #include "ledger/cc_lanc_fluxo.h"
+#include "rules/historico.h"
 #include "toolkit/error.h"
 #include "toolkit/scoped.h"
 
@@ -46,6 +47,16 @@ TFmConcilia::TFmConcilia(Application& application)
   LigaCartoes();
   LigaGrades();
   EdtConta.SetFocus();
+}
+
+std::optional<Registro> TFmConcilia::RegistroAtual() {
+  const TabSheet* pagina = PageControl1.ActivePage();
+  if (pagina == &TabSheet1 && Focus() == &OrvDBGrid2 && !TbArq.IsEmpty())
+    return RegistroDaLinha(Funcoes, Tabela, TbArq.Lancto.AsString());
+  const bool cheques = pagina == &TabSheet2;
+  if (pagina == &TabSheet3 || (cheques ? TbArquivo.IsEmpty() : TbMov.IsEmpty())) return std::nullopt;
+  const std::string numero = (cheques ? TbArquivo.Lancto : TbMov.Lancto).AsString();
+  return RegistroDoLancamento(Funcoes, Tabela, "Lançamento " + numero, numero);
 }
 
 void TFmConcilia::Desenha() {

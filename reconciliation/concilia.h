@@ -323,6 +323,9 @@ class ORV_EXPORT TFmConcilia : public Child {
   Button BitBtn13{*this, "BitBtn13", "&Gravar"};
   Button BitBtn2{*this, "BitBtn2", "&Fechar"};
 
+  // Of the side in which the user is: a movement, or a line of the statement.
+  std::optional<Registro> RegistroAtual() override;
+
   // --- Marks (concilia_marks.cpp).
   // Fills TbMov and TbArq by the filters of the page.
   void CarregaMovimentos();

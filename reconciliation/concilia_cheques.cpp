@@ -7,6 +7,7 @@
 #include "frame/lists.h"
 #include "reconciliation/concilia.h"
 #include "reconciliation/formats/outside_file.h"
+#include "rules/historico.h"
 #include "toolkit/row_writer.h"
 #include "toolkit/scoped.h"
 #include "toolkit/text.h"
@@ -198,6 +199,7 @@ void TFmConcilia::BitBtn10Click() {
                       " depois da carga. Nada foi gravado, e as marcações continuam na tela.");
     }
     Tabela.IBDatabase().Execute(altera);
+    AnotaMovimento(Funcoes, linha.lancto, "COMPENSACAO PELO RETORNO DO BANCO EM " + linha.data.Brazil());
   }
   Tabela.CommitRetaining();
   for (const Compensada& linha : linhas) gravadas_[linha.lancto] = linha.data;

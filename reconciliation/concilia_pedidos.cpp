@@ -11,6 +11,7 @@
 #include "reconciliation/formats/outside_file.h"
 #include "reconciliation/inteiro.h"
 #include "rules/como_lido.h"
+#include "rules/historico.h"
 #include "rules/rateio.h"
 #include "rules/titulo.h"
 #include "toolkit/row_writer.h"
@@ -617,6 +618,8 @@ void TFmConcilia::EscrevePedidos(const GravacaoPedidos& gravacao) {
                                .dt_vencto = gravacao.data,
                                .dt_cont = gravacao.data,
                                .tipo_doc = "DP"});
+  AnotaMovimento(Funcoes, gravacao.lancamento, "INCLUSAO DO LANCAMENTO PELOS PEDIDOS CONCILIADOS",
+                 TOperacaoLog::Inclusao);
 }
 
 void TFmConcilia::ApagaAnteriores(const GravacaoPedidos& gravacao) {
@@ -626,6 +629,9 @@ void TFmConcilia::ApagaAnteriores(const GravacaoPedidos& gravacao) {
     movimentos += db.Execute("DELETE FROM " + Funcoes.DBLocal("CONTACOR", true) + " WHERE " +
                              Igual("LANCAMENTO", numero) +
                              " AND COALESCE(LANC_CON, '') = '' AND COALESCE(PENDENTE, '') <> 'C'");
+    Contabil.DeletaAnexos(numero);
+    AnotaMovimento(Funcoes, numero, "EXCLUSAO DO LANCAMENTO, SUBSTITUIDO POR " + gravacao.lancamento,
+                   TOperacaoLog::Exclusao);
     Contabil.DeletaContabilidadeFinan(numero);
     ApagaRateioDoMovimento(Funcoes, Tabela, numero);
   }

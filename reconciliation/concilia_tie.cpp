@@ -7,6 +7,7 @@
 #include "rules/como_lido.h"
 #include "rules/compensacao.h"
 #include "rules/conta_contabil.h"
+#include "rules/historico.h"
 #include "toolkit/text.h"
 
 namespace orv {
@@ -291,7 +292,13 @@ void TFmConcilia::ConciliaLinhas(const std::vector<Conjunto>& conjuntos) {
       lugares.push_back(i);
     }
   }
-  if (Executa(comandos) == static_cast<int64_t>(comandos.size())) return;
+  if (Executa(comandos) == static_cast<int64_t>(comandos.size())) {
+    for (const Conjunto& conjunto : conjuntos) {
+      for (const int64_t i : conjunto.linhas)
+        AnotaLinha(Funcoes, TbArq.Cell(i, TbArq.Lancto).AsString(), "CONCILIACAO " + conjunto.numero);
+    }
+    return;
+  }
   for (std::size_t i = 0; i < como_lidas.size(); ++i) {
     if (!Ha("EXTRATO", como_lidas[i]))
       Mudou("a linha " + TbArq.Cell(lugares[i], TbArq.Lancto).AsString() + " do extrato");
@@ -312,6 +319,9 @@ void TFmConcilia::BitBtn8Click() {
   const std::string lancto = TbMov.Lancto.AsString();
   const std::string desta = " WHERE LANC_CON = " + Funcoes.Aspas(numero);
   TOrvDatabase& db = Tabela.IBDatabase();
+  const auto outros = db.Rows("SELECT DISTINCT LANCAMENTO FROM " + Funcoes.DBLocal("CONTACOR", true) + desta +
+                              " AND LANCAMENTO <> " + Funcoes.Aspas(lancto));
+  const auto linhas = db.Rows("SELECT LANCTO FROM " + Funcoes.DBLocal("EXTRATO", true) + desta);
   if (db.Execute("UPDATE " + Funcoes.DBLocal("CONTACOR", true) + " SET PENDENTE = 'S', LANC_CON = ''" +
                  desta) == 0) {
     EdtConcilia.Clear();
@@ -322,6 +332,10 @@ void TFmConcilia::BitBtn8Click() {
   db.Execute("UPDATE " + Funcoes.DBLocal("EXTRATO", true) + " SET CONCILIADO = 'N', LANC_CON = ''" + desta);
   ApagaPartidasDaCompensacao(Funcoes, Contabil, Tabela, numero);
   Funcoes.GeraLog("CONCILIACAO", "VOLTA CONCILIACAO DO LANCAMENTO " + lancto, TOperacaoLog::Processo, lancto);
+  // What else was in it is told under its own number.
+  for (const auto& outro : outros)
+    AnotaMovimento(Funcoes, outro[0].AsString(), "VOLTA DA CONCILIACAO " + numero);
+  for (const auto& linha : linhas) AnotaLinha(Funcoes, linha[0].AsString(), "VOLTA DA CONCILIACAO " + numero);
   EdtConcilia.Clear();
   Tabela.CommitRetaining();
   BitBtn1Click();

@@ -31,5 +31,5 @@ install_packages() {
 
 # What the desk needs to be built and to run.
 build_packages=(g++ cmake ninja-build firebird3.0-server-core libfbclient2 firebird-dev libboost1.81-dev
-  libsodium-dev libssl-dev libcli11-dev pkg-config libcairo2-dev libxlsxwriter-dev libzip-dev
+  libsodium-dev libssl-dev libcli11-dev pkg-config libcairo2-dev libxlsxwriter-dev libzip-dev zlib1g-dev
   libexpat1-dev fonts-dejavu-core)

@@ -27,8 +27,8 @@ if (process.argv.includes("--tests")) {
   mkdirSync(out);
   cpSync(join(here, "static"), out, { recursive: true });
   await build({
-    entryPoints: [join(here, "src", "main.ts")],
-    outfile: join(out, "app.js"),
+    entryPoints: { app: join(here, "src", "main.ts"), begin: join(here, "src", "begin.ts") },
+    outdir: out,
     bundle: true,
     minify: true,
     format: "iife",

@@ -87,7 +87,7 @@ class Server::Parts : private HttpHandler {
   void Me(const HttpRequest& request, const Respond& respond);
   void Preferences(const HttpRequest& request, const Respond& respond);
   void SetPreference(const HttpRequest& request, const Respond& respond);
-  void FetchReport(const HttpRequest& request, const Respond& respond);
+  void FetchFile(const HttpRequest& request, const Respond& respond);
 
   // --- Who may be at the desk (server_access.cpp).
   // Nothing after the refusal was sent.

@@ -3,10 +3,13 @@
 #include <sodium.h>
 
 #include <array>
+#include <cctype>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "host/print/writers.h"
+#include "host/services/anexo_conteudo.h"
 
 namespace orv {
 namespace {
@@ -35,28 +38,59 @@ std::string Policy() {
          "'; base-uri 'none'; form-action 'none'; frame-ancestors 'self'";
 }
 
-}  // namespace
-
-HttpResponse ReportResponse(const std::filesystem::path& file, const std::string& name) {
+// Nothing when it is gone.
+std::optional<std::string> ContentOf(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);
   std::ostringstream content;
   content << in.rdbuf();
-  if (!in) return {404, "text/plain; charset=utf-8", "O relatório não está mais aberto.\n", {}};
+  return in ? std::optional(std::move(content).str()) : std::nullopt;
+}
+
+// The name without what isn't plain.
+std::string Plain(const std::string& name) {
+  std::string plain;
+  for (const char c : name) {
+    const bool kept =
+        (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.';
+    plain += kept ? c : '_';
+  }
+  return plain;
+}
+
+}  // namespace
+
+HttpResponse AttachmentResponse(const std::filesystem::path& file, const std::string& name) {
+  const AnexoTipo* type = FindAnexoTipo(file.extension().string());
+  auto content = ContentOf(file);
+  if (!content || type == nullptr)
+    return {404, "text/plain; charset=utf-8", "O anexo não está mais aqui.\n", {}};
+  // A browser that reads the second name takes it; the first is for one that doesn't.
+  std::string encoded;
+  for (const char c : name) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const auto byte = static_cast<unsigned char>(c);
+    const bool kept = byte < 0x80 && (std::isalnum(byte) != 0 || c == '.' || c == '-' || c == '_');
+    encoded += kept ? std::string(1, c) : std::string{'%', kDigits[byte >> 4], kDigits[byte & 15]};
+  }
+  return {
+      200,
+      std::string(type->media),
+      std::move(*content),
+      {{"Content-Security-Policy", "default-src 'none'; sandbox"},
+       {"Content-Disposition", "attachment; filename=\"" + Plain(name) + "\"; filename*=UTF-8''" + encoded}}};
+}
+
+HttpResponse ReportResponse(const std::filesystem::path& file, const std::string& name) {
+  auto content = ContentOf(file);
+  if (!content) return {404, "text/plain; charset=utf-8", "O relatório não está mais aberto.\n", {}};
   for (const Form& form : kForms) {
     if (file.extension() != form.extension) continue;
-    // The name is the address's; the header holds nothing of it that isn't plain.
-    std::string plain;
-    for (const char c : name) {
-      const bool kept =
-          (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.';
-      plain += kept ? c : '_';
-    }
     return {200,
             std::string(form.type),
-            std::move(content).str(),
+            std::move(*content),
             {{"Content-Security-Policy", Policy()},
              {"Content-Disposition", std::string(form.shown ? "inline" : "attachment") + "; filename=\"" +
-                                         plain.substr(0, 100) + "\""}}};
+                                         Plain(name).substr(0, 100) + "\""}}};
   }
   return {404, "text/plain; charset=utf-8", "O relatório não está mais aberto.\n", {}};
 }

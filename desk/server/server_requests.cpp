@@ -11,7 +11,7 @@ namespace orv {
 namespace {
 
 constexpr std::chrono::seconds kCompaniesFor{30};
-constexpr std::string_view kReports = "/relatorio/";
+constexpr std::string_view kReports = "/relatorio/", kAttachments = "/anexo/";
 constexpr std::string_view kUpload = "/upload";
 
 // "session" of "session=1f2e".
@@ -71,8 +71,9 @@ void Server::Parts::Handle(const HttpRequest& request, Respond respond) {
     }
     return;
   }
-  if (request.method == "GET" && request.path.starts_with(kReports)) {
-    FetchReport(request, respond);
+  if (request.method == "GET" &&
+      (request.path.starts_with(kReports) || request.path.starts_with(kAttachments))) {
+    FetchFile(request, respond);
     return;
   }
   if (allowed.empty()) allowed = "GET, HEAD";
@@ -197,18 +198,21 @@ void Server::Parts::SetPreference(const HttpRequest& request, const Respond& res
   });
 }
 
-void Server::Parts::FetchReport(const HttpRequest& request, const Respond& respond) {
+void Server::Parts::FetchFile(const HttpRequest& request, const Respond& respond) {
   const Login* login = RequireLogin(request, respond);
   if (login == nullptr) return;
-  const std::string_view rest = std::string_view(request.path).substr(kReports.size());
-  const std::size_t slash = rest.find('/');
-  const std::filesystem::path file = sessions_.ReportOf(login->id, rest.substr(0, slash));
-  const std::string name(slash == std::string_view::npos ? "" : rest.substr(slash + 1));
-  if (file.empty()) {
-    respond(Told(404, "O relatório não está mais aberto."));
+  const bool attachment = request.path.starts_with(kAttachments);
+  const std::string_view rest =
+      std::string_view(request.path).substr((attachment ? kAttachments : kReports).size());
+  const auto file = sessions_.FileOf(login->id, rest.substr(0, rest.find('/')));
+  if (!file || file->attachment != attachment) {
+    respond(Told(404, attachment ? "O anexo não está mais aqui. Peça-o de novo."
+                                 : "O relatório não está mais aberto."));
     return;
   }
-  JobOf(*login, respond, [file, name] { return ReportResponse(file, name); });
+  JobOf(*login, respond, [file = *file] {
+    return file.attachment ? AttachmentResponse(file.path, file.name) : ReportResponse(file.path, file.name);
+  });
 }
 
 HttpResponse Server::Parts::Upgrade(const HttpRequest& request) {

@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t kLongMessage = 64 << 10;
 // Objects that a link may send ahead of their answers.
 constexpr int kMostUnanswered = 32;
-// Files of reports that a window keeps.
-constexpr std::size_t kMostReports = 20;
+// Files of reports and attachments that a window keeps.
+constexpr std::size_t kMostFiles = 20;
 
 Json ParseOrNull(const std::string& text) {
   try {
@@ -31,14 +31,14 @@ Json ParseOrNull(const std::string& text) {
 struct ServerSessions::Said {
   explicit Said(const Json& out)
       : kind(out["on"].String()), file(out["for"] == Json("file")), text(out.Text()) {
-    if (kind == "report" && out["file"].IsString()) report = out;
+    if ((kind == "report" || kind == "attachment") && out["file"].IsString()) handed = out;
   }
 
   std::string kind;
   bool file;
   std::string text;
-  // A report that was written to a file; the display is told an address instead.
-  Json report;
+  // What was written to a file, a report or an attachment; the display is told an address instead.
+  Json handed;
 };
 
 struct ServerSessions::Window {
@@ -59,11 +59,11 @@ struct ServerSessions::Window {
   // A file is asked for.
   bool file = false;
   std::string end_text;
-  // The reports that may be fetched, by the secret part of their address; the oldest goes first.
-  std::deque<std::pair<std::string, std::filesystem::path>> reports;
+  // The files that may be fetched, by the secret part of their address; the oldest goes first.
+  std::deque<std::pair<std::string, HandedFile>> files;
 
   ~Window() {
-    for (const auto& [secret, file] : reports) Remove(file);
+    for (const auto& [secret, file] : files) Remove(file.path);
   }
   static void Remove(const std::filesystem::path& file) {
     std::error_code error;
@@ -272,7 +272,7 @@ void ServerSessions::Out(const std::string& id, Said said) {
     if (gone_) gone_();
     return;
   }
-  if (said.report.IsObject()) said.text = Addressed(*window, said.report).Text();
+  if (said.handed.IsObject()) said.text = Addressed(*window, said.handed).Text();
   if (kind == "idle" || kind == "waiting") {
     if (window->unanswered > 0) --window->unanswered;
     window->file = said.file;
@@ -282,31 +282,34 @@ void ServerSessions::Out(const std::string& id, Said said) {
   if (window->next && window->unanswered < kMostUnanswered) std::exchange(window->next, nullptr)();
 }
 
-Json ServerSessions::Addressed(Window& window, const Json& report) {
-  const std::filesystem::path file = report["file"].String();
+Json ServerSessions::Addressed(Window& window, const Json& handed) {
+  const std::filesystem::path file = handed["file"].String();
+  const bool attachment = handed["on"] == Json("attachment");
   const std::string secret = RandomHex(128);
-  window.reports.emplace_back(secret, file);
-  if (window.reports.size() > kMostReports) {
-    Window::Remove(window.reports.front().second);
-    window.reports.pop_front();
-  }
   // Under the name that the user keeps it by.
-  const std::string name = file.stem().string();
+  const std::string stem = file.stem().string();
+  const std::string name =
+      attachment ? handed["name"].String() : stem.substr(0, stem.rfind('-')) + file.extension().string();
+  window.files.emplace_back(secret, HandedFile{file, name, attachment});
+  if (window.files.size() > kMostFiles) {
+    Window::Remove(window.files.front().second.path);
+    window.files.pop_front();
+  }
+  if (attachment) return {{"on", "attachment"}, {"name", name}, {"address", "/anexo/" + secret}};
   return {{"on", "report"},
-          {"id", report["id"]},
-          {"format", report["format"]},
-          {"address",
-           "/relatorio/" + secret + "/" + name.substr(0, name.rfind('-')) + file.extension().string()}};
+          {"id", handed["id"]},
+          {"format", handed["format"]},
+          {"address", "/relatorio/" + secret + "/" + name}};
 }
 
-std::filesystem::path ServerSessions::ReportOf(const std::string& login, std::string_view secret) const {
+std::optional<HandedFile> ServerSessions::FileOf(const std::string& login, std::string_view secret) const {
   for (const auto& [id, window] : windows_) {
     if (window->login != login) continue;
-    for (const auto& [known, file] : window->reports) {
+    for (const auto& [known, file] : window->files) {
       if (known == secret) return file;
     }
   }
-  return {};
+  return std::nullopt;
 }
 
 void ServerSessions::End(Window& window, const std::string& text) {

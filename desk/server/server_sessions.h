@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,13 @@
 #include "desk/session/session.h"
 
 namespace orv {
+
+// A file that a session wrote for its display: a report, or an attachment under the name that it has there.
+struct HandedFile {
+  std::filesystem::path path;
+  std::string name;
+  bool attachment = false;
+};
 
 class ServerSessions {
  public:
@@ -56,8 +64,8 @@ class ServerSessions {
   // Ends the sessions whose browser has been away for the grace time.
   void Sweep();
 
-  // The file of a report of that login by the secret of its address, empty for none.
-  std::filesystem::path ReportOf(const std::string& login, std::string_view secret) const;
+  // A file of that login by the secret of its address.
+  std::optional<HandedFile> FileOf(const std::string& login, std::string_view secret) const;
 
   std::size_t Count() const { return windows_.size(); }
   std::size_t CountOf(const std::string& login) const;
@@ -79,8 +87,8 @@ class ServerSessions {
   struct Said;
   void Out(const std::string& id, Said said);
   void End(Window& window, const std::string& text);
-  // A report's file becomes an address of the window's.
-  static Json Addressed(Window& window, const Json& report);
+  // A file becomes an address of the window's.
+  static Json Addressed(Window& window, const Json& handed);
 
   Limits limits_;
   Hooks hooks_;

@@ -141,7 +141,7 @@ void Session::Serve() {
     Handle(Take().in);
     application_->FreeClosed();
     in_order_ = Guarded("order", [this] { services_->AfterAction(); });
-    Collect();
+    Collect(true);
     Settle({{"on", "idle"}});
   }
 }
@@ -199,7 +199,7 @@ void Session::SendAll() {
       ToldFailure("refresh", e);
     }
   }
-  Collect();
+  Collect(true);
   if (busy_) Send({{"on", "busy"}, {"value", true}});
   if (!question_.IsNull()) Send(question_);
   Send(settled_);
@@ -220,6 +220,7 @@ void Session::SendScreen(Screen& screen, Shown& shown) {
   shown.sent.clear();
   shown.sets.clear();
   shown.focus.clear();
+  shown.record.clear();
   shown.badge = screen.Badge();
   Send({{"on", "screen"},
         {"id", shown.id},

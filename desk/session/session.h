@@ -22,6 +22,7 @@
 #include "desk/login_seal.h"
 #include "desk/session/user_files.h"
 #include "frame/application.h"
+#include "frame/registro.h"
 #include "host/data/attachment.h"
 #include "host/print/report.h"
 #include "host/services/kept_filters.h"
@@ -32,6 +33,7 @@
 namespace orv {
 
 class TOrvDBGrid;
+struct Anexo;
 
 struct SessionOptions {
   std::string database;
@@ -103,7 +105,11 @@ class Session : private UserInterface, private ApplicationObserver {
     std::map<const DataSet*, std::string> sets;  // what was told of them, as text
     std::string focus;
     std::string badge;
-    FieldTexts began;     // the filters with which it opened
+    FieldTexts began;    // the filters with which it opened
+    std::string record;  // the one in front, as text
+    // How many files are attached to the movement in front; looked up again when `movement` is another.
+    std::string movement;
+    int64_t attachments = 0;
     std::string rights;   // what the user may do on it, as of the latest action
     bool behind = false;  // looking at it was cut short: all of it is looked at again
   };
@@ -157,8 +163,9 @@ class Session : private UserInterface, private ApplicationObserver {
   bool Reach(Control& control);
 
   // --- What is shown (session_state.cpp).
-  void Collect();
-  void CollectScreen(Screen& screen, Shown& shown);
+  // Amid an action, which may be at work in another company, the record in front isn't looked at.
+  void Collect(bool ended);
+  void CollectScreen(Screen& screen, Shown& shown, bool ended);
   Json Tree(const Form& form) const;
   Json ControlNode(const Control& control) const;
   Json State(const Json& in) const;
@@ -175,6 +182,23 @@ class Session : private UserInterface, private ApplicationObserver {
   static void AddWindow(Json& out, const TOrvDBGrid& grid, const Json& in, int64_t from, int64_t count);
   static Json Sums(const TOrvDBGrid& grid, const Json& ranges);
   void Export(const Json& in);
+
+  // --- Beside the record in front (session_record.cpp).
+  // False for a verb of another kind.
+  bool RecordAction(const std::string& verb, const Json& in);
+  // What is told of it; null without one.
+  Json RecordOf(Screen& screen, Shown& shown);
+  void ShowHistory();
+  // That of the screen on top, with a movement; and one whose attachments the user may change.
+  Registro AttachableRecord() const;
+  Registro ChangeableRecord() const;
+  void SendAttachments(const Registro& record);
+  // Commits, and tells what there is now.
+  void AttachmentsChanged(const Registro& record);
+  void Attach();
+  void Detach(const Json& in);
+  void Download(const Json& in);
+  Anexo AttachmentNamed(const Registro& record, const Json& in);
 
   // --- What screens ask (session_user.cpp).
   Answer Message(MessageKind kind, std::string_view title, std::string_view text, Answer initial) override;
@@ -217,6 +241,8 @@ class Session : private UserInterface, private ApplicationObserver {
   void BeginWithLatest(Screen& screen);
   void KeepLatest(const Json& in);
   KeptFilters Kept();
+  // Where a file for the display is written; `what` names it to the user where that can't be.
+  std::filesystem::path ScratchFolder(const char* what) const;
 
   // Sends a question and waits until `answer` takes an object as its answer; other objects are refused.
   void Wait(const char* what, const Json& question, const std::function<bool(const Json&)>& answer);

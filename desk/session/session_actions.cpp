@@ -163,7 +163,7 @@ void Session::Act(const Json& in) {
     FiltersAct(in);
   } else if (verb == "favourites") {
     FavouritesAct(in);
-  } else {
+  } else if (!RecordAction(verb, in)) {
     throw RequestError("O pedido \"" + verb + "\" não existe.");
   }
 }

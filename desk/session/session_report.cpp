@@ -151,6 +151,16 @@ void Session::LaunchReport(const ReportLaunch& launch) {
   }
 }
 
+std::filesystem::path Session::ScratchFolder(const char* what) const {
+  const std::filesystem::path& folder = options_.scratch;
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  // A link that stands there by accident leads nowhere else.
+  if (std::filesystem::is_symlink(folder, error) || !std::filesystem::is_directory(folder, error))
+    throw UserError("A pasta " + std::string(what) + " não pode ser usada.");
+  return folder;
+}
+
 void Session::RenderReport(const Json& in) {
   const auto found = std::find_if(reports_.begin(), reports_.end(),
                                   [&](const Launched& one) { return in["id"] == Json(one.id); });
@@ -170,14 +180,9 @@ void Session::RenderReport(const Json& in) {
 
 std::filesystem::path Session::Written(const Report& report, const std::string& name,
                                        const std::string& format, std::size_t table) {
-  const std::filesystem::path& folder = options_.scratch;
   std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  // A link that stands there by accident leads nowhere else.
-  if (std::filesystem::is_symlink(folder, error) || !std::filesystem::is_directory(folder, error)) {
-    throw UserError("A pasta dos relatórios não pode ser usada.");
-  }
-  const std::filesystem::path file = folder / (name + "-" + RandomHex(64) + "." + format);
+  const std::filesystem::path file =
+      ScratchFolder("dos relatórios") / (name + "-" + RandomHex(64) + "." + format);
   try {
     WriteReport(report, format, file, table);
   } catch (...) {

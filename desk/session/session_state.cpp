@@ -56,10 +56,10 @@ Json Session::Tree(const Form& form) const {
   return {{"layout", std::move(rows)}, {"keyPreview", form.KeyPreview}};
 }
 
-void Session::Collect() {
+void Session::Collect(bool ended) {
   for (Screen* screen : application_->Shown()) {
     try {
-      CollectScreen(*screen, shown_[screen]);
+      CollectScreen(*screen, shown_[screen], ended);
     } catch (const SilentAbort&) {
     } catch (const std::exception& e) {
       ToldFailure("collect", e);
@@ -70,7 +70,7 @@ void Session::Collect() {
   front_ = front;
 }
 
-void Session::CollectScreen(Screen& screen, Shown& shown) {
+void Session::CollectScreen(Screen& screen, Shown& shown, bool ended) {
   const bool all = std::exchange(shown.behind, true);
   Json::Object controls;
   Json::Object sets;
@@ -110,10 +110,14 @@ void Session::CollectScreen(Screen& screen, Shown& shown) {
   shown.focus = std::move(focus);
   const bool named = screen.Badge() != shown.badge;
   shown.badge = screen.Badge();
-  if (controls.empty() && sets.empty() && !refocused && !named) return;
+  const Json record = ended ? RecordOf(screen, shown) : Json();
+  const bool another = ended && record.Text() != shown.record && !(record.IsNull() && shown.record.empty());
+  if (another) shown.record = record.IsNull() ? "" : record.Text();
+  if (controls.empty() && sets.empty() && !refocused && !named && !another) return;
   Json change{{"on", "change"}, {"screen", shown.id}, {"controls", std::move(controls)}};
   if (refocused) change.Set("focus", shown.focus);
   if (named) change.Set("badge", shown.badge);
+  if (another) change.Set("record", record);
   if (!sets.empty()) change.Set("sets", std::move(sets));
   Send(change);
 }

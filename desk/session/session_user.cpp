@@ -85,7 +85,7 @@ void Session::Wait(const char* what, const Json& question, const std::function<b
   // However the question ends, it is no longer open.
   const AtEnd closed([this] { question_ = Json(); });
   EndGathering();
-  Collect();
+  Collect(false);
   question_ = question;
   Send(question);
   Settle(waiting);
@@ -301,7 +301,7 @@ void Session::RunModal(Form& form) {
   auto& screen = dynamic_cast<Screen&>(form);
   application_->HandleShown(screen);
   while (!screen.Closed()) {
-    Collect();
+    Collect(false);
     Settle({{"on", "idle"}});
     Handle(Take().in);
   }

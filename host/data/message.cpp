@@ -17,7 +17,7 @@ constexpr int32_t kEpochDay = 40587;
 constexpr int64_t kSecondsOfDay = 86400;
 // The engine counts time in ten-thousandths of a second.
 constexpr int64_t kTicks = 10000;
-constexpr std::size_t kLargestText = std::size_t{1} << 20;
+constexpr std::size_t kLargestText = std::size_t{1} << 20, kLargestBytes = std::size_t{8} << 20;
 constexpr unsigned kCharsetNone = 0, kCharsetOctets = 1, kCharsetAscii = 2, kCharsetFss = 3, kCharsetUtf8 = 4;
 constexpr int kTextBlob = 1;
 
@@ -152,8 +152,11 @@ std::string ReadBlob(const Field& field, const unsigned char* at, const BlobSour
     Check(call);
     if (result == Firebird::IStatus::RESULT_NO_DATA) break;
     text.append(part.data(), length);
-    if (text.size() > kLargestText)
-      throw DatabaseError(DatabaseError::Kind::Limit, 0, "Um texto do banco de dados tem mais de 1 MiB.", "");
+    if (text.size() > (field.subtype == kTextBlob ? kLargestText : kLargestBytes))
+      throw DatabaseError(DatabaseError::Kind::Limit, 0,
+                          field.subtype == kTextBlob ? "Um texto do banco de dados tem mais de 1 MiB."
+                                                     : "Um arquivo do banco de dados tem mais de 8 MiB.",
+                          "");
   }
   blob->close(call());
   if (!call.Failed()) static_cast<void>(blob.release());

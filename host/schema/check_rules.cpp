@@ -38,6 +38,11 @@ FROM {CONTACOR} GROUP BY LANCAMENTO, CONTA) A WHERE A.SALDO <> 0 GROUP BY A.LANC
     {"CONTACOR", R"(SELECT LANCAMENTO, LANC_CON FROM {CONTACOR} WHERE PENDENTE = 'S' AND LANC_CON > '')",
      "lançamento %1: pendente, mas com a conciliação %2."},
 
+    {"CONTACOR",
+     R"(SELECT DISTINCT A.LANCAMENTO FROM {ANEXO} A WHERE NOT EXISTS (SELECT 1 FROM {CONTACOR} M WHERE
+M.LANCAMENTO = A.LANCAMENTO))",
+     "anexo do lançamento %1: o lançamento não existe."},
+
     // Numbers. Movements and clearings draw theirs from one source.
     {"CONTACOR",
      R"(SELECT DISTINCT N.LANC_CON FROM {CONTACOR} N WHERE N.LANC_CON > '' AND EXISTS (SELECT 1 FROM {CONTACOR}

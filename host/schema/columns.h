@@ -26,6 +26,7 @@ inline ColumnDef Integer(std::string name, std::string initial = {}) {
 inline ColumnDef SmallInt(std::string name, std::string initial = "0") {
   return {std::move(name), ColumnType::SmallInt, 0, std::move(initial)};
 }
+inline ColumnDef Bytes(std::string name) { return {std::move(name), ColumnType::Bytes, 0, {}}; }
 inline ColumnDef Moment(std::string name) {
   return {std::move(name), ColumnType::Timestamp, 0, "CURRENT_TIMESTAMP"};
 }

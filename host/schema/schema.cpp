@@ -160,6 +160,12 @@ const Step kSteps[] = {
     {4, JoinNumbers},
     {5, FillKinds},
     {6, KeepSums},
+    {7,
+     [](Attachment& db) {
+       std::vector<std::string> ddl;
+       for (const std::string& company : CompanySuffixes(db)) Append(ddl, *FindTable("ANEXO"), company);
+       RunDdl(db, ddl);
+     }},
 };
 
 }  // namespace

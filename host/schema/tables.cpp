@@ -34,6 +34,8 @@ std::string TypeSql(const ColumnDef& column) {
       return "SMALLINT";
     case ColumnType::Timestamp:
       return "TIMESTAMP";
+    case ColumnType::Bytes:
+      return "BLOB SUB_TYPE 0";
   }
   return {};
 }

@@ -8,7 +8,7 @@
 namespace orv {
 
 // Money is NUMERIC(18,4). Double is for quantities, unit prices, costs, percentages and rates.
-enum class ColumnType { Text, Money, Double, Date, Integer, SmallInt, Timestamp };
+enum class ColumnType { Text, Money, Double, Date, Integer, SmallInt, Timestamp, Bytes };
 
 struct ColumnDef {
   std::string name;

@@ -29,6 +29,13 @@ std::vector<TableDef> LedgerTables() {
        {},
        {{{"DATA", "CONTA", "MES"}}}},
 
+      // Files beside the movement of that number, whatever its rows.
+      {"ANEXO",
+       {Movement("LANCAMENTO"), SmallInt("NUMERO"), Text("NOME", 120), Text("TIPO", 4), Integer("TAMANHO"),
+        Text("SHA256", 64), Text("LOGIN", 40), Moment("MOMENTO"), Bytes("CONTEUDO")},
+       {"LANCAMENTO", "NUMERO"},
+       {}},
+
       // Besides accounts of the chart, CONTA_C and CONTA_D take bank accounts and codes of entities.
       {"CONTABIL",
        {Movement("LANCAMENTO"), Text("DOCTO", 12), Text("DOCTO2", 12), Text("CONTA_C", 13),

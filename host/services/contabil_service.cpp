@@ -47,6 +47,7 @@ void ContabilService::LancaContaCorrente(const MovimentoConta& m) {
 
 void ContabilService::DeletaContaCorrente(std::string_view lancamento) {
   db_.Execute("DELETE FROM " + Local("CONTACOR") + " WHERE LANCAMENTO = " + SqlLiteral(lancamento));
+  DeletaAnexos(lancamento);
 }
 
 void ContabilService::LancaContabilidade(const LinhaContabil& l) {

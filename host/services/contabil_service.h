@@ -9,6 +9,7 @@
 
 #include "frame/application.h"
 #include "frame/services.h"
+#include "host/services/anexos.h"
 #include "host/services/apportion.h"
 #include "host/services/calendar.h"
 #include "host/services/locks.h"
@@ -19,13 +20,19 @@ namespace orv {
 class ContabilService : public IContabil {
  public:
   ContabilService(Application& application, TOrvDatabase& db, TabelaService& tabela, PeriodLocks& locks,
-                  Calendar& calendar)
-      : application_(application), db_(db), tabela_(tabela), locks_(locks), calendar_(calendar) {}
+                  Calendar& calendar, Anexos& anexos)
+      : application_(application),
+        db_(db),
+        tabela_(tabela),
+        locks_(locks),
+        calendar_(calendar),
+        anexos_(anexos) {}
 
   std::unique_ptr<TContabil> Create() override;
 
   void LancaContaCorrente(const MovimentoConta& movimento) override;
   void DeletaContaCorrente(std::string_view lancamento) override;
+  void DeletaAnexos(std::string_view lancamento) override { anexos_.ExcluiSemMovimento(lancamento); }
   void LancaContabilidade(const LinhaContabil& linha) override;
   void DeletaContabilidadeFinan(std::string_view lancamento) override;
   std::vector<RegraRateio> RegrasRateio(std::string_view classe, std::string_view tipo,
@@ -62,6 +69,7 @@ class ContabilService : public IContabil {
   TabelaService& tabela_;
   PeriodLocks& locks_;
   Calendar& calendar_;
+  Anexos& anexos_;
 
   // What was asked for without being stored yet: the user isn't asked a second time.
   struct AskedShares {

@@ -51,7 +51,11 @@ struct SessionServices::Parts {
                    return std::make_unique<ChequePrinter>(
                        [](Currency amount) { return AmountInWords(amount.Cents()); }, SystemChequePort);
                  }}),
-        contabil(application, db, tabela, locks, calendar) {
+        anexos(db, audit, parameters, application.GetClock(), login, company,
+               [this] {
+                 return tabela.GetCompanies().GetSharing().SuffixOf("CONTACOR", tabela.CurrentCompany());
+               }),
+        contabil(application, db, tabela, locks, calendar, anexos) {
     db.SetLocalName([this](std::string_view table) {
       return tabela.GetCompanies().Physical(table, tabela.CurrentCompany());
     });
@@ -72,6 +76,7 @@ struct SessionServices::Parts {
   TabelaService tabela;
   Numbering numbering;
   FuncoesService funcoes;
+  orv::Anexos anexos;
   ContabilService contabil;
   SheetReader sheets;
 };
@@ -96,6 +101,7 @@ orv::Parameters& SessionServices::Parameters() const { return parts_->parameters
 PeriodLocks& SessionServices::Locks() const { return parts_->locks; }
 orv::Audit& SessionServices::Audit() const { return parts_->audit; }
 orv::Calendar& SessionServices::Calendar() const { return parts_->calendar; }
+orv::Anexos& SessionServices::Anexos() const { return parts_->anexos; }
 orv::Preferences& SessionServices::Preferences() const { return parts_->preferences; }
 const orv::Companies& SessionServices::Companies() const { return parts_->tabela.GetCompanies(); }
 const std::string& SessionServices::Login() const { return parts_->login; }

@@ -9,6 +9,7 @@
 
 namespace orv {
 
+class Anexos;
 class Attachment;
 class Audit;
 class Calendar;
@@ -35,6 +36,7 @@ class SessionServices {
   PeriodLocks& Locks() const;
   orv::Audit& Audit() const;
   orv::Calendar& Calendar() const;
+  orv::Anexos& Anexos() const;
   orv::Preferences& Preferences() const;
   const orv::Companies& Companies() const;
   // The user's login as it was entered when the user was made, and the company's suffix.

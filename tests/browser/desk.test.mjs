@@ -197,9 +197,9 @@ async function enterAsLeo() {
 test("the own password and sessions, by keyboard", async () => {
   const [page, other] = [await enterAsLeo(), await enterAsLeo()];
   await keys(page, "senha", "Enter");
-  const box = page.getByRole("dialog", { name: "Minha senha e sessões" });
+  const box = page.getByRole("dialog", { name: "Minha conta" });
   await box.getByText("Esta sessão").waitFor();
-  await keys(page, "não é esta", "Tab", "outra mesa 2026", "Tab", "outra mesa 2027", "Enter");
+  await keys(page, "Tab", "Tab", "Tab", "Tab", "não é esta", "Tab", "outra mesa 2026", "Tab", "outra mesa 2027", "Enter");
   await box.getByText("As duas senhas novas não são iguais.").waitFor();
   await keys(page, "Control+a", "outra mesa 2026", "Alt+t");
   await box.getByText("A senha atual não confere.").waitFor();
@@ -208,7 +208,7 @@ test("the own password and sessions, by keyboard", async () => {
   await keys(page, "Control+a", "pao de queijo 7", "Enter");
   await box.getByText("Senha trocada.").waitFor();
   await other.getByText("Sua senha foi trocada em outra sessão. Entre de novo.").waitFor();
-  await until("uma sessão", async () => (await box.getByRole("option").count()) === 1);
+  await until("uma sessão", async () => (await box.locator(".own-item").count()) === 1);
   await keys(page, "Alt+e");
   await box.getByText("use Sair").waitFor();
   await keys(page, "Escape");

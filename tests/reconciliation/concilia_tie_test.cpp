@@ -45,6 +45,7 @@ TEST_F(TieTest, SeveralLinesOneNumber) {
                   ? "A1|N|" + n + "|2026-11-12;A1|N|" + n + "|2026-11-12;A1|S||2026-11-10;A2|S||2026-11-10"
                   : "A1|N|" + n + "|2026-11-22;A1|N|" + n + "|2026-11-10;A1|S||2026-11-10;A2|S||2026-11-10");
     EXPECT_EQ(Audit("CONCILIACAO"), "CONCILIACAO DO LANCAMENTO A1|3|A1");
+    EXPECT_EQ(Audit("LINHA EXTRATO"), "CONCILIACAO " + n + "|3|E2;CONCILIACAO " + n + "|3|E3");
     EXPECT_EQ(Posted(), "");
   }
 }
@@ -191,6 +192,8 @@ TEST_F(TieTest, TheUndoTakesTheWholeNumber) {
       Movements().ends_with("A1|S||2026-11-10;A2|S||2026-11-10;A3|N||2026-11-10;A4|N|000010|2026-11-10"));
   EXPECT_EQ(Lines(), "E1|N|");
   EXPECT_EQ(Audit("CONCILIACAO"), "VOLTA CONCILIACAO DO LANCAMENTO A1|3|A1");
+  EXPECT_EQ(Audit("MOVIMENTO") + Audit("LINHA EXTRATO"),
+            "VOLTA DA CONCILIACAO 000009|3|A2VOLTA DA CONCILIACAO 000009|3|E1");
   EXPECT_EQ(Listed(desk) + desk.Caption("LbVolta"), "A3 A4 / ");
   desk.Stand("OrvDBGrid1", 1);
   desk.Press("BitBtn8", "yes");

@@ -74,6 +74,15 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
             "903|33021-5|000124|2026-11-19|1500.0000|C|D'AGUA E UM TEXTO QUE PASSA DE CINQUENTA CARACTERE|N|"
             "2026-11-19|-");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'NOVEMBRO.OFX' AND CHAVE = LANCTO"), "1");
+  // A line's history tells the file that it came from.
+  desk.Page("TabSheet2");
+  desk.Click("sbUltimo");
+  desk.Do({{"do", "history"}});
+  ASSERT_EQ(desk.Latest().front()["on"].String(), "detail") << desk.Messages();
+  EXPECT_EQ(desk.Latest().front()["rows"].Items().at(0).Items().at(2).String(),
+            "IMPORTACAO DO ARQUIVO NOVEMBRO.OFX, CONTA 33021-5: 1 LINHAS");
+  desk.Answer("ok");
+  desk.Page("TabSheet3");
 
   // The name counts, not the folder nor the contents; another name is loaded, and its lines are counted.
   std::filesystem::create_directory(folder_.Path() / "copia");

@@ -73,7 +73,8 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
   CreateSchema(*db, {{"_001", "Primeira", ""}});
   // As the first version was.
   AddCompany(*db, {"_002", "Segunda", ""});
-  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ARQUIVO_EXTRATO_002"})
+  for (const char* table :
+       {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ARQUIVO_EXTRATO_002", "ANEXO_001", "ANEXO_002"})
     db->ExecuteDdl("DROP TABLE " + std::string(table));
   // Movements and clearings had a counter each; a lone number that was typed by hand takes nothing away.
   for (const char* company : {"_001", "_002"}) {
@@ -94,7 +95,8 @@ TEST(Schema, OlderIsUpgradedAndNewerRefused) {
             "O banco de dados é da versão 1" + needs + "Execute \"orvcc upgrade\".");
   UpgradeSchema(*db);
   RequireCurrentSchema(*db);
-  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001"}) EXPECT_TRUE(Exists(*db, table)) << table;
+  for (const char* table : {"PREFERENCIA", "ARQUIVO_EXTRATO_001", "ANEXO_002"})
+    EXPECT_TRUE(Exists(*db, table)) << table;
   EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_001, 0) FROM RDB$DATABASE").AsInteger(), 70);
   EXPECT_EQ(db->Scalar("SELECT GEN_ID(SQ_CONTACOR_LANCAMENTO_002, 0) FROM RDB$DATABASE").AsInteger(), 55);
   EXPECT_EQ(db->Scalar("SELECT COUNT(*) FROM RDB$GENERATORS WHERE RDB$GENERATOR_NAME CONTAINING 'LANC_CON'")

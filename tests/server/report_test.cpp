@@ -91,5 +91,41 @@ TEST_F(ServerReportTest, IsGivenToItsOwnLoginAndGoesWithTheWindow) {
   EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
+TEST_F(ServerReportTest, AnAttachmentIsKeptUnderItsNameAndNeverShown) {
+  Serve();
+  Browser ana = Ana();
+  Door door(ana);
+  door.Await();
+  door.Do({{"do", "open"}, {"class", "TfmCC"}});
+  door.Do({{"do", "click"}, {"control", "btnConsulta"}});
+  door.Do({{"do", "choose"}, {"rows", Json::Array{0}}});
+  door.Do({{"do", "attach"}});
+  // "%PDF-1 %%EOF"
+  const auto listed =
+      Only(door.Do({{"do", "file"}, {"name", "Recibo ç (1).html"}, {"content", "JVBERi0xICUlRU9G"}}),
+           "attachments");
+  ASSERT_EQ(listed.size(), 1U);
+  const auto given = Only(
+      door.Do(
+          {{"do", "download"}, {"record", listed[0]["record"]}, {"id", listed[0]["rows"].Items()[0]["id"]}}),
+      "attachment");
+  ASSERT_EQ(given.size(), 1U);
+  EXPECT_TRUE(given[0]["file"].IsNull()) << "a path of the desk's machine";
+  const std::string address = given[0]["address"].String();
+  const Answer file = ana.Get(address);
+  EXPECT_EQ(file.body, "%PDF-1 %%EOF");
+  for (const auto& [header, value] : {std::pair{"content-type", "application/pdf"},
+                                      {"content-security-policy", "default-src 'none'; sandbox"},
+                                      {"x-content-type-options", "nosniff"},
+                                      {"cache-control", "no-store"},
+                                      {"content-disposition",
+                                       "attachment; filename=\"Recibo_____1_.html.pdf\"; "
+                                       "filename*=UTF-8''Recibo%20%C3%A7%20%281%29.html.pdf"}})
+    EXPECT_EQ(file.Header(header), value);
+  EXPECT_EQ(Visitor().Get(address).status, 401);
+  EXPECT_EQ(Ana().Get(address).status, 404) << "another login";
+  EXPECT_EQ(ana.Get("/relatorio/" + address.substr(7)).status, 404) << "it is no report";
+}
+
 }  // namespace
 }  // namespace orv::test

@@ -1,6 +1,7 @@
 // What stands over the screens and is answered first: the desk's question, how far a long action is, and boxes
 // of the page itself, for which the desk doesn't wait.
 import type { upload } from "./api.ts";
+import { AttachmentsDialog } from "./dialogs/attachments.ts";
 import type { Dialog } from "./dialogs/dialog.ts";
 import { FileDialog } from "./dialogs/file.ts";
 import { LookupDialog } from "./dialogs/lookup.ts";
@@ -34,6 +35,8 @@ export interface BoxesUser {
   // Asks for a report's file; `done` tells whether it was answered.
   render(report: number | string, format: string, table: number, done: (answered: boolean) => void): void;
   send(object: In): void;
+  // What is asked of the attachments of a record: "attach", "detach", "download".
+  ofAttachments(verb: string, record: string, id: number | null, done: (answered: boolean) => void): void;
 }
 
 export class Boxes {
@@ -162,6 +165,33 @@ export class Boxes {
       () => this.close(box),
     );
     this.show(box);
+  }
+
+  // What the desk asks next stands where the list stood; it comes back with what has become of it.
+  attachments(out: Extract<Out, { on: "attachments" }>): void {
+    const old = this.attached;
+    if (old !== undefined) this.close(old);
+    const { record } = out;
+    const leave = (verb: string, id: number | null): void => {
+      this.close(box);
+      this.user.ofAttachments(verb, record, id, () => {});
+    };
+    const box: AttachmentsDialog = new AttachmentsDialog(
+      out,
+      {
+        download: (id) => this.user.ofAttachments("download", record, id, (answered) => answered || box.refused()),
+        attach: () => leave("attach", null),
+        detach: (id) => leave("detach", id),
+      },
+      () => this.close(box),
+    );
+    this.show(box);
+  }
+  attachment(out: Extract<Out, { on: "attachment" }>): void {
+    this.attached?.ready(out.address, out.name);
+  }
+  private get attached(): AttachmentsDialog | undefined {
+    return this.own.find((box): box is AttachmentsDialog => box instanceof AttachmentsDialog);
   }
 
   // --- The desk's question.

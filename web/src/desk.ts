@@ -9,6 +9,7 @@ import { AccountDialog } from "./dialogs/account.ts";
 import type { Dialog } from "./dialogs/dialog.ts";
 import { HelpDialog, type HelpOf } from "./dialogs/help.ts";
 import { ErrorDialog } from "./dialogs/message.ts";
+import { applyDisplay, kStart } from "./display.ts";
 import { Door, type DoorUser, type Link } from "./door.ts";
 import { Drafts } from "./drafts.ts";
 import { Frame, type FrameUser } from "./frame.ts";
@@ -50,6 +51,8 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   private busy = false;
   private draft: { id: number; name: string; text: string } | null = null;
   private greeted = false;
+  // A desk that is new to its user: his own first screen is still to come.
+  private begins = false;
   private abort = new AbortController();
 
   constructor(
@@ -163,7 +166,15 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
       this.openScreen(entry.class);
       return;
     }
-    const box: AccountDialog = new AccountDialog(this.me.user, () => this.boxes.close(box), () => this.loggedOut());
+    const user = {
+      remembered: (key: string) => this.remembered(key),
+      set: (key: string, value: string | null) => {
+        this.remember(key, value);
+        if (key !== kStart) applyDisplay((one) => this.remembered(one));
+      },
+      loggedOut: () => this.loggedOut(),
+    };
+    const box: AccountDialog = new AccountDialog(this.me, user, () => this.boxes.close(box));
     this.boxes.show(box);
   }
   raise(id: number): void {
@@ -278,6 +289,12 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
         if (this.asking("save")) this.frame.toast("stored", "Relatório guardado como favorito. Ctrl+Alt+F mostra os favoritos.");
         else this.boxes.favourites(out);
         break;
+      case "attachments":
+        this.boxes.attachments(out);
+        break;
+      case "attachment":
+        this.boxes.attachment(out);
+        break;
       case "progress":
         this.boxes.showProgress(out);
         break;
@@ -312,6 +329,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     const screen = this.screens.find((one) => one.id === out.screen);
     if (screen === undefined) return;
     const { object, press } = this.door.queue.current ?? {};
+    if (out.record !== undefined) {
+      screen.record = out.record;
+      this.showRecord();
+    }
     const opened = screen.change(out, object?.do === "choose");
     if (opened && press && object?.["screen"] === screen.id) screen.began(String(object["control"]));
   }
@@ -334,6 +355,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     }
     const first = !this.greeted && this.options.session === null && this.remembered(kGuide) === null;
     if (first && this.me.menu.some((entry) => entry.class === kGuided)) void this.guide.begin();
+    this.begins = !this.greeted && session !== this.options.session;
     this.greeted = true;
     this.session = session;
     for (const screen of this.screens) screen.destroy();
@@ -352,6 +374,11 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     this.boxes.endProgress();
     this.door.queue.keepScreen(this.top?.id ?? 0);
     for (const screen of this.screens) this.drafts.keep(screen.drafted());
+    if (this.begins) {
+      this.begins = false;
+      const first = this.remembered(kStart) ?? "";
+      if (this.screens.length === 0 && this.mayOpen(first)) this.openScreen(first);
+    }
     this.ready();
     if (!this.holding && this.topBox === null) this.takeUp.go();
   }
@@ -400,6 +427,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     const active = this.topChild;
     for (const screen of this.screens) if (!screen.dialog) screen.element.hidden = screen !== active;
     this.showTabs();
+    this.showRecord();
     this.takeUp.show();
     document.title = active === undefined ? this.me.companyName : `${active.caption} · ${this.me.companyName}`;
     // A dialog that comes back to the front stands over the others.
@@ -412,6 +440,21 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
   private showTabs(): void {
     const children = this.screens.filter((screen) => !screen.dialog).sort((a, b) => a.id - b.id);
     this.frame.show(children, this.topChild?.id ?? -1);
+  }
+
+  private showRecord(): void {
+    this.frame.showRecord(this.top?.record ?? null);
+  }
+  beside(verb: string): void {
+    this.typing.later(() => {
+      const top = this.top;
+      if (top === undefined || top.record === null || (verb === "attachments" && top.record.attachments === undefined)) return;
+      top.commit();
+      this.send({ do: verb });
+    });
+  }
+  ofAttachments(verb: string, record: string, id: number | null, done: (answered: boolean) => void): void {
+    this.send({ do: verb, record, ...(id === null ? {} : { id }) }, { done: (outcome) => done(outcome === "answered") });
   }
 
   // Puts the browser's focus where it belongs.
@@ -535,6 +578,10 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
     }
     if (ctrl && alt && key.toLowerCase() === "f") {
       if (!this.top?.dialog) this.favourites();
+      return true;
+    }
+    if (ctrl && alt && (key.toLowerCase() === "h" || key.toLowerCase() === "a")) {
+      this.beside(key.toLowerCase() === "h" ? "history" : "attachments");
       return true;
     }
     if (ctrl && alt && key.toLowerCase() === "r") {

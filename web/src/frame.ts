@@ -1,8 +1,7 @@
 // The frame around the screens: who and where one is, the menu, a tab for each open screen.
 import { el, icon } from "./dom.ts";
 import { MenuBoard } from "./menu.ts";
-import type { Me, MenuEntry } from "./protocol.ts";
-
+import type { Me, MenuEntry, RecordInFront } from "./protocol.ts";
 
 export interface FrameUser {
   open(entry: MenuEntry): void;
@@ -11,7 +10,14 @@ export interface FrameUser {
   leave(): void;
   favourites(): void;
   menuClosed(): void;
+  // Of the record in front: "history", "attachments".
+  beside(verb: string): void;
 }
+
+export const recordKeys = (record: RecordInFront): { key: string; caption: string; verb: string }[] => [
+  { key: "Ctrl+Alt+H", caption: `Histórico: ${record.title}`, verb: "history" },
+  ...(record.attachments === undefined ? [] : [{ key: "Ctrl+Alt+A", caption: `Anexos: ${record.title}`, verb: "attachments" }]),
+];
 
 export interface Tab {
   id: number;
@@ -29,6 +35,7 @@ export class Frame {
   private overBox: HTMLElement;
   private menuButton: HTMLButtonElement;
   private status: HTMLElement;
+  private beside = el("div", { class: "record", hidden: true });
   private bar: HTMLElement;
   private barTimer = 0;
   private toasts = el("div", { class: "toasts", role: "status" });
@@ -76,6 +83,7 @@ export class Frame {
       this.menuButton,
       favourites,
       this.tabs,
+      this.beside,
       el(
         "div",
         { class: "who" },
@@ -149,6 +157,26 @@ export class Frame {
       }),
     );
     this.tabs.querySelector(".is-active")?.scrollIntoView({ block: "nearest", inline: "nearest" });
+  }
+
+  // What is offered beside the record in front.
+  showRecord(record: RecordInFront | null): void {
+    this.beside.hidden = record === null;
+    if (record === null) return;
+    this.beside.replaceChildren(
+      ...recordKeys(record).map(({ key, caption, verb }) => {
+        const files = verb === "attachments";
+        const button = el(
+          "button",
+          { type: "button", class: "top-button", "aria-label": files ? `${caption} (${record.attachments})` : caption, "aria-keyshortcuts": key.replace("Ctrl", "Control"), title: `${caption} (${key})` },
+          icon(files ? "file" : "clock"),
+          el("span", {}, files ? String(record.attachments) : "Histórico"),
+        );
+        button.addEventListener("mousedown", (event) => event.preventDefault());
+        button.addEventListener("click", () => this.user.beside(verb));
+        return button;
+      }),
+    );
   }
 
   focusHome(): void {

@@ -1,6 +1,7 @@
 // The page begins: either someone is logged in, or the login page stands here.
 import { logout, me, preferences } from "./api.ts";
 import { Desk } from "./desk.ts";
+import { applyDisplay } from "./display.ts";
 import { el } from "./dom.ts";
 import { LoginPage } from "./login.ts";
 
@@ -49,6 +50,7 @@ async function start(): Promise<void> {
   let session = sessionStorage.getItem(kSession);
   if (session !== null && !(await hold(session))) session = null;
   const set = await preferences();
+  applyDisplay((key) => set.get(key) ?? null);
   desk?.destroy();
   desk = new Desk(root, who, {
     session,

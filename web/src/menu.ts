@@ -5,7 +5,7 @@ import { fit } from "./text/match.ts";
 import type { MenuEntry } from "./protocol.ts";
 
 // What the page itself does, as an entry among the screens.
-export const kAccount: MenuEntry = { class: "", caption: "Minha senha e sessões", group: "Usuário" };
+export const kAccount: MenuEntry = { class: "", caption: "Minha conta: senha, sessões, aparência", group: "Usuário" };
 
 export class MenuBoard {
   readonly element: HTMLElement;

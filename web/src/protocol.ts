@@ -34,6 +34,29 @@ export interface ChangeOut {
   focus?: string;
   badge?: string;
   sets?: Record<string, SetState>;
+  // What stands in front of the user, null for nothing any more.
+  record?: RecordInFront | null;
+}
+
+export interface RecordInFront {
+  title: string;
+  // How many files are attached; none where none can be.
+  attachments?: number;
+}
+
+export interface AttachmentsOut {
+  on: "attachments";
+  screen: number;
+  title: string;
+  record: string;
+  mayChange: boolean;
+  rows: { id: number; name: string; kind: string; size: number; who: string; when: string }[];
+}
+
+export interface AttachmentOut {
+  on: "attachment";
+  name: string;
+  address: string;
 }
 
 export interface MessageOut {
@@ -203,6 +226,8 @@ export type Out =
   | ReportOut
   | FiltersOut
   | FavouritesOut
+  | AttachmentsOut
+  | AttachmentOut
   | ProgressOut
   | { on: "busy"; value: boolean }
   | NoteOut

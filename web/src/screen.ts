@@ -1,5 +1,6 @@
 // A screen, drawn from its tree: its controls, its focus, its keys.
 import { el, icon, uniqueId, writeCaption } from "./dom.ts";
+import { recordKeys } from "./frame.ts";
 import { insertInto, pressInto, type Press } from "./keys.ts";
 import { isActions, isDescription, isPart, isTall, roleOf, spans, units, type Unit } from "./layout.ts";
 import { plain, readCaption, withKey } from "./text/caption.ts";
@@ -14,7 +15,7 @@ import { GridControl } from "./grid/control.ts";
 import type { DeskContext } from "./context.ts";
 import type { Draft, Kept } from "./drafts.ts";
 import type { Item } from "./queue.ts";
-import type { ChangeOut, ScreenOut, StateOut, TreeNode } from "./protocol.ts";
+import type { ChangeOut, RecordInFront, ScreenOut, StateOut, TreeNode } from "./protocol.ts";
 
 export class ScreenView implements ScreenContext {
   readonly id: number;
@@ -27,6 +28,8 @@ export class ScreenView implements ScreenContext {
   focusName = "";
   // What is under way on it: "Incluindo 006770".
   badge = "";
+  // What stands stored in front of the user.
+  record: RecordInFront | null = null;
   // In tab order.
   private controls: ControlView[] = [];
   private byName = new Map<string, ControlView>();
@@ -493,7 +496,8 @@ export class ScreenView implements ScreenContext {
       .map((control) => ({ key: control.accessKey, caption: control.caption }));
     const folds = this.folds.filter((fold) => fold.button.offsetParent !== null).map((fold) => ({ key: fold.key, caption: fold.captions[fold.open ? 1 : 0] }));
     const filters = this.filtersShown ? [{ key: this.filtersKey, caption: "Filtros guardados: guardar, usar, excluir" }] : [];
-    return [...buttons, ...folds, ...filters].filter(({ key }) => key !== "").map(({ key, caption }) => ({ key: `Alt+${key.toUpperCase()}`, caption }));
+    const own = [...buttons, ...folds, ...filters].filter(({ key }) => key !== "").map(({ key, caption }) => ({ key: `Alt+${key.toUpperCase()}`, caption }));
+    return [...own, ...(this.record === null ? [] : recordKeys(this.record))];
   }
   private get filtersShown(): boolean {
     return this.filterButtons.some((button) => button.offsetParent !== null);

@@ -1,8 +1,19 @@
-// One's own password and sessions: changed and ended here, without the administrator.
+// One's own corner: how the page looks and begins, one's password and one's sessions, without the administrator.
 import { changePassword, endSessions, ownSessions, type OwnSession } from "../api.ts";
+import { kChoices, kStart } from "../display.ts";
 import { el } from "../dom.ts";
 import type { Press } from "../keys.ts";
+import type { Me } from "../protocol.ts";
 import { Dialog } from "./dialog.ts";
+import { OwnList } from "./own_list.ts";
+
+export interface AccountUser {
+  remembered(key: string): string | null;
+  // Keeps it and shows it at once; null for what holds where nothing is set.
+  set(key: string, value: string | null): void;
+  // The desk knows nobody here any more.
+  loggedOut(): void;
+}
 
 function since(minutes: number): string {
   if (minutes < 1) return "agora";
@@ -13,31 +24,36 @@ export class AccountDialog extends Dialog {
   private present = this.passwordInput("current-password");
   private fresh = this.passwordInput("new-password");
   private again = this.passwordInput("new-password");
-  private told = el("p", { class: "account-told", role: "status" });
-  private list = el("div", { class: "account-list", role: "listbox", tabindex: "0", "aria-label": "Minhas sessões" });
+  private told = el("p", { class: "own-told", role: "status" });
+  private list = new OwnList("Minhas sessões");
+  private theme: HTMLElement;
   private sessions: OwnSession[] = [];
-  private current = 0;
   private busy = false;
 
   constructor(
-    user: string,
+    me: Me,
+    private user: AccountUser,
     close: () => void,
-    // The desk knows nobody here any more.
-    private loggedOut: () => void,
   ) {
-    super({ title: "Minha senha e sessões", className: "dialog-account", cancel: close });
-    const field = (text: string, input: HTMLInputElement): HTMLElement => el("label", { class: "field" }, el("span", { class: "label" }, text), input);
+    super({ title: "Minha conta", className: "dialog-account", cancel: close });
+    const field = (text: string, input: HTMLElement): HTMLElement => el("label", { class: "field" }, el("span", { class: "label" }, text), input);
+    const title = (text: string): HTMLElement => el("h3", { class: "own-title" }, text);
+    const looks = kChoices.map(({ key, caption, options }) => field(caption, this.choice(key, caption, options)));
+    const screens = me.menu.map(({ class: name, caption }): [string, string] => [name, caption]);
+    this.theme = looks[0]!.querySelector("select")!;
     // A keeper of passwords wants to know whose they are.
     const name = el("input", { type: "text", class: "unseen", name: "username", autocomplete: "username", tabindex: "-1", "aria-hidden": "true" });
-    name.value = user;
+    name.value = me.user;
     this.body.append(
-      el("div", { class: "account-password" }, name, field("Senha atual", this.present), field("Senha nova", this.fresh), field("Senha nova, outra vez", this.again)),
-      el("p", { class: "account-hint" }, "Pelo menos 12 caracteres. As suas outras sessões terminam com a troca."),
+      title("Aparência"),
+      el("div", { class: "own-row is-four" }, ...looks, field("Tela inicial", this.choice(kStart, "Tela inicial", [["", "Só o menu"], ...screens]))),
+      title("Senha"),
+      el("div", { class: "own-row" }, name, field("Senha atual", this.present), field("Senha nova", this.fresh), field("Senha nova, outra vez", this.again)),
+      el("p", { class: "own-hint" }, "Pelo menos 12 caracteres. As suas outras sessões terminam com a troca."),
       this.told,
-      el("h3", { class: "account-title" }, "Minhas sessões"),
-      this.list,
+      title("Minhas sessões"),
+      this.list.element,
     );
-    this.list.addEventListener("click", (event) => this.mark(this.rows.findIndex((row) => row.contains(event.target as Node))));
     this.addButton({ caption: "&Trocar a senha", primary: true, run: () => void this.change() });
     this.addButton({ caption: "&Encerrar a sessão", run: () => void this.end(false) });
     this.addButton({ caption: "Encerrar as &outras", run: () => void this.end(true) });
@@ -45,8 +61,16 @@ export class AccountDialog extends Dialog {
     void this.load();
   }
 
+  private choice(key: string, caption: string, options: [string, string][]): HTMLSelectElement {
+    const select = el("select", { class: "input select", "aria-label": caption }, ...options.map(([value, text]) => el("option", { value }, text)));
+    const now = this.user.remembered(key);
+    if (options.some(([value]) => value === now)) select.value = now!;
+    select.addEventListener("change", () => this.user.set(key, select.value === options[0]![0] ? null : select.value));
+    return select;
+  }
+
   override focusFirst(): void {
-    this.present.focus();
+    this.theme.focus();
   }
 
   protected override press(press: Press): boolean {
@@ -55,11 +79,8 @@ export class AccountDialog extends Dialog {
       void this.change();
       return true;
     }
-    if (at !== this.list) return false;
-    if (press.key === "ArrowDown" || press.key === "ArrowUp") {
-      this.mark(Math.max(0, Math.min(this.sessions.length - 1, this.current + (press.key === "ArrowDown" ? 1 : -1))));
-      return true;
-    }
+    if (at !== this.list.element) return false;
+    if (this.list.press(press)) return true;
     if (press.key !== "Delete") return false;
     void this.end(false);
     return true;
@@ -81,7 +102,7 @@ export class AccountDialog extends Dialog {
     this.tell("");
     const { status, text } = await question();
     this.busy = false;
-    if (status === 401) this.loggedOut();
+    if (status === 401) this.user.loggedOut();
     else this.tell(status === 200 ? done : text, status !== 200);
     return status === 200;
   }
@@ -102,7 +123,7 @@ export class AccountDialog extends Dialog {
   }
 
   private async end(all: boolean): Promise<void> {
-    const session = this.sessions[this.current];
+    const session = this.sessions[this.list.current];
     if (!all && (session === undefined || session.own)) {
       this.tell("Esta é a sessão em que você está: para encerrá-la, use Sair.", true);
       return;
@@ -117,30 +138,11 @@ export class AccountDialog extends Dialog {
       return;
     }
     this.sessions = sessions;
-    this.list.replaceChildren(
-      ...sessions.map((session, at) =>
-        el(
-          "div",
-          { class: "account-item", role: "option", id: `account-session-${at}`, "aria-selected": "false" },
-          el("span", {}, session.own ? "Esta sessão" : `Sessão em ${session.address}`),
-          el("span", {}, `aberta ${since(session.minutes)}, usada ${since(session.idle)}`),
-          el("span", {}, session.windows === 1 ? "1 janela" : `${session.windows} janelas`),
-        ),
-      ),
-    );
-    this.mark(Math.min(this.current, sessions.length - 1));
-  }
-
-  private get rows(): HTMLElement[] {
-    return [...this.list.children] as HTMLElement[];
-  }
-  private mark(at: number): void {
-    if (at < 0) return;
-    this.current = at;
-    this.rows.forEach((row, i) => {
-      row.classList.toggle("is-current", i === at);
-      row.setAttribute("aria-selected", String(i === at));
-    });
-    this.list.setAttribute("aria-activedescendant", `account-session-${at}`);
+    const rows = sessions.map((session) => [
+      session.own ? "Esta sessão" : `Sessão em ${session.address}`,
+      `aberta ${since(session.minutes)}, usada ${since(session.idle)}`,
+      session.windows === 1 ? "1 janela" : `${session.windows} janelas`,
+    ]);
+    this.list.fill(rows, "");
   }
 }

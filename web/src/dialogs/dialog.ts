@@ -89,7 +89,7 @@ export abstract class Dialog {
       return true;
     }
     // In a message the letter alone is enough, as there is nothing to type into.
-    const typing = target instanceof HTMLInputElement && (target.type === "text" || target.type === "password");
+    const typing = target instanceof HTMLSelectElement || (target instanceof HTMLInputElement && (target.type === "text" || target.type === "password"));
     if ([...key].length === 1 && !ctrl && (alt || !typing)) {
       const button = this.buttons.find((one) => one.key !== "" && one.key === plain(key));
       button?.run();

@@ -9,7 +9,7 @@ export class Scroll {
   private shown = 0;
 
   constructor(
-    readonly rowHeight: number,
+    public rowHeight: number,
     public count = 0,
     public view = 0,
   ) {}

@@ -1,5 +1,6 @@
 // The grid: a window over any number of rows. The scroller has the focus; the current cell is its active
 // descendant; rows are drawn where they are seen and nowhere else.
+import { lettersScale, rowHeight } from "../display.ts";
 import { el, uniqueId } from "../dom.ts";
 import { showCount } from "../text/money.ts";
 import { Blocks, kBlock } from "./blocks.ts";
@@ -26,7 +27,6 @@ export interface GridOwner {
 
 export type Sorted = "ascending" | "descending" | "none";
 
-const kRowHeight = 26;
 // The page's letters, in pixels.
 const kLetters = 13;
 
@@ -45,7 +45,7 @@ export class GridView {
   readonly element: HTMLElement;
   readonly scroller: HTMLElement;
   readonly blocks = new Blocks();
-  readonly scroll = new Scroll(kRowHeight);
+  readonly scroll = new Scroll(rowHeight());
   private scale = 1;
   columns: Column[] = [];
   row = -1;
@@ -108,13 +108,27 @@ export class GridView {
     });
     this.observer = new ResizeObserver(() => this.measure());
     this.observer.observe(this.scroller);
+    window.addEventListener("orv-display", this.redraw);
   }
 
   destroy(): void {
     this.observer.disconnect();
+    window.removeEventListener("orv-display", this.redraw);
     cancelAnimationFrame(this.frame);
     window.clearTimeout(this.fetchTimer);
   }
+
+  // The user has set another height of rows or letters.
+  private redraw = (): void => {
+    const first = this.scroll.first;
+    this.scroll.rowHeight = rowHeight();
+    this.spacer.style.height = `${this.scroll.height}px`;
+    for (const one of this.drawn) one.place = -1;
+    this.told = "";
+    this.setColumns(this.columns);
+    this.bar = this.scroll.moveTo(first * this.scroll.rowHeight);
+    this.measure();
+  };
 
   // The height of the letters in pixels, 0 for the page's own.
   set letters(pixels: number) {
@@ -199,7 +213,7 @@ export class GridView {
   }
 
   private natural(column: Column): number {
-    return Math.round(naturalWidth(column) * Math.max(this.scale, 1));
+    return Math.round(naturalWidth(column) * Math.max(this.scale, lettersScale()));
   }
 
   private drag(event: PointerEvent, at: number): void {
@@ -299,7 +313,7 @@ export class GridView {
     if (this.scroll.view > 0) this.inSight = this.row >= this.scroll.first && this.row <= this.scroll.last;
     this.scroll.view = view;
     this.port.style.height = `${view}px`;
-    this.element.classList.toggle("is-tall", view >= 6 * kRowHeight);
+    this.element.classList.toggle("is-tall", view >= 6 * this.scroll.rowHeight);
     this.bar = this.scroll.moveTo(this.scroll.top);
     // The current row stays in sight when the grid grows or shrinks around it, or was hidden meanwhile.
     if (view > 0 && this.row >= 0 && (this.inSight || document.activeElement === this.scroller)) this.bar = this.scroll.reveal(this.row);
@@ -319,7 +333,7 @@ export class GridView {
   private wheel(event: WheelEvent): void {
     if (!this.scroll.scaled || event.ctrlKey || event.shiftKey || event.deltaY === 0) return;
     event.preventDefault();
-    const unit = event.deltaMode === 1 ? kRowHeight : event.deltaMode === 2 ? this.scroll.view : 1;
+    const unit = event.deltaMode === 1 ? this.scroll.rowHeight : event.deltaMode === 2 ? this.scroll.view : 1;
     this.bar = this.scroll.moveTo(this.scroll.top + event.deltaY * unit);
     this.draw();
   }
@@ -356,12 +370,12 @@ export class GridView {
       this.write(one, row, holds(chosen, row));
       if (one.place !== row - base) {
         one.place = row - base;
-        one.element.style.top = `${one.place * kRowHeight}px`;
+        one.element.style.top = `${one.place * this.scroll.rowHeight}px`;
       }
       order[at] = one;
     }
     this.drawn = order as DrawnRow[];
-    this.rows.style.transform = `translateY(${Math.round(base * kRowHeight - this.scroll.top)}px)`;
+    this.rows.style.transform = `translateY(${Math.round(base * this.scroll.rowHeight - this.scroll.top)}px)`;
     // In the order of the rows for who reads them one by one.
     let before: Element | null = null;
     for (const one of this.drawn) {
