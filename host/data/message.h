@@ -36,8 +36,8 @@ class RowReader {
   const std::vector<Column>& Columns() const { return columns_; }
   Firebird::IMessageMetadata* Metadata() const { return metadata_.get(); }
   unsigned char* Buffer() { return buffer_.data(); }
-  // Turns the row in the buffer into values. Raises DatabaseError for a text of more than 1 MiB or bytes of more than 8, RangeError
-  // for an amount beyond `Currency`.
+  // Turns the row in the buffer into values. Raises DatabaseError for a text of more than 1 MiB or bytes of
+  // more than 8, RangeError for an amount beyond `Currency`.
   void Read(std::span<Value> row, const BlobSource& blobs) const;
 
  private:

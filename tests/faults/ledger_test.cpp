@@ -61,8 +61,7 @@ class ActionsTest : public Actions<CcTest> {
            Sql("SELECT COUNT(*) FROM CHEQUE_DUP_001") + "/" + Sql("SELECT COUNT(*) FROM PAGTO1_001") + "/" +
            Sql("SELECT COUNT(*), SUM(VAL_PAG) FROM PAGTO_001") + "/" +
            Sql("SELECT COUNT(*), SUM(VALOR_RAT) FROM CENTRO_RATEIO_001") + "/" +
-           Sql("SELECT COUNT(*) FROM AUDITORIA") + "/" +
-           Sql(SumsMissingSql(AllKeptSums().front(), "_001"));
+           Sql("SELECT COUNT(*) FROM AUDITORIA") + "/" + Sql(SumsMissingSql(AllKeptSums().front(), "_001"));
   }
 
   std::string Kept(const Action& action, Desk& desk) override {

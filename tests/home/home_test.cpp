@@ -100,8 +100,8 @@ TEST_F(HomeTest, EachFigureIsThatOfTheTablesAndOfTheScreenThatItOpens) {
   desk.Open("TfmPainel");
 
   // Titles.
-  const std::vector<std::array<std::string, 2>> periods = {
-      {"1980-01-01", "2026-11-19"}, {"2026-11-20", "2026-11-26"}};
+  const std::vector<std::array<std::string, 2>> periods = {{"1980-01-01", "2026-11-19"},
+                                                           {"2026-11-20", "2026-11-26"}};
   for (std::size_t i = 0; i < periods.size(); ++i) {
     SCOPED_TRACE(periods[i][1]);
     const Row due = desk.Read("TbPrazos").at(i);

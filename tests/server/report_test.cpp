@@ -43,8 +43,9 @@ TEST_F(ServerReportTest, EachFormComesAsWhatItIs) {
     const Answer given = ana.Get(address);
     EXPECT_EQ(given.status, 200);
     EXPECT_EQ(given.Header("content-type"), form.type);
-    EXPECT_EQ(given.Header("content-disposition"),
-              std::string(form.disposition) + "; filename=\"saldos_das_contas_correntes." + form.format + "\"");
+    EXPECT_EQ(
+        given.Header("content-disposition"),
+        std::string(form.disposition) + "; filename=\"saldos_das_contas_correntes." + form.format + "\"");
     EXPECT_EQ(given.body.substr(0, std::string_view(form.begins).size()), form.begins);
     EXPECT_EQ(given.Header("cache-control"), "no-store");
     EXPECT_EQ(given.Header("x-content-type-options"), "nosniff");
