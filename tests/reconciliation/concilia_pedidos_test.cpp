@@ -251,8 +251,9 @@ TEST_F(PedidosTest, WhatIsRefusedWritesNothing) {
       nothing("", "");
     }
     StopAt(-1);
-    // Two receivables, four settlements, four entries, two audit lines; then what they replace as well.
-    EXPECT_EQ(row, run == 0 ? 12 : 20);
+    // Two receivables, four settlements, four entries, two audit lines; then what they replace, with its
+    // line, as well.
+    EXPECT_EQ(row, run == 0 ? 12 : 21);
   }
 
   // What a former run wrote: its own period, and what was done with its movement since. Its total was 0: it

@@ -77,7 +77,8 @@ TEST_F(ExtratoTest, LoadsReviewsAndConfirmsOfx) {
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM EXTRATO_001 WHERE ARQUIVO = 'NOVEMBRO.OFX' AND CHAVE = LANCTO"), "1");
   // A line's history tells the file that it came from.
   desk.Page("TabSheet2");
-  desk.Click("sbUltimo");
+  desk.Click("SbConsulta");
+  desk.Choose(Sql("SELECT LANCTO FROM EXTRATO_001 WHERE ARQUIVO = 'NOVEMBRO.OFX'"));
   desk.Do({{"do", "history"}});
   ASSERT_EQ(desk.Latest().front()["on"].String(), "detail") << desk.Messages();
   EXPECT_EQ(desk.Latest().front()["rows"].Items().at(0).Items().at(2).String(),
