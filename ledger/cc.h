@@ -341,7 +341,7 @@ class ORV_EXPORT TfmCC : public Child {
   // The posting on the screen.
   ModeloLanc Preenchido() const;
   void BtRepeteClick();
-  void BtModelosClick();
+  void PqModelosFecha();
   void BtGuardaClick();
   void BtVenceClick();
   void BtPassaClick();

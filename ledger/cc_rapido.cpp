@@ -16,7 +16,8 @@ void TfmCC::LigaRapido() {
   CbManter.OnChange = [this] { CbManterChange(); };
   BtRepete.SetEnabled(false);
   BtRepete.OnClick = [this] { BtRepeteClick(); };
-  BtModelos.OnClick = [this] { BtModelosClick(); };
+  BtModelos.OnClick = [this] { PqModelos.AbrePesquisa(); };
+  PqModelos.OnFechaPesquisa = [this] { PqModelosFecha(); };
   BtGuarda.OnClick = [this] { BtGuardaClick(); };
   BtVence.OnClick = [this] { BtVenceClick(); };
   BtPassa.OnClick = [this] { BtPassaClick(); };
@@ -92,8 +93,7 @@ void TfmCC::BtRepeteClick() {
   Preenche(ultima_->campos);
 }
 
-void TfmCC::BtModelosClick() {
-  if (!PqModelos.AbrePesquisa()) return;
+void TfmCC::PqModelosFecha() {
   const auto modelo = ModelosLanc(Funcoes, Tabela).Le(PqModelos.RetornoPesquisa("NOME"));
   if (modelo) UsaModelo(*modelo);
 }

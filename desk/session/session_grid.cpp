@@ -144,7 +144,9 @@ void Session::Export(const Json& in) {
   Send({{"on", "report"},
         {"id", 0},
         {"format", format},
-        {"file", Written(report, FileText(caption) + "_" + report.when.Day().Neutral(), format).string()}});
+        {"file",
+         Written(report, FileText(caption) + "_" + ReplaceAll(report.when.Day().Neutral(), "-", ""), format)
+             .string()}});
 }
 
 }  // namespace orv

@@ -36,6 +36,29 @@ void Append(std::vector<std::string>& ddl, const TableDef& table, std::string_vi
   for (std::string& sql : CreateIndexSql(table, emp_pat)) ddl.push_back(std::move(sql));
 }
 
+// Makes what isn't there yet of these tables, in every company that has its own: a table, or an index of it.
+void MakeMissing(Attachment& db, const std::vector<std::string>& names) {
+  std::vector<std::string> ddl;
+  for (const std::string& name : names) {
+    const TableDef& table = *FindTable(name);
+    const auto same = [&](const TableDef& one) { return one.name == table.name; };
+    const bool global = std::ranges::any_of(GlobalTables(), same);
+    for (const std::string& company : global ? std::vector<std::string>{""} : CompanySuffixes(db)) {
+      if (!HasTable(db, table.name + company)) {
+        Append(ddl, table, company);
+        continue;
+      }
+      const std::vector<std::string> indexes = CreateIndexSql(table, company);
+      for (std::size_t i = 0; i < indexes.size(); ++i) {
+        const std::string index = Quote(IndexName(table, company, i));
+        if (db.Scalar("SELECT 1 FROM RDB$INDICES WHERE RDB$INDEX_NAME = " + index).IsNull())
+          ddl.push_back(indexes[i]);
+      }
+    }
+  }
+  RunDdl(db, ddl);
+}
+
 // Runs a change whole or not at all, and commits it.
 template <class Change>
 void Whole(Attachment& db, Change change) {
@@ -121,30 +144,16 @@ void FillKinds(Attachment& db) {
 
 // The sums of movements and of lines of statements. Whoever was stopped halfway begins anew.
 void KeepSums(Attachment& db) {
+  MakeMissing(db, {"SALDO_DOBRA"});
   std::vector<std::string> ddl;
-  const auto make = [&](std::string_view table, const std::string& company) {
-    if (!HasTable(db, std::string(table) + company)) Append(ddl, *FindTable(table), company);
-  };
-  make("SALDO_DOBRA", "");
-  for (const std::string& company : CompanySuffixes(db)) {
-    for (const KeptSums& kept : AllKeptSums()) make(kept.sums, company);
+  for (const KeptSums& kept : AllKeptSums()) MakeMissing(db, {kept.sums});
+  for (const std::string& company : CompanySuffixes(db))
     for (std::string& sql : SumTriggersSql(company)) ddl.push_back(std::move(sql));
-  }
   RunDdl(db, ddl);
   db.CommitRetaining();
   BeginFolds(db);
   db.CommitRetaining();
   MendSums(db);
-}
-
-// What is open and what is to be reconciled is found without what is settled.
-void IndexOpen(Attachment& db) {
-  std::vector<std::string> ddl;
-  for (const std::string& company : CompanySuffixes(db)) {
-    for (const char* table : {"PAGTO", "RECEBER", "EXTRATO"})
-      ddl.push_back(CreateIndexSql(*FindTable(table), company).back());
-  }
-  RunDdl(db, ddl);
 }
 
 // Brings a database from the version before `version` to it.
@@ -154,39 +163,16 @@ struct Step {
 };
 
 const Step kSteps[] = {
-    {2,
-     [](Attachment& db) {
-       std::vector<std::string> ddl;
-       Append(ddl, *FindTable("PREFERENCIA"), "");
-       RunDdl(db, ddl);
-     }},
-    {3,
-     [](Attachment& db) {
-       std::vector<std::string> ddl;
-       for (const std::string& company : CompanySuffixes(db))
-         Append(ddl, *FindTable("ARQUIVO_EXTRATO"), company);
-       RunDdl(db, ddl);
-     }},
+    {2, [](Attachment& db) { MakeMissing(db, {"PREFERENCIA"}); }},
+    {3, [](Attachment& db) { MakeMissing(db, {"ARQUIVO_EXTRATO"}); }},
     {4, JoinNumbers},
     {5, FillKinds},
     {6, KeepSums},
-    {7, IndexOpen},
-    {8,
+    // Templates, rules and attachments; what is open, what is to be reconciled and the latest movements have
+    // an index each.
+    {7,
      [](Attachment& db) {
-       const TableDef& movements = *FindTable("CONTACOR");
-       std::vector<std::string> ddl;
-       for (const std::string& company : CompanySuffixes(db)) {
-         Append(ddl, *FindTable("MODELO_LANC"), company);
-         Append(ddl, *FindTable("REGRA_EXTRATO"), company);
-         ddl.push_back(CreateIndexSql(movements, company).back());
-       }
-       RunDdl(db, ddl);
-     }},
-    {9,
-     [](Attachment& db) {
-       std::vector<std::string> ddl;
-       for (const std::string& company : CompanySuffixes(db)) Append(ddl, *FindTable("ANEXO"), company);
-       RunDdl(db, ddl);
+       MakeMissing(db, {"MODELO_LANC", "REGRA_EXTRATO", "ANEXO", "CONTACOR", "EXTRATO", "PAGTO", "RECEBER"});
      }},
 };
 

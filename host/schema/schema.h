@@ -10,7 +10,7 @@ namespace orv {
 class Attachment;
 
 // The version that this program works on.
-constexpr int kSchemaVersion = 9;
+constexpr int kSchemaVersion = 7;
 
 struct Company {
   std::string emp_pat;  // "_" and three digits

@@ -74,7 +74,11 @@ TEST_F(Demo, IsTheSameOnEveryRun) {
   MakeDemo(*other, {1, kDay, 2});
   const auto digests = Digests(Db());
   EXPECT_EQ(digests, Digests(*other));
-  for (const auto& [table, digest] : digests) EXPECT_GT(digest.first, 0) << table;
+  // All but what only people put there.
+  for (const auto& [table, digest] : digests) {
+    const std::string kind = table.substr(0, table.rfind('_'));
+    EXPECT_EQ(digest.first > 0, kind != "ANEXO" && kind != "MODELO_LANC" && kind != "REGRA_EXTRATO") << table;
+  }
 }
 
 TEST_F(Demo, HasEveryKindOfThing) {

@@ -173,6 +173,7 @@ TEST_F(ScreensTest, EveryButtonDoesSomething) {
 }
 
 TEST_F(ScreensTest, EveryLookupLists) {
+  Run("INSERT INTO MODELO_LANC_001 (NOME, CONTA) VALUES ('ALUGUEL', '10250-1')");
   ForEach([&](const ScreenInfo&, Screen& screen) {
     for (Control* control : screen.Controls()) {
       auto* lookup = dynamic_cast<TPesquisa*>(control);
