@@ -26,7 +26,9 @@ let page;
 test("a file is loaded, looked over, confirmed, and its line tied to a movement and untied", async () => {
   page = await begin();
   await openLedger(page);
-  await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "1202", "Tab", "020", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab", "Depósito");
+  await keys(page, "Alt+i", "33021-5", "Tab", "000777", "Tab", "1202", "Tab", "020", "Tab", "1234,56", "Tab", "ArrowLeft", "Tab");
+  await focusIs(page, "Observação");
+  await keys(page, "Depósito");
   await shows(page, "Observação", "Depósito");
   await keys(page, "Alt+o");
   await focusIs(page, "Incluir");

@@ -152,5 +152,5 @@ test("a stop tells the users, undoes what is open, and leaves a log without amou
   // The page that stood at the log-in all the while finds the companies by itself.
   await logInAgain(page);
   await page.getByRole("button", { name: "Descartar" }).click();
-  await page.locator(".offers").waitFor({ state: "hidden" });
+  await page.locator(".offers:not(.guide)").waitFor({ state: "hidden" });
 });

@@ -45,7 +45,7 @@ test("filters are kept and used, a report becomes a favourite, and the chart sho
   await keys(page, "Escape");
   await box.waitFor({ state: "detached" });
   await keys(page, "F1");
-  await page.getByRole("dialog", { name: /Teclas/ }).getByText("Filtros guardados").waitFor();
+  await page.getByRole("dialog", { name: /Ajuda/ }).getByText("Filtros guardados").waitFor();
   await keys(page, "Escape");
   await page.getByRole("dialog").waitFor({ state: "detached" });
   await keys(page, "Alt+f");

@@ -44,7 +44,7 @@ test("F1 tells what a screen is for, its keys, and all keys, and every one of th
   const page = await begin();
   await keys(page, "F1");
   const box = page.getByRole("dialog");
-  await box.getByText("Como a empresa está hoje").waitFor();
+  await box.getByText("O menu abre qualquer tela").waitFor();
   await keys(page, "Escape");
   await openScreen(page, "resultado", "Relatório de Resultado Mensal");
   await openLedger(page);

@@ -137,7 +137,7 @@ describe("connection", () => {
     await lost().waitFor({ state: "hidden" });
     await shows(page, "Conta", "10250");
     await keys(page, "-1", "Tab", "DOC", "Tab");
-    await focusIs(page, "Lançamento");
+    await focusIs(page, "Classe Ger.");
     await page.reload();
     await page.getByRole("tab", { name: "Movimento de Contas Correntes" }).waitFor();
     await shows(page, "Documento", "DOC");
@@ -150,13 +150,13 @@ describe("connection", () => {
     await focusIs(page, "Documento");
     const link = begin.link();
     link.delay = 400;
-    await keys(page, "ABC", "Tab", "5", "Tab");
+    await keys(page, "ABC", "Tab", "1202", "Tab");
     // The first of them is on its way when the link breaks.
     link.drop();
     link.delay = 0;
-    await focusIs(page, "Vencimento");
+    await focusIs(page, "Histórico");
     await shows(page, "Documento", "ABC");
-    await shows(page, "Lançamento", "05/11/2026");
+    await shows(page, "Classe Ger.", "1202");
     await shows(page, "Conta", "10250-1");
   });
 });

@@ -143,7 +143,7 @@ test("the forecast is narrowed, gathered, followed to its source, corrected and 
   // What was out of sight shows the rows that it showed.
   assert.deepEqual(await rows(page, "Entradas"), entries);
   await keys(page, "Alt+i");
-  await readReport("Relatório de Projeção de Fluxo", "WRelPrevFluxo");
+  await readReport("Relatório de Projeção de Fluxo", "relatorio_de_projecao_de_fluxo");
 });
 
 test("the cash-flow analysis is simulated, opened, charted and printed", async () => {
@@ -231,7 +231,7 @@ test("a grid is searched, sorted, added up, arranged and taken away, by keyboard
   const download = page.waitForEvent("download");
   await keys(page, "c");
   const file = await download;
-  assert.equal(file.suggestedFilename(), "relatorio_de_lancamentos_2026_11_20.csv");
+  assert.equal(file.suggestedFilename(), "relatorio_de_lancamentos_20261120.csv");
   const lines = readFileSync(await file.path(), "utf8").trimEnd().split("\r\n");
   assert.match(lines[0], /^\uFEFFVencimento;Lançamento;Número;/);
   assert.equal(lines.length - 1, await count("Lançamentos"));

@@ -611,7 +611,7 @@ export class Desk implements DeskContext, BoxesUser, DoorUser, FrameUser, TakeUp
       this.frame.toggleMenu();
       return true;
     }
-    if (key === "F1" && this.top === undefined) {
+    if (key === "F1" && (this.top === undefined || (this.top === this.home && !this.frame.atPanel))) {
       this.help({ name: "inicio", caption: "Início", keysShown: [] });
       return true;
     }
