@@ -119,7 +119,7 @@ test("the forecast is narrowed, gathered, followed to its source, corrected and 
   await keys(page, "Alt+a");
   await picture(page, "forecast");
   assert.deepEqual(await findings(page), []);
-  const last = async () => (await rows(page, "Saldos"))[1].split("|")[1];
+  const last = async () => (await rows(page, "Saldos"))[1]?.split("|")[1] ?? "";
   const before = await last();
   const entries = await rows(page, "Entradas");
   // What of a class is overdue.
