@@ -22,8 +22,10 @@ constexpr const char *kAnalise = "TfmRelAnaliseFluxo", *kRegistro = "TfmRegistro
 TfmPainel::TfmPainel(Application& application)
     : ReportScreen(application, "TfmPainel", "fmPainel", "Hoje"),
       GridPosicao(*this, "GridPosicao", TbPosicao, GridColumns(kPosicao), true, "Posição"),
-      GridPrazos(*this, "GridPrazos", TbPrazos, GridColumns(kPrazos), true, "Títulos em aberto"),
-      GridCheques(*this, "GridCheques", TbCheques, GridColumns(kCheques), true, "Cheques pendentes"),
+      GridPrazos(*this, "GridPrazos", TbPrazos, GridColumns(kPrazos), true,
+                 "Títulos em aberto: vencidos e em 7 dias"),
+      GridCheques(*this, "GridCheques", TbCheques, GridColumns(kCheques), true,
+                  "Cheques pendentes: bons hoje e na semana"),
       GridSaldos(*this, "GridSaldos", TbSaldos, GridColumns(kSaldos), true, "Saldos de hoje"),
       GridLinhas(*this, "GridLinhas", TbLinhas, GridColumns(kLinhas), true, "Extrato a conciliar") {
   Layout(R"(

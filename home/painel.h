@@ -37,7 +37,7 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   TClientDataSet TbLinha{"TbLinha"};
   // Titles by when they fall due.
   static constexpr auto kPrazos = std::to_array<ReportField>({
-      {"Prazo", FieldType::String, 40, {"Títulos em aberto", 21}},
+      {"Prazo", FieldType::String, 40, {"Vencimento", 13}},
       {"QtdReceber", FieldType::String, 6, {"Qtde.", 5}},
       {"Receber", FieldType::Currency, 0, {"A receber", 13}},
       {"QtdPagar", FieldType::String, 6, {"Qtde.", 5}},
@@ -63,7 +63,7 @@ class ORV_EXPORT TfmPainel : public ReportScreen {
   TClientDataSet TbLinhas{"TbLinhas"};
   // Pending cheques by the days for which they are good.
   static constexpr auto kCheques = std::to_array<ReportField>({
-      {"Prazo", FieldType::String, 40, {"Cheques bons para", 21}},
+      {"Prazo", FieldType::String, 40, {"Bons para", 13}},
       {"QtdRecebidos", FieldType::String, 6, {"Qtde.", 5}},
       {"Recebidos", FieldType::Currency, 0, {"Recebidos", 13}},
       {"QtdEmitidos", FieldType::String, 6, {"Qtde.", 5}},

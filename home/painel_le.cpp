@@ -92,7 +92,7 @@ void TfmPainel::MostraPrazos(const Abertos& receber, const Abertos& pagar) {
   };
   const Date hoje = Today(), fim = hoje.AddDays(kSemana - 1);
   linha("Vencidos", {kPrimeiro, hoje.AddDays(-1)});
-  linha("Em 7 dias, até " + DiaEMes(fim), {hoje, fim});
+  linha("Até " + DiaEMes(fim), {hoje, fim});
 }
 
 void TfmPainel::MostraPosicao(const Abertos& receber, const Abertos& pagar) {
@@ -162,7 +162,7 @@ void TfmPainel::LeCheques() {
     });
   };
   linha("Hoje", {hoje, hoje});
-  linha("Semana, " + DiaEMes(segunda) + " a " + DiaEMes(domingo), {segunda, domingo});
+  linha(DiaEMes(segunda) + " a " + DiaEMes(domingo), {segunda, domingo});
 }
 
 }  // namespace orv

@@ -61,7 +61,7 @@ export class Frame {
         { class: "home-menu" },
         el("h1", { class: "home-title" }, me.companyName),
         this.home.element,
-        el("p", { class: "home-hint" }, "De qualquer tela, ", ...key("M"), " abre este menu", ...(me.home === undefined ? [] : [" e ", ...key("H"), " volta aqui"]), "."),
+        el("p", { class: "home-hint" }, "De qualquer tela, ", ...key("M"), " abre este menu", ...(me.home === undefined ? [] : [" e ", ...key("I"), " volta aqui"]), "."),
       ),
       this.panel,
     );

@@ -99,7 +99,7 @@ export class ChartView extends ControlView {
     // Many points take the room that there is, so that their letters are as large as any.
     const many = points > kFew;
     const width = many ? Math.max(this.plot.clientWidth - 2, kLeft * 4) : kWidth;
-    const height = many ? kLow : kHeight;
+    const height = many ? Math.min(Math.max(this.plot.clientHeight - 2, kLow), kHeight) : kHeight;
     const bottom = many ? kBottom / 2 : kBottom;
     const { low, high, ticks } = scale(this.values.flat().filter((value) => !Number.isNaN(value)), !many || this.series.some((one) => !one.line));
     const y = (value: number): number => kTop + ((high - value) / (high - low)) * (height - kTop - bottom);
