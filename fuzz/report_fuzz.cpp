@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const orv::Report report = orv::LayOut(orv::ReportTemplate::Parse("x", text), input);
     orv::ReportText66(report);
     orv::ReportHtml(report);
-    orv::ReportCsv(report);
+    for (const orv::ReportRows& table : report.sets) orv::TableCsv(table);
   } catch (const orv::UserError&) {
   }
   return 0;
