@@ -213,6 +213,7 @@ export class Frame {
   busy(on: boolean): void {
     if (on === this.marked) return;
     this.marked = on;
+    document.documentElement.classList.toggle("is-waiting", on);
     window.clearTimeout(this.barTimer);
     if (!on) {
       this.bar.hidden = true;

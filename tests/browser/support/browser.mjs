@@ -54,9 +54,11 @@ export async function openScreen(page, letters, caption) {
   await page.getByRole("tab", { name: caption }).first().waitFor();
 }
 
-// Keys by name, which `page.strokes` counts, other texts typed letter by letter.
+// Keys by name, which `page.strokes` counts, other texts typed letter by letter. A shortcut is pressed by whoever sees
+// what he presses it for: once the desk has answered what went before.
 export async function keys(page, ...list) {
   for (const key of list) {
+    if (/^(Alt|Control)\+./.test(key)) await until(`resposta antes de ${key}`, () => page.evaluate(() => !document.documentElement.classList.contains("is-waiting")));
     if (key.length > 1 && /^(Tab|Enter|Escape|F\d+|Arrow\w+|Page\w+|Home|End|Delete|Shift\+\w+|Alt\+\w+|Control\+\w+)$/.test(key)) {
       page.strokes = (page.strokes ?? 0) + 1;
       await page.keyboard.press(key);
