@@ -33,6 +33,8 @@ export class ChartView extends ControlView {
   private values: number[][] = [];
   private texts: string[][] = [];
   private page = -1;
+  // The room for which it was drawn.
+  private room = 0;
 
   constructor(screen: ScreenContext, node: TreeNode) {
     super(screen, node);
@@ -42,6 +44,9 @@ export class ChartView extends ControlView {
     this.legend = el("div", { class: "chart-legend" });
     this.element = el("div", { class: "field field-chart", role: "group", "aria-labelledby": id }, this.caption_, this.legend, this.plot);
     this.render();
+    new ResizeObserver(() => {
+      if (this.labels.length > 0 && this.plot.clientWidth > 0 && this.plot.clientWidth !== this.room) this.draw();
+    }).observe(this.plot);
   }
 
   private get series(): Series[] {
@@ -92,14 +97,21 @@ export class ChartView extends ControlView {
 
   private draw(): void {
     const points = this.labels.length;
+    this.room = this.plot.clientWidth;
     if (points === 0) {
       this.plot.replaceChildren(el("div", { class: "grid-empty" }, "Sem dados"));
       return;
     }
     // Many points take the room that there is, so that their letters are as large as any.
     const many = points > kFew;
-    const width = many ? Math.max(this.plot.clientWidth - 2, kLeft * 4) : kWidth;
     const height = many ? Math.min(Math.max(this.plot.clientHeight - 2, kLow), kHeight) : kHeight;
+    // Beside a report's rows the figures stand for all to read, and take what room they need.
+    const beside = this.element.closest(".part-picture") !== null;
+    const table = this.table(beside ? "chart-table" : "unseen");
+    const drawing = svg("svg", { "aria-hidden": "true" });
+    this.plot.replaceChildren(drawing, beside ? el("div", { class: "chart-figures", role: "region", "aria-label": "Números do gráfico", tabindex: "0" }, table) : table);
+    const width = many ? Math.max(Math.floor(drawing.getBoundingClientRect().width), kLeft * 4) : kWidth;
+    drawing.setAttribute("viewBox", `0 0 ${width} ${height}`);
     const bottom = many ? kBottom / 2 : kBottom;
     const { low, high, ticks } = scale(this.values.flat().filter((value) => !Number.isNaN(value)), !many || this.series.some((one) => !one.line));
     const y = (value: number): number => kTop + ((high - value) / (high - low)) * (height - kTop - bottom);
@@ -163,11 +175,7 @@ export class ChartView extends ControlView {
       text.textContent = shown;
       parts.push(text);
     });
-    const drawing = svg("svg", { viewBox: `0 0 ${width} ${height}`, "aria-hidden": "true" }, ...parts);
-    // Beside a report's rows the figures stand for all to read.
-    const beside = this.element.closest(".part-picture") !== null;
-    const table = this.table(beside ? "chart-table" : "unseen");
-    this.plot.replaceChildren(drawing, beside ? el("div", { class: "chart-figures", role: "region", "aria-label": "Números do gráfico", tabindex: "0" }, table) : table);
+    drawing.append(...parts);
   }
 
   // The values at the points of a line, each above its point or, where the line rises from it, below.
